@@ -1,0 +1,32 @@
+# avsk_add_plugin(TARGET SOURCES source... [FOLDER folder] [NAME name] [LOOSE])
+#
+# Builds a plugin the way the simulator wants it. FOLDER is a plugins folder
+# (by default <build>/plugins); the file lands in FOLDER/<NAME>/lin.avp, or
+# with LOOSE in FOLDER/<NAME>.avp. NAME is TARGET unless given.
+function(avsk_add_plugin target)
+  cmake_parse_arguments(arg "LOOSE" "FOLDER;NAME" "SOURCES" ${ARGN})
+  if(NOT arg_SOURCES)
+    message(FATAL_ERROR "avsk_add_plugin(${target}): name its files after SOURCES")
+  endif()
+  if(NOT arg_FOLDER)
+    set(arg_FOLDER ${CMAKE_CURRENT_BINARY_DIR}/plugins)
+  endif()
+  if(NOT arg_NAME)
+    set(arg_NAME ${target})
+  endif()
+
+  add_library(${target} MODULE ${arg_SOURCES})
+  target_link_libraries(${target} PRIVATE AVSK::AVSK)
+  # Plugins share one symbol namespace: whatever is not hidden clashes with the
+  # next plugin's, and a unique symbol keeps the file mapped after its unload.
+  set_target_properties(${target} PROPERTIES
+    PREFIX "" SUFFIX ".avp"
+    C_VISIBILITY_PRESET hidden CXX_VISIBILITY_PRESET hidden VISIBILITY_INLINES_HIDDEN ON)
+  target_compile_options(${target} PRIVATE $<$<COMPILE_LANG_AND_ID:CXX,GNU>:-fno-gnu-unique>)
+  target_link_options(${target} PRIVATE -Wl,-Bsymbolic)
+  if(arg_LOOSE)
+    set_target_properties(${target} PROPERTIES OUTPUT_NAME ${arg_NAME} LIBRARY_OUTPUT_DIRECTORY ${arg_FOLDER})
+  else()
+    set_target_properties(${target} PROPERTIES OUTPUT_NAME lin LIBRARY_OUTPUT_DIRECTORY ${arg_FOLDER}/${arg_NAME})
+  endif()
+endfunction()

@@ -1,0 +1,16 @@
+/**
+ * AVSK.h: the whole plugin interface in one include. The host interface
+ * (AVSKHost.h) is for programs that embed the library and is not part of it.
+ */
+#ifndef AVSK_H
+#define AVSK_H
+
+#include "AVSKDataAccess.h"
+#include "AVSKMenus.h"
+#include "AVSKPlugins.h"
+#include "AVSKProcessing.h"
+#include "AVSKThreadLocal.h"
+#include "AVSKTypes.h"
+#include "AVSKUtilities.h"
+
+#endif

@@ -1,0 +1,114 @@
+// The entry points through which the host starts and stops the library and
+// reports what happens. Each hands over to one handler; AVSKEventHook alone
+// has logic of its own. Owns the host's table.
+#include "AVSKHostTable.h"
+
+#include "AVSKDispatch.h"
+#include "AVSKLoader.h"
+#include "AVSKModules.h"
+
+#include "AVSK/AVSKDataAccess.h"
+
+#include <cstdio>
+#include <cstring>
+
+const AVSKHostCallbacks *gHooks = nullptr;
+AVSKWord gSelf = 0;
+char gDirSeparator[2] = "";
+
+namespace {
+
+void PublishBuild() {
+    char build[64];
+    const int length = std::snprintf(build, sizeof build, "%s %s", __DATE__, __TIME__);
+    AVSKSetDatab(AVSKFindDataRef("sim/version/avsk_build_string"), build, 0, length + 1);
+}
+
+// The host is the sender, whoever's call brought us here.
+int Broadcast(int message, AVSKWord parameter) {
+    const StDispatchCallback asHost(AVSK_PLUGIN_AERIVO);
+    AVSKSendMessageToPlugin(NO_PLUGIN_ID, message, reinterpret_cast<void *>(parameter));
+    return 1;
+}
+
+} // namespace
+
+int AVSKInitializePlugins(const char *path, const AVSKHostCallbacks *table, AVSKWord self) {
+    gSelf = self;
+    gHooks = table;
+    std::strcpy(gDirSeparator, "/");
+    AVSKInitMenus();
+    PublishBuild();
+    AVSKFindAndLoadPlugins(path);
+    AVSKEnableAllPlugins();
+    return AVSK_HOST_INTERFACE;
+}
+
+void AVSKShutdownPlugins() {
+    AVSKDisableAllPlugins();
+    AVSKUnloadPlugins();
+}
+
+int AVSKEventHook(int event, float elapsed, int /*unused*/, AVSKWord parameter) {
+    switch (event) {
+    case AVSKHostEventFrame:
+    case AVSKHostEventFrameEnd:
+        return AVSKDoFlightLoopProcessing(elapsed, event);
+    case AVSKHostEventBroadcast101:
+        return Broadcast(101, 0);
+    case AVSKHostEventPlaneLoaded:
+        Broadcast(AVSKMessagePlaneLoaded, parameter);
+        if (parameter == 0)
+            AVSKLoadUsersAircraftPlugins();
+        return 1;
+    case AVSKHostEventBroadcast103:
+        return Broadcast(103, 0);
+    case AVSKHostEventBroadcast104:
+        return Broadcast(104, 0);
+    case AVSKHostEventBroadcast105:
+        return Broadcast(105, 0);
+    case AVSKHostEventPlaneUnloaded:
+        Broadcast(AVSKMessagePlaneUnloaded, parameter);
+        if (parameter == 0) {
+            AVSKDisableACFPlugins();
+            AVSKUnloadAcfPlugin();
+        }
+        return 1;
+    case AVSKHostEventBroadcast107:
+        return Broadcast(107, 0);
+    case AVSKHostEventSceneryFolder:
+        AVSKFindAndLoadSceneryPlugins(reinterpret_cast<const char *>(parameter));
+        return 1;
+    case AVSKHostEventBroadcast108:
+        return Broadcast(108, parameter);
+    default:
+        return 1;
+    }
+}
+
+int AVSKDoDrawingHook(int /*drawCode*/, int /*reflection*/) { return 1; }
+
+int AVSKMouseClickHook(int /*x*/, int /*y*/, int /*down*/) { return 1; }
+
+int AVSKKeyPressHook(char /*key*/, int /*flags*/, char /*virtualKey*/) { return 1; }
+
+int AVSKCursorHook(int /*x*/, int /*y*/) { return 0; }
+
+int AVSKScrollWheelHook(int /*x*/, int /*y*/, int /*wheel*/, int /*clicks*/) { return 1; }
+
+int AVSKCameraHook(float * /*f1*/, float * /*f2*/, float * /*f3*/, float * /*f4*/, float * /*f5*/, float * /*f6*/,
+                   float * /*f7*/) {
+    return 1;
+}
+
+int AVSKMenuHook(int itemID) { return AVSKHandleMenuItemPick(itemID); }
+
+int AVSKCheckMenuHook(void *menu, int index, int *outCheck) { return AVSKHandleMenuItemCheck(menu, index, outCheck); }
+
+int AVSKMenuItemEnabled(void *menu, int index) { return AVSKHandleMenuItemEnable(menu, index); }
+
+void AVSKUpdatePlaneNameAndPath(int /*index*/, char * /*name*/, char * /*path*/) {}
+
+int AVSKGetNumberPlanesToHandle(int count, int /*flag*/) { return count; }
+
+int AVSKCommandHook(void * /*command*/, int /*begin*/, int /*end*/, int /*before*/) { return 1; }

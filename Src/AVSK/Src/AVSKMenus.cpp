@@ -1,0 +1,261 @@
+// Menus: a record of each host menu, with the owner of every item, and the
+// translation between a plugin's numbering of its items and the host's. Owns
+// gMenus and gPluginMenu; called by plugins and by the host's menu hooks.
+//
+// Every call of the host could lead back in here and destroy the menu in
+// hand: it is looked up again before it is touched again.
+#include "AVSK/AVSKMenus.h"
+
+#include "AVSKDispatch.h"
+#include "AVSKErrors.h"
+#include "AVSKHostTable.h"
+#include "AVSKModules.h"
+
+#include <algorithm>
+#include <unordered_set>
+#include <vector>
+
+namespace {
+
+struct MenuItem {
+    int hostID; // under which the host reports picks
+    void *itemRef;
+    int check;
+    int enabled;
+    int owner; // the plugin that appended it
+};
+
+} // namespace
+
+struct AVSKMenuInfo_t {
+    void *hostMenu = nullptr;
+    void *menuRef = nullptr;
+    std::vector<MenuItem> items; // by global index, the host's
+    AVSKMenuHandler_f handler = nullptr;
+    int owner = NO_PLUGIN_ID;
+
+    int Count() const { return static_cast<int>(items.size()); }
+    bool Has(int index) const { return index >= 0 && index < Count(); }
+    MenuItem &operator[](int index) { return items[static_cast<std::size_t>(index)]; }
+    void Erase(int index) { items.erase(items.begin() + index); }
+};
+
+std::vector<AVSKMenuInfo_t *> gMenus; // in order of creation
+AVSKMenuInfo_t *gPluginMenu = nullptr;
+
+namespace {
+
+// Every record not yet freed, by which a stale ID is told without touching
+// it. With an old host it outlives its place in gMenus.
+std::unordered_set<AVSKMenuInfo_t *> gMenuStorage;
+
+bool IsMenu(AVSKMenuID menu) { return gMenuStorage.count(menu) != 0; }
+
+int AVSKItemPluginToGlobal(AVSKMenuInfo_t &menu, int pluginID, int pluginIndex) {
+    int before = 0;
+    for (int index = 0; index < menu.Count(); ++index)
+        if (menu[index].owner == pluginID && before++ == pluginIndex)
+            return index;
+    return -1;
+}
+
+int AVSKItemGlobalToPlugin(AVSKMenuInfo_t &menu, int pluginID, int globalIndex) {
+    if (!menu.Has(globalIndex) || menu[globalIndex].owner != pluginID)
+        return -1;
+    return static_cast<int>(std::count_if(menu.items.begin(), menu.items.begin() + globalIndex,
+                                          [pluginID](const MenuItem &item) { return item.owner == pluginID; }));
+}
+
+// The dispatched plugin's item, or null.
+MenuItem *ItemOf(AVSKMenuID menu, int index) {
+    if (!IsMenu(menu))
+        return nullptr;
+    const int global = AVSKItemPluginToGlobal(*menu, AVSKGetDispatchedPlugin(), index);
+    return global < 0 ? nullptr : &(*menu)[global];
+}
+
+// The host keeps the items, renamed to nothing, and reuses their places.
+void RenameAllToNothing(AVSKMenuID menu) {
+    for (int index = 0; IsMenu(menu) && index < menu->Count(); ++index)
+        gHooks->setMenuItemName(menu->hostMenu, index, "", 0);
+}
+
+void DestroyHostMenu(AVSKMenuID menu) {
+    if (IsMenu(menu) && AVSKHostHasFullTable(gHooks))
+        gHooks->destroyMenu(menu->hostMenu);
+}
+
+void Free(AVSKMenuID menu) {
+    if (gMenuStorage.erase(menu) != 0)
+        delete menu;
+}
+
+void Unlist(const AVSKMenuInfo_t *menu) { gMenus.erase(std::remove(gMenus.begin(), gMenus.end(), menu), gMenus.end()); }
+
+} // namespace
+
+void AVSKInitMenus() {
+    const StDispatchCallback asHost(AVSK_PLUGIN_AERIVO);
+    gPluginMenu = nullptr;
+    gPluginMenu = AVSKCreateMenu("Plugins", nullptr, 0, nullptr, nullptr);
+}
+
+AVSKMenuID AVSKFindPluginsMenu() { return gPluginMenu; }
+
+AVSKMenuID AVSKCreateMenu(const char *name, AVSKMenuID parent, int parentItem, AVSKMenuHandler_f handler,
+                          void *menuRef) {
+    if (!parent && gPluginMenu) {
+        parentItem = AVSKAppendMenuItem(gPluginMenu, name, nullptr, 1);
+        parent = gPluginMenu;
+    }
+    void *hostParent = nullptr;
+    if (parent) {
+        if (!IsMenu(parent))
+            return nullptr;
+        hostParent = parent->hostMenu;
+        parentItem = AVSKItemPluginToGlobal(*parent, AVSKGetDispatchedPlugin(), parentItem);
+    }
+    auto *menu = new AVSKMenuInfo_t;
+    gMenuStorage.insert(menu);
+    menu->hostMenu = gHooks->createMenu(hostParent, parentItem, name);
+    menu->menuRef = menuRef;
+    menu->handler = handler;
+    menu->owner = AVSKGetDispatchedPlugin();
+    gMenus.push_back(menu);
+    return menu;
+}
+
+void AVSKDestroyMenu(AVSKMenuID menu) {
+    if (std::find(gMenus.begin(), gMenus.end(), menu) == gMenus.end() || menu->owner != AVSKGetDispatchedPlugin())
+        return;
+    RenameAllToNothing(menu);
+    DestroyHostMenu(menu);
+    Unlist(menu);
+    Free(menu);
+}
+
+void AVSKClearAllMenuItems(AVSKMenuID menu) {
+    if (!IsMenu(menu) || menu->owner != AVSKGetDispatchedPlugin())
+        return;
+    RenameAllToNothing(menu);
+    if (IsMenu(menu))
+        menu->items.clear();
+}
+
+int AVSKAppendMenuItem(AVSKMenuID menu, const char *name, void *itemRef, int forceEnglish) {
+    if (!IsMenu(menu))
+        return -1;
+    const int index = menu->Count();
+    const int hostID = gHooks->appendMenuItem(menu->hostMenu, index, name, forceEnglish);
+    if (!IsMenu(menu))
+        return -1;
+    const int owner = AVSKGetDispatchedPlugin();
+    menu->items.push_back({hostID, itemRef, AVSKMenuNoCheck, 1, owner});
+    return AVSKItemGlobalToPlugin(*menu, owner, index);
+}
+
+void AVSKAppendMenuSeparator(AVSKMenuID menu) { AVSKAppendMenuItem(menu, "-", nullptr, 0); }
+
+void AVSKRemoveMenuItem(AVSKMenuID menu, int index) {
+    if (!IsMenu(menu))
+        return;
+    const int global = AVSKItemPluginToGlobal(*menu, AVSKGetDispatchedPlugin(), index);
+    if (global < 0) {
+        AVSKSendError("AVSKRemoveMenuItem was passed an out of range item index.");
+        return;
+    }
+    gHooks->removeMenuItem(menu->hostMenu, global);
+    if (IsMenu(menu) && menu->Has(global))
+        menu->Erase(global);
+}
+
+void AVSKSetMenuItemName(AVSKMenuID menu, int index, const char *name, int forceEnglish) {
+    if (IsMenu(menu))
+        gHooks->setMenuItemName(menu->hostMenu, AVSKItemPluginToGlobal(*menu, AVSKGetDispatchedPlugin(), index), name,
+                                forceEnglish);
+}
+
+void AVSKCheckMenuItem(AVSKMenuID menu, int index, int check) {
+    if (MenuItem *item = ItemOf(menu, index))
+        item->check = check;
+}
+
+void AVSKCheckMenuItemState(AVSKMenuID menu, int index, int *outCheck) {
+    if (const MenuItem *item = ItemOf(menu, index); item && outCheck)
+        *outCheck = item->check;
+}
+
+void AVSKEnableMenuItem(AVSKMenuID menu, int index, int enabled) {
+    if (MenuItem *item = ItemOf(menu, index))
+        item->enabled = enabled;
+}
+
+int AVSKHandleMenuItemPick(int itemID) {
+    for (AVSKMenuInfo_t *menu : gMenus)
+        for (const MenuItem &item : menu->items) {
+            if (item.hostID != itemID)
+                continue;
+            if (!menu->handler || !item.enabled)
+                return 0;
+            // The handler may destroy the menu: nothing is touched after it.
+            if (const StDispatchCallback guard(menu->owner); guard())
+                menu->handler(menu->menuRef, item.itemRef);
+            return 0;
+        }
+    return 1;
+}
+
+int AVSKHandleMenuItemCheck(void *hostMenu, int index, int *outCheck) {
+    for (AVSKMenuInfo_t *menu : gMenus) {
+        if (menu->hostMenu != hostMenu || !menu->Has(index))
+            continue;
+        const int check = (*menu)[index].check;
+        if (check < AVSKMenuNoCheck || check > AVSKMenuChecked)
+            continue;
+        if (outCheck)
+            *outCheck = check - 1; // the host counts from -1, no mark
+        return 0;
+    }
+    return 1;
+}
+
+int AVSKHandleMenuItemEnable(void *hostMenu, int index) {
+    for (AVSKMenuInfo_t *menu : gMenus) {
+        if (menu->hostMenu != hostMenu)
+            continue;
+        if (!menu->Has(index))
+            return 1;
+        if (menu->owner >= 0 && !AVSKIsPluginEnabled(menu->owner))
+            return 0;
+        return (*menu)[index].enabled;
+    }
+    return 1;
+}
+
+void AVSKMenuCleanupHook(int pluginID) {
+    const auto owned = [pluginID](const AVSKMenuInfo_t *menu) { return menu->owner == pluginID; };
+    for (auto at = gMenus.begin(); (at = std::find_if(gMenus.begin(), gMenus.end(), owned)) != gMenus.end();) {
+        AVSKMenuInfo_t *menu = *at;
+        RenameAllToNothing(menu);
+        if (IsMenu(menu))
+            menu->handler = nullptr;
+        const bool hostForgets = AVSKHostHasFullTable(gHooks);
+        DestroyHostMenu(menu);
+        Unlist(menu);
+        if (hostForgets) // an old host goes on showing the menu, and the record stays for it
+            Free(menu);
+    }
+    AVSKMenuInfo_t *shared = gPluginMenu;
+    for (int index = IsMenu(shared) ? shared->Count() - 1 : -1; index >= 0; --index)
+        if (shared->Has(index) && (*shared)[index].owner == pluginID) {
+            gHooks->removeMenuItem(shared->hostMenu, index);
+            if (shared->Has(index))
+                shared->Erase(index);
+        }
+}
+
+bool AVSKMenuHolds(int pluginID) {
+    return std::any_of(gMenus.begin(), gMenus.end(), [pluginID](const AVSKMenuInfo_t *menu) {
+        return menu->owner == pluginID && menu->handler;
+    });
+}

@@ -1,0 +1,23 @@
+// What the modules offer the core: the core's one door upward. Each function
+// is defined in the module of its name.
+#ifndef AVSK_MODULES_H
+#define AVSK_MODULES_H
+
+// Called when a plugin is unloaded: gives back everything it owns.
+void AVSKDataRefsCleanupHook(int pluginID);
+void AVSKMenuCleanupHook(int pluginID);
+void AVSKProcessingCleanupHook(int pluginID);
+
+// Tell whether the module holds anything on a plugin's account.
+bool AVSKDataRefsHolds(int pluginID);
+bool AVSKMenuHolds(int pluginID);
+bool AVSKProcessingHolds(int pluginID);
+
+// What the host's hooks hand over to.
+void AVSKInitMenus();
+int AVSKDoFlightLoopProcessing(float elapsedTime, int phase);
+int AVSKHandleMenuItemPick(int itemID);
+int AVSKHandleMenuItemCheck(void *hostMenu, int index, int *outCheck);
+int AVSKHandleMenuItemEnable(void *hostMenu, int index);
+
+#endif

@@ -1,0 +1,164 @@
+// Flight loops. Owns gFlightLoops, gLastCallNumber and gLastCallTime; called
+// by plugins, and by the host's hooks once per pass.
+#include "AVSK/AVSKProcessing.h"
+
+#include "AVSKDispatch.h"
+#include "AVSKErrors.h"
+#include "AVSKHostTable.h"
+#include "AVSKModules.h"
+#include "AVSKResourceList.h"
+
+#include <cfloat>
+#include <unordered_set>
+
+// Due times are rounded to float; excess precision would shift them.
+static_assert(FLT_EVAL_METHOD == 0, "build with -msse2 -mfpmath=sse");
+
+struct AVSKFlightLoopRecord : AVSKResource_t<AVSKFlightLoopRecord> {
+    float lastCallTime = 0; // when created, last called, or rescheduled relative to now
+    int lastCallCycle = 0;
+    float interval = 0;
+    int phase = 0;
+    AVSKFlightLoop_f callback = nullptr;
+    int owner = NO_PLUGIN_ID;
+    void *refcon = nullptr;
+
+    AVSKFlightLoopRecord();
+    ~AVSKFlightLoopRecord();
+    AVSKFlightLoopRecord(const AVSKFlightLoopRecord &) = delete;
+    AVSKFlightLoopRecord &operator=(const AVSKFlightLoopRecord &) = delete;
+};
+
+AVSKResourceList<AVSKFlightLoopRecord> gFlightLoops;
+int gLastCallNumber = 0;       // the pass counter
+const float gLastCallTime = 0; // never advanced: plugins expect the total elapsed time from it
+
+namespace {
+
+// Every record with storage, by which a stale handle is told without touching it.
+std::unordered_set<const AVSKFlightLoopRecord *> gLoopStorage;
+
+bool IsLoop(AVSKFlightLoopID loop) { return gLoopStorage.count(loop) != 0 && loop->linked; }
+
+bool IsDue(const AVSKFlightLoopRecord &loop, float now) {
+    if (loop.interval > 0) {
+        const float due = loop.lastCallTime + loop.interval;
+        return now >= due;
+    }
+    // In double both sides are exact, also beyond the integers of a float.
+    if (loop.interval < 0)
+        return static_cast<double>(gLastCallNumber) - loop.lastCallCycle >= -static_cast<double>(loop.interval);
+    return false;
+}
+
+bool Matches(const AVSKFlightLoopRecord &loop, AVSKFlightLoop_f callback, const void *refcon) {
+    return loop.callback == callback && loop.refcon == refcon;
+}
+
+} // namespace
+
+AVSKFlightLoopRecord::AVSKFlightLoopRecord() { gLoopStorage.insert(this); }
+
+AVSKFlightLoopRecord::~AVSKFlightLoopRecord() { gLoopStorage.erase(this); }
+
+float AVSKGetElapsedTime() { return gHooks->getElapsedTime(); }
+
+int AVSKGetCycleNumber() { return gLastCallNumber; }
+
+AVSKFlightLoopID AVSKCreateFlightLoop(const AVSKCreateFlightLoopParams *params) {
+    if (!params)
+        return nullptr;
+    if (AVSKHasError()) {
+        if (params->structSize != static_cast<int>(sizeof *params))
+            AVSKSendError("Illegal struct size for AVSKCreateFlightLoop");
+        if (params->phase != AVSKFlightLoopPhaseBefore && params->phase != AVSKFlightLoopPhaseAfter)
+            AVSKSendError("Illegal phase type for AVSKCreateFlightLoop");
+        if (!params->callbackFunc)
+            AVSKSendError("Null callback for AVSKCreateFlightLoop");
+    }
+    const float now = AVSKGetElapsedTime();
+    auto *loop = new AVSKFlightLoopRecord;
+    loop->lastCallTime = now;
+    loop->lastCallCycle = gLastCallNumber;
+    loop->phase = params->phase;
+    loop->callback = params->callbackFunc;
+    loop->owner = AVSKGetDispatchedPlugin();
+    loop->refcon = params->refcon;
+    gFlightLoops.Add(loop);
+    return loop;
+}
+
+void AVSKDestroyFlightLoop(AVSKFlightLoopID loop) {
+    if (!IsLoop(loop))
+        return;
+    if (loop->owner == AVSKGetDispatchedPlugin())
+        gFlightLoops.Remove(loop);
+    else
+        AVSKSendError("Attempt to remove a flight loop callback owned by another plugin.");
+}
+
+void AVSKScheduleFlightLoop(AVSKFlightLoopID loop, float interval, int relativeToNow) {
+    // Before the handle is looked at: the host's clock could lead back in here.
+    const float now = relativeToNow ? AVSKGetElapsedTime() : 0;
+    if (!IsLoop(loop))
+        return;
+    if (loop->owner != AVSKGetDispatchedPlugin()) {
+        AVSKSendError("Attempt to schedule a flight loop callback owned by another plugin.");
+        return;
+    }
+    if (relativeToNow)
+        loop->lastCallTime = now;
+    loop->interval = interval;
+}
+
+void AVSKRegisterFlightLoopCallback(AVSKFlightLoop_f callback, float interval, void *refcon) {
+    const AVSKCreateFlightLoopParams params = {sizeof params, AVSKFlightLoopPhaseBefore, callback, refcon};
+    AVSKScheduleFlightLoop(AVSKCreateFlightLoop(&params), interval, 0);
+}
+
+void AVSKUnregisterFlightLoopCallback(AVSKFlightLoop_f callback, void *refcon) {
+    for (AVSKFlightLoopRecord &loop : gFlightLoops.AllRecords())
+        if (Matches(loop, callback, refcon)) {
+            gFlightLoops.Remove(&loop);
+            return;
+        }
+}
+
+void AVSKSetFlightLoopCallbackInterval(AVSKFlightLoop_f callback, float interval, int relativeToNow, void *refcon) {
+    for (AVSKFlightLoopRecord &loop : gFlightLoops.AllRecords())
+        if (Matches(loop, callback, refcon)) {
+            loop.interval = interval;
+            if (relativeToNow)
+                loop.lastCallTime = AVSKGetElapsedTime();
+        }
+}
+
+int AVSKDoFlightLoopProcessing(float elapsedTime, int phase) {
+    // Wraps where it would overflow.
+    gLastCallNumber = static_cast<int>(static_cast<unsigned>(gLastCallNumber) + 1U);
+    const int wanted = phase != 0 ? AVSKFlightLoopPhaseAfter : AVSKFlightLoopPhaseBefore;
+
+    for (AVSKFlightLoopRecord &loop : gFlightLoops.LiveRecords()) {
+        if (loop.phase != wanted || !IsDue(loop, elapsedTime) || !loop.callback)
+            continue;
+        if (const StDispatchCallback guard(loop.owner); guard()) {
+            loop.interval = loop.callback(elapsedTime - loop.lastCallTime, elapsedTime - gLastCallTime,
+                                          gLastCallNumber, loop.refcon);
+            loop.lastCallTime = elapsedTime;
+            loop.lastCallCycle = gLastCallNumber;
+        }
+    }
+    if (gScheduleReload)
+        AVSKReloadPluginsInternal();
+    return 1;
+}
+
+void AVSKProcessingCleanupHook(int pluginID) {
+    for (AVSKFlightLoopRecord &loop : gFlightLoops.AllRecords())
+        if (loop.owner == pluginID)
+            gFlightLoops.Remove(&loop);
+}
+
+bool AVSKProcessingHolds(int pluginID) {
+    return gFlightLoops.Any([pluginID](const AVSKFlightLoopRecord &loop) { return loop.owner == pluginID; });
+}

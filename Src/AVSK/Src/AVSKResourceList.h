@@ -1,0 +1,280 @@
+// The list that holds every callback a plugin registers, with removal that is
+// safe while the list is walked.
+//
+// A record removed during a walk stays linked, marked dead, until a walk ends;
+// then it is reclaimed: taken out of the list and out of every look-up. Its
+// storage lives on while any walk of the list is under way, and each walk
+// remembers where it would have gone on from a record that left under it. So
+// a callback may remove its own record, or any other, and may walk the list
+// itself, however deep.
+//
+// Used by the modules that keep callbacks; it calls nobody.
+#ifndef AVSK_RESOURCE_LIST_H
+#define AVSK_RESOURCE_LIST_H
+
+template <class T>
+class AVSKResourceList;
+
+// The links of a record; T derives from AVSKResource_t<T>.
+template <class T>
+struct AVSKResource_t {
+    T *next = nullptr;
+    bool dead = false;
+    T *prev = nullptr;
+    T *dead_next = nullptr;
+    // In a list, dead or alive. A reclaimed record whose storage lives on is not.
+    bool linked = false;
+    // On the dead chain, which a record brought to the front after its removal does not leave.
+    bool chained = false;
+
+    T *get_next() const { return next; }
+    T *get_prev() const { return prev; }
+    bool is_dead() const { return dead; }
+
+    static void AVSKAddResource(T *&head, T *rec) {
+        rec->prev = nullptr;
+        rec->next = head;
+        if (head)
+            head->prev = rec;
+        rec->dead = false;
+        rec->linked = true;
+        head = rec;
+    }
+
+    // Unlinks a record that is linked again at once.
+    static void AVSKRemoveResource(T *&head, T *rec) {
+        if (head == rec)
+            head = rec->next;
+        if (rec->prev)
+            rec->prev->next = rec->next;
+        if (rec->next)
+            rec->next->prev = rec->prev;
+    }
+
+    // Marks a record for reclaiming. It is chained once, however often it is removed.
+    static void AVSKDeferResource(T *&dead_list, T *rec) {
+        rec->dead = true;
+        if (rec->chained)
+            return;
+        rec->chained = true;
+        rec->dead_next = dead_list;
+        dead_list = rec;
+    }
+};
+
+// When a list reclaims what was removed from it.
+enum class AVSKReclaim {
+    AtEveryEnd, // at the end of any walk, also of one inside another
+    AfterPass   // at the end of the outermost walk: a removed record is still found until then
+};
+
+template <class T>
+class AVSKResourceList {
+  public:
+    class Walk;
+    class Range;
+
+    T *head = nullptr; // a cursor: the first record, or the last after a walk from the back
+    T *dead_list = nullptr;
+    int iterate_depth = 0;
+    bool needs_clean = false;
+
+    constexpr explicit AVSKResourceList(AVSKReclaim when = AVSKReclaim::AtEveryEnd) : reclaim(when) {}
+    AVSKResourceList(const AVSKResourceList &) = delete;
+    AVSKResourceList &operator=(const AVSKResourceList &) = delete;
+
+    // The list owns rec from here on. rec becomes the first record; if the
+    // cursor stands on the last record, those before that one are cut off.
+    void Add(T *rec) { T::AVSKAddResource(head, rec); }
+
+    void Remove(T *rec) {
+        if (iterate_depth != 0 || rec->chained) {
+            T::AVSKDeferResource(dead_list, rec);
+            needs_clean = true;
+        } else {
+            Reclaim(rec);
+        }
+    }
+
+    // Moves a record at once, also during a walk. One that was removed comes
+    // alive, but is reclaimed all the same when its time comes.
+    void MoveToFront(T *rec) {
+        for (Walk *walk = walks; walk; walk = walk->outer)
+            walk->PassOver(rec);
+        T::AVSKRemoveResource(head, rec);
+        T::AVSKAddResource(head, rec);
+    }
+
+    T *BeginIterate() {
+        ++iterate_depth;
+        while (head && head->prev)
+            head = head->prev;
+        return head;
+    }
+
+    // Leaves the cursor on the last record.
+    T *BeginReverseIterate() {
+        ++iterate_depth;
+        while (head && head->next)
+            head = head->next;
+        return head;
+    }
+
+    void EndIterate() {
+        if (--iterate_depth < 0)
+            iterate_depth = 0;
+        if (needs_clean && !(walks && reclaim == AVSKReclaim::AfterPass))
+            Clean();
+    }
+
+    void Clean() {
+        while (T *rec = dead_list) {
+            dead_list = rec->dead_next;
+            Reclaim(rec);
+        }
+        needs_clean = false;
+    }
+
+    // Ranges for range-based for. Each is one walk: begun when the range is
+    // made and ended when it goes, also by an exception.
+    Range LiveRecords() { return {*this, Direction::Forward, true}; }
+    Range AllRecords() { return {*this, Direction::Forward, false}; }
+    Range LiveRecordsFromBack() { return {*this, Direction::Backward, true}; }
+
+    // Tells whether a record, dead ones included, satisfies pred; without a walk and its effects.
+    template <class Pred>
+    bool Any(Pred pred) const {
+        const T *rec = head;
+        while (rec && rec->prev)
+            rec = rec->prev;
+        for (; rec; rec = rec->next)
+            if (pred(*rec))
+                return true;
+        return false;
+    }
+
+  private:
+    enum class Direction { Forward, Backward };
+
+    void Reclaim(T *rec) {
+        for (Walk *walk = walks; walk; walk = walk->outer)
+            walk->Leave(rec);
+        T::AVSKRemoveResource(head, rec);
+        if (!walks) {
+            delete rec;
+            return;
+        }
+        rec->dead = true;
+        rec->linked = false;
+        rec->chained = false;
+        rec->dead_next = retired;
+        retired = rec;
+    }
+
+    void FreeRetired() {
+        while (T *rec = retired) {
+            retired = rec->dead_next;
+            delete rec;
+        }
+    }
+
+    Walk *walks = nullptr; // under way, the innermost first
+    T *retired = nullptr;  // reclaimed, storage kept for the walks under way
+    const AVSKReclaim reclaim;
+};
+
+// A walk under way. It lives on the stack of the function that walks.
+template <class T>
+class AVSKResourceList<T>::Walk {
+  public:
+    Walk(AVSKResourceList &walked, Direction way)
+        : list(walked), outer(walked.walks), direction(way),
+          current(way == Direction::Forward ? walked.BeginIterate() : walked.BeginReverseIterate()) {
+        list.walks = this;
+    }
+
+    Walk(const Walk &) = delete;
+    Walk &operator=(const Walk &) = delete;
+
+    ~Walk() {
+        list.walks = outer;
+        if (!open)
+            list.EndIterate();
+        if (!list.walks && list.retired)
+            list.FreeRetired();
+    }
+
+    T *Current() const { return current; }
+
+    void Step() {
+        current = left ? resume : Beyond(current);
+        left = false;
+    }
+
+    // Has the walk never end for the list: its depth stays raised. Storage
+    // is given back as after any walk.
+    void KeepOpen() { open = true; }
+
+  private:
+    friend class AVSKResourceList;
+
+    T *Beyond(T *rec) const { return direction == Direction::Forward ? rec->next : rec->prev; }
+
+    void PassOver(T *rec) {
+        if (left && resume == rec)
+            resume = Beyond(rec);
+    }
+
+    void Leave(T *rec) {
+        PassOver(rec);
+        if (!left && current == rec) {
+            left = true;
+            resume = Beyond(rec);
+        }
+    }
+
+    AVSKResourceList &list;
+    Walk *const outer;
+    const Direction direction;
+    T *current;
+    T *resume = nullptr; // where to go on if current left the list
+    bool left = false;
+    bool open = false;
+};
+
+template <class T>
+class AVSKResourceList<T>::Range {
+  public:
+    Range(AVSKResourceList &walked, Direction way, bool skipDead) : walk(walked, way), live(skipDead) { SkipDead(); }
+
+    struct End {};
+    class Iterator {
+      public:
+        explicit Iterator(Range &walked) : range(walked) {}
+        T &operator*() const { return *range.walk.Current(); }
+        Iterator &operator++() {
+            range.walk.Step();
+            range.SkipDead();
+            return *this;
+        }
+        bool operator!=(End /*end*/) const { return range.walk.Current() != nullptr; }
+
+      private:
+        Range &range;
+    };
+
+    Iterator begin() { return Iterator(*this); }
+    End end() const { return {}; }
+    void KeepOpen() { walk.KeepOpen(); }
+
+  private:
+    void SkipDead() {
+        while (live && walk.Current() && walk.Current()->is_dead())
+            walk.Step();
+    }
+
+    Walk walk;
+    const bool live;
+};
+
+#endif
