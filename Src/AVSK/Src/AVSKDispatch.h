@@ -23,8 +23,7 @@ const char *DebugCurrentPluginName();
 // its calls is in it stays mapped until the chain is empty.
 class [[nodiscard]] StDispatchCallback {
   public:
-    explicit StDispatchCallback(int id)
-        : previous(gDispatchedPlugin), target(id), outer(innermost) {
+    explicit StDispatchCallback(int id) : previous(gDispatchedPlugin), target(id), outer(innermost) {
         const PluginRecord *record = AVSKPluginAt(id);
         callAllowed = record ? record->enabled : id == 0 && gAllPlugins.empty();
         gDispatchedPlugin = id;

@@ -8,6 +8,7 @@
 #include "AVSKModules.h"
 
 #include "AVSK/AVSKDataAccess.h"
+#include "AVSK/AVSKDisplay.h"
 
 #include <cstdio>
 #include <cstring>
@@ -86,15 +87,18 @@ int AVSKEventHook(int event, float elapsed, int /*unused*/, AVSKWord parameter) 
     }
 }
 
-int AVSKDoDrawingHook(int /*drawCode*/, int /*reflection*/) { return 1; }
+int AVSKDoDrawingHook(int drawCode, int reflection) { return AVSKDisplayDoDrawingHook(drawCode, reflection); }
 
-int AVSKMouseClickHook(int /*x*/, int /*y*/, int /*down*/) { return 1; }
+// Drags do not come from the host: the window pass asks for them.
+int AVSKMouseClickHook(int x, int y, int down) {
+    return AVSKDisplayMouseClickHook(x, y, down ? AVSKMouseDown : AVSKMouseUp);
+}
 
-int AVSKKeyPressHook(char /*key*/, int /*flags*/, char /*virtualKey*/) { return 1; }
+int AVSKKeyPressHook(char key, int flags, char virtualKey) { return AVSKDisplayKeyPressHook(key, flags, virtualKey); }
 
-int AVSKCursorHook(int /*x*/, int /*y*/) { return 0; }
+int AVSKCursorHook(int x, int y) { return AVSKDisplayCursorHook(x, y); }
 
-int AVSKScrollWheelHook(int /*x*/, int /*y*/, int /*wheel*/, int /*clicks*/) { return 1; }
+int AVSKScrollWheelHook(int x, int y, int wheel, int clicks) { return AVSKDisplayScrollWheelHook(x, y, wheel, clicks); }
 
 int AVSKCameraHook(float * /*f1*/, float * /*f2*/, float * /*f3*/, float * /*f4*/, float * /*f5*/, float * /*f6*/,
                    float * /*f7*/) {

@@ -16,7 +16,6 @@
 #include "UTL_unicode.h"
 
 #include <algorithm>
-#include <array>
 #include <cstdarg>
 #include <cstdio>
 #include <cstring>
@@ -44,13 +43,16 @@ struct ModuleTeardown {
     bool (*holds)(int pluginID);
 };
 constexpr ModuleTeardown kTeardown[] = {
+    {AVSKDisplayCleanupHook, AVSKDisplayHolds},
     {AVSKProcessingCleanupHook, AVSKProcessingHolds},
     {AVSKMenuCleanupHook, AVSKMenuHolds},
     {AVSKDataRefsCleanupHook, AVSKDataRefsHolds},
 };
 
 // The order in which a disabled plugin loses what needs it to be awake.
-constexpr std::array<void (*)(int pluginID), 0> kDisableHooks = {};
+constexpr void (*kDisableHooks[])(int pluginID) = {
+    AVSKDisplayDisableHook,
+};
 
 std::vector<void *> gWaitingLibraries; // unloaded while a call into them was under way
 
@@ -103,6 +105,11 @@ void Withdraw(const PluginShare &record) {
 bool AnyModuleHolds(int id) {
     return std::any_of(std::begin(kTeardown), std::end(kTeardown),
                        [id](const ModuleTeardown &module) { return module.holds(id); });
+}
+
+void CleanUp(int id) {
+    for (const ModuleTeardown &module : kTeardown)
+        module.cleanup(id);
 }
 
 // The three texts a plugin fills in. It is promised 256 bytes each; one that
@@ -301,7 +308,8 @@ void AVSKFindAndLoadPlugins(const char *hostFolder) {
         LoadOnePlugin(folder + "/" + name, 1);
     }
     for (const std::string &name : SortedContents(folder, "DIR"))
-        if (!Contains(name, "PluginAdmin") && !Contains(name, "AVSK.framework") && !Contains(name, "AVWidgets.framework"))
+        if (!Contains(name, "PluginAdmin") && !Contains(name, "AVSK.framework") &&
+            !Contains(name, "AVWidgets.framework"))
             LoadFatPlugin(folder + "/" + name);
 }
 
@@ -427,14 +435,15 @@ void UnloadOnePlugin(int id) {
         const StDispatchCallback guard(id);
         stop();
     }
-    for (const ModuleTeardown &module : kTeardown) {
-        if (record->unloaded)
-            return;
-        module.cleanup(id);
-    }
+    if (record->unloaded)
+        return;
+    CleanUp(id);
     if (record->unloaded)
         return;
     ForgetEntryPoints(*record);
+    // A last call, to a window that lost the focus, may have registered anew.
+    if (AnyModuleHolds(id))
+        CleanUp(id);
     AbandonDeliveries(*record); // what the stop call still asked for
     StDispatchCallback::ReleaseLibrary(id, std::exchange(record->handle, nullptr));
 }
@@ -538,8 +547,8 @@ void AVSKReloadPluginsInternal() {
     AVSKUnloadAcfPlugin();
     AVSKUnloadPlugins();
     if (AVSKHostHasMessages(gHooks))
-        gHooks->showMessage("Please place your new plugin in the plugins folder.",
-                            "I will then reload all plugins.", "", "");
+        gHooks->showMessage("Please place your new plugin in the plugins folder.", "I will then reload all plugins.",
+                            "", "");
 
     char hostFolder[1024] = ""; // twice the 512 bytes that the host is promised
     gHooks->getSystemPath(hostFolder);

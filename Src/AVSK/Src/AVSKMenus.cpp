@@ -10,9 +10,9 @@
 #include "AVSKErrors.h"
 #include "AVSKHostTable.h"
 #include "AVSKModules.h"
+#include "AVSKResourceList.h"
 
 #include <algorithm>
-#include <unordered_set>
 #include <vector>
 
 namespace {
@@ -27,7 +27,7 @@ struct MenuItem {
 
 } // namespace
 
-struct AVSKMenuInfo_t {
+struct AVSKMenuInfo_t : AVSKTracked<AVSKMenuInfo_t> {
     void *hostMenu = nullptr;
     void *menuRef = nullptr;
     std::vector<MenuItem> items; // by global index, the host's
@@ -45,11 +45,8 @@ AVSKMenuInfo_t *gPluginMenu = nullptr;
 
 namespace {
 
-// Every record not yet freed, by which a stale ID is told without touching
-// it. With an old host it outlives its place in gMenus.
-std::unordered_set<AVSKMenuInfo_t *> gMenuStorage;
-
-bool IsMenu(AVSKMenuID menu) { return gMenuStorage.count(menu) != 0; }
+// With an old host a record outlives its place in gMenus.
+bool IsMenu(AVSKMenuID menu) { return AVSKMenuInfo_t::Exists(menu); }
 
 int AVSKItemPluginToGlobal(AVSKMenuInfo_t &menu, int pluginID, int pluginIndex) {
     int before = 0;
@@ -86,7 +83,7 @@ void DestroyHostMenu(AVSKMenuID menu) {
 }
 
 void Free(AVSKMenuID menu) {
-    if (gMenuStorage.erase(menu) != 0)
+    if (IsMenu(menu))
         delete menu;
 }
 
@@ -116,7 +113,6 @@ AVSKMenuID AVSKCreateMenu(const char *name, AVSKMenuID parent, int parentItem, A
         parentItem = AVSKItemPluginToGlobal(*parent, AVSKGetDispatchedPlugin(), parentItem);
     }
     auto *menu = new AVSKMenuInfo_t;
-    gMenuStorage.insert(menu);
     menu->hostMenu = gHooks->createMenu(hostParent, parentItem, name);
     menu->menuRef = menuRef;
     menu->handler = handler;
@@ -255,7 +251,6 @@ void AVSKMenuCleanupHook(int pluginID) {
 }
 
 bool AVSKMenuHolds(int pluginID) {
-    return std::any_of(gMenus.begin(), gMenus.end(), [pluginID](const AVSKMenuInfo_t *menu) {
-        return menu->owner == pluginID && menu->handler;
-    });
+    return std::any_of(gMenus.begin(), gMenus.end(),
+                       [pluginID](const AVSKMenuInfo_t *menu) { return menu->owner == pluginID && menu->handler; });
 }

@@ -5,16 +5,29 @@
 
 // Called when a plugin is unloaded: gives back everything it owns.
 void AVSKDataRefsCleanupHook(int pluginID);
+void AVSKDisplayCleanupHook(int pluginID);
 void AVSKMenuCleanupHook(int pluginID);
 void AVSKProcessingCleanupHook(int pluginID);
 
+// Called before a plugin is disabled: takes what it may hold only while enabled.
+void AVSKDisplayDisableHook(int pluginID);
+
 // Tell whether the module holds anything on a plugin's account.
 bool AVSKDataRefsHolds(int pluginID);
+bool AVSKDisplayHolds(int pluginID);
 bool AVSKMenuHolds(int pluginID);
 bool AVSKProcessingHolds(int pluginID);
 
 // What the host's hooks hand over to.
 void AVSKInitMenus();
+int AVSKDisplayDoDrawingHook(int hostDrawCode, int isReflection);
+int AVSKDisplayMouseClickHook(int x, int y, int mouseStatus);
+void AVSKDisplayMouseDragHook();
+int AVSKDisplayKeyPressHook(char key, int flags, char virtualKey);
+int AVSKDisplayCursorHook(int x, int y);
+int AVSKDisplayScrollWheelHook(int x, int y, int wheel, int clicks);
+int AVSKDispatchDrawingHook(int phase, int isBefore, int isReflection);
+int AVSKDispatchHotKey(char virtualKey, int flags);
 int AVSKDoFlightLoopProcessing(float elapsedTime, int phase);
 int AVSKHandleMenuItemPick(int itemID);
 int AVSKHandleMenuItemCheck(void *hostMenu, int index, int *outCheck);

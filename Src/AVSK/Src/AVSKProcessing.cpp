@@ -9,12 +9,11 @@
 #include "AVSKResourceList.h"
 
 #include <cfloat>
-#include <unordered_set>
 
 // Due times are rounded to float; excess precision would shift them.
 static_assert(FLT_EVAL_METHOD == 0, "build with -msse2 -mfpmath=sse");
 
-struct AVSKFlightLoopRecord : AVSKResource_t<AVSKFlightLoopRecord> {
+struct AVSKFlightLoopRecord : AVSKResource_t<AVSKFlightLoopRecord>, AVSKTracked<AVSKFlightLoopRecord> {
     float lastCallTime = 0; // when created, last called, or rescheduled relative to now
     int lastCallCycle = 0;
     float interval = 0;
@@ -22,11 +21,6 @@ struct AVSKFlightLoopRecord : AVSKResource_t<AVSKFlightLoopRecord> {
     AVSKFlightLoop_f callback = nullptr;
     int owner = NO_PLUGIN_ID;
     void *refcon = nullptr;
-
-    AVSKFlightLoopRecord();
-    ~AVSKFlightLoopRecord();
-    AVSKFlightLoopRecord(const AVSKFlightLoopRecord &) = delete;
-    AVSKFlightLoopRecord &operator=(const AVSKFlightLoopRecord &) = delete;
 };
 
 AVSKResourceList<AVSKFlightLoopRecord> gFlightLoops;
@@ -35,10 +29,7 @@ const float gLastCallTime = 0; // never advanced: plugins expect the total elaps
 
 namespace {
 
-// Every record with storage, by which a stale handle is told without touching it.
-std::unordered_set<const AVSKFlightLoopRecord *> gLoopStorage;
-
-bool IsLoop(AVSKFlightLoopID loop) { return gLoopStorage.count(loop) != 0 && loop->linked; }
+bool IsLoop(AVSKFlightLoopID loop) { return AVSKFlightLoopRecord::Exists(loop) && loop->linked; }
 
 bool IsDue(const AVSKFlightLoopRecord &loop, float now) {
     if (loop.interval > 0) {
@@ -56,10 +47,6 @@ bool Matches(const AVSKFlightLoopRecord &loop, AVSKFlightLoop_f callback, const 
 }
 
 } // namespace
-
-AVSKFlightLoopRecord::AVSKFlightLoopRecord() { gLoopStorage.insert(this); }
-
-AVSKFlightLoopRecord::~AVSKFlightLoopRecord() { gLoopStorage.erase(this); }
 
 float AVSKGetElapsedTime() { return gHooks->getElapsedTime(); }
 
@@ -142,8 +129,8 @@ int AVSKDoFlightLoopProcessing(float elapsedTime, int phase) {
         if (loop.phase != wanted || !IsDue(loop, elapsedTime) || !loop.callback)
             continue;
         if (const StDispatchCallback guard(loop.owner); guard()) {
-            loop.interval = loop.callback(elapsedTime - loop.lastCallTime, elapsedTime - gLastCallTime,
-                                          gLastCallNumber, loop.refcon);
+            loop.interval = loop.callback(elapsedTime - loop.lastCallTime, elapsedTime - gLastCallTime, gLastCallNumber,
+                                          loop.refcon);
             loop.lastCallTime = elapsedTime;
             loop.lastCallCycle = gLastCallNumber;
         }
@@ -160,5 +147,6 @@ void AVSKProcessingCleanupHook(int pluginID) {
 }
 
 bool AVSKProcessingHolds(int pluginID) {
-    return gFlightLoops.Any([pluginID](const AVSKFlightLoopRecord &loop) { return loop.owner == pluginID; });
+    return gFlightLoops.Any(
+        [pluginID](const AVSKFlightLoopRecord &loop) { return loop.owner == pluginID && !loop.is_removed(); });
 }

@@ -12,6 +12,9 @@
 #ifndef AVSK_RESOURCE_LIST_H
 #define AVSK_RESOURCE_LIST_H
 
+#include <climits>
+#include <unordered_set>
+
 template <class T>
 class AVSKResourceList;
 
@@ -26,16 +29,24 @@ struct AVSKResource_t {
     bool linked = false;
     // On the dead chain, which a record brought to the front after its removal does not leave.
     bool chained = false;
+    // The last of those that an Add cut off: next does not point back.
+    bool cut = false;
 
     T *get_next() const { return next; }
     T *get_prev() const { return prev; }
     bool is_dead() const { return dead; }
+    // Removed, though perhaps brought to the front since.
+    bool is_removed() const { return chained || !linked; }
 
     static void AVSKAddResource(T *&head, T *rec) {
         rec->prev = nullptr;
         rec->next = head;
-        if (head)
+        rec->cut = false;
+        if (head) {
+            if (head->prev)
+                head->prev->cut = true;
             head->prev = rec;
+        }
         rec->dead = false;
         rec->linked = true;
         head = rec;
@@ -45,9 +56,11 @@ struct AVSKResource_t {
     static void AVSKRemoveResource(T *&head, T *rec) {
         if (head == rec)
             head = rec->next;
-        if (rec->prev)
+        if (rec->prev) {
             rec->prev->next = rec->next;
-        if (rec->next)
+            rec->prev->cut = rec->cut;
+        }
+        if (rec->next && !rec->cut)
             rec->next->prev = rec->prev;
     }
 
@@ -62,6 +75,26 @@ struct AVSKResource_t {
     }
 };
 
+// A base that knows every object of a type that has storage, so that a stale
+// handle is told by its address alone.
+template <class T>
+class AVSKTracked {
+  public:
+    AVSKTracked(const AVSKTracked &) = delete;
+    AVSKTracked &operator=(const AVSKTracked &) = delete;
+
+    static const std::unordered_set<T *> &All() { return all; }
+    static bool Exists(const T *object) { return all.count(const_cast<T *>(object)) != 0; }
+
+  protected:
+    AVSKTracked() { all.insert(static_cast<T *>(this)); }
+    ~AVSKTracked() { all.erase(static_cast<T *>(this)); }
+
+  private:
+    // Never destroyed: plugins may still be called while the process exits.
+    static inline std::unordered_set<T *> &all = *new std::unordered_set<T *>;
+};
+
 // When a list reclaims what was removed from it.
 enum class AVSKReclaim {
     AtEveryEnd, // at the end of any walk, also of one inside another
@@ -73,6 +106,7 @@ class AVSKResourceList {
   public:
     class Walk;
     class Range;
+    class Pin;
 
     T *head = nullptr; // a cursor: the first record, or the last after a walk from the back
     T *dead_list = nullptr;
@@ -106,7 +140,7 @@ class AVSKResourceList {
     }
 
     T *BeginIterate() {
-        ++iterate_depth;
+        Deepen();
         while (head && head->prev)
             head = head->prev;
         return head;
@@ -114,7 +148,7 @@ class AVSKResourceList {
 
     // Leaves the cursor on the last record.
     T *BeginReverseIterate() {
-        ++iterate_depth;
+        Deepen();
         while (head && head->next)
             head = head->next;
         return head;
@@ -141,7 +175,7 @@ class AVSKResourceList {
     Range AllRecords() { return {*this, Direction::Forward, false}; }
     Range LiveRecordsFromBack() { return {*this, Direction::Backward, true}; }
 
-    // Tells whether a record, dead ones included, satisfies pred; without a walk and its effects.
+    // Tells whether a record satisfies pred, dead ones included; without a walk and its effects.
     template <class Pred>
     bool Any(Pred pred) const {
         const T *rec = head;
@@ -154,13 +188,22 @@ class AVSKResourceList {
     }
 
   private:
-    enum class Direction { Forward, Backward };
+    enum class Direction {
+        Forward,
+        Backward
+    };
+
+    // Some walks never end, so the depth is bounded by hand.
+    void Deepen() {
+        if (iterate_depth < INT_MAX)
+            ++iterate_depth;
+    }
 
     void Reclaim(T *rec) {
         for (Walk *walk = walks; walk; walk = walk->outer)
             walk->Leave(rec);
         T::AVSKRemoveResource(head, rec);
-        if (!walks) {
+        if (!walks && pins == 0) {
             delete rec;
             return;
         }
@@ -172,6 +215,8 @@ class AVSKResourceList {
     }
 
     void FreeRetired() {
+        if (walks || pins != 0)
+            return;
         while (T *rec = retired) {
             retired = rec->dead_next;
             delete rec;
@@ -179,7 +224,8 @@ class AVSKResourceList {
     }
 
     Walk *walks = nullptr; // under way, the innermost first
-    T *retired = nullptr;  // reclaimed, storage kept for the walks under way
+    int pins = 0;
+    T *retired = nullptr; // reclaimed, storage kept for the walks and pins
     const AVSKReclaim reclaim;
 };
 
@@ -200,8 +246,9 @@ class AVSKResourceList<T>::Walk {
         list.walks = outer;
         if (!open)
             list.EndIterate();
-        if (!list.walks && list.retired)
-            list.FreeRetired();
+        else if (!outer && list.reclaim == AVSKReclaim::AfterPass)
+            list.Clean();
+        list.FreeRetired();
     }
 
     T *Current() const { return current; }
@@ -211,8 +258,8 @@ class AVSKResourceList<T>::Walk {
         left = false;
     }
 
-    // Has the walk never end for the list: its depth stays raised. Storage
-    // is given back as after any walk.
+    // Has the walk never end for the list: its depth stays raised. The pass
+    // and its hold on storage end all the same.
     void KeepOpen() { open = true; }
 
   private:
@@ -240,6 +287,23 @@ class AVSKResourceList<T>::Walk {
     T *resume = nullptr; // where to go on if current left the list
     bool left = false;
     bool open = false;
+};
+
+// Keeps the storage of records through a call that is not made from a walk.
+// Unlike a walk it defers no removal.
+template <class T>
+class [[nodiscard]] AVSKResourceList<T>::Pin {
+  public:
+    explicit Pin(AVSKResourceList &pinned) : list(pinned) { ++list.pins; }
+    ~Pin() {
+        --list.pins;
+        list.FreeRetired();
+    }
+    Pin(const Pin &) = delete;
+    Pin &operator=(const Pin &) = delete;
+
+  private:
+    AVSKResourceList &list;
 };
 
 template <class T>

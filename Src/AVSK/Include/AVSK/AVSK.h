@@ -6,6 +6,8 @@
 #define AVSK_H
 
 #include "AVSKDataAccess.h"
+#include "AVSKDisplay.h"
+#include "AVSKGraphics.h"
 #include "AVSKMenus.h"
 #include "AVSKPlugins.h"
 #include "AVSKProcessing.h"

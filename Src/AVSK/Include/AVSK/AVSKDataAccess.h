@@ -90,7 +90,8 @@ AVSK_API AVSKDataRef AVSKFindDataRef(const char *name);
  * @param name         the name, by custom "organisation/plugin/value"; copied. Null publishes nothing.
  * @param types        sum of AVSKDataTypeBits, reported to readers and not checked.
  * @param writable     0 refuses every write.
- * @param readInt,writeInt,readFloat,writeFloat,readDouble,writeDouble,readIntArray,writeIntArray,readFloatArray,writeFloatArray,readData,writeData
+ * @param
+ * readInt,writeInt,readFloat,writeFloat,readDouble,writeDouble,readIntArray,writeIntArray,readFloatArray,writeFloatArray,readData,writeData
  *                     accessors; null where the type is not served.
  * @param readRefcon   passed to every read accessor.
  * @param writeRefcon  passed to every write accessor.

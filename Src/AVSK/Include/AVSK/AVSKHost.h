@@ -64,7 +64,8 @@ typedef struct AVSKHostCallbacks {
     /** Slot 15: camera position, one pointer per field. */
     void (*readCameraPosition)(float *f1, float *f2, float *f3, float *f4, float *f5, float *f6, float *f7);
     /** Slot 16: draws an aircraft; nine words whose meaning is the host's. */
-    int (*drawAircraft)(AVSKWord a1, AVSKWord a2, AVSKWord a3, AVSKWord a4, AVSKWord a5, AVSKWord a6, AVSKWord a7, AVSKWord a8, AVSKWord a9);
+    int (*drawAircraft)(AVSKWord a1, AVSKWord a2, AVSKWord a3, AVSKWord a4, AVSKWord a5, AVSKWord a6, AVSKWord a7,
+                        AVSKWord a8, AVSKWord a9);
     /** Slot 17: loads the model of an aircraft; index 0 is the user's. */
     void (*loadAircraftModel)(int index, const char *path, const char *fileName);
     /** Slot 18: model of an aircraft, path before file name: 256 bytes each. */
@@ -123,7 +124,8 @@ typedef struct AVSKHostCallbacks {
     /** Slot 40: searches for a navaid; six words whose meaning is the host's. */
     int (*findNavAid)(AVSKWord a1, AVSKWord a2, AVSKWord a3, AVSKWord a4, AVSKWord a5, AVSKWord a6);
     /** Slot 41: describes a navaid. */
-    void (*getNavAidInfo)(AVSKWord navAid, AVSKWord a2, AVSKWord a3, AVSKWord a4, AVSKWord a5, AVSKWord a6, AVSKWord a7, AVSKWord a8, AVSKWord a9, AVSKWord a10);
+    void (*getNavAidInfo)(AVSKWord navAid, AVSKWord a2, AVSKWord a3, AVSKWord a4, AVSKWord a5, AVSKWord a6, AVSKWord a7,
+                          AVSKWord a8, AVSKWord a9, AVSKWord a10);
     /** Slot 42: number of flight-plan entries. */
     int (*countFMSEntries)(void);
     /** Slot 43: the entry shown. */
@@ -135,7 +137,8 @@ typedef struct AVSKHostCallbacks {
     /** Slot 46: flies to an entry. */
     void (*setDestinationFMSEntry)(int index);
     /** Slot 47: describes an entry. */
-    void (*getFMSEntryInfo)(AVSKWord index, AVSKWord a2, AVSKWord a3, AVSKWord a4, AVSKWord a5, AVSKWord a6, AVSKWord a7);
+    void (*getFMSEntryInfo)(AVSKWord index, AVSKWord a2, AVSKWord a3, AVSKWord a4, AVSKWord a5, AVSKWord a6,
+                            AVSKWord a7);
     /** Slot 48: sets an entry to a navaid. */
     void (*setFMSEntryInfo)(AVSKWord index, AVSKWord a2, AVSKWord a3);
     /** Slot 49: sets an entry to a position. */
@@ -171,7 +174,8 @@ typedef struct AVSKHostCallbacks {
     /** Slot 64: loads an object; null when it fails. */
     void *(*loadObject)(const char *path);
     /** Slot 65: draws one instance of an object. The second angle comes before the first. */
-    void (*drawObject)(void *object, float x, float y, float z, float angle2, float angle1, float angle3, int lighting, int earthRelative);
+    void (*drawObject)(void *object, float x, float y, float z, float angle2, float angle1, float angle3, int lighting,
+                       int earthRelative);
     /** Slot 66: gives an object back; null is ignored. */
     void (*unloadObject)(void *object);
     /** Slot 67: looks objects up by a virtual path; answers their number. */
