@@ -9,6 +9,9 @@
 #include <map>
 #include <string>
 
+// Known to be local, so that it is reached without the global offset table.
+#pragma GCC visibility push(hidden)
+
 struct AVSKData_t {
     std::string name;
     int types = 0;
@@ -54,5 +57,7 @@ extern int gDataCount;                                // records ever made
 AVSKData_t *DataIsValid(AVSKDataRef handle, std::map<std::string, AVSKData_t *>::iterator *outPosition = nullptr);
 // A name for a debugger's eye.
 const char *DebugDataRefName(AVSKDataRef handle);
+
+#pragma GCC visibility pop
 
 #endif

@@ -5,6 +5,9 @@
 
 #include "AVSK/AVSKTypes.h"
 
+// Known to be local, so that it is reached without the global offset table.
+#pragma GCC visibility push(hidden)
+
 // One result. A subclass carries it, and frees itself in DeliverToPlugin.
 class AVSKDelivery {
   public:
@@ -46,5 +49,7 @@ void AVSKQueueDelivery(AVSKDelivery *d);
 // Says that the host has completed it: delivers it, holds it back while its
 // plugin is disabled, or cancels it if its plugin is gone.
 void AVSKSendDelivery(AVSKDelivery *d);
+
+#pragma GCC visibility pop
 
 #endif

@@ -5,6 +5,9 @@
 
 #include "AVSKLoader.h"
 
+// Known to be local, so that it is reached without the global offset table.
+#pragma GCC visibility push(hidden)
+
 extern int gDispatchedPlugin;
 
 inline void AVSKSetDispatchedPlugin(int id) { gDispatchedPlugin = id; }
@@ -19,22 +22,31 @@ const char *DebugCurrentPluginName();
 //     if (StDispatchCallback guard(owner); guard())
 //         callback(refcon);
 //
-// The guards under way form a chain. A plugin that is unloaded while one of
-// its calls is in it stays mapped until the chain is empty.
+// A walk along many callbacks makes one guard and enters plugin after plugin:
+//
+//     StDispatchCallback guard;
+//     for (...)
+//         if (guard.Enter(rec.owner))
+//             rec.callback(rec.refcon);
+//
+// The guards under way are frames of a stack. A plugin that is unloaded while
+// one of its calls is among them stays mapped until the stack is empty.
 class [[nodiscard]] StDispatchCallback {
   public:
-    explicit StDispatchCallback(int id) : previous(gDispatchedPlugin), target(id), outer(innermost) {
-        const PluginRecord *record = AVSKPluginAt(id);
-        callAllowed = record ? record->enabled : id == 0 && gAllPlugins.empty();
-        gDispatchedPlugin = id;
-        innermost = this;
+    StDispatchCallback() : previous(gDispatchedPlugin), depth(stack.depth) {
+        if (depth == stack.capacity) [[unlikely]]
+            GrowStack();
+        stack.frames[depth] = previous;
+        stack.depth = depth + 1;
     }
 
+    explicit StDispatchCallback(int id) : StDispatchCallback() { callAllowed = Enter(id); }
+
     ~StDispatchCallback() {
+        stack.depth = depth;
         gDispatchedPlugin = previous;
-        innermost = outer;
-        if (!outer && unloadsWait)
-            UnloadWaitingLibraries();
+        if (stack.unloadsWait) [[unlikely]]
+            ReturnPastUnloads();
     }
 
     StDispatchCallback(const StDispatchCallback &) = delete;
@@ -42,21 +54,39 @@ class [[nodiscard]] StDispatchCallback {
 
     [[nodiscard]] bool operator()() const { return callAllowed; }
 
+    // Makes another plugin the dispatched one and tells whether it may be called.
+    [[nodiscard]] bool Enter(int id) {
+        gDispatchedPlugin = id;
+        stack.frames[depth] = id;
+        if (const PluginRecord *record = AVSKPluginAt(id)) [[likely]]
+            return record->enabled;
+        return id == AVSK_PLUGIN_AERIVO && gAllPlugins.empty();
+    }
+
     // Unloads a plugin's library, now or, while one of its calls is under way,
     // when the last call is over. What such a call still does is on nobody's
     // account, for a plugin loaded meanwhile may have the same ID.
     static void ReleaseLibrary(int id, void *handle);
 
   private:
-    static void UnloadWaitingLibraries();
+    // Kept apart from the guards, whose members can then stay in registers.
+    struct Stack {
+        int *frames; // the plugin called, by depth
+        int depth;
+        int capacity;
+        bool unloadsWait;
+    };
 
-    bool callAllowed;
-    int previous;
-    int target;
-    StDispatchCallback *const outer;
+    static void GrowStack();
+    void ReturnPastUnloads() const;
 
-    static StDispatchCallback *innermost;
-    static bool unloadsWait;
+    bool callAllowed = false;
+    const int previous;
+    const int depth;
+
+    static Stack stack;
 };
+
+#pragma GCC visibility pop
 
 #endif

@@ -11,7 +11,6 @@
 #include "AVSKPlatform.h"
 #include "AVSKResourceList.h"
 
-#include <array>
 #include <string>
 #include <vector>
 
@@ -79,18 +78,13 @@ constexpr int kNotHandled = 1;
 constexpr int kConsumed = 0;
 
 // How many records each half of each phase has, so that a pass nobody listens
-// to costs nothing. Phases beyond the host's share an entry that is never empty.
-constexpr int kCountedPhases = 128;
-std::array<int, 2 *kCountedPhases> gListeners = {};
+// to costs nothing. The host draws no phase beyond these.
+constexpr int kPhases = 103;
+int gListeners[kPhases][2] = {};
 
 int *ListenersOf(int phase, int before) {
-    const bool counted = phase >= 0 && phase < kCountedPhases && (before == 0 || before == 1);
-    return counted ? &gListeners[static_cast<std::size_t>(2 * phase + before)] : nullptr;
-}
-
-bool AnyListener(int phase, int before) {
-    const int *listeners = ListenersOf(phase, before);
-    return !listeners || *listeners > 0;
+    const bool drawn = phase >= 0 && phase < kPhases && (before == 0 || before == 1);
+    return drawn ? &gListeners[phase][before] : nullptr;
 }
 
 template <class Record, class Pred>
@@ -174,22 +168,6 @@ int AVSKUnregisterKeySniffer(AVSKKeySniffer_f callback, int beforeWindows, void 
     return RemoveFirst(gKeyCallbacks, [=](const AVSKKeyCallbackRecord &rec) {
         return rec.callback == callback && rec.beforeWindows == beforeWindows && rec.refcon == refcon;
     });
-}
-
-int AVSKDispatchDrawingHook(int phase, int isBefore, int isReflection) {
-    int result = 1;
-    if (!AnyListener(phase, isBefore))
-        return result;
-    for (const AVSKDrawCallbackRecord &rec : gDrawCallbacks.LiveRecords()) {
-        if (rec.phase != phase || rec.wantsBefore != isBefore || !rec.callback)
-            continue;
-        if (isReflection == 1 && !AVSKHasFeatureInternal(rec.owner, kFeatureWantsReflections))
-            continue;
-        // Bit by bit: an even answer keeps the host from drawing as 0 does.
-        if (const StDispatchCallback guard(rec.owner); guard())
-            result &= rec.callback(phase, isBefore, rec.refcon);
-    }
-    return result;
 }
 
 // ---- Windows
@@ -424,12 +402,14 @@ void AVSKSetHotKeyCombination(AVSKHotKeyID hotKey, char virtualKey, int flags) {
     }
 }
 
-int AVSKDispatchHotKey(char virtualKey, int flags) {
+// Runs the first hot key with this combination whose plugin may be called.
+static int AVSKDispatchHotKey(char virtualKey, int flags) {
     auto walk = gHotKeys.LiveRecords();
+    StDispatchCallback guard;
     for (const AVSKHotKeyInfoRecord &rec : walk) {
         if (rec.virtualKey != virtualKey || rec.flags != flags || !rec.callback)
             continue;
-        if (const StDispatchCallback guard(rec.owner); guard()) {
+        if (guard.Enter(rec.owner)) {
             rec.callback(rec.refcon);
             walk.KeepOpen();
             return 1;
@@ -442,39 +422,54 @@ int AVSKDispatchHotKey(char virtualKey, int flags) {
 
 namespace {
 
-// What the host's draw codes mean. The irregular ones match how the host has
-// always drawn: 12 and 18 draw nothing that could be left out, 19 and 20
-// stand around the windows, and the phases of 21 to 26 are not in order.
-enum class DrawStep {
-    Nothing,
-    Before,
-    After,
-    Both,        // answers for the half before
-    BothIgnored, // the host draws in any case
-    Windows      // the windows, then the half after
-};
+// Calls the callbacks of one half of a phase. The answers are combined bit by
+// bit: an even one keeps the host from drawing as 0 does.
+int AVSKDispatchDrawingHook(int phase, int isBefore, int isReflection) {
+    int result = 1;
+    StDispatchCallback guard;
+    for (const AVSKDrawCallbackRecord &rec : gDrawCallbacks.LiveRecords()) {
+        if (rec.phase != phase || rec.wantsBefore != isBefore || !rec.callback)
+            continue;
+        if (isReflection == 1 && !AVSKHasFeatureInternal(rec.owner, kFeatureWantsReflections))
+            continue;
+        if (guard.Enter(rec.owner))
+            result &= rec.callback(phase, isBefore, rec.refcon);
+    }
+    return result;
+}
 
+// What a draw code of the host dispatches, and what it is answered.
 struct DrawCode {
     int phase;
-    DrawStep step;
+    bool half[2]; // after, before
+    bool windows; // ahead of the half after
+    bool asks;    // the half before says whether the host draws; else it draws in any case
 };
+
+// The irregular ones match how the host has always drawn: 12 and 18 draw
+// nothing that could be left out, 19 and 20 stand around the windows, and the
+// phases of 21 to 26 are not in order.
+constexpr DrawCode Before(int phase) { return {phase, {false, true}, false, true}; }
+constexpr DrawCode After(int phase) { return {phase, {true, false}, false, false}; }
+constexpr DrawCode Both(int phase) { return {phase, {true, true}, false, true}; }
+constexpr DrawCode BothUnasked(int phase) { return {phase, {true, true}, false, false}; }
+constexpr DrawCode WindowsAndAfter(int phase) { return {phase, {true, false}, true, false}; }
 
 constexpr DrawCode kDrawCodes[] = {
-    {0, DrawStep::Nothing},      {0, DrawStep::Both},     {5, DrawStep::Before},       {5, DrawStep::After},
-    {10, DrawStep::Before},      {10, DrawStep::After},   {15, DrawStep::Before},      {15, DrawStep::After},
-    {20, DrawStep::Before},      {20, DrawStep::After},   {25, DrawStep::Before},      {25, DrawStep::After},
-    {30, DrawStep::BothIgnored}, {35, DrawStep::Both},    {40, DrawStep::Before},      {40, DrawStep::After},
-    {45, DrawStep::Before},      {45, DrawStep::After},   {55, DrawStep::BothIgnored}, {50, DrawStep::Before},
-    {50, DrawStep::Windows},     {101, DrawStep::Before}, {101, DrawStep::After},      {100, DrawStep::Before},
-    {100, DrawStep::After},      {102, DrawStep::Before}, {102, DrawStep::After},
+    {}, // no code
+    Both(0),     Before(5),       After(5),   Before(10),          After(10),   Before(15), After(15),   Before(20),
+    After(20),   Before(25),      After(25),  BothUnasked(30),     Both(35),    Before(40), After(40),   Before(45),
+    After(45),   BothUnasked(55), Before(50), WindowsAndAfter(50), Before(101), After(101), Before(100), After(100),
+    Before(102), After(102),
 };
-constexpr int kDrawCodeCount = sizeof kDrawCodes / sizeof *kDrawCodes;
+constexpr unsigned kDrawCodeCount = sizeof kDrawCodes / sizeof *kDrawCodes;
 
 void DrawWindows() {
+    StDispatchCallback guard;
     for (AVSKWindowCallbackRecord &window : gWindows.LiveRecordsFromBack()) {
         if (!window.visible || !window.drawFunc)
             continue;
-        if (const StDispatchCallback guard(window.owner); guard())
+        if (guard.Enter(window.owner))
             window.drawFunc(&window, window.refcon);
     }
 }
@@ -482,30 +477,22 @@ void DrawWindows() {
 } // namespace
 
 int AVSKDisplayDoDrawingHook(int hostDrawCode, int isReflection) {
-    if (hostDrawCode < 0 || hostDrawCode >= kDrawCodeCount)
+    if (static_cast<unsigned>(hostDrawCode) >= kDrawCodeCount)
         return kNotHandled;
-    const auto [phase, step] = kDrawCodes[hostDrawCode];
-    switch (step) {
-    case DrawStep::Nothing:
-        break;
-    case DrawStep::Before:
-        return AVSKDispatchDrawingHook(phase, 1, isReflection);
-    case DrawStep::After:
-        AVSKDispatchDrawingHook(phase, 0, isReflection);
-        break;
-    case DrawStep::Both:
-    case DrawStep::BothIgnored: {
-        const int before = AVSKDispatchDrawingHook(phase, 1, isReflection);
-        AVSKDispatchDrawingHook(phase, 0, isReflection);
-        return step == DrawStep::Both ? before : kNotHandled;
+    const DrawCode &code = kDrawCodes[hostDrawCode];
+    int answer = kNotHandled;
+    for (int before = 1; before >= 0; --before) {
+        if (!before && code.windows) {
+            AVSKDisplayMouseDragHook();
+            DrawWindows();
+        }
+        if (!code.half[before] || gListeners[code.phase][before] == 0)
+            continue;
+        const int result = AVSKDispatchDrawingHook(code.phase, before, isReflection);
+        if (before && code.asks)
+            answer = result;
     }
-    case DrawStep::Windows:
-        AVSKDisplayMouseDragHook();
-        DrawWindows();
-        AVSKDispatchDrawingHook(phase, 0, isReflection);
-        break;
-    }
-    return kNotHandled;
+    return answer;
 }
 
 // ---- Routing of mouse and keys
@@ -515,11 +502,11 @@ namespace {
 // Offers a press to the windows under the mouse, the front one first. A click
 // neither raises a window nor moves the focus.
 int OfferMouseDown(int x, int y) {
+    StDispatchCallback guard;
     for (AVSKWindowCallbackRecord &window : gWindows.LiveRecords()) {
         if (!window.IsHitBy(x, y) || !window.mouseClickFunc)
             continue;
-        const StDispatchCallback guard(window.owner);
-        if (!guard() || !window.mouseClickFunc(&window, x, y, AVSKMouseDown, window.refcon))
+        if (!guard.Enter(window.owner) || !window.mouseClickFunc(&window, x, y, AVSKMouseDown, window.refcon))
             continue;
         if (!window.is_removed()) // by its own click
             gDragWindow = &window;
@@ -550,11 +537,11 @@ enum class Sniffers {
 bool OfferToSniffers(Sniffers kind, char key, int flags, char virtualKey) {
     auto walk = gKeyCallbacks.LiveRecords();
     bool goesOn = true;
+    StDispatchCallback guard;
     for (const AVSKKeyCallbackRecord &rec : walk) {
         if ((rec.beforeWindows != 0) != (kind == Sniffers::BeforeWindows) || !rec.callback)
             continue;
-        const StDispatchCallback guard(rec.owner);
-        if (guard() && rec.callback(key, flags, virtualKey, rec.refcon) == 0) {
+        if (guard.Enter(rec.owner) && rec.callback(key, flags, virtualKey, rec.refcon) == 0) {
             goesOn = false;
             break;
         }
@@ -611,10 +598,11 @@ int AVSKDisplayKeyPressHook(char key, int flags, char virtualKey) {
 }
 
 int AVSKDisplayCursorHook(int x, int y) {
+    StDispatchCallback guard;
     for (AVSKWindowCallbackRecord &window : gWindows.LiveRecords()) {
         if (!window.IsHitBy(x, y) || !window.cursorFunc)
             continue;
-        if (const StDispatchCallback guard(window.owner); guard())
+        if (guard.Enter(window.owner))
             if (const int status = window.cursorFunc(&window, x, y, window.refcon))
                 return status;
     }
@@ -622,11 +610,11 @@ int AVSKDisplayCursorHook(int x, int y) {
 }
 
 int AVSKDisplayScrollWheelHook(int x, int y, int wheel, int clicks) {
+    StDispatchCallback guard;
     for (AVSKWindowCallbackRecord &window : gWindows.LiveRecords()) {
         if (!window.IsHitBy(x, y) || !window.mouseWheelFunc)
             continue;
-        const StDispatchCallback guard(window.owner);
-        if (guard() && window.mouseWheelFunc(&window, x, y, wheel, clicks, window.refcon))
+        if (guard.Enter(window.owner) && window.mouseWheelFunc(&window, x, y, wheel, clicks, window.refcon))
             return kConsumed;
     }
     return kNotHandled;

@@ -2,6 +2,9 @@
 #ifndef AVSK_FEATURES_H
 #define AVSK_FEATURES_H
 
+// Known to be local, so that it is reached without the global offset table.
+#pragma GCC visibility push(hidden)
+
 enum AVSKFeatureID {
     kFeatureWantsReflections = 0,
     kFeatureUseNativePaths = 1,
@@ -16,5 +19,7 @@ int AVSKFeatureToID(const char *name);
 int AVSKHasFeatureInternal(int pluginID, int featureID);
 // Whether paths that the dispatched plugin gives and gets are converted.
 bool AVSKNeedPathConvert();
+
+#pragma GCC visibility pop
 
 #endif

@@ -16,6 +16,7 @@
 #include "UTL_unicode.h"
 
 #include <algorithm>
+#include <climits>
 #include <cstdarg>
 #include <cstdio>
 #include <cstring>
@@ -30,8 +31,7 @@ int gDispatchedPlugin = AVSK_PLUGIN_AERIVO;
 const char *const kFeatureNames[kFeatureCount] = {"AVSK_WANTS_REFLECTIONS", "AVSK_USE_NATIVE_PATHS"};
 AVSKDeliveryHead orphaned;
 
-StDispatchCallback *StDispatchCallback::innermost = nullptr;
-bool StDispatchCallback::unloadsWait = false;
+StDispatchCallback::Stack StDispatchCallback::stack = {};
 
 namespace {
 
@@ -55,6 +55,9 @@ constexpr void (*kDisableHooks[])(int pluginID) = {
 };
 
 std::vector<void *> gWaitingLibraries; // unloaded while a call into them was under way
+
+// What stands on the stack of calls for a plugin that was unloaded during its call.
+int FrameOfUnloaded(int id) { return id | INT_MIN; }
 
 int PluginCount() { return static_cast<int>(gAllPlugins.size()); }
 
@@ -176,34 +179,38 @@ void ReportUnknownFeature() { AVSKSendError("Illegal feature name passed to AVSK
 
 // ---- Dispatch
 
+void StDispatchCallback::GrowStack() {
+    static std::vector<int> frames;
+    frames.resize(frames.empty() ? 64 : 2 * frames.size());
+    stack.frames = frames.data();
+    stack.capacity = static_cast<int>(frames.size());
+}
+
 void StDispatchCallback::ReleaseLibrary(int id, void *handle) {
-    bool underWay = false;
-    for (StDispatchCallback *guard = innermost; guard; guard = guard->outer)
-        if (guard->target == id) {
-            underWay = true;
-            guard->target = NO_PLUGIN_ID;
-        }
+    const bool underWay = std::find(stack.frames, stack.frames + stack.depth, id) != stack.frames + stack.depth;
     if (!underWay) {
         if (handle)
             AVSKUnloadDLL(handle);
         return;
     }
-    for (StDispatchCallback *guard = innermost; guard; guard = guard->outer)
-        if (guard->previous == id)
-            guard->previous = NO_PLUGIN_ID;
+    std::replace(stack.frames, stack.frames + stack.depth, id, FrameOfUnloaded(id));
     if (gDispatchedPlugin == id)
         gDispatchedPlugin = NO_PLUGIN_ID;
-    if (handle) {
+    stack.unloadsWait = true;
+    if (handle)
         gWaitingLibraries.push_back(handle);
-        unloadsWait = true;
-    }
 }
 
-void StDispatchCallback::UnloadWaitingLibraries() {
+void StDispatchCallback::ReturnPastUnloads() const {
+    if (depth > 0) {
+        if (stack.frames[depth - 1] == FrameOfUnloaded(previous))
+            gDispatchedPlugin = NO_PLUGIN_ID;
+        return;
+    }
     // An exception on its way out may be an object of one of these libraries.
     if (std::uncaught_exceptions() > 0)
         return;
-    unloadsWait = false;
+    stack.unloadsWait = false;
     for (void *handle : std::exchange(gWaitingLibraries, {}))
         AVSKUnloadDLL(handle);
 }

@@ -10,6 +10,9 @@
 #include <string>
 #include <vector>
 
+// Known to be local, so that it is reached without the global offset table.
+#pragma GCC visibility push(hidden)
+
 struct PluginRecord {
     void *handle = nullptr; // null for the host and after unloading
     std::string name;
@@ -67,5 +70,7 @@ void AVSKDisableAllPlugins();
 void AVSKEnableACFPlugins();
 void AVSKDisableACFPlugins();
 void AVSKReloadPluginsInternal();
+
+#pragma GCC visibility pop
 
 #endif

@@ -3,6 +3,9 @@
 #ifndef AVSK_MODULES_H
 #define AVSK_MODULES_H
 
+// Known to be local, so that it is reached without the global offset table.
+#pragma GCC visibility push(hidden)
+
 // Called when a plugin is unloaded: gives back everything it owns.
 void AVSKDataRefsCleanupHook(int pluginID);
 void AVSKDisplayCleanupHook(int pluginID);
@@ -26,11 +29,11 @@ void AVSKDisplayMouseDragHook();
 int AVSKDisplayKeyPressHook(char key, int flags, char virtualKey);
 int AVSKDisplayCursorHook(int x, int y);
 int AVSKDisplayScrollWheelHook(int x, int y, int wheel, int clicks);
-int AVSKDispatchDrawingHook(int phase, int isBefore, int isReflection);
-int AVSKDispatchHotKey(char virtualKey, int flags);
 int AVSKDoFlightLoopProcessing(float elapsedTime, int phase);
 int AVSKHandleMenuItemPick(int itemID);
 int AVSKHandleMenuItemCheck(void *hostMenu, int index, int *outCheck);
 int AVSKHandleMenuItemEnable(void *hostMenu, int index);
+
+#pragma GCC visibility pop
 
 #endif

@@ -8,6 +8,9 @@
 #include <string>
 #include <vector>
 
+// Known to be local, so that it is reached without the global offset table.
+#pragma GCC visibility push(hidden)
+
 // Loads a shared library with all its symbols resolved and visible to those
 // loaded later. Null if there is no such file, or, with a line in the log, if
 // it cannot be loaded.
@@ -28,5 +31,7 @@ int suffix_matches(const char *name, const char *pattern);
 
 // Copies src into a buffer of size bytes, cut to fit and zero-terminated.
 void strcpytrunc(char *dst, const std::string &src, int size);
+
+#pragma GCC visibility pop
 
 #endif

@@ -46,6 +46,17 @@ bool Matches(const AVSKFlightLoopRecord &loop, AVSKFlightLoop_f callback, const 
     return loop.callback == callback && loop.refcon == refcon;
 }
 
+void RunDueLoops(float now, int phase) {
+    StDispatchCallback guard;
+    for (AVSKFlightLoopRecord &loop : gFlightLoops.LiveRecords()) {
+        if (loop.phase != phase || !IsDue(loop, now) || !loop.callback || !guard.Enter(loop.owner))
+            continue;
+        loop.interval = loop.callback(now - loop.lastCallTime, now - gLastCallTime, gLastCallNumber, loop.refcon);
+        loop.lastCallTime = now;
+        loop.lastCallCycle = gLastCallNumber;
+    }
+}
+
 } // namespace
 
 float AVSKGetElapsedTime() { return gHooks->getElapsedTime(); }
@@ -123,18 +134,7 @@ void AVSKSetFlightLoopCallbackInterval(AVSKFlightLoop_f callback, float interval
 int AVSKDoFlightLoopProcessing(float elapsedTime, int phase) {
     // Wraps where it would overflow.
     gLastCallNumber = static_cast<int>(static_cast<unsigned>(gLastCallNumber) + 1U);
-    const int wanted = phase != 0 ? AVSKFlightLoopPhaseAfter : AVSKFlightLoopPhaseBefore;
-
-    for (AVSKFlightLoopRecord &loop : gFlightLoops.LiveRecords()) {
-        if (loop.phase != wanted || !IsDue(loop, elapsedTime) || !loop.callback)
-            continue;
-        if (const StDispatchCallback guard(loop.owner); guard()) {
-            loop.interval = loop.callback(elapsedTime - loop.lastCallTime, elapsedTime - gLastCallTime, gLastCallNumber,
-                                          loop.refcon);
-            loop.lastCallTime = elapsedTime;
-            loop.lastCallCycle = gLastCallNumber;
-        }
-    }
+    RunDueLoops(elapsedTime, phase != 0 ? AVSKFlightLoopPhaseAfter : AVSKFlightLoopPhaseBefore);
     if (gScheduleReload)
         AVSKReloadPluginsInternal();
     return 1;

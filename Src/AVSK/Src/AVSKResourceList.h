@@ -101,10 +101,20 @@ enum class AVSKReclaim {
     AfterPass   // at the end of the outermost walk: a removed record is still found until then
 };
 
+enum class AVSKWalkDirection {
+    Forward,
+    Backward
+};
+enum class AVSKWalkOver {
+    LiveRecords,
+    AllRecords
+};
+
 template <class T>
 class AVSKResourceList {
   public:
     class Walk;
+    template <AVSKWalkDirection direction, AVSKWalkOver over>
     class Range;
     class Pin;
 
@@ -141,8 +151,8 @@ class AVSKResourceList {
 
     T *BeginIterate() {
         Deepen();
-        while (head && head->prev)
-            head = head->prev;
+        if (head && head->prev) [[unlikely]]
+            Rewind();
         return head;
     }
 
@@ -161,7 +171,7 @@ class AVSKResourceList {
             Clean();
     }
 
-    void Clean() {
+    [[gnu::noinline]] void Clean() {
         while (T *rec = dead_list) {
             dead_list = rec->dead_next;
             Reclaim(rec);
@@ -171,9 +181,12 @@ class AVSKResourceList {
 
     // Ranges for range-based for. Each is one walk: begun when the range is
     // made and ended when it goes, also by an exception.
-    Range LiveRecords() { return {*this, Direction::Forward, true}; }
-    Range AllRecords() { return {*this, Direction::Forward, false}; }
-    Range LiveRecordsFromBack() { return {*this, Direction::Backward, true}; }
+    using LiveRange = Range<AVSKWalkDirection::Forward, AVSKWalkOver::LiveRecords>;
+    using LiveRangeFromBack = Range<AVSKWalkDirection::Backward, AVSKWalkOver::LiveRecords>;
+    using AllRange = Range<AVSKWalkDirection::Forward, AVSKWalkOver::AllRecords>;
+    LiveRange LiveRecords() { return LiveRange(*this); }
+    LiveRangeFromBack LiveRecordsFromBack() { return LiveRangeFromBack(*this); }
+    AllRange AllRecords() { return AllRange(*this); }
 
     // Tells whether a record satisfies pred, dead ones included; without a walk and its effects.
     template <class Pred>
@@ -194,9 +207,11 @@ class AVSKResourceList {
     };
 
     // Some walks never end, so the depth is bounded by hand.
-    void Deepen() {
-        if (iterate_depth < INT_MAX)
-            ++iterate_depth;
+    void Deepen() { iterate_depth += iterate_depth != INT_MAX; }
+
+    [[gnu::noinline]] void Rewind() {
+        while (head->prev)
+            head = head->prev;
     }
 
     void Reclaim(T *rec) {
@@ -215,8 +230,11 @@ class AVSKResourceList {
     }
 
     void FreeRetired() {
-        if (walks || pins != 0)
-            return;
+        if (retired && !walks && pins == 0) [[unlikely]]
+            FreeAllRetired();
+    }
+
+    [[gnu::noinline]] void FreeAllRetired() {
         while (T *rec = retired) {
             retired = rec->dead_next;
             delete rec;
@@ -233,9 +251,9 @@ class AVSKResourceList {
 template <class T>
 class AVSKResourceList<T>::Walk {
   public:
-    Walk(AVSKResourceList &walked, Direction way)
+    Walk(AVSKResourceList &walked, AVSKWalkDirection way)
         : list(walked), outer(walked.walks), direction(way),
-          current(way == Direction::Forward ? walked.BeginIterate() : walked.BeginReverseIterate()) {
+          current(way == AVSKWalkDirection::Forward ? walked.BeginIterate() : walked.BeginReverseIterate()) {
         list.walks = this;
     }
 
@@ -251,11 +269,14 @@ class AVSKResourceList<T>::Walk {
         list.FreeRetired();
     }
 
-    T *Current() const { return current; }
+    T *First() const { return current; }
+    void StandOn(T *rec) { current = rec; }
 
-    void Step() {
-        current = left ? resume : Beyond(current);
+    // Whether the record that the walk stands on was reclaimed, and where to go on then.
+    bool HasLeft() const { return left; }
+    T *Resume() {
         left = false;
+        return resume;
     }
 
     // Has the walk never end for the list: its depth stays raised. The pass
@@ -265,7 +286,7 @@ class AVSKResourceList<T>::Walk {
   private:
     friend class AVSKResourceList;
 
-    T *Beyond(T *rec) const { return direction == Direction::Forward ? rec->next : rec->prev; }
+    T *Beyond(const T *rec) const { return direction == AVSKWalkDirection::Forward ? rec->next : rec->prev; }
 
     void PassOver(T *rec) {
         if (left && resume == rec)
@@ -282,7 +303,7 @@ class AVSKResourceList<T>::Walk {
 
     AVSKResourceList &list;
     Walk *const outer;
-    const Direction direction;
+    const AVSKWalkDirection direction;
     T *current;
     T *resume = nullptr; // where to go on if current left the list
     bool left = false;
@@ -306,39 +327,52 @@ class [[nodiscard]] AVSKResourceList<T>::Pin {
     AVSKResourceList &list;
 };
 
+// A walk for range-based for, of live records or of all.
 template <class T>
+template <AVSKWalkDirection direction, AVSKWalkOver over>
 class AVSKResourceList<T>::Range {
   public:
-    Range(AVSKResourceList &walked, Direction way, bool skipDead) : walk(walked, way), live(skipDead) { SkipDead(); }
+    explicit Range(AVSKResourceList &walked) : walk(walked, direction), current(Wanted(walk.First())) {}
 
     struct End {};
     class Iterator {
       public:
         explicit Iterator(Range &walked) : range(walked) {}
-        T &operator*() const { return *range.walk.Current(); }
+        T &operator*() const { return *range.current; }
         Iterator &operator++() {
-            range.walk.Step();
-            range.SkipDead();
+            range.Step();
             return *this;
         }
-        bool operator!=(End /*end*/) const { return range.walk.Current() != nullptr; }
+        bool operator!=(End /*end*/) const { return range.current != nullptr; }
 
       private:
         Range &range;
     };
 
-    Iterator begin() { return Iterator(*this); }
+    Iterator begin() {
+        walk.StandOn(current);
+        return Iterator(*this);
+    }
     End end() const { return {}; }
     void KeepOpen() { walk.KeepOpen(); }
 
   private:
-    void SkipDead() {
-        while (live && walk.Current() && walk.Current()->is_dead())
-            walk.Step();
+    static T *Beyond(const T *rec) { return direction == AVSKWalkDirection::Forward ? rec->next : rec->prev; }
+
+    static T *Wanted(T *rec) {
+        if constexpr (over == AVSKWalkOver::LiveRecords)
+            while (rec && rec->dead)
+                rec = Beyond(rec);
+        return rec;
+    }
+
+    void Step() {
+        current = Wanted(walk.HasLeft() ? walk.Resume() : Beyond(current));
+        walk.StandOn(current);
     }
 
     Walk walk;
-    const bool live;
+    T *current;
 };
 
 #endif

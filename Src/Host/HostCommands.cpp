@@ -1,0 +1,73 @@
+// The slots about commands, and the table behind them.
+#include "HostCommands.h"
+
+#include "HostTable.h"
+#include "Simulator.h"
+
+#include <algorithm>
+
+namespace host {
+namespace {
+
+void *FindCommand(const char *name, const char *description, int create) {
+    CommandTable &commands = Enter().commands;
+    if (!name)
+        return nullptr;
+    return create != 0 ? commands.Create(name, description ? description : "") : commands.Find(name);
+}
+
+void BeginCommand(void *command) { Enter().commands.Run(command, CommandPhase::Begin); }
+void ContinueCommand(void *command) { Enter().commands.Run(command, CommandPhase::Continue); }
+void EndCommand(void *command) { Enter().commands.Run(command, CommandPhase::End); }
+
+// Climbs, or sinks, while the command is held.
+std::function<void(CommandPhase)> Climb(Aeroplane &aeroplane, double metresPerSecond) {
+    return [&aeroplane, metresPerSecond](CommandPhase phase) {
+        aeroplane.climb = phase == CommandPhase::End ? 0 : metresPerSecond;
+    };
+}
+
+} // namespace
+
+CommandTable::CommandTable(Aeroplane &aeroplane) {
+    Create("sim/flight/climb", "Climb while held")->act = Climb(aeroplane, 5);
+    Create("sim/flight/descend", "Descend while held")->act = Climb(aeroplane, -5);
+}
+
+Command *CommandTable::Find(std::string_view name) const {
+    const auto found =
+        std::find_if(mCommands.begin(), mCommands.end(), [name](const auto &command) { return command->name == name; });
+    return found == mCommands.end() ? nullptr : found->get();
+}
+
+Command *CommandTable::Create(std::string_view name, std::string_view description) {
+    if (Command *existing = Find(name))
+        return existing;
+    mCommands.push_back(
+        std::make_unique<Command>(Command{std::string(name), std::string(description), /*act=*/nullptr}));
+    return mCommands.back().get();
+}
+
+void CommandTable::Run(void *command, CommandPhase phase) const {
+    const auto known =
+        std::find_if(mCommands.begin(), mCommands.end(), [command](const auto &c) { return c.get() == command; });
+    if (known == mCommands.end())
+        return;
+    const Command &running = **known; // handlers may create commands, which moves the table but not its entries
+    const int begin = phase == CommandPhase::Begin;
+    const int end = phase == CommandPhase::End;
+    if (AVSKCommandHook(command, begin, end, /*before=*/1) == 0)
+        return;
+    if (running.act)
+        running.act(phase);
+    AVSKCommandHook(command, begin, end, /*before=*/0);
+}
+
+void FillCommandSlots(AVSKHostCallbacks &table) {
+    table.findCommand = FindCommand;
+    table.beginCommand = BeginCommand;
+    table.continueCommand = ContinueCommand;
+    table.endCommand = EndCommand;
+}
+
+} // namespace host

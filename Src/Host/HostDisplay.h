@@ -1,0 +1,35 @@
+// The screen: fonts for measuring, and in frames that are written to a file a
+// canvas behind the drawing slots.
+#ifndef AVSK_HOST_DISPLAY_H
+#define AVSK_HOST_DISPLAY_H
+
+#include "Canvas.h"
+#include "Font.h"
+
+#include <optional>
+#include <string>
+
+namespace host {
+
+struct Simulator;
+
+class Display {
+  public:
+    static constexpr int kWidth = 1024;
+    static constexpr int kHeight = 768;
+
+    Fonts fonts;
+    std::optional<Canvas> canvas; // only while a frame is drawn that will be written
+    int lastTexture = 0;          // numbers handed out so far
+
+    // Begins a frame's drawing; a frame that is not written costs nothing.
+    void Begin(bool written);
+    // Draws what the simulator itself shows in a pass.
+    void DrawOwnPart(const Simulator &simulator, int drawCode);
+    // Draws the menus over everything and writes the picture. Throws std::runtime_error if that fails.
+    void Write(const Simulator &simulator, const std::string &file);
+};
+
+} // namespace host
+
+#endif

@@ -1,0 +1,23 @@
+// Fills the table of services, each group of slots from the file of its concern.
+#ifndef AVSK_HOST_TABLE_OF_SERVICES_H
+#define AVSK_HOST_TABLE_OF_SERVICES_H
+
+#include "AVSK/AVSKHost.h"
+
+namespace host {
+
+// The complete table. Called once by Main.cpp.
+AVSKHostCallbacks MakeTable();
+
+void FillAircraftSlots(AVSKHostCallbacks &table);
+void FillCommandSlots(AVSKHostCallbacks &table);
+void FillDisplaySlots(AVSKHostCallbacks &table);
+void FillFileSlots(AVSKHostCallbacks &table);
+void FillMenuSlots(AVSKHostCallbacks &table);
+void FillNavigationSlots(AVSKHostCallbacks &table);
+void FillObjectSlots(AVSKHostCallbacks &table);
+void FillSystemSlots(AVSKHostCallbacks &table);
+
+} // namespace host
+
+#endif

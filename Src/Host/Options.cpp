@@ -1,0 +1,183 @@
+// The command line: parsing by CLI11, then the checks that need the file
+// system. Called once by Main.cpp.
+#include "Options.h"
+
+#include <CLI/CLI.hpp>
+
+#include <algorithm>
+#include <cerrno>
+#include <charconv>
+#include <cmath>
+#include <cstring>
+#include <filesystem>
+#include <system_error>
+
+#include <unistd.h>
+
+namespace host {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr const char *kRunExamples = R"(Examples:
+  avsk run --root build/release/demo
+      the plugins in build/release/demo/Resources/plugins, for 300 frames
+  avsk run --root sim --aircraft sim/Aircraft/Trainer --frames 3600 --quiet --log flight.txt
+      a minute with an aircraft's own plugins; the log goes to a file only
+  avsk run --root sim --scenery sim/Scenery/Island --fps 20 --screenshot island.png@40
+      plugins of a scenery folder, with a slow simulator, and a picture after two seconds
+
+A picture shows what plugins draw through the interface: dark boxes, texts and numbers, windows made of these, and
+the menus, all opened. What they draw with OpenGL calls of their own is not seen here and is missing in it, as are
+scenery objects and aircraft.
+
+Exit status: 0 when all frames were run, 1 when an exception of a plugin ended the run early, 2 when the request cannot
+be met as it was made.)";
+
+// Plugins receive paths in buffers of 256 bytes (aircraft) and 512 bytes (the host's folder).
+constexpr std::size_t kLongestModel = 255;
+constexpr std::size_t kLongestRoot = 400;
+
+std::string OneLine(std::string text) {
+    std::replace(text.begin(), text.end(), '\n', ' ');
+    while (!text.empty() && (text.back() == ' ' || text.back() == '.'))
+        text.pop_back();
+    return text;
+}
+
+// Of FILE.png or FILE.png@FRAME; the last frame is the default.
+Screenshot ParseScreenshot(const std::string &text, int frames) {
+    const std::string advice = ": write FILE.png or FILE.png@FRAME, with FRAME from 1 to " + std::to_string(frames);
+    const std::string wrong = "--screenshot: '" + text + "' ";
+    Screenshot shot{text, frames};
+    if (!text.ends_with(".png")) {
+        const std::size_t at = text.rfind('@');
+        if (at == std::string::npos)
+            throw UsageError(wrong + "does not end in .png" + advice);
+        const char *end = text.data() + text.size();
+        const auto [stop, error] = std::from_chars(text.data() + at + 1, end, shot.frame);
+        shot.file = text.substr(0, at);
+        if (error != std::errc() || stop != end || shot.frame < 1 || shot.frame > frames)
+            throw UsageError(wrong + "names no frame of this run" + advice);
+        if (!shot.file.ends_with(".png"))
+            throw UsageError(wrong + "names no .png file" + advice);
+    }
+    const std::string folder = fs::path(shot.file).parent_path().string();
+    const bool exists = access(shot.file.c_str(), F_OK) == 0;
+    const std::string target = exists ? shot.file : folder.empty() ? "." : folder;
+    if (access(target.c_str(), W_OK) != 0)
+        throw UsageError("--screenshot: cannot write '" + shot.file + "' (" + std::strerror(errno) +
+                         "): name a file in a folder that exists and is writable");
+    return shot;
+}
+
+// The folder as an absolute path that ends in a separator.
+std::string CheckedFolder(const std::string &folder, const std::string &option, const std::string &advice) {
+    std::error_code error;
+    const fs::path path = fs::canonical(folder, error);
+    if (error)
+        throw UsageError(option + ": no folder '" + folder + "' (" + error.message() + "): " + advice);
+    if (!fs::is_directory(path, error))
+        throw UsageError(option + ": '" + folder + "' is not a folder: " + advice);
+    std::string text = path.string();
+    if (text.back() != '/')
+        text += '/';
+    return text;
+}
+
+// The aircraft's model: the first .acf file of its folder. A folder of plugins
+// alone will do as well: the model is only a name here.
+std::string FindModel(const std::string &folder) {
+    std::vector<std::string> names;
+    std::error_code error;
+    for (fs::directory_iterator entry(folder, error), end; !error && entry != end; entry.increment(error)) {
+        if (entry->path().extension() == ".acf")
+            names.push_back(entry->path().filename().string());
+    }
+    if (error)
+        throw UsageError("--aircraft: cannot read '" + folder + "' (" + error.message() +
+                         "): make the folder readable");
+    const auto first = std::min_element(names.begin(), names.end());
+    return folder + (first == names.end() ? "model.acf" : *first);
+}
+
+void CheckPlaces(Options &options, const std::string &aircraft) {
+    const std::string advice = "name the simulator's folder, which holds Resources/plugins";
+    const std::string given = options.root;
+    options.root = CheckedFolder(given, "--root", advice);
+    if (options.root.size() > kLongestRoot)
+        throw UsageError("--root: the full path of '" + given + "' is longer than " + std::to_string(kLongestRoot) +
+                         " bytes, more than plugins have room for: use a shorter path");
+    std::error_code error;
+    if (!fs::is_directory(options.root + "Resources/plugins", error))
+        throw UsageError("--root: no folder Resources/plugins in '" + given + "': " + advice);
+
+    if (!aircraft.empty()) {
+        options.aircraftModel = FindModel(CheckedFolder(aircraft, "--aircraft", "name the folder of an aircraft"));
+        if (options.aircraftModel.size() > kLongestModel)
+            throw UsageError("--aircraft: the path '" + options.aircraftModel + "' is longer than " +
+                             std::to_string(kLongestModel) +
+                             " bytes, more than plugins have room for: use a shorter path");
+    }
+    for (std::string &folder : options.scenery)
+        folder = CheckedFolder(folder, "--scenery", "name a scenery folder, which holds plugins");
+}
+
+} // namespace
+
+std::optional<Options> ParseOptions(int argc, char **argv) {
+    Options options;
+    std::string aircraft;
+    std::vector<std::string> screenshots;
+
+    const CLI::Validator positive(
+        [](const std::string &text) {
+            double number = 0;
+            return CLI::detail::lexical_cast(text, number) && std::isfinite(number) && number > 0
+                       ? std::string()
+                       : "'" + text + "' is not a positive number";
+        },
+        "");
+
+    CLI::App app("avsk: runs plugins without the simulator, in a small one of its own.", "avsk");
+    app.set_version_flag("--version", "avsk " AVSK_HOST_VERSION);
+    app.require_subcommand(1);
+
+    CLI::App *run = app.add_subcommand("run", "Loads the plugins, flies a number of frames and reports.");
+    run->add_option("--root", options.root, "the simulator's folder; must hold Resources/plugins")
+        ->type_name("DIR")
+
+        ->capture_default_str();
+    run->add_option("--frames", options.frames, "how many frames to run")->check(positive)->capture_default_str();
+    run->add_option("--fps", options.fps, "frames per simulated second")->check(positive)->capture_default_str();
+    run->add_option("--aircraft", aircraft, "folder of the user's aircraft, whose plugins are loaded too")
+        ->type_name("DIR");
+    run->add_option("--scenery", options.scenery, "a scenery folder whose plugins are loaded too; can be repeated")
+        ->type_name("DIR")
+        ->allow_extra_args(false);
+    run->add_option("--log", options.logFile, "also write the log to this file")->type_name("FILE");
+    run->add_flag("--quiet", options.quiet, "keep the log off standard output");
+    run->add_option("--screenshot", screenshots,
+                    "write a picture of the last frame or of frame FRAME, 1024 x 768; can be repeated")
+        ->type_name("FILE.png[@FRAME]")
+        ->allow_extra_args(false);
+    run->footer(kRunExamples);
+
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::Success &success) {
+        app.exit(success);
+        return std::nullopt;
+    } catch (const CLI::RequiredError &) {
+        throw UsageError(
+            "say what to do: 'avsk run --root DIR' runs the plugins of a folder, 'avsk --help' tells more");
+    } catch (const CLI::ParseError &error) {
+        throw UsageError(OneLine(error.what()) + ": 'avsk run --help' lists the options");
+    }
+    CheckPlaces(options, aircraft);
+    for (const std::string &text : screenshots)
+        options.screenshots.push_back(ParseScreenshot(text, options.frames));
+    return options;
+}
+
+} // namespace host

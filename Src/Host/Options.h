@@ -1,0 +1,39 @@
+// What the command line asks for. Read once by Main.cpp, seen by everything else.
+#ifndef AVSK_HOST_OPTIONS_H
+#define AVSK_HOST_OPTIONS_H
+
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+namespace host {
+
+// A request that cannot be met as it was made: one line, exit status 2.
+struct UsageError : std::runtime_error {
+    using std::runtime_error::runtime_error;
+};
+
+struct Screenshot {
+    std::string file;
+    int frame; // 1 is the first
+};
+
+struct Options {
+    std::string root = "."; // once checked: absolute, ends in a separator
+    int frames = 300;
+    double fps = 60;
+    std::string aircraftModel;        // file of the user's aircraft; empty without one
+    std::vector<std::string> scenery; // folders, each ends in a separator
+    std::string logFile;              // empty without one
+    bool quiet = false;
+    std::vector<Screenshot> screenshots;
+};
+
+// Parses and checks the command line. Without a value the program has done
+// what was asked (help, version) and ends. Throws UsageError.
+std::optional<Options> ParseOptions(int argc, char **argv);
+
+} // namespace host
+
+#endif

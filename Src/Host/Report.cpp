@@ -1,0 +1,71 @@
+// The table of plugins at the end of a run; see Report.h.
+#include "Report.h"
+
+#include "Simulator.h"
+
+#include "AVSK/AVSKPlugins.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
+#include <string>
+#include <vector>
+
+namespace host {
+namespace {
+
+constexpr std::size_t kColumns = 5;
+using Row = std::array<std::string, kColumns>;
+
+// Characters, not bytes: names are UTF-8.
+std::size_t Length(const std::string &text) {
+    return static_cast<std::size_t>(
+        std::count_if(text.begin(), text.end(), [](char c) { return (static_cast<unsigned char>(c) & 0xC0) != 0x80; }));
+}
+
+Row Describe(const Simulator &simulator, AVSKPluginID id) {
+    std::array<char, AVSK_TEXT_SIZE> name{};
+    std::array<char, AVSK_TEXT_SIZE> signature{};
+    AVSKGetPluginInfo(id, name.data(), nullptr, signature.data(), nullptr);
+    const auto calls = simulator.hostCalls.find(id);
+    // The host cannot see the library's calls into a plugin. It sees what comes
+    // back: the services the plugin's code used, and its messages to the host.
+    return {std::to_string(id), name.data(), signature.data(), AVSKIsPluginEnabled(id) != 0 ? "yes" : "no",
+            std::to_string(calls == simulator.hostCalls.end() ? 0 : calls->second)};
+}
+
+void PrintRow(const Row &row, const std::array<std::size_t, kColumns> &widths) {
+    constexpr std::array<bool, kColumns> kNumber = {true, false, false, false, true};
+    std::string line;
+    for (std::size_t i = 0; i < kColumns; ++i) {
+        const std::string blanks(widths[i] - Length(row[i]), ' ');
+        line += kNumber[i] ? blanks + row[i] : row[i] + blanks;
+        line += "  ";
+    }
+    line.erase(line.find_last_not_of(' ') + 1);
+    std::printf("%s\n", line.c_str());
+}
+
+} // namespace
+
+void PrintReport(const Simulator &simulator) {
+    const std::string build = simulator.datarefs.Build();
+    std::printf("\n%d frames, %.2f simulated seconds, in %.2f s; library build: %s\n\n", simulator.frame,
+                static_cast<double>(simulator.Elapsed()), simulator.console.Seconds(),
+                build.empty() ? "not told" : build.c_str());
+
+    std::vector<Row> rows = {{"ID", "plugin", "signature", "enabled", "host calls"}};
+    for (int i = 0; i < AVSKCountPlugins(); ++i)
+        rows.push_back(Describe(simulator, AVSKGetNthPlugin(i)));
+
+    std::array<std::size_t, kColumns> widths{};
+    for (const Row &row : rows) {
+        for (std::size_t i = 0; i < kColumns; ++i)
+            widths[i] = std::max(widths[i], Length(row[i]));
+    }
+    for (const Row &row : rows)
+        PrintRow(row, widths);
+    std::fflush(stdout);
+}
+
+} // namespace host

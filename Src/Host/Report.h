@@ -1,0 +1,14 @@
+// What is printed when the frames are done. Called by Main.cpp.
+#ifndef AVSK_HOST_REPORT_H
+#define AVSK_HOST_REPORT_H
+
+namespace host {
+
+struct Simulator;
+
+// One line about the run, and the table of plugins. While they are still loaded.
+void PrintReport(const Simulator &simulator);
+
+} // namespace host
+
+#endif

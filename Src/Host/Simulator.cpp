@@ -1,0 +1,95 @@
+// The frame: what the simulator reports to the library, in order. See Simulator.h.
+#include "Simulator.h"
+
+#include "AVSK/AVSKPlugins.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace host {
+
+Simulator *gSimulator = nullptr;
+
+Simulator &Enter() {
+    ++gSimulator->hostCalls[AVSKGetMyID()];
+    return *gSimulator;
+}
+
+Simulator::Simulator(Options requested)
+    : options(std::move(requested)), console(options.quiet, options.logFile), commands(aeroplane),
+      fleet(options.aircraftModel), objects(options.root) {
+    const std::string missing = display.fonts.Missing();
+    if (!missing.empty() && !options.screenshots.empty())
+        throw UsageError("--screenshot: cannot read the font '" + missing + "': install the package fonts-dejavu-core");
+}
+
+float Simulator::Elapsed() const { return static_cast<float>(frame / options.fps); }
+
+void Simulator::RunFrame() {
+    ++frame;
+    FinishRequests();
+    AVSKEventHook(AVSKHostEventFrame, Elapsed(), 0, 0);
+    aeroplane.Step(1 / options.fps);
+    track.Record(Elapsed(), aeroplane);
+    fleet.active = AVSKGetNumberPlanesToHandle(Fleet::kCount, 0);
+    PlaceCamera();
+    Draw();
+    AVSKEventHook(AVSKHostEventCommands, Elapsed(), 0, 0);
+    AVSKEventHook(AVSKHostEventFrameEnd, Elapsed(), 0, 0);
+    console.ShowProgress(frame, options.frames);
+}
+
+// What plugins asked for and could not have at once: loading and unloading
+// plugins inside a plugin's own call would take the floor from under it.
+void Simulator::FinishRequests() {
+    objects.CompleteLoads(frame);
+    fleet.LoadRequested(*this);
+    if (std::exchange(sceneryDue, false))
+        ReportScenery();
+}
+
+void Simulator::ForgetUnloaded() {
+    std::erase_if(hostCalls, [](const auto &entry) {
+        std::array<char, AVSK_TEXT_SIZE> path{};
+        AVSKGetPluginInfo(entry.first, nullptr, path.data(), nullptr, nullptr);
+        return path.front() == '\0';
+    });
+}
+
+void Simulator::ReportScenery() {
+    for (const std::string &folder : options.scenery)
+        AVSKEventHook(AVSKHostEventSceneryFolder, Elapsed(), 0, reinterpret_cast<AVSKWord>(folder.c_str()));
+}
+
+// The host's own camera looks down on the start; a plugin may move it.
+void Simulator::PlaceCamera() {
+    const std::array<float, 7> own = {0, 3000, 2000, -45, 0, 0, 1};
+    camera = own;
+    float *c = camera.data();
+    if (AVSKCameraHook(&c[0], &c[1], &c[2], &c[3], &c[4], &c[5], &c[6]) != 0)
+        camera = own;
+}
+
+void Simulator::Draw() {
+    const auto wanted = [this](const Screenshot &shot) { return shot.frame == frame; };
+    const auto &shots = options.screenshots;
+    display.Begin(std::any_of(shots.begin(), shots.end(), wanted));
+    DrawPasses();
+    for (const Screenshot &shot : shots) {
+        if (wanted(shot))
+            display.Write(*this, shot.file);
+    }
+    display.Begin(/*written=*/false);
+}
+
+void Simulator::DrawPasses() {
+    constexpr int kFirstCode = 1;
+    constexpr int kLastCode = 26;
+    constexpr int kNoReflection = 0;
+    for (int code = kFirstCode; code <= kLastCode; ++code) {
+        if (AVSKDoDrawingHook(code, kNoReflection) != 0)
+            display.DrawOwnPart(*this, code);
+    }
+}
+
+} // namespace host

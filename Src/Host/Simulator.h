@@ -1,0 +1,76 @@
+// The simulator's whole state, and one frame of it. The slots reach it
+// through Enter(); Main.cpp makes it and drives it.
+#ifndef AVSK_HOST_SIMULATOR_H
+#define AVSK_HOST_SIMULATOR_H
+
+#include "Aeroplane.h"
+#include "Console.h"
+#include "Datarefs.h"
+#include "HostAircraft.h"
+#include "HostCommands.h"
+#include "HostDisplay.h"
+#include "HostFiles.h"
+#include "HostMenus.h"
+#include "HostObjects.h"
+#include "Options.h"
+
+#include "AVSK/AVSKHost.h"
+
+#include <array>
+#include <map>
+
+namespace host {
+
+struct Simulator {
+    explicit Simulator(Options requested);
+
+    Options options;
+    Console console;
+    int frame = 0;
+    Aeroplane aeroplane;
+    Track track;
+    std::array<float, 7> camera{}; // x, y, z in metres; pitch, heading, roll in degrees; zoom
+    Display display;
+    MenuTree menus;
+    CommandTable commands;
+    Fleet fleet;
+    Objects objects;
+    Datarefs datarefs;
+    bool sceneryDue = false; // scenery folders are to be reported at the next frame
+    // Calls into the host's services and messages to it, by the plugin that made them.
+    std::map<AVSKPluginID, long> hostCalls;
+
+    // Seconds since the start: a clock of frames, so that every run is the same.
+    float Elapsed() const;
+
+    // Runs the library's hooks for one frame.
+    void RunFrame();
+    // Drops the counts of plugins that are gone: their IDs are given out again.
+    void ForgetUnloaded();
+    // Reports each scenery folder to the library.
+    void ReportScenery();
+
+  private:
+    void FinishRequests();
+    void PlaceCamera();
+    void Draw();
+    void DrawPasses();
+};
+
+// The table of services is plain C and its functions get no context word, so
+// they find the one simulator of the process here. Set by Main.cpp.
+extern Simulator *gSimulator;
+
+// What each slot does first: notes which plugin's code called it.
+Simulator &Enter();
+
+// Writes through a plugin's pointer, which may be null.
+template <typename T>
+void Store(T *out, T value) {
+    if (out)
+        *out = value;
+}
+
+} // namespace host
+
+#endif

@@ -1,0 +1,6 @@
+// The code of the header-only libraries that Font.cpp and Canvas.cpp use, compiled with warnings off.
+#define STB_TRUETYPE_IMPLEMENTATION
+#include <stb/stb_truetype.h>
+
+#define STB_IMAGE_WRITE_IMPLEMENTATION
+#include <stb/stb_image_write.h>
