@@ -15,12 +15,8 @@ std::array<float, 4> gLevels{};
 AVSKDataRef gCounterRef = nullptr;
 AVSKDataRef gLevelsRef = nullptr;
 
-int ReadCounter(void *) {
-    return gCounter;
-}
-void WriteCounter(void *, int value) {
-    gCounter = value;
-}
+int ReadCounter(void *) { return gCounter; }
+void WriteCounter(void *, int value) { gCounter = value; }
 
 // How many of `wanted` elements from `offset` on lie inside the array.
 int Clip(int offset, int wanted) {
@@ -72,8 +68,6 @@ void AVPluginStop(void) {
 }
 
 // Nothing to do, but the log mentions each entry point that a plugin does not have.
-int AVPluginEnable(void) {
-    return 1;
-}
+int AVPluginEnable(void) { return 1; }
 void AVPluginDisable(void) {}
 void AVPluginReceiveMessage(AVSKPluginID /*sender*/, int /*message*/, void * /*parameter*/) {}

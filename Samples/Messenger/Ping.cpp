@@ -47,7 +47,5 @@ void AVPluginReceiveMessage(AVSKPluginID sender, int message, void *parameter) {
 
 // Nothing to do, but the log mentions each entry point that a plugin does not have.
 void AVPluginStop(void) {}
-int AVPluginEnable(void) {
-    return 1;
-}
+int AVPluginEnable(void) { return 1; }
 void AVPluginDisable(void) {}

@@ -17,9 +17,7 @@ int AVPluginStart(char *outName, char *outSignature, char *outDescription) {
 }
 
 /* About to be unloaded. Free what is yours; what you registered goes by itself. */
-void AVPluginStop(void) {
-    AVSKDebugString("Template: stop\n");
-}
+void AVPluginStop(void) { AVSKDebugString("Template: stop\n"); }
 
 /* Every plugin has started by now, so this is the first place where others can be looked for. */
 int AVPluginEnable(void) {
@@ -28,9 +26,7 @@ int AVPluginEnable(void) {
 }
 
 /* No more callbacks until the next enable. */
-void AVPluginDisable(void) {
-    AVSKDebugString("Template: disable\n");
-}
+void AVPluginDisable(void) { AVSKDebugString("Template: disable\n"); }
 
 /* A message: from the simulator (sender 0) or from another plugin. */
 void AVPluginReceiveMessage(AVSKPluginID sender, int message, void *parameter) {
