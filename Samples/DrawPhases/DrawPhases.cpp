@@ -1,5 +1,5 @@
 // DrawPhases: draws before and after one phase of the frame, and counts. A key
-// sniffer switches both off and on: F4.
+// sniffer switches both off and on: F9.
 #include <AVSK/AVSK.h>
 
 #include <array>
@@ -10,7 +10,7 @@ namespace {
 constexpr int kFont = 1;
 constexpr int kPhase = 50;   // the simulator's panel; the windows are drawn between it and the half after
 constexpr int kKeyDown = 4;  // flags are the simulator's: 1 shift, 2 control, 4 pressed
-constexpr char kKeyF4 = 115; // virtual key codes of F1 to F12 are 112 to 123
+constexpr char kKeyF9 = 120; // virtual key codes of F1 to F12 are 112 to 123
 constexpr int kLeft = 40;
 constexpr int kBottom = 60;
 
@@ -49,7 +49,7 @@ void Show(bool shown) {
 
 // Sees every key before hot keys and windows do, so it takes one key only and leaves the others alone.
 int Sniff(char /*key*/, int flags, char virtualKey, void * /*refcon*/) {
-    if (virtualKey != kKeyF4)
+    if (virtualKey != kKeyF9)
         return 1;
     if ((flags & kKeyDown) != 0)
         Show(!gShown);
@@ -61,7 +61,7 @@ int Sniff(char /*key*/, int flags, char virtualKey, void * /*refcon*/) {
 int AVPluginStart(char *outName, char *outSignature, char *outDescription) {
     std::snprintf(outName, AVSK_TEXT_SIZE, "DrawPhases");
     std::snprintf(outSignature, AVSK_TEXT_SIZE, "aerivo.samples.drawphases");
-    std::snprintf(outDescription, AVSK_TEXT_SIZE, "Draws before and after the panel; F4 switches it.");
+    std::snprintf(outDescription, AVSK_TEXT_SIZE, "Draws before and after the panel; F9 switches it.");
 
     // The feature "AVSK_WANTS_REFLECTIONS" stays off: a text has no business in the mirror of a lake,
     // and the counts are of frames.

@@ -37,10 +37,10 @@ int CountAircraft() {
     return Fleet::kCount;
 }
 
-void PlaceUserAtAirport(AVSKWord airport) {
+void PlaceUserAtAirport(const char *airport) {
     Simulator &simulator = Enter();
-    if (const char *name = reinterpret_cast<const char *>(airport))
-        simulator.console.Note(std::string("no airport '") + name + "': this host has none, the aircraft stays");
+    if (airport)
+        simulator.console.Note(std::string("no airport '") + airport + "': this host has none, the aircraft stays");
 }
 
 int ReinitUsersPlane(int, int) {

@@ -23,7 +23,7 @@ int FindNavAid(AVSKWord, AVSKWord, AVSKWord, AVSKWord, AVSKWord, AVSKWord) {
     Enter();
     return kNoNavAid;
 }
-void GetNavAidInfo(AVSKWord, AVSKWord, AVSKWord, AVSKWord, AVSKWord, AVSKWord, AVSKWord, AVSKWord, AVSKWord, AVSKWord) {
+void GetNavAidInfo(int, AVSKWord, AVSKWord, AVSKWord, AVSKWord, AVSKWord, AVSKWord, AVSKWord, AVSKWord, AVSKWord) {
     Enter();
 }
 
@@ -34,9 +34,9 @@ int NoEntry() {
 }
 // Serves showing, flying to and clearing an entry.
 void ChangeEntry(int /*index*/) { Enter(); }
-void GetFMSEntryInfo(AVSKWord, AVSKWord, AVSKWord, AVSKWord, AVSKWord, AVSKWord, AVSKWord) { Enter(); }
-void SetFMSEntryInfo(AVSKWord, AVSKWord, AVSKWord) { Enter(); }
-void SetFMSEntryLatLon(AVSKWord, AVSKWord, AVSKWord, AVSKWord) { Enter(); }
+void GetFMSEntryInfo(int, AVSKWord, AVSKWord, AVSKWord, AVSKWord, AVSKWord, AVSKWord) { Enter(); }
+void SetFMSEntryInfo(int, AVSKWord, AVSKWord) { Enter(); }
+void SetFMSEntryLatLon(int, float, float, AVSKWord) { Enter(); }
 
 int GetGPSDestinationType() {
     Enter();

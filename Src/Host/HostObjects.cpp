@@ -31,7 +31,7 @@ void UnloadObject(void *object) { Enter().objects.Unload(object); }
 void DrawObject(void *, float, float, float, float, float, float, int, int) { Enter(); }
 
 // There is no library of virtual paths, so none of them names an object.
-int LookupObjects(AVSKWord, AVSKWord, AVSKWord, AVSKWord, AVSKWord) {
+int LookupObjects(const char *, float, float, void (*)(const char *, void *), void *) {
     Enter();
     return 0;
 }

@@ -34,19 +34,18 @@ const char *DebugCurrentPluginName();
 class [[nodiscard]] StDispatchCallback {
   public:
     StDispatchCallback() : previous(gDispatchedPlugin), depth(stack.depth) {
-        if (depth == stack.capacity) [[unlikely]]
-            GrowStack();
-        stack.frames[depth] = previous;
+        Record(previous);
         stack.depth = depth + 1;
     }
 
     explicit StDispatchCallback(int id) : StDispatchCallback() { callAllowed = Enter(id); }
 
-    ~StDispatchCallback() {
+    // Inline also where an exception passes, or the guard would live in memory.
+    [[gnu::always_inline]] ~StDispatchCallback() {
         stack.depth = depth;
         gDispatchedPlugin = previous;
         if (stack.unloadsWait) [[unlikely]]
-            ReturnPastUnloads();
+            ReturnPastUnloads(depth, previous);
     }
 
     StDispatchCallback(const StDispatchCallback &) = delete;
@@ -57,10 +56,10 @@ class [[nodiscard]] StDispatchCallback {
     // Makes another plugin the dispatched one and tells whether it may be called.
     [[nodiscard]] bool Enter(int id) {
         gDispatchedPlugin = id;
-        stack.frames[depth] = id;
-        if (const PluginRecord *record = AVSKPluginAt(id)) [[likely]]
-            return record->enabled;
-        return id == AVSK_PLUGIN_AERIVO && gAllPlugins.empty();
+        Record(id);
+        if (static_cast<unsigned>(id) < gCallFlags.count) [[likely]]
+            return gCallFlags.enabled[id] != 0;
+        return id == AVSK_PLUGIN_AERIVO && gCallFlags.count == 0;
     }
 
     // Unloads a plugin's library, now or, while one of its calls is under way,
@@ -69,16 +68,22 @@ class [[nodiscard]] StDispatchCallback {
     static void ReleaseLibrary(int id, void *handle);
 
   private:
-    // Kept apart from the guards, whose members can then stay in registers.
+    static constexpr int kRecordedCalls = 1024;
+
+    // Kept apart from the guards: nothing points at a guard, so that its
+    // members stay in registers.
     struct Stack {
-        int *frames; // the plugin called, by depth
         int depth;
-        int capacity;
         bool unloadsWait;
+        int frames[kRecordedCalls]; // the plugin called; deeper calls may be anybody's
     };
 
-    static void GrowStack();
-    void ReturnPastUnloads() const;
+    void Record(int id) const {
+        if (depth < kRecordedCalls) [[likely]]
+            stack.frames[depth] = id;
+    }
+    static bool IsUnderWay(int id);
+    static void ReturnPastUnloads(int depth, int previous);
 
     bool callAllowed = false;
     const int previous;

@@ -53,6 +53,14 @@ void AVSKShutdownPlugins() {
 int AVSKEventHook(int event, float elapsed, int /*unused*/, AVSKWord parameter) {
     switch (event) {
     case AVSKHostEventFrame:
+        AVSKDoRepeatedButtons();
+        return AVSKDoFlightLoopProcessing(elapsed, event);
+    case AVSKHostEventViewChanged:
+        AVSKReleaseCamera();
+        return 1;
+    case AVSKHostEventCommands:
+        AVSKCommandRepeatHook();
+        return 1;
     case AVSKHostEventFrameEnd:
         return AVSKDoFlightLoopProcessing(elapsed, event);
     case AVSKHostEventBroadcast101:
@@ -100,9 +108,8 @@ int AVSKCursorHook(int x, int y) { return AVSKDisplayCursorHook(x, y); }
 
 int AVSKScrollWheelHook(int x, int y, int wheel, int clicks) { return AVSKDisplayScrollWheelHook(x, y, wheel, clicks); }
 
-int AVSKCameraHook(float * /*f1*/, float * /*f2*/, float * /*f3*/, float * /*f4*/, float * /*f5*/, float * /*f6*/,
-                   float * /*f7*/) {
-    return 1;
+int AVSKCameraHook(float *f1, float *f2, float *f3, float *f4, float *f5, float *f6, float *f7) {
+    return AVSKAdjustCamera(f1, f2, f3, f4, f5, f6, f7);
 }
 
 int AVSKMenuHook(int itemID) { return AVSKHandleMenuItemPick(itemID); }
@@ -111,8 +118,12 @@ int AVSKCheckMenuHook(void *menu, int index, int *outCheck) { return AVSKHandleM
 
 int AVSKMenuItemEnabled(void *menu, int index) { return AVSKHandleMenuItemEnable(menu, index); }
 
-void AVSKUpdatePlaneNameAndPath(int /*index*/, char * /*name*/, char * /*path*/) {}
+void AVSKUpdatePlaneNameAndPath(int index, char *name, char *path) {
+    AVSKHandleUpdatePlaneNameAndPath(index, name, path);
+}
 
-int AVSKGetNumberPlanesToHandle(int count, int /*flag*/) { return count; }
+int AVSKGetNumberPlanesToHandle(int count, int flag) { return AVSKHandleGetNumberPlanesToHandle(count, flag); }
 
-int AVSKCommandHook(void * /*command*/, int /*begin*/, int /*end*/, int /*before*/) { return 1; }
+int AVSKCommandHook(void *command, int begin, int end, int before) {
+    return AVSKDispatchCommandHook(command, begin, end, before);
+}

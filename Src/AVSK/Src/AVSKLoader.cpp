@@ -22,9 +22,11 @@
 #include <cstring>
 #include <exception>
 #include <initializer_list>
+#include <string_view>
 #include <utility>
 
 PluginRegistry gAllPlugins;
+AVSKCallFlags gCallFlags = {};
 std::vector<int> gCurrentAircraftPluginIDS;
 bool gScheduleReload = false;
 int gDispatchedPlugin = AVSK_PLUGIN_AERIVO;
@@ -43,15 +45,22 @@ struct ModuleTeardown {
     bool (*holds)(int pluginID);
 };
 constexpr ModuleTeardown kTeardown[] = {
+    {AVSKCommandCleanupHook, AVSKCommandHolds},
     {AVSKDisplayCleanupHook, AVSKDisplayHolds},
     {AVSKProcessingCleanupHook, AVSKProcessingHolds},
+    {AVSKCameraCleanupHook, AVSKCameraHolds},
     {AVSKMenuCleanupHook, AVSKMenuHolds},
+    {AVSKPlaneCleanupHook, AVSKPlaneHolds},
     {AVSKDataRefsCleanupHook, AVSKDataRefsHolds},
+    {AVSKSharedDataCleanupHook, AVSKSharedDataHolds},
+    {AVSKSceneryCleanupHook, AVSKSceneryHolds},
 };
 
 // The order in which a disabled plugin loses what needs it to be awake.
 constexpr void (*kDisableHooks[])(int pluginID) = {
     AVSKDisplayDisableHook,
+    AVSKCameraDisableHook,
+    AVSKPlaneDisableHook,
 };
 
 std::vector<void *> gWaitingLibraries; // unloaded while a call into them was under way
@@ -62,6 +71,37 @@ int FrameOfUnloaded(int id) { return id | INT_MIN; }
 int PluginCount() { return static_cast<int>(gAllPlugins.size()); }
 
 PluginShare ShareOf(int id) { return AVSKPluginAt(id) ? gAllPlugins[static_cast<unsigned>(id)] : nullptr; }
+
+// ---- The registry and its flags change together
+
+std::vector<unsigned char> gEnabledFlags;
+
+void PublishFlags() { gCallFlags = {gEnabledFlags.data(), static_cast<unsigned>(gEnabledFlags.size())}; }
+
+int Append(const PluginShare &record) {
+    gEnabledFlags.push_back(record->enabled);
+    gAllPlugins.push_back(record);
+    PublishFlags();
+    return record->id = PluginCount() - 1;
+}
+
+void RemoveLast() {
+    gAllPlugins.pop_back();
+    gEnabledFlags.pop_back();
+    PublishFlags();
+}
+
+PluginRegistry RemoveAll() {
+    gEnabledFlags.clear();
+    PublishFlags();
+    return std::exchange(gAllPlugins, {});
+}
+
+void SetEnabled(PluginRecord &record, bool enabled) {
+    record.enabled = enabled;
+    if (AVSKPluginAt(record.id) == &record)
+        gEnabledFlags[static_cast<unsigned>(record.id)] = enabled;
+}
 
 void Log(std::initializer_list<const char *> pieces) {
     for (const char *piece : pieces)
@@ -92,7 +132,7 @@ void ForgetEntryPoints(PluginRecord &record) {
     record.disableFunc = nullptr;
     record.receiveMessageFunc = nullptr;
     record.errorCallback = nullptr;
-    record.enabled = false;
+    SetEnabled(record, false);
     record.unloaded = true;
 }
 
@@ -101,7 +141,7 @@ void ForgetEntryPoints(PluginRecord &record) {
 void Withdraw(const PluginShare &record) {
     ForgetEntryPoints(*record);
     if (!gAllPlugins.empty() && gAllPlugins.back() == record)
-        gAllPlugins.pop_back();
+        RemoveLast();
     AbandonDeliveries(*record);
 }
 
@@ -179,21 +219,20 @@ void ReportUnknownFeature() { AVSKSendError("Illegal feature name passed to AVSK
 
 // ---- Dispatch
 
-void StDispatchCallback::GrowStack() {
-    static std::vector<int> frames;
-    frames.resize(frames.empty() ? 64 : 2 * frames.size());
-    stack.frames = frames.data();
-    stack.capacity = static_cast<int>(frames.size());
+bool StDispatchCallback::IsUnderWay(int id) {
+    if (stack.depth > kRecordedCalls)
+        return true;
+    int *const end = stack.frames + stack.depth;
+    return std::find(stack.frames, end, id) != end;
 }
 
 void StDispatchCallback::ReleaseLibrary(int id, void *handle) {
-    const bool underWay = std::find(stack.frames, stack.frames + stack.depth, id) != stack.frames + stack.depth;
-    if (!underWay) {
+    if (!IsUnderWay(id)) {
         if (handle)
             AVSKUnloadDLL(handle);
         return;
     }
-    std::replace(stack.frames, stack.frames + stack.depth, id, FrameOfUnloaded(id));
+    std::replace(stack.frames, stack.frames + std::min(stack.depth, kRecordedCalls), id, FrameOfUnloaded(id));
     if (gDispatchedPlugin == id)
         gDispatchedPlugin = NO_PLUGIN_ID;
     stack.unloadsWait = true;
@@ -201,9 +240,9 @@ void StDispatchCallback::ReleaseLibrary(int id, void *handle) {
         gWaitingLibraries.push_back(handle);
 }
 
-void StDispatchCallback::ReturnPastUnloads() const {
+void StDispatchCallback::ReturnPastUnloads(int depth, int previous) {
     if (depth > 0) {
-        if (stack.frames[depth - 1] == FrameOfUnloaded(previous))
+        if (depth <= kRecordedCalls && stack.frames[depth - 1] == FrameOfUnloaded(previous))
             gDispatchedPlugin = NO_PLUGIN_ID;
         return;
     }
@@ -255,8 +294,11 @@ int AVSKFindPluginByPath(const char *path) {
 }
 
 int AVSKFindPluginBySignature(const char *signature) {
-    for (int id = 0; signature && id < PluginCount(); ++id)
-        if (AVSKPluginAt(id)->signature == signature)
+    if (!signature)
+        return NO_PLUGIN_ID;
+    const std::string_view wanted = signature;
+    for (int id = 0; id < PluginCount(); ++id)
+        if (AVSKPluginAt(id)->signature == wanted)
             return id;
     return NO_PLUGIN_ID;
 }
@@ -301,7 +343,7 @@ void AVSKFindAndLoadPlugins(const char *hostFolder) {
     host->description = "Aerivo flight simulator";
     host->receiveMessageFunc = gHooks->receiveMessage;
     host->enabled = true;
-    gAllPlugins.push_back(std::move(host));
+    Append(host);
 
     const std::string folder = std::string(hostFolder) + "Resources/plugins";
     Log({"Fetching plugins for ", folder.c_str(), "\n\n"});
@@ -375,8 +417,7 @@ int LoadOnePlugin(const std::string &path, int reportMissing) {
     record->name = StripPluginsFolder(path.c_str());
     record->description = path;
 
-    const int id = PluginCount();
-    gAllPlugins.push_back(record);
+    const int id = Append(record);
     StartText name;
     StartText signature;
     StartText description;
@@ -459,7 +500,7 @@ void AVSKUnloadPlugins() {
     for (int id = 1; id < PluginCount(); ++id)
         UnloadOnePlugin(id);
     gCurrentAircraftPluginIDS.clear();
-    const PluginRegistry leaving = std::exchange(gAllPlugins, {});
+    const PluginRegistry leaving = RemoveAll();
     for (const PluginShare &record : leaving)
         AbandonDeliveries(*record);
 }
@@ -475,8 +516,8 @@ void AVSKUnloadAcfPlugin() {
                 UnloadOnePlugin(id);
     // Removing one further forward would renumber those behind it.
     while (!gAllPlugins.empty() && std::find(leaving.begin(), leaving.end(), gAllPlugins.back()) != leaving.end()) {
-        const PluginShare record = std::move(gAllPlugins.back());
-        gAllPlugins.pop_back();
+        const PluginShare record = gAllPlugins.back();
+        RemoveLast();
         AbandonDeliveries(*record);
     }
 }
@@ -495,7 +536,7 @@ int AVSKEnablePlugin(int plugin) {
         }
         if (record->unloaded)
             return 0;
-        record->enabled = accepted;
+        SetEnabled(*record, accepted);
     }
     if (record->enabled) {
         const StDispatchCallback guard(plugin);
@@ -518,7 +559,7 @@ void AVSKDisablePlugin(int plugin) {
         disable(plugin);
     if (!record->enabled) // a hook called the plugin, which was disabled from there
         return;
-    record->enabled = false;
+    SetEnabled(*record, false);
     if (record->disableFunc) {
         const StDispatchCallback guard(plugin); // called though it is not enabled any more
         record->disableFunc();

@@ -29,12 +29,19 @@ struct PluginRecord {
     AVSKDeliveryHead pendingDeliveries;  // the host has not completed them
     AVSKDeliveryHead deferredDeliveries; // completed while the plugin was disabled
     bool unloaded = false;               // torn down; the record only keeps its ID taken
+    int id = NO_PLUGIN_ID;
 };
 
 // A plugin's ID is its index. Records are shared so that one outlives its
 // removal while a function that called its plugin is still under way.
 using PluginRegistry = std::vector<std::shared_ptr<PluginRecord>>;
 extern PluginRegistry gAllPlugins;
+// The records' enabled flags once more, side by side, for the guard of every call.
+struct AVSKCallFlags {
+    const unsigned char *enabled;
+    unsigned count;
+};
+extern AVSKCallFlags gCallFlags;
 extern std::vector<int> gCurrentAircraftPluginIDS; // in load order
 extern bool gScheduleReload;                       // a plugin asked for a reload
 

@@ -5,12 +5,16 @@
 #ifndef AVSK_H
 #define AVSK_H
 
+#include "AVSKCamera.h"
 #include "AVSKDataAccess.h"
 #include "AVSKDisplay.h"
 #include "AVSKGraphics.h"
 #include "AVSKMenus.h"
+#include "AVSKNavigation.h"
+#include "AVSKPlanes.h"
 #include "AVSKPlugins.h"
 #include "AVSKProcessing.h"
+#include "AVSKScenery.h"
 #include "AVSKThreadLocal.h"
 #include "AVSKTypes.h"
 #include "AVSKUtilities.h"

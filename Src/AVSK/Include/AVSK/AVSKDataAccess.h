@@ -188,6 +188,39 @@ AVSK_API int AVSKGetDatab(AVSKDataRef ref, void *bytes, int offset, int max);
 /** Writes bytes, as AVSKSetDatavi() does integers. */
 AVSK_API void AVSKSetDatab(AVSKDataRef ref, void *bytes, int offset, int count);
 
+/* ---- Shared data: values that several plugins use and none owns */
+
+/**
+ * Hears of a write to a shared value, also one that did not change it. It may
+ * read and write the value, share and unshare.
+ *
+ * @param refcon  what was given with the subscription.
+ */
+typedef void (*AVSKDataChanged_f)(void *refcon);
+
+/**
+ * Makes a shared value with a dataref of that name, unless there is one, and
+ * subscribes the calling plugin to its changes. The value and its dataref
+ * stay for good, whoever comes and goes.
+ *
+ * @param name      the name; copied.
+ * @param type      exactly one of AVSKDataTypeBits.
+ * @param callback  called after each write, the caller's own included; null shares without
+ *                  subscribing. Given twice it is called twice. One given during a
+ *                  notification hears the next write.
+ * @param refcon    passed to it, may be null.
+ * @return 1; 0 if the name is shared with another type, or null.
+ */
+AVSK_API int AVSKShareData(const char *name, int type, AVSKDataChanged_f callback, void *refcon);
+
+/**
+ * Ends one subscription of the calling plugin.
+ *
+ * @param name,type,callback,refcon  as shared.
+ * @return 1 if there was one, else 0.
+ */
+AVSK_API int AVSKUnshareData(const char *name, int type, AVSKDataChanged_f callback, void *refcon);
+
 #ifdef __cplusplus
 }
 #endif

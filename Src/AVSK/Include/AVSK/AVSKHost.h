@@ -73,7 +73,7 @@ typedef struct AVSKHostCallbacks {
     /** Slot 19: number of aircraft. */
     int (*countAircraft)(void);
     /** Slot 20: places the user at an airport, a text. */
-    void (*placeUserAtAirport)(AVSKWord airport);
+    void (*placeUserAtAirport)(const char *airport);
     /** Slot 21: acts as if a key had been pressed. */
     void (*simulateKeyPress)(int keyType, int key);
     /** Slot 22: speaks a text. */
@@ -124,7 +124,7 @@ typedef struct AVSKHostCallbacks {
     /** Slot 40: searches for a navaid; six words whose meaning is the host's. */
     int (*findNavAid)(AVSKWord a1, AVSKWord a2, AVSKWord a3, AVSKWord a4, AVSKWord a5, AVSKWord a6);
     /** Slot 41: describes a navaid. */
-    void (*getNavAidInfo)(AVSKWord navAid, AVSKWord a2, AVSKWord a3, AVSKWord a4, AVSKWord a5, AVSKWord a6, AVSKWord a7,
+    void (*getNavAidInfo)(int navAid, AVSKWord a2, AVSKWord a3, AVSKWord a4, AVSKWord a5, AVSKWord a6, AVSKWord a7,
                           AVSKWord a8, AVSKWord a9, AVSKWord a10);
     /** Slot 42: number of flight-plan entries. */
     int (*countFMSEntries)(void);
@@ -137,12 +137,11 @@ typedef struct AVSKHostCallbacks {
     /** Slot 46: flies to an entry. */
     void (*setDestinationFMSEntry)(int index);
     /** Slot 47: describes an entry. */
-    void (*getFMSEntryInfo)(AVSKWord index, AVSKWord a2, AVSKWord a3, AVSKWord a4, AVSKWord a5, AVSKWord a6,
-                            AVSKWord a7);
+    void (*getFMSEntryInfo)(int index, AVSKWord a2, AVSKWord a3, AVSKWord a4, AVSKWord a5, AVSKWord a6, AVSKWord a7);
     /** Slot 48: sets an entry to a navaid. */
-    void (*setFMSEntryInfo)(AVSKWord index, AVSKWord a2, AVSKWord a3);
+    void (*setFMSEntryInfo)(int index, AVSKWord a2, AVSKWord a3);
     /** Slot 49: sets an entry to a position. */
-    void (*setFMSEntryLatLon)(AVSKWord index, AVSKWord latitude, AVSKWord longitude, AVSKWord a4);
+    void (*setFMSEntryLatLon)(int index, float latitude, float longitude, AVSKWord a4);
     /** Slot 50: clears an entry. */
     void (*clearFMSEntry)(int index);
     /** Slot 51: type of the GPS destination. */
@@ -179,7 +178,8 @@ typedef struct AVSKHostCallbacks {
     /** Slot 66: gives an object back; null is ignored. */
     void (*unloadObject)(void *object);
     /** Slot 67: looks objects up by a virtual path; answers their number. */
-    int (*lookupObjects)(AVSKWord path, AVSKWord latitude, AVSKWord longitude, AVSKWord enumerator, AVSKWord reference);
+    int (*lookupObjects)(const char *path, float latitude, float longitude,
+                         void (*enumerator)(const char *path, void *reference), void *reference);
     /** Slot 68: loads a data file of type 1 or 2. */
     int (*loadDataFile)(int type, const char *path);
     /** Slot 69: saves a data file of type 1 or 2. */

@@ -1,7 +1,7 @@
 /**
- * AVSKUtilities.h: the log, versions, language, speech, data files and the
- * simulator's own symbols. Calls that forward go to the simulator and mean
- * what it makes of them.
+ * AVSKUtilities.h: commands, keys, buttons, paths and folders, the log,
+ * versions, language, speech, data files and the simulator's own symbols.
+ * Calls that forward go to the simulator and mean what it makes of them.
  */
 #ifndef AVSK_UTILITIES_H
 #define AVSK_UTILITIES_H
@@ -82,6 +82,186 @@ AVSK_API int AVSKLoadDataFile(int fileType, const char *path);
  * @return the simulator's answer; 0 for a bad argument.
  */
 AVSK_API int AVSKSaveDataFile(int fileType, const char *path);
+
+/* ---- Commands */
+
+/** Names a command. The simulator's; compared by value, valid for ever. Null is no command. */
+typedef void *AVSKCommandRef;
+
+/** Phases of a command. */
+typedef enum AVSKCommandPhase {
+    /** The command begins. */
+    AVSKCommandPhaseBegin = 0,
+    /** It is held; reported once a frame. */
+    AVSKCommandPhaseContinue = 1,
+    /** It ends. */
+    AVSKCommandPhaseEnd = 2
+} AVSKCommandPhase;
+
+/**
+ * Handles a phase of a command. It may register and unregister handlers, of this command too.
+ *
+ * @param command  the command.
+ * @param phase    one of AVSKCommandPhase.
+ * @param refcon   what was given at registration.
+ * @return 0 stops the command: no later handler and, before the simulator, not the simulator
+ *         either gets this phase. Otherwise it goes on.
+ */
+typedef int (*AVSKCommandHandler_f)(AVSKCommandRef command, int phase, void *refcon);
+
+/**
+ * Finds a command.
+ *
+ * @param name  its name.
+ * @return the command, or null if there is none.
+ */
+AVSK_API AVSKCommandRef AVSKFindCommand(const char *name);
+
+/**
+ * Creates a command, or finds the one with that name.
+ *
+ * @param name         its name, by custom "organisation/plugin/action". One that starts with
+ *                     "sim/" is complained about, to the error callback and in the log, and
+ *                     created all the same.
+ * @param description  a text for the user.
+ * @return the command.
+ */
+AVSK_API AVSKCommandRef AVSKCreateCommand(const char *name, const char *description);
+
+/**
+ * Begins a command on the calling plugin's account. Until it ends it is
+ * continued once a frame while the plugin is enabled; it ends by itself when
+ * the plugin is unloaded.
+ *
+ * @param command  the command.
+ */
+AVSK_API void AVSKCommandBegin(AVSKCommandRef command);
+
+/**
+ * Ends a command. Another plugin that holds it goes on holding it.
+ *
+ * @param command  the command.
+ */
+AVSK_API void AVSKCommandEnd(AVSKCommandRef command);
+
+/**
+ * Begins and ends a command.
+ *
+ * @param command  the command.
+ */
+AVSK_API void AVSKCommandOnce(AVSKCommandRef command);
+
+/**
+ * Registers a handler of the calling plugin for a command. Handlers before
+ * the simulator are called newest first, those after it oldest first. The
+ * same one may be registered twice, and is then called twice.
+ *
+ * @param command  the command.
+ * @param handler  the function.
+ * @param before   non-zero: before the simulator acts on the command, 0: after.
+ * @param refcon   passed to it, may be null.
+ */
+AVSK_API void AVSKRegisterCommandHandler(AVSKCommandRef command, AVSKCommandHandler_f handler, int before,
+                                         void *refcon);
+
+/**
+ * Removes a handler of the calling plugin; one registration of several. No match: nothing happens.
+ *
+ * @param command,handler,before,refcon  as registered.
+ */
+AVSK_API void AVSKUnregisterCommandHandler(AVSKCommandRef command, AVSKCommandHandler_f handler, int before,
+                                           void *refcon);
+
+/* ---- Keys and buttons */
+
+/**
+ * Names a key.
+ *
+ * @param virtualKey  a virtual key code.
+ * @return its name in English, "Unknown" for a code that is no key. A static text.
+ */
+AVSK_API const char *AVSKGetVirtualKeyDescription(char virtualKey);
+
+/**
+ * Acts as if a key had been pressed.
+ *
+ * @param keyType,key  two numbers whose meaning is the simulator's.
+ */
+AVSK_API void AVSKSimulateKeyPress(int keyType, int key);
+
+/**
+ * Runs one of the simulator's key commands.
+ *
+ * @param key  its number in the simulator.
+ */
+AVSK_API void AVSKCommandKeyStroke(int key);
+
+/**
+ * Presses a joystick button, which is then pressed again every frame until it is released.
+ *
+ * @param button  its number in the simulator.
+ */
+AVSK_API void AVSKCommandButtonPress(int button);
+
+/**
+ * Releases a joystick button; of two presses, one.
+ *
+ * @param button  its number in the simulator.
+ */
+AVSK_API void AVSKCommandButtonRelease(int button);
+
+/* ---- Paths and folders */
+
+/** The room, in bytes, of a path in a caller's buffer. */
+#define AVSK_PATH_SIZE 512
+
+/**
+ * Asks for the simulator's folder.
+ *
+ * @param outPath  512 bytes, UTF-8, ending in a separator. Null is ignored.
+ */
+AVSK_API void AVSKGetSystemPath(char *outPath);
+
+/**
+ * Asks for the simulator's preferences.
+ *
+ * @param outPath  512 bytes, UTF-8. Null is ignored.
+ */
+AVSK_API void AVSKGetPrefsPath(char *outPath);
+
+/**
+ * Asks what separates folders in a path.
+ *
+ * @return a text of one character, static.
+ */
+AVSK_API const char *AVSKGetDirectorySeparator(void);
+
+/**
+ * Splits a path in place: a trailing separator is dropped, and the last one
+ * left is overwritten with a zero, so that the buffer holds the folder.
+ *
+ * @param path  the path, changed. "a/b.txt" becomes "a".
+ * @return the file part, inside the buffer; the whole of a path without a separator; an empty
+ *         text for "" and "/"; null for null.
+ */
+AVSK_API char *AVSKExtractFileAndPath(char *path);
+
+/**
+ * Lists a folder, a page at a time: call again with first raised by *outReturned.
+ *
+ * @param folder       its path, UTF-8. Null or unreadable: no names.
+ * @param first        the index of the first name to return; negative counts as 0.
+ * @param outNames     receives names one after the other, each zero-terminated, and an empty
+ *                     one behind the last. Null returns no name.
+ * @param namesSize    its size in bytes.
+ * @param outIndices   receives a pointer to each name, and null behind the last; may be null.
+ * @param indexCount   its room in pointers.
+ * @param outTotal     receives the number of names in the folder; may be null.
+ * @param outReturned  receives the number of names returned; may be null.
+ * @return 1 if every name from the first on was returned and the closing ones fitted too, else 0.
+ */
+AVSK_API int AVSKGetDirectoryContents(const char *folder, int first, char *outNames, int namesSize, char **outIndices,
+                                      int indexCount, int *outTotal, int *outReturned);
 
 #ifdef __cplusplus
 }

@@ -1,0 +1,15 @@
+// A host that does nothing, so that the library's own cost is what is measured.
+#ifndef AVSK_BENCH_FAKE_HOST_H
+#define AVSK_BENCH_FAKE_HOST_H
+
+#include "AVSK/AVSKHost.h"
+
+#include <cstdint>
+
+// The host's services, every slot filled.
+const AVSKHostCallbacks &FakeHostTable();
+
+// The number of messages that plugin 0 has received.
+std::uint64_t FakeHostMessages();
+
+#endif

@@ -1,0 +1,81 @@
+// Flight loops: a pass that calls all of them, and one that calls none.
+#include "Harness.h"
+#include "Simulator.h"
+
+#include "AVSK/AVSKHost.h"
+#include "AVSK/AVSKProcessing.h"
+
+#include <numeric>
+
+namespace {
+
+constexpr int kPlugins = 10;
+constexpr unsigned kLoops = 1000;
+
+// Each loop counts for itself: one counter for all would be a chain of stores to wait for.
+float CountCall(float /*sinceLast*/, float /*elapsed*/, int /*counter*/, void *refcon) {
+    ++*static_cast<unsigned *>(refcon);
+    return -1.0F;
+}
+
+using Counters = std::vector<unsigned>;
+
+std::uint64_t Sum(const Counters &counters) {
+    return std::accumulate(counters.begin(), counters.end(), std::uint64_t{0});
+}
+
+// Neighbours in the list belong to different plugins.
+void CreateLoops(Simulator &simulator, Counters &counters, float interval) {
+    for (unsigned i = 0; i < kLoops; ++i)
+        simulator.AsPlugin(1 + static_cast<int>(i % kPlugins),
+                           [&] { AVSKRegisterFlightLoopCallback(CountCall, interval, &counters[i]); });
+}
+
+void ComparePass(Report &report) {
+    Simulator simulator(kPlugins);
+    Counters counters(kLoops);
+    CreateLoops(simulator, counters, -1.0F);
+    float time = 0;
+    const Side ours = Side::Here(
+        kLoops, [&time] { AVSKEventHook(AVSKHostEventFrame, time += 0.01F, 0, 0); },
+        [&counters] { return Sum(counters); });
+
+    struct Callback {
+        AVSKFlightLoop_f function;
+        void *refcon;
+    };
+    Counters bareCounters(kLoops);
+    std::vector<Callback> callbacks;
+    for (unsigned &counter : bareCounters)
+        callbacks.push_back({Opaque(&CountCall), &counter});
+    float bareTime = 0;
+    int pass = 0;
+    const Side bare = Side::Here(
+        kLoops,
+        [&] {
+            bareTime += 0.01F;
+            ++pass;
+            for (const Callback &callback : callbacks)
+                callback.function(0.01F, bareTime, pass, callback.refcon);
+        },
+        [&bareCounters] { return Sum(bareCounters); });
+    report.Compare("flight-loop pass, 1000 due / indirect calls", 4.0, ours, bare);
+}
+
+void MeasureIdlePass(Report &report) {
+    Simulator simulator(kPlugins);
+    Counters counters(kLoops);
+    CreateLoops(simulator, counters, 0);
+    // What counts is loops passed over; a call would be one too many.
+    report.Measure(
+        "flight-loop pass, 1000 idle, each",
+        Side::Here(
+            kLoops, [] { AVSKEventHook(AVSKHostEventFrame, 1.0F, 0, 0); },
+            [&counters] { return static_cast<std::uint64_t>(AVSKGetCycleNumber()) * kLoops + Sum(counters); }));
+}
+
+} // namespace
+
+std::vector<Comparison> ProcessingComparisons() {
+    return {{"flight loops, all due", ComparePass}, {"flight loops, all idle", MeasureIdlePass}};
+}

@@ -1,0 +1,53 @@
+// A folder of plugins and the library started on it.
+#ifndef AVSK_BENCH_SIMULATOR_H
+#define AVSK_BENCH_SIMULATOR_H
+
+#include "BenchPlugin.h"
+
+#include "AVSK/AVSKPlugins.h"
+
+#include <string>
+#include <vector>
+
+// A temporary host folder with copies of the plugin in Resources/plugins, each
+// in a folder of its own. Removed at the end of the scope.
+class PluginFolder {
+  public:
+    explicit PluginFolder(int plugins);
+    ~PluginFolder();
+    PluginFolder(const PluginFolder &) = delete;
+    PluginFolder &operator=(const PluginFolder &) = delete;
+
+    // As AVSKInitializePlugins() wants it.
+    const std::string &Root() const { return root; }
+    // The plugins' files, in the order in which the library loads them.
+    const std::vector<std::string> &Files() const { return files; }
+
+  private:
+    std::string root;
+    std::vector<std::string> files;
+};
+
+// The library, started with a number of plugins, IDs 1 and up; shut down at
+// the end of the scope.
+class Simulator {
+  public:
+    explicit Simulator(int plugins);
+    ~Simulator();
+    Simulator(const Simulator &) = delete;
+    Simulator &operator=(const Simulator &) = delete;
+
+    const std::vector<std::string> &Files() const { return folder.Files(); }
+
+    // Calls something on a plugin's account.
+    template <class Function>
+    void AsPlugin(AVSKPluginID plugin, Function function) {
+        BenchTask task = {[](void *argument) { (*static_cast<Function *>(argument))(); }, &function};
+        AVSKSendMessageToPlugin(plugin, kBenchRun, &task);
+    }
+
+  private:
+    PluginFolder folder;
+};
+
+#endif

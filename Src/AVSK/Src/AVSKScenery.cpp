@@ -1,0 +1,201 @@
+// Terrain probes and scenery objects: who owns which, and asynchronous loads
+// on their way to their plugins. Owns gProbes, gFreeProbes and gObjects;
+// called by plugins, by the host when a load completes, and by the core when
+// a plugin is unloaded.
+#include "AVSK/AVSKScenery.h"
+
+#include "AVSKDelivery.h"
+#include "AVSKDispatch.h"
+#include "AVSKErrors.h"
+#include "AVSKHostTable.h"
+#include "AVSKModules.h"
+#include "AVSKResourceList.h"
+
+#include <algorithm>
+#include <map>
+#include <set>
+#include <utility>
+#include <vector>
+
+struct AVSKProbe_t {
+    int owner;
+    int type;
+    void *hostProbe;
+};
+
+static_assert(sizeof(AVSKProbeInfo) == 44 && sizeof(AVSKDrawInfo) == 28, "layouts that plugins are compiled to");
+
+std::set<AVSKProbe_t *> gProbes;
+std::set<void *> gFreeProbes;                // host probes to use again; the host takes none back
+std::map<int, std::vector<void *>> gObjects; // by plugin, as often as it loaded them
+
+namespace {
+
+// Finds the first record of an object among a plugin's.
+std::vector<void *>::iterator FindObject(std::vector<void *> &objects, void *object) {
+    return std::find(objects.begin(), objects.end(), object);
+}
+
+// One asynchronous load.
+class AVSKObjectCompletion_t final : public AVSKDelivery, public AVSKTracked<AVSKObjectCompletion_t> {
+  public:
+    AVSKObjectCompletion_t(AVSKObjectLoaded_f function, void *reference) : callback(function), refcon(reference) {
+        pluginID = AVSKGetDispatchedPlugin();
+    }
+
+    // What the host calls when the load is over. One that it reports again,
+    // or never heard of, is ignored.
+    static void AsyncCB(void *objectRef, void *argument) {
+        auto *completion = static_cast<AVSKObjectCompletion_t *>(argument);
+        if (!Exists(completion) || completion->arrived)
+            return;
+        completion->object = objectRef;
+        AVSKSendDelivery(completion);
+    }
+
+    void DeliverToPlugin(bool cancelled) override {
+        const std::unique_ptr<AVSKObjectCompletion_t> freed(this);
+        if (cancelled) {
+            gHooks->unloadObject(object); // null too: the host ignores it
+            return;
+        }
+        // The object is recorded after the call, also when it throws; if the
+        // plugin was unloaded from inside it, there is nobody to record it for.
+        const Recording recording(pluginID, object);
+        if (callback)
+            callback(object, refcon);
+    }
+
+  private:
+    class Recording {
+      public:
+        Recording(int id, void *loaded)
+            : plugin(id), object(loaded), record(gAllPlugins[static_cast<std::size_t>(id)]) {}
+        ~Recording() {
+            if (!object)
+                return;
+            if (record->unloaded)
+                gHooks->unloadObject(object);
+            else
+                gObjects[plugin].push_back(object);
+        }
+        Recording(const Recording &) = delete;
+        Recording &operator=(const Recording &) = delete;
+
+      private:
+        const int plugin;
+        void *const object;
+        const std::shared_ptr<PluginRecord> record;
+    };
+
+    AVSKObjectLoaded_f callback;
+    void *refcon;
+    void *object = nullptr;
+};
+
+} // namespace
+
+// ---- Probes
+
+AVSKProbeRef AVSKCreateProbe(int type) {
+    void *hostProbe = nullptr;
+    if (gFreeProbes.empty())
+        hostProbe = gHooks->createProbe();
+    else
+        hostProbe = gFreeProbes.extract(gFreeProbes.begin()).value();
+    auto *probe = new AVSKProbe_t{AVSKGetDispatchedPlugin(), type, hostProbe};
+    gProbes.insert(probe);
+    return probe;
+}
+
+void AVSKDestroyProbe(AVSKProbeRef probe) {
+    if (gProbes.erase(probe) == 0)
+        return;
+    gFreeProbes.insert(probe->hostProbe);
+    delete probe;
+}
+
+int AVSKProbeTerrainXYZ(AVSKProbeRef probe, float x, float y, float z, AVSKProbeInfo *outInfo) {
+    if (gProbes.count(probe) == 0 || probe->type != AVSK_PROBE_Y)
+        return AVSKProbeError;
+    if (!outInfo || outInfo->structSize != static_cast<int>(sizeof *outInfo))
+        return AVSKProbeError;
+    const float point[] = {x, y, z};
+    return gHooks->probeTerrain(probe->hostProbe, point, outInfo->triple1, outInfo->triple2, outInfo->triple3,
+                                &outInfo->flag)
+               ? AVSKProbeHit
+               : AVSKProbeMissed;
+}
+
+// ---- Objects
+
+AVSKObjectRef AVSKLoadObject(const char *path) {
+    if (!path)
+        return nullptr;
+    void *object = gHooks->loadObject(path);
+    if (object)
+        gObjects[AVSKGetDispatchedPlugin()].push_back(object);
+    return object;
+}
+
+void AVSKLoadObjectAsync(const char *path, AVSKObjectLoaded_f callback, void *refcon) {
+    if (!path)
+        return;
+    auto *completion = new AVSKObjectCompletion_t(callback, refcon);
+    AVSKQueueDelivery(completion);
+    // The host may complete it in there, after which it is gone.
+    gHooks->loadObjectAsync(path, AVSKObjectCompletion_t::AsyncCB, completion);
+}
+
+void AVSKDrawObjects(AVSKObjectRef object, int count, AVSKDrawInfo *infos, int lighting, int earthRelative) {
+    if (AVSKHasError()) {
+        std::vector<void *> &objects = gObjects[AVSKGetDispatchedPlugin()];
+        if (FindObject(objects, object) == objects.end()) {
+            AVSKSendError("Illegal object, or object not owned by this plugin.");
+            return;
+        }
+        const auto misfit = [](const AVSKDrawInfo &info) { return info.structSize != static_cast<int>(sizeof info); };
+        if (infos && count > 0 && std::any_of(infos, infos + count, misfit)) {
+            AVSKSendError("Struct size mismatch for AVSKDrawObjects");
+            return;
+        }
+    }
+    for (int i = 0; infos && i < count; ++i) {
+        const AVSKDrawInfo &info = infos[i];
+        // The host takes the second angle first.
+        gHooks->drawObject(object, info.x, info.y, info.z, info.angle2, info.angle1, info.angle3, lighting,
+                           earthRelative);
+    }
+}
+
+void AVSKUnloadObject(AVSKObjectRef object) {
+    std::vector<void *> &objects = gObjects[AVSKGetDispatchedPlugin()];
+    const auto found = FindObject(objects, object);
+    if (found == objects.end()) {
+        AVSKSendError("Unknown object for AVSKUnloadObject");
+        return;
+    }
+    objects.erase(found);
+    gHooks->unloadObject(object);
+}
+
+int AVSKLookupObjects(const char *path, float latitude, float longitude, AVSKLibraryEnumerator_f enumerator,
+                      void *refcon) {
+    return gHooks->lookupObjects(path, latitude, longitude, enumerator, refcon);
+}
+
+void AVSKSceneryCleanupHook(int pluginID) {
+    const std::vector<AVSKProbe_t *> probes(gProbes.begin(), gProbes.end()); // the set shrinks meanwhile
+    for (AVSKProbe_t *probe : probes)
+        if (probe->owner == pluginID)
+            AVSKDestroyProbe(probe);
+    for (void *object : std::exchange(gObjects[pluginID], {}))
+        gHooks->unloadObject(object);
+}
+
+bool AVSKSceneryHolds(int pluginID) {
+    const auto objects = gObjects.find(pluginID);
+    return (objects != gObjects.end() && !objects->second.empty()) ||
+           std::any_of(gProbes.begin(), gProbes.end(),
+                       [pluginID](const AVSKProbe_t *probe) { return probe->owner == pluginID; });
+}

@@ -1,0 +1,227 @@
+// Shared data: values that the library keeps for several plugins, as datarefs
+// that are nobody's. Owns gSharedData; called by plugins.
+#include "AVSK/AVSKDataAccess.h"
+
+#include "AVSKCallbackSequence.h"
+#include "AVSKDispatch.h"
+#include "AVSKModules.h"
+
+#include <cstdint>
+#include <cstdlib>
+#include <cstring>
+#include <string>
+#include <vector>
+
+namespace {
+
+struct AVSKSharedDataSubscriber {
+    AVSKDataChanged_f callback;
+    void *refcon;
+    int owner;
+
+    bool operator==(const AVSKSharedDataSubscriber &other) const {
+        return callback == other.callback && refcon == other.refcon && owner == other.owner;
+    }
+};
+
+// One value. Never freed: its dataref outlives every sharer.
+struct AVSKSharedDataRecord {
+    std::string name;
+    int type;
+    unsigned char *buffer;
+    int size; // of the buffer, in bytes
+    AVSKCallbackSequence<AVSKSharedDataSubscriber> subscribers;
+};
+
+std::vector<AVSKSharedDataRecord *> gSharedData; // in order of creation
+
+int InitialSize(int type) {
+    switch (type) {
+    case AVSKDataTypeDouble:
+        return 8;
+    case AVSKDataTypeData:
+        return 1;
+    default:
+        return 4;
+    }
+}
+
+int AVSK_TMIN(int a, int b) { return b < a ? b : a; }
+
+AVSKSharedDataRecord *FindShared(const char *name) {
+    for (AVSKSharedDataRecord *record : gSharedData)
+        if (record->name == name)
+            return record;
+    return nullptr;
+}
+
+// Everybody hears of every write, also the writer.
+void Notify(AVSKSharedDataRecord &record) {
+    StDispatchCallback guard;
+    record.subscribers.FromOldestOfNow([&guard](const AVSKSharedDataSubscriber &subscriber) {
+        if (guard.Enter(subscriber.owner))
+            subscriber.callback(subscriber.refcon);
+        return true;
+    });
+}
+
+template <class T, int type>
+T GetScalar(void *refcon) {
+    const auto &record = *static_cast<const AVSKSharedDataRecord *>(refcon);
+    T value = 0;
+    if (record.type == type)
+        std::memcpy(&value, record.buffer, sizeof value);
+    return value;
+}
+
+template <class T, int type>
+void SetScalar(void *refcon, T value) {
+    auto &record = *static_cast<AVSKSharedDataRecord *>(refcon);
+    if (record.type != type)
+        return;
+    std::memcpy(record.buffer, &value, sizeof value);
+    Notify(record);
+}
+
+// Copies out what lies inside the value.
+int GetElements(void *refcon, int type, int elementSize, void *values, int offset, int max) {
+    const auto &record = *static_cast<const AVSKSharedDataRecord *>(refcon);
+    if (record.type != type)
+        return 0;
+    const int count = record.size / elementSize;
+    if (!values)
+        return count;
+    if (offset < 0 || offset >= count || max <= 0)
+        return 0;
+    const int copied = AVSK_TMIN(max, count - offset);
+    std::memcpy(values, record.buffer + offset * elementSize, static_cast<std::size_t>(copied * elementSize));
+    return copied;
+}
+
+// Grows the value to hold what is written; it never shrinks. What would lie
+// before it, or cannot be held, is not written.
+void SetElements(void *refcon, int type, int elementSize, const void *values, int offset, int count) {
+    auto &record = *static_cast<AVSKSharedDataRecord *>(refcon);
+    if (record.type != type || offset < 0 || count < 0 || (count > 0 && !values))
+        return;
+    const std::int64_t needed = (static_cast<std::int64_t>(offset) + count) * elementSize;
+    if (needed > INT32_MAX)
+        return;
+    if (record.size < needed) {
+        auto *grown = static_cast<unsigned char *>(std::realloc(record.buffer, static_cast<std::size_t>(needed)));
+        if (!grown)
+            return;
+        // A gap shows nothing of what lay in memory before.
+        std::memset(grown + record.size, 0, static_cast<std::size_t>(needed - record.size));
+        record.buffer = grown;
+        record.size = static_cast<int>(needed);
+    }
+    if (count > 0)
+        std::memcpy(record.buffer + offset * elementSize, values, static_cast<std::size_t>(count * elementSize));
+    Notify(record);
+}
+
+// The accessors of the datarefs, one pair per type.
+
+int AVSKSharedDataGeti(void *refcon) { return GetScalar<int, AVSKDataTypeInt>(refcon); }
+
+void AVSKSharedDataSeti(void *refcon, int value) { SetScalar<int, AVSKDataTypeInt>(refcon, value); }
+
+float AVSKSharedDataGetf(void *refcon) { return GetScalar<float, AVSKDataTypeFloat>(refcon); }
+
+void AVSKSharedDataSetf(void *refcon, float value) { SetScalar<float, AVSKDataTypeFloat>(refcon, value); }
+
+double AVSKSharedDataGetd(void *refcon) { return GetScalar<double, AVSKDataTypeDouble>(refcon); }
+
+void AVSKSharedDataSetd(void *refcon, double value) { SetScalar<double, AVSKDataTypeDouble>(refcon, value); }
+
+int AVSKSharedDataGetvi(void *refcon, int *values, int offset, int max) {
+    return GetElements(refcon, AVSKDataTypeIntArray, 4, values, offset, max);
+}
+
+void AVSKSharedDataSetvi(void *refcon, int *values, int offset, int count) {
+    SetElements(refcon, AVSKDataTypeIntArray, 4, values, offset, count);
+}
+
+int AVSKSharedDataGetvf(void *refcon, float *values, int offset, int max) {
+    return GetElements(refcon, AVSKDataTypeFloatArray, 4, values, offset, max);
+}
+
+void AVSKSharedDataSetvf(void *refcon, float *values, int offset, int count) {
+    SetElements(refcon, AVSKDataTypeFloatArray, 4, values, offset, count);
+}
+
+int AVSKSharedDataGetb(void *refcon, void *bytes, int offset, int max) {
+    return GetElements(refcon, AVSKDataTypeData, 1, bytes, offset, max);
+}
+
+void AVSKSharedDataSetb(void *refcon, void *bytes, int offset, int count) {
+    SetElements(refcon, AVSKDataTypeData, 1, bytes, offset, count);
+}
+
+// The record's dataref, with accessors for its type only. It is the host's,
+// so that it stays readable whichever plugins are enabled.
+void Publish(AVSKSharedDataRecord &record) {
+    const StDispatchCallback asHost(AVSK_PLUGIN_AERIVO);
+    const auto is = [&record](int type) { return record.type == type; };
+    AVSKRegisterDataAccessor(record.name.c_str(), record.type, 1,                        //
+                             is(AVSKDataTypeInt) ? AVSKSharedDataGeti : nullptr,         //
+                             is(AVSKDataTypeInt) ? AVSKSharedDataSeti : nullptr,         //
+                             is(AVSKDataTypeFloat) ? AVSKSharedDataGetf : nullptr,       //
+                             is(AVSKDataTypeFloat) ? AVSKSharedDataSetf : nullptr,       //
+                             is(AVSKDataTypeDouble) ? AVSKSharedDataGetd : nullptr,      //
+                             is(AVSKDataTypeDouble) ? AVSKSharedDataSetd : nullptr,      //
+                             is(AVSKDataTypeIntArray) ? AVSKSharedDataGetvi : nullptr,   //
+                             is(AVSKDataTypeIntArray) ? AVSKSharedDataSetvi : nullptr,   //
+                             is(AVSKDataTypeFloatArray) ? AVSKSharedDataGetvf : nullptr, //
+                             is(AVSKDataTypeFloatArray) ? AVSKSharedDataSetvf : nullptr, //
+                             is(AVSKDataTypeData) ? AVSKSharedDataGetb : nullptr,        //
+                             is(AVSKDataTypeData) ? AVSKSharedDataSetb : nullptr, &record, &record);
+}
+
+} // namespace
+
+int AVSKShareData(const char *name, int type, AVSKDataChanged_f callback, void *refcon) {
+    if (!name)
+        return 0;
+    AVSKSharedDataRecord *record = FindShared(name);
+    if (record && record->type != type)
+        return 0;
+    if (!record) {
+        const int size = InitialSize(type);
+        auto *buffer = static_cast<unsigned char *>(std::calloc(1, static_cast<std::size_t>(size)));
+        if (!buffer)
+            return 0;
+        record = new AVSKSharedDataRecord{name, type, buffer, size, {}};
+        gSharedData.push_back(record);
+        Publish(*record);
+    }
+    if (callback)
+        record->subscribers.Append({callback, refcon, AVSKGetDispatchedPlugin()});
+    return 1;
+}
+
+int AVSKUnshareData(const char *name, int type, AVSKDataChanged_f callback, void *refcon) {
+    if (!name || !callback)
+        return 0;
+    AVSKSharedDataRecord *record = FindShared(name);
+    if (!record || record->type != type)
+        return 0;
+    const AVSKSharedDataSubscriber wanted = {callback, refcon, AVSKGetDispatchedPlugin()};
+    return record->subscribers.EraseOne([&wanted](const AVSKSharedDataSubscriber &each) { return each == wanted; },
+                                        false);
+}
+
+void AVSKSharedDataCleanupHook(int pluginID) {
+    for (AVSKSharedDataRecord *record : gSharedData)
+        record->subscribers.EraseAll(
+            [pluginID](const AVSKSharedDataSubscriber &each) { return each.owner == pluginID; });
+}
+
+bool AVSKSharedDataHolds(int pluginID) {
+    for (const AVSKSharedDataRecord *record : gSharedData)
+        if (record->subscribers.Any(
+                [pluginID](const AVSKSharedDataSubscriber &each) { return each.owner == pluginID; }))
+            return true;
+    return false;
+}
