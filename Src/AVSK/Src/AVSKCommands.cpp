@@ -31,11 +31,12 @@ struct AVSKCommandCB_t {
 // Entries stay for good, also when their last handler goes: a dispatch may
 // stand on one.
 using HandlerMap = std::unordered_map<AVSKCommandRef, AVSKCallbackSequence<AVSKCommandCB_t>>;
-HandlerMap gPreHooks;  // called newest first
-HandlerMap gPostHooks; // called oldest first
+HandlerMap &gPreHooks = *new HandlerMap;  // called newest first
+HandlerMap &gPostHooks = *new HandlerMap; // called oldest first
 
-std::map<int, std::set<AVSKCommandRef>> gCommandMap; // held commands by plugin
-unsigned gHeldChanges = 0;                           // counts changes of gCommandMap
+using HeldCommands = std::map<int, std::set<AVSKCommandRef>>;
+HeldCommands &gCommandMap = *new HeldCommands; // by plugin
+unsigned gHeldChanges = 0;                     // counts changes of gCommandMap
 
 HandlerMap &HooksOf(int before) { return before ? gPreHooks : gPostHooks; }
 

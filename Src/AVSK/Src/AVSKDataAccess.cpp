@@ -13,7 +13,7 @@
 #include <string_view>
 #include <vector>
 
-std::map<std::string, AVSKData_t *> gDataRefs;
+std::map<std::string, AVSKData_t *> &gDataRefs = *new std::map<std::string, AVSKData_t *>;
 AVSKDataBlock *gDataBlock = nullptr;
 AVSKDataBlock *gDataFree = nullptr;
 int gDataCount = 0;
@@ -72,7 +72,7 @@ class NameIndex {
     std::size_t used = 0;
 };
 
-NameIndex gNames;
+NameIndex &gNames = *new NameIndex;
 
 // Each block lies on a page of its own, and a table over the address space
 // says of each page how many of its slots are handed out and which are

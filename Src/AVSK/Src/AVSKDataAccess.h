@@ -48,10 +48,10 @@ struct AVSKDataBlock {
 };
 static_assert(offsetof(AVSKDataBlock, slots) == AVSKDataBlock::kHeaderSize, "three words, then the records");
 
-extern std::map<std::string, AVSKData_t *> gDataRefs; // entries are never removed
-extern AVSKDataBlock *gDataBlock;                     // the first block
-extern AVSKDataBlock *gDataFree;                      // the last one, from which slots are cut
-extern int gDataCount;                                // records ever made
+extern std::map<std::string, AVSKData_t *> &gDataRefs; // entries are never removed
+extern AVSKDataBlock *gDataBlock;                      // the first block
+extern AVSKDataBlock *gDataFree;                       // the last one, from which slots are cut
+extern int gDataCount;                                 // records ever made
 
 // The record if handle is one's address, else null; on request its place in gDataRefs.
 AVSKData_t *DataIsValid(AVSKDataRef handle, std::map<std::string, AVSKData_t *>::iterator *outPosition = nullptr);

@@ -40,7 +40,7 @@ int AVSKInitializePlugins(const char *path, const AVSKHostCallbacks *table, AVSK
     std::strcpy(gDirSeparator, "/");
     AVSKInitMenus();
     PublishBuild();
-    AVSKFindAndLoadPlugins(path);
+    AVSKFindAndLoadPlugins(path ? path : "");
     AVSKEnableAllPlugins();
     return AVSK_HOST_INTERFACE;
 }

@@ -25,9 +25,11 @@
 #include <string_view>
 #include <utility>
 
-PluginRegistry gAllPlugins;
+// Like the other modules', globals that hold memory are never destroyed: a
+// host may stop the library while the process exits.
+PluginRegistry &gAllPlugins = *new PluginRegistry;
 AVSKCallFlags gCallFlags = {};
-std::vector<int> gCurrentAircraftPluginIDS;
+std::vector<int> &gCurrentAircraftPluginIDS = *new std::vector<int>;
 bool gScheduleReload = false;
 int gDispatchedPlugin = AVSK_PLUGIN_AERIVO;
 const char *const kFeatureNames[kFeatureCount] = {"AVSK_WANTS_REFLECTIONS", "AVSK_USE_NATIVE_PATHS"};
@@ -63,7 +65,7 @@ constexpr void (*kDisableHooks[])(int pluginID) = {
     AVSKPlaneDisableHook,
 };
 
-std::vector<void *> gWaitingLibraries; // unloaded while a call into them was under way
+std::vector<void *> &gWaitingLibraries = *new std::vector<void *>; // unloaded while a call into them was under way
 
 // What stands on the stack of calls for a plugin that was unloaded during its call.
 int FrameOfUnloaded(int id) { return id | INT_MIN; }
@@ -74,7 +76,7 @@ PluginShare ShareOf(int id) { return AVSKPluginAt(id) ? gAllPlugins[static_cast<
 
 // ---- The registry and its flags change together
 
-std::vector<unsigned char> gEnabledFlags;
+std::vector<unsigned char> &gEnabledFlags = *new std::vector<unsigned char>;
 
 void PublishFlags() { gCallFlags = {gEnabledFlags.data(), static_cast<unsigned>(gEnabledFlags.size())}; }
 
@@ -176,19 +178,17 @@ std::vector<std::string> SortedContents(const std::string &folder, const char *p
 
 bool Contains(const std::string &text, const char *part) { return text.find(part) != std::string::npos; }
 
-// Loads the fat plugins of a folder's subfolders and returns the IDs.
-std::vector<int> LoadFatPluginsOf(const std::string &folder) {
-    std::vector<int> ids;
+// Loads the fat plugins of a folder's subfolders and appends their IDs.
+void LoadFatPluginsOf(const std::string &folder, std::vector<int> &ids) {
     const std::vector<std::string> names = SortedContents(folder, "DIR");
     if (names.empty())
-        return ids;
+        return;
     Log({"Fetching plugins for ", folder.c_str(), "\n\n"});
     for (const std::string &name : names) {
         const int id = LoadFatPlugin(folder + "/" + name);
         if (id != NO_PLUGIN_ID)
             ids.push_back(id);
     }
-    return ids;
 }
 
 // The folder of the user's aircraft; false if the host names none.
@@ -363,14 +363,15 @@ void AVSKFindAndLoadPlugins(const char *hostFolder) {
 }
 
 void AVSKFindAndLoadAcfPlugins(const char *aircraftFolder) {
-    for (const int id : LoadFatPluginsOf(std::string(aircraftFolder) + "/plugins"))
-        gCurrentAircraftPluginIDS.push_back(id);
+    LoadFatPluginsOf(std::string(aircraftFolder) + "/plugins", gCurrentAircraftPluginIDS);
 }
 
 void AVSKFindAndLoadSceneryPlugins(const char *sceneryFolder) {
     if (!sceneryFolder)
         return;
-    for (const int id : LoadFatPluginsOf(std::string(sceneryFolder) + "plugins"))
+    std::vector<int> ids;
+    LoadFatPluginsOf(std::string(sceneryFolder) + "plugins", ids);
+    for (const int id : ids)
         AVSKEnablePlugin(id);
 }
 

@@ -35,15 +35,15 @@ struct PluginRecord {
 // A plugin's ID is its index. Records are shared so that one outlives its
 // removal while a function that called its plugin is still under way.
 using PluginRegistry = std::vector<std::shared_ptr<PluginRecord>>;
-extern PluginRegistry gAllPlugins;
+extern PluginRegistry &gAllPlugins;
 // The records' enabled flags once more, side by side, for the guard of every call.
 struct AVSKCallFlags {
     const unsigned char *enabled;
     unsigned count;
 };
 extern AVSKCallFlags gCallFlags;
-extern std::vector<int> gCurrentAircraftPluginIDS; // in load order
-extern bool gScheduleReload;                       // a plugin asked for a reload
+extern std::vector<int> &gCurrentAircraftPluginIDS; // in load order
+extern bool gScheduleReload;                        // a plugin asked for a reload
 
 // The record behind an ID, or null.
 inline PluginRecord *AVSKPluginAt(int id) {

@@ -40,7 +40,7 @@ struct AVSKMenuInfo_t : AVSKTracked<AVSKMenuInfo_t> {
     void Erase(int index) { items.erase(items.begin() + index); }
 };
 
-std::vector<AVSKMenuInfo_t *> gMenus; // in order of creation
+std::vector<AVSKMenuInfo_t *> &gMenus = *new std::vector<AVSKMenuInfo_t *>; // in order of creation
 AVSKMenuInfo_t *gPluginMenu = nullptr;
 
 namespace {

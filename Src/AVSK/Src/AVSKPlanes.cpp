@@ -22,11 +22,11 @@
 #include <string>
 #include <utility>
 
-int gOwner = NO_PLUGIN_ID;                   // the plugin in control
-int gPlaneLimit = -1;                        // active aircraft that it wants, -1 for no limit
-int gHostPlaneCount = -1;                    // what the host last reported, -1 before that
-std::map<int, std::string> gRequestedPlanes; // model paths by aircraft
-bool gIsSelfLoading = false;                 // the host loads a model because we asked for it
+int gOwner = NO_PLUGIN_ID; // the plugin in control
+int gPlaneLimit = -1;      // active aircraft that it wants, -1 for no limit
+int gHostPlaneCount = -1;  // what the host last reported, -1 before that
+std::map<int, std::string> &gRequestedPlanes = *new std::map<int, std::string>; // model paths by aircraft
+bool gIsSelfLoading = false; // the host loads a model because we asked for it
 
 namespace {
 
@@ -36,7 +36,8 @@ struct Waiting {
     int plugin;
 };
 
-AVSKCallbackSequence<Waiting> gQueue; // plugins that wait for control, in order of asking
+AVSKCallbackSequence<Waiting> &gQueue =
+    *new AVSKCallbackSequence<Waiting>; // plugins that wait for control, in order of asking
 
 // Those to whom control is being offered. They are taken out of the queue
 // first: one that asks again meanwhile waits for the next offer.

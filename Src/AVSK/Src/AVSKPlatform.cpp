@@ -97,7 +97,7 @@ void strcpytrunc(char *dst, const std::string &src, int size) {
 
 unsigned int AVSKAllocTLS() {
     // A number that is no key, should the system have none left.
-    pthread_key_t key = static_cast<pthread_key_t>(-1);
+    auto key = static_cast<pthread_key_t>(-1);
     pthread_key_create(&key, nullptr);
     return key;
 }

@@ -25,9 +25,10 @@ struct AVSKProbe_t {
 
 static_assert(sizeof(AVSKProbeInfo) == 44 && sizeof(AVSKDrawInfo) == 28, "layouts that plugins are compiled to");
 
-std::set<AVSKProbe_t *> gProbes;
-std::set<void *> gFreeProbes;                // host probes to use again; the host takes none back
-std::map<int, std::vector<void *>> gObjects; // by plugin, as often as it loaded them
+std::set<AVSKProbe_t *> &gProbes = *new std::set<AVSKProbe_t *>;
+std::set<void *> &gFreeProbes = *new std::set<void *>; // host probes to use again; the host takes none back
+using ObjectsByPlugin = std::map<int, std::vector<void *>>;
+ObjectsByPlugin &gObjects = *new ObjectsByPlugin; // by plugin, as often as it loaded them
 
 namespace {
 

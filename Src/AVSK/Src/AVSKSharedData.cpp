@@ -33,7 +33,7 @@ struct AVSKSharedDataRecord {
     AVSKCallbackSequence<AVSKSharedDataSubscriber> subscribers;
 };
 
-std::vector<AVSKSharedDataRecord *> gSharedData; // in order of creation
+std::vector<AVSKSharedDataRecord *> &gSharedData = *new std::vector<AVSKSharedDataRecord *>; // in order of creation
 
 int InitialSize(int type) {
     switch (type) {

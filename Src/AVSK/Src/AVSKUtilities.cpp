@@ -15,7 +15,7 @@
 #include <string>
 #include <vector>
 
-std::vector<int> gButtons; // held joystick buttons, in the order of their presses
+std::vector<int> &gButtons = *new std::vector<int>; // held joystick buttons, in the order of their presses
 
 namespace {
 
