@@ -50,6 +50,9 @@ void AVSKShutdownPlugins() {
     AVSKUnloadPlugins();
 }
 
+// Loading leaves the host dispatched. A plugin whose call brought us here is
+// restored, or what it goes on to register would be on the host's account and
+// outlive it.
 int AVSKEventHook(int event, float elapsed, int /*unused*/, AVSKWord parameter) {
     switch (event) {
     case AVSKHostEventFrame:
@@ -67,8 +70,10 @@ int AVSKEventHook(int event, float elapsed, int /*unused*/, AVSKWord parameter) 
         return Broadcast(101, 0);
     case AVSKHostEventPlaneLoaded:
         Broadcast(AVSKMessagePlaneLoaded, parameter);
-        if (parameter == 0)
+        if (parameter == 0) {
+            const StDispatchCallback restoring;
             AVSKLoadUsersAircraftPlugins();
+        }
         return 1;
     case AVSKHostEventBroadcast103:
         return Broadcast(103, 0);
@@ -85,9 +90,11 @@ int AVSKEventHook(int event, float elapsed, int /*unused*/, AVSKWord parameter) 
         return 1;
     case AVSKHostEventBroadcast107:
         return Broadcast(107, 0);
-    case AVSKHostEventSceneryFolder:
+    case AVSKHostEventSceneryFolder: {
+        const StDispatchCallback restoring;
         AVSKFindAndLoadSceneryPlugins(reinterpret_cast<const char *>(parameter));
         return 1;
+    }
     case AVSKHostEventBroadcast108:
         return Broadcast(108, parameter);
     default:

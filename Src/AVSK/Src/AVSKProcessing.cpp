@@ -135,8 +135,10 @@ int AVSKDoFlightLoopProcessing(float elapsedTime, int phase) {
     // Wraps where it would overflow.
     gLastCallNumber = static_cast<int>(static_cast<unsigned>(gLastCallNumber) + 1U);
     RunDueLoops(elapsedTime, phase != 0 ? AVSKFlightLoopPhaseAfter : AVSKFlightLoopPhaseBefore);
-    if (gScheduleReload)
+    if (gScheduleReload) {
+        const StDispatchCallback restoring;
         AVSKReloadPluginsInternal();
+    }
     return 1;
 }
 

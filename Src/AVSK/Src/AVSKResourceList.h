@@ -201,11 +201,6 @@ class AVSKResourceList {
     }
 
   private:
-    enum class Direction {
-        Forward,
-        Backward
-    };
-
     // Some walks never end, so the depth is bounded by hand.
     void Deepen() { iterate_depth += iterate_depth != INT_MAX; }
 

@@ -1,0 +1,52 @@
+// The keyboard and the joystick: what is down, and the commands bound to it.
+#ifndef AVSK_HOST_INPUT_H
+#define AVSK_HOST_INPUT_H
+
+#include <map>
+#include <vector>
+
+namespace host {
+
+struct Command;
+struct Simulator;
+
+class Input {
+  public:
+    // The simulator must stay where it is.
+    explicit Input(Simulator &simulator) : mSimulator(simulator) {}
+
+    // Presses a key and lets it go some frames later. A key that is still down
+    // goes up first. If no plugin takes the press its command begins.
+    void PressKey(char character, char virtualKey, int frames);
+    // Once a frame: continues the commands of keys that are down, and lets go of those whose time is up.
+    void StepKeys();
+    // The command bound to a key; null if there is none.
+    Command *Bound(char virtualKey) const;
+
+    // One button of a list that the library passes; see HostInput.cpp.
+    void ChangeButton(int button, bool release, int pass);
+
+  private:
+    struct Key {
+        int press; // tells presses of one key apart
+        char character;
+        char virtualKey;
+        Command *command; // null if a plugin took the press, or none is bound
+        int until;        // the frame in which it goes up
+    };
+    struct Button {
+        int presses = 0;   // not yet released
+        int lastFrame = 0; // in which its command was run last
+    };
+
+    void LetGo(int press);
+
+    Simulator &mSimulator;
+    std::vector<Key> mKeys;
+    std::map<int, Button> mButtons;
+    int mLastPress = 0;
+};
+
+} // namespace host
+
+#endif
