@@ -8,8 +8,10 @@
 namespace {
 
 std::uint64_t messages = 0;
+std::uint64_t continuedCommands = 0;
 std::uintptr_t handles = 0;
 int menuItems = 0;
+void *lastMenu = nullptr;
 
 void *NewHandle() { return reinterpret_cast<void *>(++handles); }
 
@@ -51,13 +53,14 @@ AVSKHostCallbacks MakeTable() {
             t.getNextNavAid, t.findFirstNavAidOfType, t.findLastNavAidOfType, t.findNavAid, t.getNavAidInfo,
             t.countFMSEntries, t.getDisplayedFMSEntry, t.getDestinationFMSEntry, t.setDisplayedFMSEntry,
             t.setDestinationFMSEntry, t.getFMSEntryInfo, t.setFMSEntryInfo, t.setFMSEntryLatLon, t.clearFMSEntry,
-            t.getGPSDestinationType, t.getGPSDestination, t.showMessage, t.showProgress, t.beginCommand,
-            t.continueCommand, t.endCommand, t.probeTerrain, t.findSymbol, t.measureString, t.removeMenuItem,
-            t.drawObject, t.unloadObject, t.lookupObjects, t.loadDataFile, t.saveDataFile, t.loadObjectAsync);
+            t.getGPSDestinationType, t.getGPSDestination, t.showMessage, t.showProgress, t.beginCommand, t.endCommand,
+            t.probeTerrain, t.findSymbol, t.measureString, t.removeMenuItem, t.drawObject, t.unloadObject,
+            t.lookupObjects, t.loadDataFile, t.saveDataFile, t.loadObjectAsync);
     // What the library keeps must be told apart.
-    t.createMenu = [](void *, int, const char *) { return NewHandle(); };
+    t.createMenu = [](void *, int, const char *) { return lastMenu = NewHandle(); };
     t.appendMenuItem = [](void *, int, const char *, int) { return ++menuItems; };
     t.findCommand = [](const char *, const char *, int) { return NewHandle(); };
+    t.continueCommand = [](void *) { ++continuedCommands; };
     t.createProbe = [] { return NewHandle(); };
     t.loadObject = [](const char *) { return NewHandle(); };
     t.receiveMessage = [](AVSKPluginID, int, void *) { ++messages; };
@@ -73,3 +76,9 @@ const AVSKHostCallbacks &FakeHostTable() {
 }
 
 std::uint64_t FakeHostMessages() { return messages; }
+
+std::uint64_t FakeHostContinuedCommands() { return continuedCommands; }
+
+void *FakeHostMenu() { return lastMenu; }
+
+int FakeHostMenuItem() { return menuItems; }

@@ -12,4 +12,12 @@ const AVSKHostCallbacks &FakeHostTable();
 // The number of messages that plugin 0 has received.
 std::uint64_t FakeHostMessages();
 
+// The number of times that a held command was continued.
+std::uint64_t FakeHostContinuedCommands();
+
+// The handle of the menu created last, and the ID of the item appended last;
+// IDs are handed out in order.
+void *FakeHostMenu();
+int FakeHostMenuItem();
+
 #endif

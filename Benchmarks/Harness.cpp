@@ -107,17 +107,26 @@ class Sampler {
     std::vector<double> times;
 };
 
+// Nanoseconds, or milliseconds with their unit where those would be many.
+std::string TimeText(double nanoseconds) {
+    char text[24];
+    if (nanoseconds < 1e5)
+        std::snprintf(text, sizeof text, "%.1f", nanoseconds);
+    else
+        std::snprintf(text, sizeof text, "%.2f ms", nanoseconds / 1e6);
+    return text;
+}
+
 void PrintRow(const std::string &name, double ours, std::optional<double> other, double goal, const char *verdict) {
-    char otherText[24] = "-";
+    const std::string otherText = other ? TimeText(*other) : "-";
     char ratioText[24] = "-";
     char goalText[24] = "-";
-    if (other) {
-        std::snprintf(otherText, sizeof otherText, "%.1f", *other);
+    if (other)
         std::snprintf(ratioText, sizeof ratioText, "%.2f", ours / *other);
-    }
     if (goal != Report::kNoGoal)
         std::snprintf(goalText, sizeof goalText, "%.2f", goal);
-    std::printf("%-58s %10.1f %10s %7s %6s  %s\n", name.c_str(), ours, otherText, ratioText, goalText, verdict);
+    std::printf("%-58s %10s %10s %7s %6s  %s\n", name.c_str(), TimeText(ours).c_str(), otherText.c_str(), ratioText,
+                goalText, verdict);
     std::fflush(stdout);
 }
 

@@ -79,8 +79,13 @@ struct Comparison {
     void (*run)(Report &report);
 };
 
+std::vector<Comparison> CommandComparisons();
 std::vector<Comparison> DataAccessComparisons();
+std::vector<Comparison> DisplayComparisons();
+std::vector<Comparison> FolderComparisons();
+std::vector<Comparison> MenuComparisons();
 std::vector<Comparison> PluginComparisons();
 std::vector<Comparison> ProcessingComparisons();
+std::vector<Comparison> SharedDataComparisons();
 
 #endif

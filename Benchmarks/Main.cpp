@@ -21,7 +21,8 @@ void PrintHelp(const std::vector<Comparison> &comparisons) {
     std::puts("usage: avsk_bench [--filter TEXT] [--quick] [--strict]\n"
               "\n"
               "Measures calls through the library against the same work without it, in turns,\n"
-              "and prints medians in nanoseconds of processor time per call, and their ratio.\n"
+              "and prints medians of processor time per call, in nanoseconds where no unit stands,\n"
+              "and their ratio.\n"
               "\n"
               "  --filter TEXT  only comparisons whose name contains TEXT\n"
               "  --quick        short samples: to see that all of it works, not to quote\n"
@@ -115,7 +116,9 @@ Totals *ShareTotals() {
 
 int main(int argc, char **argv) {
     std::vector<Comparison> comparisons;
-    for (const auto &family : {DataAccessComparisons(), ProcessingComparisons(), PluginComparisons()})
+    for (const auto &family :
+         {DataAccessComparisons(), SharedDataComparisons(), ProcessingComparisons(), DisplayComparisons(),
+          MenuComparisons(), CommandComparisons(), FolderComparisons(), PluginComparisons()})
         comparisons.insert(comparisons.end(), family.begin(), family.end());
     const Options options = ParseOptions(argc, argv, comparisons);
 

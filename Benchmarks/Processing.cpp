@@ -1,27 +1,19 @@
 // Flight loops: a pass that calls all of them, and one that calls none.
+#include "Counters.h"
 #include "Harness.h"
 #include "Simulator.h"
 
 #include "AVSK/AVSKHost.h"
 #include "AVSK/AVSKProcessing.h"
 
-#include <numeric>
-
 namespace {
 
 constexpr int kPlugins = 10;
 constexpr unsigned kLoops = 1000;
 
-// Each loop counts for itself: one counter for all would be a chain of stores to wait for.
 float CountCall(float /*sinceLast*/, float /*elapsed*/, int /*counter*/, void *refcon) {
-    ++*static_cast<unsigned *>(refcon);
+    Count(refcon);
     return -1.0F;
-}
-
-using Counters = std::vector<unsigned>;
-
-std::uint64_t Sum(const Counters &counters) {
-    return std::accumulate(counters.begin(), counters.end(), std::uint64_t{0});
 }
 
 // Neighbours in the list belong to different plugins.

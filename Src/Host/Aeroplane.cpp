@@ -8,7 +8,6 @@ namespace host {
 namespace {
 
 constexpr double kSpeed = 55;       // metres per second
-constexpr double kTurn = 3;         // degrees per second: a full circle takes two minutes
 constexpr double kLowest = 150;     // metres; the aeroplane never lands
 constexpr double kHighest = 4000;   // metres
 constexpr double kDegree = 111'320; // metres per degree of latitude
@@ -20,7 +19,7 @@ double DegreeOfLongitude() { return kDegree * std::cos(Radians(Aeroplane::kStart
 } // namespace
 
 void Aeroplane::Step(double seconds) {
-    heading = std::fmod(heading + kTurn * seconds, 360);
+    heading = std::fmod(heading + turn * seconds, 360);
     LocalPoint here = ToLocal({latitude, longitude, altitude});
     here.x += kSpeed * seconds * std::sin(Radians(heading));
     here.z -= kSpeed * seconds * std::cos(Radians(heading));

@@ -12,10 +12,12 @@ class Aeroplane {
     double altitude = kStartAltitude;   // metres above the sea
     double heading = 0;                 // degrees, 0 is north, clockwise
     double climb = 0;                   // metres per second
+    double turn = kTurn;                // degrees per second, to the right
 
     // Flies on for some seconds.
     void Step(double seconds);
 
+    static constexpr double kTurn = 3; // a full circle takes two minutes
     static constexpr double kStartLatitude = 47.5;
     static constexpr double kStartLongitude = 11.25;
     static constexpr double kStartAltitude = 1200;

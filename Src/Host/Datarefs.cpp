@@ -19,17 +19,20 @@ struct Accessors {
     AVSKSetDataf_f writeFloat = nullptr;
     AVSKGetDatad_f readDouble = nullptr;
     AVSKSetDatad_f writeDouble = nullptr;
+    AVSKGetDatavf_f readFloats = nullptr;
+    AVSKSetDatavf_f writeFloats = nullptr;
     AVSKGetDatab_f readData = nullptr;
     AVSKSetDatab_f writeData = nullptr;
 };
 
 void Register(const char *name, const Accessors &use, void *refcon) {
     const int types = (use.readInt ? AVSKDataTypeInt : 0) | (use.readFloat ? AVSKDataTypeFloat : 0) |
-                      (use.readDouble ? AVSKDataTypeDouble : 0) | (use.readData ? AVSKDataTypeData : 0);
-    const bool writable = use.writeInt || use.writeFloat || use.writeDouble || use.writeData;
+                      (use.readDouble ? AVSKDataTypeDouble : 0) | (use.readFloats ? AVSKDataTypeFloatArray : 0) |
+                      (use.readData ? AVSKDataTypeData : 0);
+    const bool writable = use.writeInt || use.writeFloat || use.writeDouble || use.writeFloats || use.writeData;
     AVSKRegisterDataAccessor(name, types, writable, use.readInt, use.writeInt, use.readFloat, use.writeFloat,
-                             use.readDouble, use.writeDouble, nullptr, nullptr, nullptr, nullptr, use.readData,
-                             use.writeData, refcon, refcon);
+                             use.readDouble, use.writeDouble, nullptr, nullptr, use.readFloats, use.writeFloats,
+                             use.readData, use.writeData, refcon, refcon);
 }
 
 int ReadInt(void *refcon) { return *static_cast<int *>(refcon); }
@@ -38,6 +41,24 @@ void WriteInt(void *refcon, int value) { *static_cast<int *>(refcon) = value; }
 double ReadDouble(void *refcon) { return *static_cast<double *>(refcon); }
 void WriteDouble(void *refcon, double value) { *static_cast<double *>(refcon) = value; }
 float ReadDoubleAsFloat(void *refcon) { return static_cast<float>(*static_cast<double *>(refcon)); }
+
+// A part of a fixed list, one number per aircraft.
+int ReadFleet(void *refcon, float *values, int offset, int max) {
+    const auto &all = *static_cast<Fleet::Numbers *>(refcon);
+    if (!values)
+        return Fleet::kCount;
+    if (offset < 0 || offset >= Fleet::kCount || max <= 0)
+        return 0;
+    const int count = std::min(max, Fleet::kCount - offset);
+    std::copy_n(all.begin() + offset, count, values);
+    return count;
+}
+
+void WriteFleet(void *refcon, float *values, int offset, int count) {
+    auto &all = *static_cast<Fleet::Numbers *>(refcon);
+    if (values && offset >= 0 && offset < Fleet::kCount && count > 0)
+        std::copy_n(values, std::min(count, Fleet::kCount - offset), all.begin() + offset);
+}
 
 float ReadElapsed(void *refcon) { return static_cast<Simulator *>(refcon)->Elapsed(); }
 
@@ -53,10 +74,17 @@ void Datarefs::Publish(Simulator &simulator) {
     Register("sim/flight/altitude", {.readFloat = ReadDoubleAsFloat}, &plane.altitude);
     Register("sim/flight/heading", {.readFloat = ReadDoubleAsFloat}, &plane.heading);
 
-    // The library writes these when a plugin takes an aircraft from the simulator's pilot.
+    // Where each aircraft is, in local metres. Written numbers stay where the host's pilot does not fly.
+    Fleet &fleet = simulator.fleet;
+    Register("sim/aircraft/x", {.readFloats = ReadFleet, .writeFloats = WriteFleet}, &fleet.x);
+    Register("sim/aircraft/y", {.readFloats = ReadFleet, .writeFloats = WriteFleet}, &fleet.y);
+    Register("sim/aircraft/z", {.readFloats = ReadFleet, .writeFloats = WriteFleet}, &fleet.z);
+
+    // The library writes these when a plugin takes an aircraft from the host's pilot.
     for (int i = 1; i < Fleet::kCount; ++i) {
         const std::string name = "sim/private/net_disables/ai_loc[" + std::to_string(i) + "]";
-        Register(name.c_str(), {.readInt = ReadInt, .writeInt = WriteInt}, &mOtherPilot[static_cast<std::size_t>(i)]);
+        Register(name.c_str(), {.readInt = ReadInt, .writeInt = WriteInt},
+                 &fleet.otherPilot[static_cast<std::size_t>(i)]);
     }
 }
 

@@ -2,8 +2,6 @@
 #ifndef AVSK_HOST_DATAREFS_H
 #define AVSK_HOST_DATAREFS_H
 
-#include "HostAircraft.h"
-
 #include <array>
 #include <string>
 
@@ -22,7 +20,6 @@ class Datarefs {
 
   private:
     std::array<char, 64> mBuild{};
-    std::array<int, Fleet::kCount> mOtherPilot{}; // non-zero: a plugin flies that aircraft
 
     static int ReadBuild(void *refcon, void *bytes, int offset, int max);
     static void WriteBuild(void *refcon, void *bytes, int offset, int count);

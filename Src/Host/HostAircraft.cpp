@@ -1,11 +1,16 @@
-// The slots about aircraft and the camera, and the fleet behind them.
+// The slots about aircraft, and the fleet behind them.
 #include "HostAircraft.h"
 
 #include "HostTable.h"
 #include "Simulator.h"
 #include "Text.h"
 
+#include "AVSK/AVSKPlanes.h"
+
+#include <algorithm>
+#include <cmath>
 #include <filesystem>
+#include <numbers>
 #include <system_error>
 #include <utility>
 
@@ -22,7 +27,7 @@ int DrawAircraft(AVSKWord, AVSKWord, AVSKWord, AVSKWord, AVSKWord, AVSKWord, AVS
 
 void LoadAircraftModel(int index, const char *path, const char * /*fileName*/) {
     Simulator &simulator = Enter();
-    if (path && InFleet(index))
+    if (path)
         simulator.fleet.Request(index, path);
 }
 
@@ -37,10 +42,20 @@ int CountAircraft() {
     return Fleet::kCount;
 }
 
-void PlaceUserAtAirport(const char *airport) {
+// Airports are known by their IDs in the navigation database.
+void PlaceUserAtAirport(const char *id) {
+    constexpr double kHeight = 300; // metres above the ground
     Simulator &simulator = Enter();
-    if (airport)
-        simulator.console.Note(std::string("no airport '") + airport + "': this host has none, the aircraft stays");
+    const NavAid *airport = id ? simulator.navData.Airport(id) : nullptr;
+    if (!airport) {
+        simulator.console.Note("no airport '" + std::string(id ? id : "") + "': the aircraft stays where it is");
+        return;
+    }
+    Aeroplane &plane = simulator.aeroplane;
+    plane.latitude = airport->latitude;
+    plane.longitude = airport->longitude;
+    plane.altitude = airport->height + kHeight;
+    plane.heading = airport->heading;
 }
 
 int ReinitUsersPlane(int, int) {
@@ -48,15 +63,14 @@ int ReinitUsersPlane(int, int) {
     return 1;
 }
 
-void ReadCameraPosition(float *f1, float *f2, float *f3, float *f4, float *f5, float *f6, float *f7) {
-    const auto &camera = Enter().camera;
-    Store(f1, camera[0]);
-    Store(f2, camera[1]);
-    Store(f3, camera[2]);
-    Store(f4, camera[3]);
-    Store(f5, camera[4]);
-    Store(f6, camera[5]);
-    Store(f7, camera[6]);
+// Asks plugins for the model of one of the other aircraft that is about to be loaded.
+std::string AskForModel(int index, const std::string &planned) {
+    // The library copies a plugin's path without knowing the room for it.
+    std::array<char, 4096> path{};
+    std::array<char, AVSK_TEXT_SIZE> name{};
+    CopyText(path.data(), path.size(), planned);
+    AVSKUpdatePlaneNameAndPath(index, name.data(), path.data());
+    return path.data();
 }
 
 } // namespace
@@ -68,42 +82,85 @@ const std::string &Fleet::Model(int index) const {
     return InFleet(index) ? mModels[static_cast<std::size_t>(index)] : none;
 }
 
-void Fleet::Request(int index, std::string_view path) { mRequested[static_cast<std::size_t>(index)] = path; }
+void Fleet::Request(int index, std::string_view path) {
+    if (InFleet(index))
+        mRequested[static_cast<std::size_t>(index)] = path;
+}
 
-void Fleet::LoadRequested(Simulator &simulator) {
-    for (std::size_t i = 0; i < mRequested.size(); ++i) {
-        const std::string requested = std::exchange(mRequested[i], {});
-        if (requested.empty())
+void Fleet::Update(Simulator &simulator) {
+    const int active = std::clamp(AVSKGetNumberPlanesToHandle(kCount, 0), 1, kCount);
+    AVSKPluginID controller = NO_PLUGIN_ID;
+    AVSKCountAircraft(nullptr, nullptr, &controller);
+    const bool changed = std::exchange(mActive, active) != active;
+    if (std::exchange(mController, controller) != controller || changed)
+        ChooseModels(simulator);
+
+    // Messages about a load may request the next.
+    const auto requested = std::exchange(mRequested, {});
+    for (int i = 0; i < kCount; ++i) {
+        const std::string &path = requested[static_cast<std::size_t>(i)];
+        if (!path.empty() && i < mActive)
+            Load(simulator, i, i == 0 ? path : AskForModel(i, path));
+    }
+}
+
+// The host itself has no models for the other aircraft.
+void Fleet::ChooseModels(Simulator &simulator) {
+    for (int i = 1; i < kCount; ++i) {
+        const std::string path = i < mActive ? AskForModel(i, "") : "";
+        if (path.empty())
+            Replace(simulator, i, "");
+        else
+            Load(simulator, i, path);
+    }
+}
+
+void Fleet::Load(Simulator &simulator, int index, const std::string &path) {
+    const std::string file = ResolvePath(simulator.options.root, path);
+    std::error_code error;
+    if (file.size() >= AVSK_TEXT_SIZE || !std::filesystem::is_regular_file(file, error)) {
+        simulator.console.Note("cannot load aircraft " + std::to_string(index) + " from '" + file +
+                               "': name a file with a path of less than 256 bytes");
+        return;
+    }
+    if (index == 0 || Model(index) != file)
+        Replace(simulator, index, file);
+}
+
+void Fleet::Replace(Simulator &simulator, int index, const std::string &file) {
+    std::string &model = mModels[static_cast<std::size_t>(index)];
+    const auto parameter = static_cast<AVSKWord>(index);
+    if (!model.empty()) {
+        AVSKEventHook(AVSKHostEventPlaneUnloaded, simulator.Elapsed(), 0, parameter);
+        simulator.ForgetUnloaded();
+    }
+    model = file;
+    if (!model.empty())
+        AVSKEventHook(AVSKHostEventPlaneLoaded, simulator.Elapsed(), 0, parameter);
+}
+
+void Fleet::Step(double elapsed, const Aeroplane &users) {
+    constexpr double kTurn = 2; // degrees per second
+    const LocalPoint user = ToLocal({users.latitude, users.longitude, users.altitude});
+    const auto place = [this](int index, const LocalPoint &where) {
+        const auto i = static_cast<std::size_t>(index);
+        x[i] = static_cast<float>(where.x);
+        y[i] = static_cast<float>(where.y);
+        z[i] = static_cast<float>(where.z);
+    };
+    place(0, user);
+    for (int i = 1; i < mActive; ++i) {
+        if (otherPilot[static_cast<std::size_t>(i)] != 0)
             continue;
-        const std::string path = ResolvePath(simulator.options.root, requested);
-        std::error_code error;
-        if (path.size() >= AVSK_TEXT_SIZE || !std::filesystem::is_regular_file(path, error)) {
-            simulator.console.Note("cannot load the aircraft '" + path +
-                                   "': name a file with a path of less than 256 bytes");
-            continue;
-        }
-        if (!mModels[i].empty()) {
-            AVSKEventHook(AVSKHostEventPlaneUnloaded, simulator.Elapsed(), 0, i);
-            simulator.ForgetUnloaded();
-        }
-        mModels[i] = path;
-        AVSKEventHook(AVSKHostEventPlaneLoaded, simulator.Elapsed(), 0, i);
+        const double angle = (kTurn * elapsed + 360.0 * i / kCount) * std::numbers::pi / 180;
+        const double radius = 2000 + 100 * i;
+        place(i, {radius * std::sin(angle), 800.0 + 40 * i, -radius * std::cos(angle)});
     }
 }
 
 void Fleet::ReportUsersAircraft(const Simulator &simulator, int event) const {
     if (!mModels[0].empty())
         AVSKEventHook(event, simulator.Elapsed(), 0, 0);
-}
-
-void Fleet::AskForModels() {
-    for (int i = 1; i < kCount; ++i) {
-        // The library copies a plugin's path without knowing the room for it.
-        std::array<char, 4096> path{};
-        std::array<char, AVSK_TEXT_SIZE> name{};
-        AVSKUpdatePlaneNameAndPath(i, name.data(), path.data());
-        Request(i, path.data());
-    }
 }
 
 void FillAircraftSlots(AVSKHostCallbacks &table) {
@@ -113,7 +170,6 @@ void FillAircraftSlots(AVSKHostCallbacks &table) {
     table.countAircraft = CountAircraft;
     table.placeUserAtAirport = PlaceUserAtAirport;
     table.reinitUsersPlane = ReinitUsersPlane;
-    table.readCameraPosition = ReadCameraPosition;
 }
 
 } // namespace host

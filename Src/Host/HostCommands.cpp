@@ -1,4 +1,11 @@
-// The slots about commands, and the table behind them.
+// The slots about commands, and the table behind them. The host's own are
+//
+//     sim/flight/climb, sim/flight/descend    5 m/s while held
+//     sim/flight/level                        straight on while held, instead of the circle
+//     sim/view/next                           the next of the views below
+//     sim/view/tower, chase, cockpit          that view
+//
+// HostInput.cpp says which keys and buttons run them.
 #include "HostCommands.h"
 
 #include "HostTable.h"
@@ -21,17 +28,40 @@ void ContinueCommand(void *command) { Enter().commands.Run(command, CommandPhase
 void EndCommand(void *command) { Enter().commands.Run(command, CommandPhase::End); }
 
 // Climbs, or sinks, while the command is held.
-std::function<void(CommandPhase)> Climb(Aeroplane &aeroplane, double metresPerSecond) {
+CommandAction Climb(Aeroplane &aeroplane, double metresPerSecond) {
     return [&aeroplane, metresPerSecond](CommandPhase phase) {
         aeroplane.climb = phase == CommandPhase::End ? 0 : metresPerSecond;
     };
 }
 
+CommandAction Level(Aeroplane &aeroplane) {
+    return [&aeroplane](CommandPhase phase) { aeroplane.turn = phase == CommandPhase::End ? Aeroplane::kTurn : 0; };
+}
+
+CommandAction ShowView(Simulator &simulator, View view) {
+    return [&simulator, view](CommandPhase phase) {
+        if (phase == CommandPhase::Begin)
+            simulator.camera.ChangeView(simulator, view);
+    };
+}
+
+CommandAction ShowNextView(Simulator &simulator) {
+    return [&simulator](CommandPhase phase) {
+        if (phase == CommandPhase::Begin)
+            simulator.camera.NextView(simulator);
+    };
+}
+
 } // namespace
 
-CommandTable::CommandTable(Aeroplane &aeroplane) {
-    Create("sim/flight/climb", "Climb while held")->act = Climb(aeroplane, 5);
-    Create("sim/flight/descend", "Descend while held")->act = Climb(aeroplane, -5);
+CommandTable::CommandTable(Simulator &simulator) {
+    Create("sim/flight/climb", "Climb while held")->act = Climb(simulator.aeroplane, 5);
+    Create("sim/flight/descend", "Descend while held")->act = Climb(simulator.aeroplane, -5);
+    Create("sim/flight/level", "Fly straight on while held")->act = Level(simulator.aeroplane);
+    Create("sim/view/next", "Show the next view")->act = ShowNextView(simulator);
+    Create("sim/view/tower", "Look down from above")->act = ShowView(simulator, View::Tower);
+    Create("sim/view/chase", "Follow the aeroplane")->act = ShowView(simulator, View::Chase);
+    Create("sim/view/cockpit", "Sit in the cockpit")->act = ShowView(simulator, View::Cockpit);
 }
 
 Command *CommandTable::Find(std::string_view name) const {

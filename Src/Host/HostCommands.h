@@ -10,7 +10,7 @@
 
 namespace host {
 
-class Aeroplane;
+struct Simulator;
 
 enum class CommandPhase {
     Begin,
@@ -18,16 +18,18 @@ enum class CommandPhase {
     End,
 };
 
+using CommandAction = std::function<void(CommandPhase)>;
+
 struct Command {
     std::string name;
     std::string description;
-    std::function<void(CommandPhase)> act; // empty: a plugin's, which acts in its handlers
+    CommandAction act; // empty: a plugin's, which acts in its handlers
 };
 
 class CommandTable {
   public:
-    // With the host's own commands, which steer the aeroplane.
-    explicit CommandTable(Aeroplane &aeroplane);
+    // With the host's own commands; see HostCommands.cpp. The simulator must stay where it is.
+    explicit CommandTable(Simulator &simulator);
 
     Command *Find(std::string_view name) const;
     // An existing command of that name is answered as it is.

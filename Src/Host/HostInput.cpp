@@ -63,12 +63,8 @@ void CommandKeyStroke(int key) {
 
 void CommandButton(const int *buttons, int release, int pass) {
     Input &input = Enter().input;
-    // A copy: a command's handler may press a button, which can move the list.
-    std::vector<int> list;
     for (; buttons && *buttons != 0; ++buttons)
-        list.push_back(*buttons);
-    for (const int button : list)
-        input.ChangeButton(button, release != 0, pass);
+        input.ChangeButton(*buttons, release != 0, pass);
 }
 
 } // namespace
@@ -79,7 +75,7 @@ void Input::PressKey(char character, char virtualKey, int frames) {
         LetGo(down->press);
     const bool taken = AVSKKeyPressHook(character, kDown, virtualKey) == 0;
     Command *command = taken ? nullptr : Bound(virtualKey);
-    mKeys.push_back({++mLastPress, character, virtualKey, command, mSimulator.frame + frames});
+    mKeys.push_back({++mLastPress, character, virtualKey, command, mSimulator.frame, mSimulator.frame + frames});
     if (command)
         mSimulator.commands.Run(command, CommandPhase::Begin);
 }
@@ -105,7 +101,7 @@ void Input::StepKeys() {
             continue;
         if (mSimulator.frame >= key.until)
             LetGo(key.press);
-        else if (key.command)
+        else if (key.command && mSimulator.frame > key.since)
             mSimulator.commands.Run(key.command, CommandPhase::Continue);
     }
 }

@@ -32,6 +32,7 @@ class Input {
         char character;
         char virtualKey;
         Command *command; // null if a plugin took the press, or none is bound
+        int since;        // the frame in which it went down
         int until;        // the frame in which it goes up
     };
     struct Button {

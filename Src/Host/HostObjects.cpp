@@ -1,4 +1,9 @@
-// The slots about scenery objects and terrain probes, and what is behind them.
+// The slots about scenery objects, and what is behind them.
+//
+// An object is any file that exists; paths are absolute or from the root. An
+// asynchronous load completes three frames later, when the run ends first
+// after the plugins are gone. A virtual path names a file in Resources/library,
+// or a folder there, all of whose files are choices, in alphabetical order.
 #include "HostObjects.h"
 
 #include "HostTable.h"
@@ -14,6 +19,8 @@
 namespace host {
 namespace {
 
+namespace fs = std::filesystem;
+
 void *LoadObject(const char *path) {
     Objects &objects = Enter().objects;
     return path ? objects.Load(path) : nullptr;
@@ -27,36 +34,22 @@ void LoadObjectAsync(const char *path, Objects::Completion completion, void *arg
 
 void UnloadObject(void *object) { Enter().objects.Unload(object); }
 
-// Objects are not shown.
-void DrawObject(void *, float, float, float, float, float, float, int, int) { Enter(); }
-
-// There is no library of virtual paths, so none of them names an object.
-int LookupObjects(const char *, float, float, void (*)(const char *, void *), void *) {
-    Enter();
-    return 0;
+// Objects are not shown, but counted.
+void DrawObject(void *object, float, float, float, float, float, float, int, int) {
+    Objects &objects = Enter().objects;
+    if (objects.Known(object))
+        ++objects.drawn;
 }
 
-void *CreateProbe() { return Enter().objects.CreateProbe(); }
-
-void StoreTriple(float *out, float x, float y, float z) {
-    if (!out)
-        return;
-    out[0] = x;
-    out[1] = y;
-    out[2] = z;
-}
-
-// The ground is flat, at the height of the sea, and dry: straight below or
-// above the point, with its normal up, and still.
-int ProbeTerrain(void *probe, const float *xyz, float *position, float *normal, float *velocity, int *wet) {
-    Enter();
-    if (!probe || !xyz)
-        return 0;
-    StoreTriple(position, xyz[0], 0, xyz[2]);
-    StoreTriple(normal, 0, 1, 0);
-    StoreTriple(velocity, 0, 0, 0);
-    Store(wet, 0);
-    return 1;
+// The library is the same everywhere, so the place makes no difference.
+int LookupObjects(const char *path, float /*latitude*/, float /*longitude*/, void (*enumerator)(const char *, void *),
+                  void *reference) {
+    const std::vector<std::string> files = Enter().objects.Lookup(path ? path : "");
+    for (const std::string &file : files) {
+        if (enumerator)
+            enumerator(file.c_str(), reference);
+    }
+    return static_cast<int>(files.size());
 }
 
 } // namespace
@@ -64,7 +57,7 @@ int ProbeTerrain(void *probe, const float *xyz, float *position, float *normal, 
 Object *Objects::Load(std::string_view path) {
     const std::string file = ResolvePath(mRoot, path);
     std::error_code error;
-    if (!std::filesystem::is_regular_file(file, error))
+    if (!fs::is_regular_file(file, error))
         return nullptr;
     mLoaded.push_back(std::make_unique<Object>(Object{file}));
     return mLoaded.back().get();
@@ -72,6 +65,10 @@ Object *Objects::Load(std::string_view path) {
 
 void Objects::Unload(void *object) {
     std::erase_if(mLoaded, [object](const auto &loaded) { return loaded.get() == object; });
+}
+
+bool Objects::Known(const void *object) const {
+    return std::any_of(mLoaded.begin(), mLoaded.end(), [object](const auto &known) { return known.get() == object; });
 }
 
 void Objects::LoadLater(int frame, std::string_view path, Completion completion, void *argument) {
@@ -92,9 +89,22 @@ void Objects::CompleteLoads(int frame) {
 
 void Objects::CompleteAllLoads() { CompleteLoads(std::numeric_limits<int>::max()); }
 
-Probe *Objects::CreateProbe() {
-    mProbes.push_back(std::make_unique<Probe>());
-    return mProbes.back().get();
+std::vector<std::string> Objects::Lookup(std::string_view path) const {
+    const fs::path wanted = fs::path(path).lexically_normal();
+    if (path.empty() || wanted.is_absolute() || *wanted.begin() == "..")
+        return {};
+    const fs::path entry = fs::path("Resources/library") / wanted;
+    std::error_code error;
+    if (fs::is_regular_file(mRoot / entry, error))
+        return {entry.string()};
+    std::vector<std::string> files;
+    for (fs::directory_iterator file(mRoot / entry, error), end; !error && file != end; file.increment(error)) {
+        std::error_code unreadable;
+        if (file->is_regular_file(unreadable))
+            files.push_back((entry / file->path().filename()).string());
+    }
+    std::sort(files.begin(), files.end());
+    return files;
 }
 
 void FillObjectSlots(AVSKHostCallbacks &table) {
@@ -103,8 +113,6 @@ void FillObjectSlots(AVSKHostCallbacks &table) {
     table.unloadObject = UnloadObject;
     table.drawObject = DrawObject;
     table.lookupObjects = LookupObjects;
-    table.createProbe = CreateProbe;
-    table.probeTerrain = ProbeTerrain;
 }
 
 } // namespace host

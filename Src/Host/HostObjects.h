@@ -1,4 +1,4 @@
-// Scenery objects and terrain probes.
+// Scenery objects.
 #ifndef AVSK_HOST_OBJECTS_H
 #define AVSK_HOST_OBJECTS_H
 
@@ -14,8 +14,6 @@ struct Object {
     std::string path;
 };
 
-struct Probe {};
-
 class Objects {
   public:
     using Completion = void (*)(void *object, void *argument);
@@ -27,7 +25,10 @@ class Objects {
     Object *Load(std::string_view path);
     // An unknown handle is ignored.
     void Unload(void *object);
+    bool Known(const void *object) const;
     std::size_t Count() const { return mLoaded.size(); }
+
+    long drawn = 0; // instances, in the whole run
 
     // Asks for a load that is completed some frames later.
     void LoadLater(int frame, std::string_view path, Completion completion, void *argument);
@@ -35,9 +36,10 @@ class Objects {
     void CompleteLoads(int frame);
     // Completes every load that is asked for.
     void CompleteAllLoads();
+    std::size_t CountPending() const { return mPending.size(); }
 
-    // A probe lives as long as the host: there is no way to give one back.
-    Probe *CreateProbe();
+    // The files that a virtual path stands for, from the root; see HostObjects.cpp.
+    std::vector<std::string> Lookup(std::string_view path) const;
 
   private:
     struct Pending {
@@ -50,7 +52,6 @@ class Objects {
     std::string mRoot;
     std::vector<std::unique_ptr<Object>> mLoaded;
     std::vector<Pending> mPending;
-    std::vector<std::unique_ptr<Probe>> mProbes;
 };
 
 } // namespace host

@@ -1,10 +1,7 @@
-// The slots about the simulator itself: log, clock, paths, versions, keys and
-// buttons, messages.
+// The slots about the simulator itself: log, clock, paths, versions, messages.
 #include "HostTable.h"
 #include "Simulator.h"
 #include "Text.h"
-
-#include <cctype>
 
 namespace host {
 namespace {
@@ -43,28 +40,6 @@ int GetLanguage() {
     Enter();
     return kEnglish;
 }
-
-// The host has no functions of its own for plugins.
-void *FindSymbol(const char * /*name*/) {
-    Enter();
-    return nullptr;
-}
-
-// Nobody types, so these are the only keys that plugins see. The key is a
-// character, whatever its type; its virtual key is that of its capital letter.
-void SimulateKeyPress(int /*keyType*/, int key) {
-    constexpr int kDown = 4; // this host's key flags; 1 is shift and 2 control
-    constexpr int kUp = 8;
-    Enter();
-    const auto character = static_cast<char>(key);
-    const auto virtualKey = static_cast<char>(std::toupper(static_cast<unsigned char>(key)));
-    AVSKKeyPressHook(character, kDown, virtualKey);
-    AVSKKeyPressHook(character, kUp, virtualKey);
-}
-
-// No key command and no button is bound to anything here.
-void CommandKeyStroke(int /*key*/) { Enter(); }
-void CommandButton(const int * /*buttons*/, int /*release*/, int /*pass*/) { Enter(); }
 
 // There is nothing to read again. The folders are not reported a second time:
 // their plugins are still loaded, and starting them twice would ruin them.
@@ -105,10 +80,6 @@ void FillSystemSlots(AVSKHostCallbacks &table) {
     table.getPrefsPath = GetPrefsPath;
     table.getVersions = GetVersions;
     table.getLanguage = GetLanguage;
-    table.findSymbol = FindSymbol;
-    table.simulateKeyPress = SimulateKeyPress;
-    table.commandKeyStroke = CommandKeyStroke;
-    table.commandButton = CommandButton;
     table.reloadScenery = ReloadScenery;
     table.showMessage = ShowMessage;
     table.showProgress = ShowProgress;

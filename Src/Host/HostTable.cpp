@@ -30,12 +30,16 @@ AVSKHostCallbacks MakeTable() {
     table.version = kTableVersion;
     table.sizeInBytes = sizeof table;
     FillAircraftSlots(table);
+    FillCameraSlots(table);
     FillCommandSlots(table);
     FillDisplaySlots(table);
     FillFileSlots(table);
+    FillInputSlots(table);
     FillMenuSlots(table);
     FillNavigationSlots(table);
     FillObjectSlots(table);
+    FillProbeSlots(table);
+    FillSymbolSlots(table);
     FillSystemSlots(table);
     CheckComplete(table);
     return table;

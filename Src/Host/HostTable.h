@@ -10,12 +10,16 @@ namespace host {
 AVSKHostCallbacks MakeTable();
 
 void FillAircraftSlots(AVSKHostCallbacks &table);
+void FillCameraSlots(AVSKHostCallbacks &table);
 void FillCommandSlots(AVSKHostCallbacks &table);
 void FillDisplaySlots(AVSKHostCallbacks &table);
 void FillFileSlots(AVSKHostCallbacks &table);
+void FillInputSlots(AVSKHostCallbacks &table);
 void FillMenuSlots(AVSKHostCallbacks &table);
 void FillNavigationSlots(AVSKHostCallbacks &table);
 void FillObjectSlots(AVSKHostCallbacks &table);
+void FillProbeSlots(AVSKHostCallbacks &table);
+void FillSymbolSlots(AVSKHostCallbacks &table);
 void FillSystemSlots(AVSKHostCallbacks &table);
 
 } // namespace host

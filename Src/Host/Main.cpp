@@ -11,6 +11,7 @@
 #include <cstdio>
 #include <exception>
 #include <memory>
+#include <string>
 #include <utility>
 
 namespace {
@@ -24,7 +25,7 @@ AVSKHostCallbacks gTable;
 void Start(Simulator &simulator) {
     simulator.datarefs.Publish(simulator);
     AVSKInitializePlugins(simulator.options.root.c_str(), &gTable, /*self=*/0);
-    simulator.fleet.AskForModels();
+    simulator.fleet.Update(simulator);
     simulator.fleet.ReportUsersAircraft(simulator, AVSKHostEventPlaneLoaded);
     simulator.ReportScenery();
     if (AVSKCountPlugins() <= 1) { // the host itself is one
@@ -37,12 +38,13 @@ void Start(Simulator &simulator) {
 
 void Stop(Simulator &simulator) {
     simulator.console.ClearProgress();
-    simulator.objects.CompleteAllLoads();
     PrintReport(simulator);
     simulator.fleet.ReportUsersAircraft(simulator, AVSKHostEventPlaneUnloaded);
     AVSKShutdownPlugins();
-    // Loads asked for while plugins stopped; the library gives the objects back.
+    // Loads that are still under way: the library gives their objects back.
     simulator.objects.CompleteAllLoads();
+    if (const std::size_t kept = simulator.objects.Count(); kept > 0)
+        simulator.console.Note(std::to_string(kept) + " objects were not given back: a fault of the library's");
 }
 
 void Run(Options options) {

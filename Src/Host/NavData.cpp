@@ -26,12 +26,13 @@ constexpr Station kAirports[] = {
     {"AVOR", "Orra Lake", 9, 30, 0, 150},     {"AVTI", "Tilling", -20, -32, 0, 90},
 };
 constexpr Station kVors[] = {
-    {"BRN", "Brenn", 2, 7, 11230, 0},    {"DUN", "Dunmoor", -14, 9, 11345, 0},  {"ELS", "Elster", 20, -6, 11410, 0},
-    {"KES", "Kestrel", 27, 19, 11575, 0}, {"ORR", "Orra", 8, 33, 11680, 0}, {"TIL", "Tilling", -22, -30, 11795, 0},
+    {"BRN", "Brenn", 2, 7, 11230, 0},     {"DUN", "Dunmoor", -14, 9, 11345, 0}, {"ELS", "Elster", 20, -6, 11410, 0},
+    {"KES", "Kestrel", 27, 19, 11575, 0}, {"ORR", "Orra", 8, 33, 11680, 0},     {"TIL", "Tilling", -22, -30, 11795, 0},
 };
 constexpr Station kNdbs[] = {
-    {"BV", "Brenn Outer", 0, 2, 312, 0},  {"DM", "Dunmoor Outer", -9, 7, 334, 0}, {"EF", "Elster Outer", 14, -3, 351, 0},
-    {"HR", "Holm Outer", -7, -10, 368, 0}, {"ME", "Marsh Outer", -24, 1, 389, 0}, {"OL", "Orra Outer", 7, 26, 402, 0},
+    {"BV", "Brenn Outer", 0, 2, 312, 0},    {"DM", "Dunmoor Outer", -9, 7, 334, 0},
+    {"EF", "Elster Outer", 14, -3, 351, 0}, {"HR", "Holm Outer", -7, -10, 368, 0},
+    {"ME", "Marsh Outer", -24, 1, 389, 0},  {"OL", "Orra Outer", 7, 26, 402, 0},
 };
 
 // Nearly the square of the distance: the earth is flat around the start.

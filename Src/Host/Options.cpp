@@ -5,6 +5,7 @@
 #include <CLI/CLI.hpp>
 
 #include <algorithm>
+#include <cctype>
 #include <cerrno>
 #include <charconv>
 #include <cmath>
@@ -26,6 +27,10 @@ constexpr const char *kRunExamples = R"(Examples:
       a minute with an aircraft's own plugins; the log goes to a file only
   avsk run --root sim --scenery sim/Scenery/Island --fps 20 --screenshot island.png@40
       plugins of a scenery folder, with a slow simulator, and a picture after two seconds
+  avsk run --root sim --key F4@60 --key F5@120
+      a change of view after one second, and after two a short climb
+
+Keys that no plugin takes: F4 shows the next view, F5 climbs, F6 descends and F7 flies straight on while held.
 
 A picture shows what plugins draw through the interface: dark boxes, texts and numbers, windows made of these, and
 the menus, all opened. What they draw with OpenGL calls of their own is not seen here and is missing in it, as are
@@ -45,6 +50,41 @@ std::string OneLine(std::string text) {
     return text;
 }
 
+// The number behind the last '@'; nothing if it is no frame of the run.
+std::optional<int> FrameOf(const std::string &text, int frames) {
+    const char *end = text.data() + text.size();
+    int frame = 0;
+    const auto [stop, error] = std::from_chars(text.data() + text.rfind('@') + 1, end, frame);
+    if (error != std::errc() || stop != end || frame < 1 || frame > frames)
+        return std::nullopt;
+    return frame;
+}
+
+// Of KEY@FRAME. The last '@' counts, so '@' itself is a key too.
+KeyPress ParseKey(const std::string &text, int frames) {
+    constexpr int kF1 = 112;
+    constexpr int kLastFunctionKey = 24;
+    const std::string wrong = "--key: '" + text + "' ";
+    const std::string advice =
+        ": write KEY@FRAME, with a letter, a digit or F1 to F24, and FRAME from 1 to " + std::to_string(frames);
+    const std::size_t at = text.rfind('@');
+    const auto frame = at == std::string::npos ? std::nullopt : FrameOf(text, frames);
+    if (!frame)
+        throw UsageError(wrong + "names no frame of this run" + advice);
+    const std::string name = text.substr(0, at);
+    if (name.size() == 1 && std::isalnum(static_cast<unsigned char>(name[0])) != 0)
+        return {name[0], static_cast<char>(std::toupper(static_cast<unsigned char>(name[0]))), *frame};
+    int number = 0;
+    if (name.starts_with('F')) {
+        const char *end = name.data() + name.size();
+        if (std::from_chars(name.data() + 1, end, number).ptr != end)
+            number = 0;
+    }
+    if (number < 1 || number > kLastFunctionKey)
+        throw UsageError(wrong + "names no key" + advice);
+    return {'\0', static_cast<char>(kF1 + number - 1), *frame};
+}
+
 // Of FILE.png or FILE.png@FRAME; the last frame is the default.
 Screenshot ParseScreenshot(const std::string &text, int frames) {
     const std::string advice = ": write FILE.png or FILE.png@FRAME, with FRAME from 1 to " + std::to_string(frames);
@@ -54,11 +94,10 @@ Screenshot ParseScreenshot(const std::string &text, int frames) {
         const std::size_t at = text.rfind('@');
         if (at == std::string::npos)
             throw UsageError(wrong + "does not end in .png" + advice);
-        const char *end = text.data() + text.size();
-        const auto [stop, error] = std::from_chars(text.data() + at + 1, end, shot.frame);
-        shot.file = text.substr(0, at);
-        if (error != std::errc() || stop != end || shot.frame < 1 || shot.frame > frames)
+        const auto frame = FrameOf(text, frames);
+        if (!frame)
             throw UsageError(wrong + "names no frame of this run" + advice);
+        shot = {text.substr(0, at), *frame};
         if (!shot.file.ends_with(".png"))
             throw UsageError(wrong + "names no .png file" + advice);
     }
@@ -129,6 +168,7 @@ std::optional<Options> ParseOptions(int argc, char **argv) {
     Options options;
     std::string aircraft;
     std::vector<std::string> screenshots;
+    std::vector<std::string> keys;
 
     const CLI::Validator positive(
         [](const std::string &text) {
@@ -161,6 +201,9 @@ std::optional<Options> ParseOptions(int argc, char **argv) {
                     "write a picture of the last frame or of frame FRAME, 1024 x 768; can be repeated")
         ->type_name("FILE.png[@FRAME]")
         ->allow_extra_args(false);
+    run->add_option("--key", keys, "press a key in frame FRAME and hold it for half a second; can be repeated")
+        ->type_name("KEY@FRAME")
+        ->allow_extra_args(false);
     run->footer(kRunExamples);
 
     try {
@@ -177,6 +220,8 @@ std::optional<Options> ParseOptions(int argc, char **argv) {
     CheckPlaces(options, aircraft);
     for (const std::string &text : screenshots)
         options.screenshots.push_back(ParseScreenshot(text, options.frames));
+    for (const std::string &text : keys)
+        options.keys.push_back(ParseKey(text, options.frames));
     return options;
 }
 

@@ -19,6 +19,12 @@ struct Screenshot {
     int frame; // 1 is the first
 };
 
+struct KeyPress {
+    char character; // 0 for a key without one
+    char virtualKey;
+    int frame;
+};
+
 struct Options {
     std::string root = "."; // once checked: absolute, ends in a separator
     int frames = 300;
@@ -28,6 +34,7 @@ struct Options {
     std::string logFile;              // empty without one
     bool quiet = false;
     std::vector<Screenshot> screenshots;
+    std::vector<KeyPress> keys;
 };
 
 // Parses and checks the command line. Without a value the program has done

@@ -50,9 +50,13 @@ void PrintRow(const Row &row, const std::array<std::size_t, kColumns> &widths) {
 
 void PrintReport(const Simulator &simulator) {
     const std::string build = simulator.datarefs.Build();
-    std::printf("\n%d frames, %.2f simulated seconds, in %.2f s; library build: %s\n\n", simulator.frame,
+    std::printf("\n%d frames, %.2f simulated seconds, in %.2f s; library build: %s\n", simulator.frame,
                 static_cast<double>(simulator.Elapsed()), simulator.console.Seconds(),
                 build.empty() ? "not told" : build.c_str());
+
+    std::printf("objects: %zu loaded, %zu on their way, %ld instances drawn; probes: %zu; view: %s\n\n",
+                simulator.objects.Count(), simulator.objects.CountPending(), simulator.objects.drawn,
+                simulator.probes.Count(), simulator.camera.ViewName());
 
     std::vector<Row> rows = {{"ID", "plugin", "signature", "enabled", "host calls"}};
     for (int i = 0; i < AVSKCountPlugins(); ++i)

@@ -6,7 +6,7 @@ namespace host {
 
 struct Simulator;
 
-// One line about the run, and the table of plugins. While they are still loaded.
+// Two lines about the run, and the table of plugins. While they are still loaded.
 void PrintReport(const Simulator &simulator);
 
 } // namespace host

@@ -16,8 +16,8 @@ Simulator &Enter() {
 }
 
 Simulator::Simulator(Options requested)
-    : options(std::move(requested)), console(options.quiet, options.logFile), commands(aeroplane),
-      fleet(options.aircraftModel), objects(options.root) {
+    : options(std::move(requested)), console(options.quiet, options.logFile), commands(*this), input(*this),
+      fleet(options.aircraftModel), objects(options.root), flightPlan(navData) {
     const std::string missing = display.fonts.Missing();
     if (!missing.empty() && !options.screenshots.empty())
         throw UsageError("--screenshot: cannot read the font '" + missing + "': install the package fonts-dejavu-core");
@@ -29,10 +29,11 @@ void Simulator::RunFrame() {
     ++frame;
     FinishRequests();
     AVSKEventHook(AVSKHostEventFrame, Elapsed(), 0, 0);
+    PressKeys();
     aeroplane.Step(1 / options.fps);
     track.Record(Elapsed(), aeroplane);
-    fleet.active = AVSKGetNumberPlanesToHandle(Fleet::kCount, 0);
-    PlaceCamera();
+    fleet.Step(Elapsed(), aeroplane);
+    camera.Place(aeroplane);
     Draw();
     AVSKEventHook(AVSKHostEventCommands, Elapsed(), 0, 0);
     AVSKEventHook(AVSKHostEventFrameEnd, Elapsed(), 0, 0);
@@ -43,7 +44,7 @@ void Simulator::RunFrame() {
 // plugins inside a plugin's own call would take the floor from under it.
 void Simulator::FinishRequests() {
     objects.CompleteLoads(frame);
-    fleet.LoadRequested(*this);
+    fleet.Update(*this);
     if (std::exchange(sceneryDue, false))
         ReportScenery();
 }
@@ -61,13 +62,15 @@ void Simulator::ReportScenery() {
         AVSKEventHook(AVSKHostEventSceneryFolder, Elapsed(), 0, reinterpret_cast<AVSKWord>(folder.c_str()));
 }
 
-// The host's own camera looks down on the start; a plugin may move it.
-void Simulator::PlaceCamera() {
-    const std::array<float, 7> own = {0, 3000, 2000, -45, 0, 0, 1};
-    camera = own;
-    float *c = camera.data();
-    if (AVSKCameraHook(&c[0], &c[1], &c[2], &c[3], &c[4], &c[5], &c[6]) != 0)
-        camera = own;
+// The user's keys, which are those of the command line.
+void Simulator::PressKeys() {
+    constexpr double kSecondsDown = 0.5;
+    input.StepKeys();
+    for (const KeyPress &key : options.keys) {
+        if (key.frame == frame)
+            input.PressKey(key.character, key.virtualKey,
+                           static_cast<int>(std::clamp(kSecondsDown * options.fps, 1.0, 1e6)));
+    }
 }
 
 void Simulator::Draw() {

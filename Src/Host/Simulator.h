@@ -6,17 +6,21 @@
 #include "Aeroplane.h"
 #include "Console.h"
 #include "Datarefs.h"
+#include "FlightPlan.h"
 #include "HostAircraft.h"
+#include "HostCamera.h"
 #include "HostCommands.h"
 #include "HostDisplay.h"
 #include "HostFiles.h"
+#include "HostInput.h"
 #include "HostMenus.h"
 #include "HostObjects.h"
+#include "HostProbes.h"
+#include "NavData.h"
 #include "Options.h"
 
 #include "AVSK/AVSKHost.h"
 
-#include <array>
 #include <map>
 
 namespace host {
@@ -29,12 +33,16 @@ struct Simulator {
     int frame = 0;
     Aeroplane aeroplane;
     Track track;
-    std::array<float, 7> camera{}; // x, y, z in metres; pitch, heading, roll in degrees; zoom
+    Camera camera;
     Display display;
     MenuTree menus;
     CommandTable commands;
+    Input input;
     Fleet fleet;
     Objects objects;
+    Probes probes;
+    NavData navData;
+    FlightPlan flightPlan;
     Datarefs datarefs;
     bool sceneryDue = false; // scenery folders are to be reported at the next frame
     // Calls into the host's services and messages to it, by the plugin that made them.
@@ -52,7 +60,7 @@ struct Simulator {
 
   private:
     void FinishRequests();
-    void PlaceCamera();
+    void PressKeys();
     void Draw();
     void DrawPasses();
 };

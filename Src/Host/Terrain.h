@@ -11,9 +11,9 @@
 namespace host {
 
 struct Ground {
-    double height;       // metres
-    double slopeX;       // metres up per metre east
-    double slopeZ;       // metres up per metre south
+    double height; // metres
+    double slopeX; // metres up per metre east
+    double slopeZ; // metres up per metre south
 };
 
 inline constexpr double kTerrainExtent = 50'000;

@@ -8,6 +8,8 @@
 #include "AVSKHostTable.h"
 #include "AVSKModules.h"
 
+#include <utility>
+
 int gIsControlled = 0;
 int gControlDuration = AVSKCameraUncontrolled;
 AVSKCameraControl_f gCurrentControlFunc = nullptr;
@@ -16,16 +18,17 @@ void *gCameraControlRef = nullptr;
 
 namespace {
 
-bool gIsLosing = false; // the controller is being told that it loses control
+int gLosing = NO_PLUGIN_ID; // the controller that is being told that it loses control
 
 // Tells the controller, but not again from inside that very call: a function
 // that disables its plugin would be told for ever.
 void TellLosingControl() {
-    if (!gCurrentControlFunc || gIsLosing)
+    if (!gCurrentControlFunc || gLosing == gCurrentControlPlugin)
         return;
     struct Telling {
-        Telling() { gIsLosing = true; }
-        ~Telling() { gIsLosing = false; }
+        Telling() : outer(std::exchange(gLosing, gCurrentControlPlugin)) {}
+        ~Telling() { gLosing = outer; }
+        const int outer;
     } const telling;
     if (const StDispatchCallback guard(gCurrentControlPlugin); guard())
         gCurrentControlFunc(nullptr, 1, gCameraControlRef);

@@ -645,9 +645,10 @@ void AVSKDisplayCleanupHook(int pluginID) {
         }
     // Windows that a new one cut off stand in no walk, but still have storage.
     std::vector<AVSKWindowCallbackRecord *> cutOff;
-    for (AVSKWindowCallbackRecord *window : AVSKWindowCallbackRecord::All())
+    AVSKWindowCallbackRecord::ForEach([pluginID, &cutOff](AVSKWindowCallbackRecord *window) {
         if (window->owner == pluginID && !window->is_removed())
             cutOff.push_back(window);
+    });
     for (AVSKWindowCallbackRecord *window : cutOff) {
         Forget(window);
         gWindows.Remove(window);

@@ -83,16 +83,22 @@ class AVSKTracked {
     AVSKTracked(const AVSKTracked &) = delete;
     AVSKTracked &operator=(const AVSKTracked &) = delete;
 
-    static const std::unordered_set<T *> &All() { return all; }
-    static bool Exists(const T *object) { return all.count(const_cast<T *>(object)) != 0; }
+    static bool Exists(const T *object) { return object && all.count(object) != 0; }
+
+    // Calls visit for each; it must not make or destroy any.
+    template <class Visit>
+    static void ForEach(Visit visit) {
+        for (const AVSKTracked *object : all)
+            visit(static_cast<T *>(const_cast<AVSKTracked *>(object)));
+    }
 
   protected:
-    AVSKTracked() { all.insert(static_cast<T *>(this)); }
-    ~AVSKTracked() { all.erase(static_cast<T *>(this)); }
+    AVSKTracked() { all.insert(this); }
+    ~AVSKTracked() { all.erase(this); }
 
   private:
     // Never destroyed: plugins may still be called while the process exits.
-    static inline std::unordered_set<T *> &all = *new std::unordered_set<T *>;
+    static inline std::unordered_set<const AVSKTracked *> &all = *new std::unordered_set<const AVSKTracked *>;
 };
 
 // When a list reclaims what was removed from it.
