@@ -1,0 +1,75 @@
+// The puppet's file: hands every entry point to the test program.
+#include "Puppet.h"
+
+#include <dlfcn.h>
+
+namespace {
+
+const char *Path() {
+    static const char here = 0;
+    Dl_info info = {};
+    dladdr(&here, &info);
+    return info.dli_fname;
+}
+
+// Counts the return of a player, with code and data of the plugin.
+struct Return {
+    ~Return() { AvskTestReturned(Path()); }
+};
+
+struct Own {
+    explicit Own(int v) : value(new int(v)) {}
+    Own(const Own &other) : value(new int(*other.value)) {}
+    Own &operator=(const Own &) = delete;
+    virtual ~Own() { delete value; }
+    int *value;
+};
+
+const PuppetCode kCode = {
+    [](float sinceLast, float total, int counter, void *refcon) {
+        const Return count;
+        return (*static_cast<const LoopPlayer *>(refcon))(sinceLast, total, counter);
+    },
+    [](void *menuRef, void *itemRef) {
+        const Return count;
+        (*static_cast<const MenuPlayer *>(menuRef))(itemRef);
+    },
+    [](void *refcon) {
+        const Return count;
+        return (*static_cast<const IntPlayer *>(refcon))();
+    },
+    [](void *refcon) {
+        const Return count;
+        (*static_cast<const NoticePlayer *>(refcon))();
+    },
+    [](AVSKCommandRef command, int phase, void *refcon) {
+        const Return count;
+        return (*static_cast<const CommandPlayer *>(refcon))(command, phase);
+    },
+    [](AVSKObjectRef object, void *refcon) {
+        const Return count;
+        (*static_cast<const ObjectPlayer *>(refcon))(object);
+    },
+    [](AVSKCameraPosition *position, int isLosingControl, void *refcon) {
+        const Return count;
+        return (*static_cast<const CameraPlayer *>(refcon))(position, isLosingControl);
+    },
+    [] { throw Own(1); },
+};
+
+} // namespace
+
+int AVPluginStart(char *outName, char *outSignature, char *outDescription) {
+    return AvskTestStart(Path(), &kCode, outName, outSignature, outDescription);
+}
+
+void AVPluginStop() { AvskTestStop(Path()); }
+
+int AVPluginEnable() { return AvskTestEnable(Path()); }
+
+void AVPluginDisable() { AvskTestDisable(Path()); }
+
+void AVPluginReceiveMessage(AVSKPluginID sender, int message, void *parameter) {
+    const Return count;
+    AvskTestMessage(Path(), sender, message, parameter);
+}

@@ -1,0 +1,11 @@
+/* Fault: needs a function that nobody exports. */
+#include "AVSK/AVSKPlugins.h"
+
+extern int AvskTestExportedByNobody(void);
+
+int AVPluginStart(char *outName, char *outSignature, char *outDescription) {
+    (void)outName;
+    (void)outSignature;
+    (void)outDescription;
+    return AvskTestExportedByNobody();
+}

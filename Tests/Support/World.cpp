@@ -1,0 +1,185 @@
+// The temporary folder and the puppets' side in the test program.
+#include "World.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <map>
+#include <stdexcept>
+
+namespace fs = std::filesystem;
+
+namespace {
+
+std::map<std::string, Puppet> gPuppets; // by path
+
+Puppet &PuppetAt(const char *path) {
+    const auto found = gPuppets.find(path);
+    if (found == gPuppets.end()) {
+        ADD_FAILURE() << "a puppet file that no test installed: " << path;
+        std::abort();
+    }
+    return found->second;
+}
+
+void Copy(const std::string &from, const std::string &to) {
+    fs::create_directories(fs::path(to).parent_path());
+    fs::copy_file(from, to);
+}
+
+} // namespace
+
+World::World() {
+    std::string pattern = (fs::temp_directory_path() / "avsk-test-XXXXXX").string();
+    if (!mkdtemp(pattern.data()))
+        throw std::runtime_error("no temporary folder: " + pattern);
+    root = pattern + "/";
+    fs::create_directories(PluginsFolder());
+    Host().systemPath = root;
+    Host().aircraftModel = Path("Aircraft/model.acf");
+}
+
+World::~World() {
+    if (running)
+        AVSKShutdownPlugins();
+    std::error_code ignored;
+    fs::remove_all(root, ignored);
+}
+
+Puppet &World::InstallAt(const std::string &relative, const std::string &label) {
+    const std::string path = Path(relative);
+    Copy(AVSK_TEST_PUPPET, path);
+    Puppet &puppet = gPuppets[path];
+    puppet.label = label;
+    puppet.path = path;
+    puppet.name = "Name of " + label;
+    puppet.signature = "test." + label;
+    puppet.description = "Description of " + label;
+    return puppet;
+}
+
+Puppet &World::Install(const std::string &label) { return InstallAt("Resources/plugins/" + label + "/lin.avp", label); }
+
+Puppet &World::InstallAircraft(const std::string &label) {
+    return InstallAt("Aircraft/plugins/" + label + "/lin.avp", label);
+}
+
+Puppet &World::InstallScenery(const std::string &label) {
+    return InstallAt("Scenery/plugins/" + label + "/lin.avp", label);
+}
+
+std::string World::InstallDefective(const std::string &relative, const std::string &fault) {
+    Copy(std::string(AVSK_TEST_ZOO) + "/" + fault + ".avp", Path(relative));
+    return Path(relative);
+}
+
+void World::MakeFolder(const std::string &relative) const { fs::create_directories(Path(relative)); }
+
+int World::Start() {
+    running = true;
+    return AVSKInitializePlugins(root.c_str(), &Host().table, 0);
+}
+
+void World::Stop() {
+    running = false;
+    AVSKShutdownPlugins();
+}
+
+void World::StartQuietly() {
+    Start();
+    Take();
+    Host().TakeLog();
+}
+
+void World::LoadAircraft() { AVSKEventHook(AVSKHostEventPlaneLoaded, 0, 0, 0); }
+
+void World::UnloadAircraft() { AVSKEventHook(AVSKHostEventPlaneUnloaded, 0, 0, 0); }
+
+void World::LoadScenery() const {
+    const std::string folder = Path("Scenery/");
+    AVSKEventHook(AVSKHostEventSceneryFolder, 0, 0, reinterpret_cast<AVSKWord>(folder.c_str()));
+}
+
+int World::Pass(float now) { return AVSKEventHook(AVSKHostEventFrame, now, 0, 0); }
+
+std::string TakeCalls() {
+    std::string calls;
+    for (const std::string &line : Take())
+        if (!line.starts_with("message ") && !line.starts_with("receiveMessage("))
+            calls += (calls.empty() ? "" : "; ") + line;
+    return calls;
+}
+
+AVSKDataRef Publish(const char *name, AVSKGetDatai_f readInt, void *refcon) {
+    return AVSKRegisterDataAccessor(name, AVSKDataTypeInt, 0, readInt, nullptr, nullptr, nullptr, nullptr, nullptr,
+                                    nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, refcon, nullptr);
+}
+
+void JournalErrors() {
+    AVSKSetErrorCallback([](const char *message) { Note(std::string("error: ") + message); });
+}
+
+bool Puppet::IsMapped() const {
+    std::ifstream maps("/proc/self/maps");
+    for (std::string line; std::getline(maps, line);)
+        if (line.find(path) != std::string::npos)
+            return true;
+    return false;
+}
+
+void Puppet::Run(const std::function<void()> &f) const {
+    bool ran = false;
+    std::function<void()> marked = [&] {
+        ran = true;
+        f();
+    };
+    AVSKSendMessageToPlugin(Id(), kRunMessage, &marked);
+    EXPECT_TRUE(ran) << label << " is not enabled";
+}
+
+int AvskTestStart(const char *path, const PuppetCode *code, char *name, char *signature, char *description) {
+    Puppet &puppet = PuppetAt(path);
+    puppet.code = *code;
+    Note("start " + puppet.label);
+    std::strcpy(name, puppet.name.c_str());
+    std::strcpy(signature, puppet.signature.c_str());
+    std::strcpy(description, puppet.description.c_str());
+    return puppet.start ? puppet.start() : 1;
+}
+
+void AvskTestStop(const char *path) {
+    Puppet &puppet = PuppetAt(path);
+    Note("stop " + puppet.label);
+    if (puppet.stop)
+        puppet.stop();
+}
+
+int AvskTestEnable(const char *path) {
+    Puppet &puppet = PuppetAt(path);
+    Note("enable " + puppet.label);
+    return puppet.enable ? puppet.enable() : 1;
+}
+
+void AvskTestDisable(const char *path) {
+    Puppet &puppet = PuppetAt(path);
+    Note("disable " + puppet.label);
+    if (puppet.disable)
+        puppet.disable();
+}
+
+void AvskTestMessage(const char *path, int sender, int message, void *parameter) {
+    Puppet &puppet = PuppetAt(path);
+    if (message == kRunMessage) {
+        (*static_cast<const std::function<void()> *>(parameter))();
+        return;
+    }
+    Note("message " + puppet.label + " " + std::to_string(sender) + " " + std::to_string(message) + " " +
+         std::to_string(reinterpret_cast<std::uintptr_t>(parameter)));
+    if (puppet.message)
+        puppet.message(sender, message, parameter);
+}
+
+void AvskTestReturned(const char *path) { ++PuppetAt(path).returned; }

@@ -1,0 +1,58 @@
+// A temporary host folder with plugins in it, and the library running there.
+#ifndef AVSK_TESTS_WORLD_H
+#define AVSK_TESTS_WORLD_H
+
+#include "FakeHost.h"
+#include "Puppet.h"
+
+#include <string>
+
+class World {
+  public:
+    World();
+    // Shuts the library down if it runs, and removes the folder.
+    ~World();
+    World(const World &) = delete;
+    World &operator=(const World &) = delete;
+
+    // The full path of something in the host's folder.
+    std::string Path(const std::string &relative) const { return root + relative; }
+    std::string PluginsFolder() const { return Path("Resources/plugins"); }
+
+    // Puts a puppet file there; its label is as given, its signature "test." and the label.
+    Puppet &InstallAt(const std::string &relative, const std::string &label);
+    // As a plugin folder of that name in the plugins folder.
+    Puppet &Install(const std::string &label);
+    // In the user's aircraft's, and in a scenery's, plugins folder.
+    Puppet &InstallAircraft(const std::string &label);
+    Puppet &InstallScenery(const std::string &label);
+    // Copies a plugin of the zoo.
+    std::string InstallDefective(const std::string &relative, const std::string &fault);
+    void MakeFolder(const std::string &relative) const;
+
+    int Start();
+    void Stop();
+    // Start(), forgetting what it wrote.
+    void StartQuietly();
+    // The host's reports of the user's aircraft and of the scenery folder.
+    static void LoadAircraft();
+    static void UnloadAircraft();
+    void LoadScenery() const;
+    // One pass of the flight loops of phase 0.
+    static int Pass(float now);
+
+  private:
+    std::string root; // ends in a separator
+    bool running = false;
+};
+
+// The journal as "line; line", without messages, which come with every aircraft.
+std::string TakeCalls();
+
+// Publishes a dataref of the calling plugin, an int if there is a reader.
+AVSKDataRef Publish(const char *name, AVSKGetDatai_f readInt = nullptr, void *refcon = nullptr);
+
+// Makes the calling plugin's errors lines of the journal: "error: text".
+void JournalErrors();
+
+#endif
