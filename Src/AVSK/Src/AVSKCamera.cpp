@@ -34,6 +34,8 @@ void TellLosingControl() {
         gCurrentControlFunc(nullptr, 1, gCameraControlRef);
 }
 
+} // namespace
+
 void AVSKReleaseCameraInternal(int force) {
     if (!gIsControlled || (!force && gControlDuration != AVSKCameraUntilViewChanges))
         return;
@@ -42,12 +44,10 @@ void AVSKReleaseCameraInternal(int force) {
     gCurrentControlPlugin = NO_PLUGIN_ID;
 }
 
-void ReleaseFrom(int pluginID) {
+static void ReleaseFrom(int pluginID) {
     if (pluginID == gCurrentControlPlugin)
         AVSKReleaseCameraInternal(1);
 }
-
-} // namespace
 
 void AVSKControlCamera(int duration, AVSKCameraControl_f cameraFunc, void *refcon) {
     gIsControlled = 1;

@@ -8,6 +8,7 @@
 #include "AVSKModules.h"
 
 #include <cstdint>
+#include <cstring>
 #include <functional>
 #include <new>
 #include <string_view>
@@ -24,15 +25,15 @@ namespace {
 // never removed. The ordered map beside it gives the order of cleaning up.
 class NameIndex {
   public:
-    AVSKData_t *Find(std::string_view name) const {
+    AVSKData_t *Find(const char *name) const {
         if (slots.empty())
             return nullptr;
-        const std::size_t hash = std::hash<std::string_view>()(name);
+        const std::size_t hash = Hash(name);
         for (std::size_t at = hash & mask;; at = (at + 1) & mask) {
             const Slot &slot = slots[at];
             if (!slot.record)
                 return nullptr;
-            if (slot.hash == hash && slot.record->name == name)
+            if (slot.hash == hash && std::strcmp(slot.name, name) == 0)
                 return slot.record;
         }
     }
@@ -50,15 +51,21 @@ class NameIndex {
     }
 
     void Insert(AVSKData_t *record) {
-        Place({std::hash<std::string_view>()(record->name), record});
+        const char *name = record->name.c_str();
+        Place({Hash(name), name, record});
         ++used;
     }
 
   private:
+    // The name's text stands here too, so that it and the record are fetched
+    // side by side.
     struct Slot {
         std::size_t hash = 0;
+        const char *name = nullptr;
         AVSKData_t *record = nullptr;
     };
+
+    static std::size_t Hash(std::string_view name) { return std::hash<std::string_view>()(name); }
 
     void Place(Slot slot) {
         std::size_t at = slot.hash & mask;

@@ -10,8 +10,8 @@
 
 extern int gDispatchedPlugin;
 
-inline void AVSKSetDispatchedPlugin(int id) { gDispatchedPlugin = id; }
-inline int AVSKGetDispatchedPlugin() { return gDispatchedPlugin; }
+void AVSKSetDispatchedPlugin(int id);
+int AVSKGetDispatchedPlugin();
 
 // What AVSKDebugGetCurrentPluginName answers.
 const char *DebugCurrentPluginName();
@@ -33,19 +33,20 @@ const char *DebugCurrentPluginName();
 // one of its calls is among them stays mapped until the stack is empty.
 class [[nodiscard]] StDispatchCallback {
   public:
-    StDispatchCallback() : previous(gDispatchedPlugin), depth(stack.depth) {
-        Record(previous);
-        stack.depth = depth + 1;
-    }
+    StDispatchCallback() : previous(gDispatchedPlugin), frame(FrameAt(stack.depth++)) { *frame = previous; }
 
-    explicit StDispatchCallback(int id) : StDispatchCallback() { callAllowed = Enter(id); }
+    explicit StDispatchCallback(int id) : previous(gDispatchedPlugin), frame(nullptr) {
+        Record(id, stack.depth++);
+        gDispatchedPlugin = id;
+        callAllowed = MayCall(id);
+    }
 
     // Inline also where an exception passes, or the guard would live in memory.
     [[gnu::always_inline]] ~StDispatchCallback() {
-        stack.depth = depth;
+        --stack.depth;
         gDispatchedPlugin = previous;
         if (stack.unloadsWait) [[unlikely]]
-            ReturnPastUnloads(depth, previous);
+            ReturnPastUnloads(stack.depth, previous);
     }
 
     StDispatchCallback(const StDispatchCallback &) = delete;
@@ -56,7 +57,11 @@ class [[nodiscard]] StDispatchCallback {
     // Makes another plugin the dispatched one and tells whether it may be called.
     [[nodiscard]] bool Enter(int id) {
         gDispatchedPlugin = id;
-        Record(id);
+        *frame = id;
+        return MayCall(id);
+    }
+
+    static bool MayCall(int id) {
         if (static_cast<unsigned>(id) < gCallFlags.count) [[likely]]
             return gCallFlags.enabled[id] != 0;
         return id == AVSK_PLUGIN_AERIVO && gCallFlags.count == 0;
@@ -75,19 +80,21 @@ class [[nodiscard]] StDispatchCallback {
     struct Stack {
         int depth;
         bool unloadsWait;
-        int frames[kRecordedCalls]; // the plugin called; deeper calls may be anybody's
     };
+    static int frames[kRecordedCalls + 1]; // the plugin called; deeper calls may be anybody's
 
-    void Record(int id) const {
+    static void Record(int id, int depth) {
         if (depth < kRecordedCalls) [[likely]]
-            stack.frames[depth] = id;
+            frames[depth] = id;
     }
+    // Calls deeper than the recorded ones share a frame that nobody reads.
+    static int *FrameAt(int depth) { return frames + (depth < kRecordedCalls ? depth : kRecordedCalls); }
     static bool IsUnderWay(int id);
     static void ReturnPastUnloads(int depth, int previous);
 
     bool callAllowed = false;
     const int previous;
-    const int depth;
+    int *const frame; // of a walk
 
     static Stack stack;
 };

@@ -20,6 +20,7 @@ struct AVSKDrawCallbackRecord : AVSKResource_t<AVSKDrawCallbackRecord> {
     int phase;
     int wantsBefore;
     void *refcon;
+    int *listeners; // counts the records of this half of this phase; null if the host draws none
 
     AVSKDrawCallbackRecord(AVSKDrawCallback_f function, int plugin, int ofPhase, int before, void *reference);
     ~AVSKDrawCallbackRecord();
@@ -123,13 +124,14 @@ bool HoldsOwned(const AVSKResourceList<Record> &list, int pluginID) {
 
 AVSKDrawCallbackRecord::AVSKDrawCallbackRecord(AVSKDrawCallback_f function, int plugin, int ofPhase, int before,
                                                void *reference)
-    : callback(function), owner(plugin), phase(ofPhase), wantsBefore(before), refcon(reference) {
-    if (int *listeners = ListenersOf(phase, wantsBefore))
+    : callback(function), owner(plugin), phase(ofPhase), wantsBefore(before), refcon(reference),
+      listeners(ListenersOf(ofPhase, before)) {
+    if (listeners)
         ++*listeners;
 }
 
 AVSKDrawCallbackRecord::~AVSKDrawCallbackRecord() {
-    if (int *listeners = ListenersOf(phase, wantsBefore))
+    if (listeners)
         --*listeners;
 }
 
@@ -402,8 +404,7 @@ void AVSKSetHotKeyCombination(AVSKHotKeyID hotKey, char virtualKey, int flags) {
     }
 }
 
-// Runs the first hot key with this combination whose plugin may be called.
-static int AVSKDispatchHotKey(char virtualKey, int flags) {
+int AVSKDispatchHotKey(char virtualKey, int flags) {
     auto walk = gHotKeys.LiveRecords();
     StDispatchCallback guard;
     for (const AVSKHotKeyInfoRecord &rec : walk) {
@@ -424,11 +425,12 @@ namespace {
 
 // Calls the callbacks of one half of a phase. The answers are combined bit by
 // bit: an even one keeps the host from drawing as 0 does.
-int AVSKDispatchDrawingHook(int phase, int isBefore, int isReflection) {
+[[gnu::always_inline]] inline int AVSKDispatchDrawingHook(int phase, int isBefore, int isReflection) {
+    const int *const listeners = ListenersOf(phase, isBefore);
     int result = 1;
     StDispatchCallback guard;
     for (const AVSKDrawCallbackRecord &rec : gDrawCallbacks.LiveRecords()) {
-        if (rec.phase != phase || rec.wantsBefore != isBefore || !rec.callback)
+        if (rec.listeners != listeners || !rec.callback)
             continue;
         if (isReflection == 1 && !AVSKHasFeatureInternal(rec.owner, kFeatureWantsReflections))
             continue;
@@ -464,7 +466,7 @@ constexpr DrawCode kDrawCodes[] = {
 };
 constexpr unsigned kDrawCodeCount = sizeof kDrawCodes / sizeof *kDrawCodes;
 
-void DrawWindows() {
+[[gnu::noinline]] void DrawWindows() {
     StDispatchCallback guard;
     for (AVSKWindowCallbackRecord &window : gWindows.LiveRecordsFromBack()) {
         if (!window.visible || !window.drawFunc)
@@ -481,17 +483,17 @@ int AVSKDisplayDoDrawingHook(int hostDrawCode, int isReflection) {
         return kNotHandled;
     const DrawCode &code = kDrawCodes[hostDrawCode];
     int answer = kNotHandled;
-    for (int before = 1; before >= 0; --before) {
-        if (!before && code.windows) {
-            AVSKDisplayMouseDragHook();
-            DrawWindows();
-        }
-        if (!code.half[before] || gListeners[code.phase][before] == 0)
-            continue;
-        const int result = AVSKDispatchDrawingHook(code.phase, before, isReflection);
-        if (before && code.asks)
+    if (code.half[1] && gListeners[code.phase][1] != 0) {
+        const int result = AVSKDispatchDrawingHook(code.phase, 1, isReflection);
+        if (code.asks)
             answer = result;
     }
+    if (code.windows) {
+        AVSKDisplayMouseDragHook();
+        DrawWindows();
+    }
+    if (code.half[0] && gListeners[code.phase][0] != 0)
+        AVSKDispatchDrawingHook(code.phase, 0, isReflection);
     return answer;
 }
 

@@ -36,6 +36,7 @@ const char *const kFeatureNames[kFeatureCount] = {"AVSK_WANTS_REFLECTIONS", "AVS
 AVSKDeliveryHead orphaned;
 
 StDispatchCallback::Stack StDispatchCallback::stack = {};
+int StDispatchCallback::frames[kRecordedCalls + 1];
 
 namespace {
 
@@ -222,8 +223,8 @@ void ReportUnknownFeature() { AVSKSendError("Illegal feature name passed to AVSK
 bool StDispatchCallback::IsUnderWay(int id) {
     if (stack.depth > kRecordedCalls)
         return true;
-    int *const end = stack.frames + stack.depth;
-    return std::find(stack.frames, end, id) != end;
+    int *const end = frames + stack.depth;
+    return std::find(frames, end, id) != end;
 }
 
 void StDispatchCallback::ReleaseLibrary(int id, void *handle) {
@@ -232,7 +233,7 @@ void StDispatchCallback::ReleaseLibrary(int id, void *handle) {
             AVSKUnloadDLL(handle);
         return;
     }
-    std::replace(stack.frames, stack.frames + std::min(stack.depth, kRecordedCalls), id, FrameOfUnloaded(id));
+    std::replace(frames, frames + std::min(stack.depth, kRecordedCalls), id, FrameOfUnloaded(id));
     if (gDispatchedPlugin == id)
         gDispatchedPlugin = NO_PLUGIN_ID;
     stack.unloadsWait = true;
@@ -242,7 +243,7 @@ void StDispatchCallback::ReleaseLibrary(int id, void *handle) {
 
 void StDispatchCallback::ReturnPastUnloads(int depth, int previous) {
     if (depth > 0) {
-        if (depth <= kRecordedCalls && stack.frames[depth - 1] == FrameOfUnloaded(previous))
+        if (depth <= kRecordedCalls && frames[depth - 1] == FrameOfUnloaded(previous))
             gDispatchedPlugin = NO_PLUGIN_ID;
         return;
     }
@@ -253,6 +254,10 @@ void StDispatchCallback::ReturnPastUnloads(int depth, int previous) {
     for (void *handle : std::exchange(gWaitingLibraries, {}))
         AVSKUnloadDLL(handle);
 }
+
+void AVSKSetDispatchedPlugin(int id) { gDispatchedPlugin = id; }
+
+int AVSKGetDispatchedPlugin() { return gDispatchedPlugin; }
 
 const char *DebugCurrentPluginName() {
     const int id = gDispatchedPlugin;

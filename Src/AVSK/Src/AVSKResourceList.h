@@ -171,8 +171,8 @@ class AVSKResourceList {
     }
 
     void EndIterate() {
-        if (--iterate_depth < 0)
-            iterate_depth = 0;
+        if (iterate_depth > 0) [[likely]]
+            --iterate_depth;
         if (needs_clean && !(walks && reclaim == AVSKReclaim::AfterPass))
             Clean();
     }
@@ -208,7 +208,10 @@ class AVSKResourceList {
 
   private:
     // Some walks never end, so the depth is bounded by hand.
-    void Deepen() { iterate_depth += iterate_depth != INT_MAX; }
+    void Deepen() {
+        if (iterate_depth != INT_MAX) [[likely]]
+            ++iterate_depth;
+    }
 
     [[gnu::noinline]] void Rewind() {
         while (head->prev)
@@ -263,14 +266,13 @@ class AVSKResourceList<T>::Walk {
 
     ~Walk() {
         list.walks = outer;
-        if (!open)
-            list.EndIterate();
-        else if (!outer && list.reclaim == AVSKReclaim::AfterPass)
-            list.Clean();
-        list.FreeRetired();
+        if (list.iterate_depth > 0) [[likely]]
+            --list.iterate_depth;
+        if (list.needs_clean || list.retired) [[unlikely]]
+            CleanUp();
     }
 
-    T *First() const { return current; }
+    T *Current() const { return current; }
     void StandOn(T *rec) { current = rec; }
 
     // Whether the record that the walk stands on was reclaimed, and where to go on then.
@@ -282,10 +284,20 @@ class AVSKResourceList<T>::Walk {
 
     // Has the walk never end for the list: its depth stays raised. The pass
     // and its hold on storage end all the same.
-    void KeepOpen() { open = true; }
+    void KeepOpen() {
+        if (!open)
+            list.Deepen();
+        open = true;
+    }
 
   private:
     friend class AVSKResourceList;
+
+    [[gnu::noinline]] void CleanUp() {
+        if (list.needs_clean && (list.reclaim == AVSKReclaim::AfterPass ? !outer : !open))
+            list.Clean();
+        list.FreeRetired();
+    }
 
     T *Beyond(const T *rec) const { return direction == AVSKWalkDirection::Forward ? rec->next : rec->prev; }
 
@@ -333,27 +345,24 @@ template <class T>
 template <AVSKWalkDirection direction, AVSKWalkOver over>
 class AVSKResourceList<T>::Range {
   public:
-    explicit Range(AVSKResourceList &walked) : walk(walked, direction), current(Wanted(walk.First())) {}
+    explicit Range(AVSKResourceList &walked) : walk(walked, direction) { walk.StandOn(Wanted(walk.Current())); }
 
     struct End {};
     class Iterator {
       public:
         explicit Iterator(Range &walked) : range(walked) {}
-        T &operator*() const { return *range.current; }
+        T &operator*() const { return *range.walk.Current(); }
         Iterator &operator++() {
             range.Step();
             return *this;
         }
-        bool operator!=(End /*end*/) const { return range.current != nullptr; }
+        bool operator!=(End /*end*/) const { return range.walk.Current() != nullptr; }
 
       private:
         Range &range;
     };
 
-    Iterator begin() {
-        walk.StandOn(current);
-        return Iterator(*this);
-    }
+    Iterator begin() { return Iterator(*this); }
     End end() const { return {}; }
     void KeepOpen() { walk.KeepOpen(); }
 
@@ -367,13 +376,9 @@ class AVSKResourceList<T>::Range {
         return rec;
     }
 
-    void Step() {
-        current = Wanted(walk.HasLeft() ? walk.Resume() : Beyond(current));
-        walk.StandOn(current);
-    }
+    void Step() { walk.StandOn(Wanted(walk.HasLeft() ? walk.Resume() : Beyond(walk.Current()))); }
 
     Walk walk;
-    T *current;
 };
 
 #endif

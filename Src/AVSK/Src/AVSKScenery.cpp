@@ -9,9 +9,9 @@
 #include "AVSKErrors.h"
 #include "AVSKHostTable.h"
 #include "AVSKModules.h"
-#include "AVSKResourceList.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <map>
 #include <set>
 #include <utility>
@@ -37,21 +37,25 @@ std::vector<void *>::iterator FindObject(std::vector<void *> &objects, void *obj
     return std::find(objects.begin(), objects.end(), object);
 }
 
-// One asynchronous load.
-class AVSKObjectCompletion_t final : public AVSKDelivery, public AVSKTracked<AVSKObjectCompletion_t> {
+// One asynchronous load. The host knows it by a number that is not used
+// again: a completion reported twice must not reach a later load.
+class AVSKObjectCompletion_t final : public AVSKDelivery {
   public:
     AVSKObjectCompletion_t(AVSKObjectLoaded_f function, void *reference) : callback(function), refcon(reference) {
         pluginID = AVSKGetDispatchedPlugin();
+        expected[number] = this;
     }
+
+    void *Argument() const { return reinterpret_cast<void *>(number); }
 
     // What the host calls when the load is over. One that it reports again,
     // or never heard of, is ignored.
     static void AsyncCB(void *objectRef, void *argument) {
-        auto *completion = static_cast<AVSKObjectCompletion_t *>(argument);
-        if (!Exists(completion) || completion->arrived)
+        const auto found = expected.extract(reinterpret_cast<std::uintptr_t>(argument));
+        if (found.empty())
             return;
-        completion->object = objectRef;
-        AVSKSendDelivery(completion);
+        found.mapped()->object = objectRef;
+        AVSKSendDelivery(found.mapped());
     }
 
     void DeliverToPlugin(bool cancelled) override {
@@ -92,6 +96,12 @@ class AVSKObjectCompletion_t final : public AVSKDelivery, public AVSKTracked<AVS
     AVSKObjectLoaded_f callback;
     void *refcon;
     void *object = nullptr;
+    const std::uintptr_t number = ++last;
+
+    static inline std::uintptr_t last = 0;
+    // Those that the host has not completed yet.
+    using Completions = std::map<std::uintptr_t, AVSKObjectCompletion_t *>;
+    static inline Completions &expected = *new Completions;
 };
 
 } // namespace
@@ -145,7 +155,7 @@ void AVSKLoadObjectAsync(const char *path, AVSKObjectLoaded_f callback, void *re
     auto *completion = new AVSKObjectCompletion_t(callback, refcon);
     AVSKQueueDelivery(completion);
     // The host may complete it in there, after which it is gone.
-    gHooks->loadObjectAsync(path, AVSKObjectCompletion_t::AsyncCB, completion);
+    gHooks->loadObjectAsync(path, AVSKObjectCompletion_t::AsyncCB, completion->Argument());
 }
 
 void AVSKDrawObjects(AVSKObjectRef object, int count, AVSKDrawInfo *infos, int lighting, int earthRelative) {
