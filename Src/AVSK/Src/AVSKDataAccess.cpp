@@ -8,7 +8,6 @@
 #include "AVSKModules.h"
 
 #include <cstdint>
-#include <cstring>
 #include <functional>
 #include <new>
 #include <string_view>
@@ -25,7 +24,7 @@ namespace {
 // never removed. The ordered map beside it gives the order of cleaning up.
 class NameIndex {
   public:
-    AVSKData_t *Find(const char *name) const {
+    AVSKData_t *Find(std::string_view name) const {
         if (slots.empty())
             return nullptr;
         const std::size_t hash = Hash(name);
@@ -33,7 +32,7 @@ class NameIndex {
             const Slot &slot = slots[at];
             if (!slot.record)
                 return nullptr;
-            if (slot.hash == hash && std::strcmp(slot.name, name) == 0)
+            if (slot.hash == hash && slot.name == name)
                 return slot.record;
         }
     }
@@ -51,8 +50,7 @@ class NameIndex {
     }
 
     void Insert(AVSKData_t *record) {
-        const char *name = record->name.c_str();
-        Place({Hash(name), name, record});
+        Place({Hash(record->name), record->name, record});
         ++used;
     }
 
@@ -61,7 +59,7 @@ class NameIndex {
     // side by side.
     struct Slot {
         std::size_t hash = 0;
-        const char *name = nullptr;
+        std::string_view name;
         AVSKData_t *record = nullptr;
     };
 
