@@ -111,6 +111,24 @@ void Log(std::initializer_list<const char *> pieces) {
         AVSKDebugString(piece);
 }
 
+bool gIsUnloadingAll = false;
+
+// Nothing is loaded before the host has its ID, nor while everything is being
+// unloaded, whatever the host reports from inside its services then.
+bool MayLoad() { return !gAllPlugins.empty() && !gIsUnloadingAll; }
+
+class Flagged {
+  public:
+    explicit Flagged(bool &raised) : flag(raised), before(std::exchange(raised, true)) {}
+    ~Flagged() { flag = before; }
+    Flagged(const Flagged &) = delete;
+    Flagged &operator=(const Flagged &) = delete;
+
+  private:
+    bool &flag;
+    const bool before;
+};
+
 // ---- Deliveries of plugins that go
 
 // Pending deliveries end as cancellations when the host completes them, the
@@ -368,11 +386,13 @@ void AVSKFindAndLoadPlugins(const char *hostFolder) {
 }
 
 void AVSKFindAndLoadAcfPlugins(const char *aircraftFolder) {
+    if (!MayLoad())
+        return;
     LoadFatPluginsOf(std::string(aircraftFolder) + "/plugins", gCurrentAircraftPluginIDS);
 }
 
 void AVSKFindAndLoadSceneryPlugins(const char *sceneryFolder) {
-    if (!sceneryFolder)
+    if (!sceneryFolder || !MayLoad())
         return;
     std::vector<int> ids;
     LoadFatPluginsOf(std::string(sceneryFolder) + "plugins", ids);
@@ -461,8 +481,14 @@ int LoadOnePlugin(const std::string &path, int reportMissing) {
     // The new record's own signature is still empty, and so is the host's: an
     // empty signature is always a duplicate.
     if (AVSKFindPluginBySignature(signatureText.c_str()) != NO_PLUGIN_ID) {
-        AVSKSetDispatchedPlugin(id);
-        UnloadOnePlugin(id);
+        try {
+            const StDispatchCallback restoring;
+            AVSKSetDispatchedPlugin(id);
+            UnloadOnePlugin(id);
+        } catch (...) {
+            Withdraw(record);
+            throw;
+        }
         AVSKSetDispatchedPlugin(AVSK_PLUGIN_AERIVO);
         Withdraw(record);
         Log({"Warning: ", path.c_str(), " Signature: ", signatureText.c_str(),
@@ -483,26 +509,37 @@ void UnloadOnePlugin(int id) {
         return;
     AbandonDeliveries(*record);
 
-    // Taken first: should the stop call end in here again, the unloading is
-    // finished there, and nothing is left to do when it returns.
-    if (void (*const stop)() = std::exchange(record->stopFunc, nullptr)) {
-        const StDispatchCallback guard(id);
-        stop();
+    std::exception_ptr thrown;
+    try {
+        // Taken first: should the stop call end in here again, the unloading is
+        // finished there, and nothing is left to do when it returns.
+        if (void (*const stop)() = std::exchange(record->stopFunc, nullptr)) {
+            const StDispatchCallback guard(id);
+            stop();
+        }
+        if (!record->unloaded)
+            CleanUp(id);
+    } catch (...) {
+        thrown = std::current_exception();
     }
-    if (record->unloaded)
-        return;
-    CleanUp(id);
-    if (record->unloaded)
-        return;
-    ForgetEntryPoints(*record);
-    // A last call, to a window that lost the focus, may have registered anew.
-    if (AnyModuleHolds(id))
-        CleanUp(id);
-    AbandonDeliveries(*record); // what the stop call still asked for
-    StDispatchCallback::ReleaseLibrary(id, std::exchange(record->handle, nullptr));
+    if (!record->unloaded) {
+        ForgetEntryPoints(*record);
+        // A last call, to a window that lost the focus, may have thrown or
+        // registered anew. Now no call is made any more.
+        if (thrown || AnyModuleHolds(id))
+            CleanUp(id);
+        AbandonDeliveries(*record); // what the stop call still asked for
+        // What it threw is an object of its library, which then stays mapped.
+        void *handle = std::exchange(record->handle, nullptr);
+        if (!thrown)
+            StDispatchCallback::ReleaseLibrary(id, handle);
+    }
+    if (thrown)
+        std::rethrow_exception(thrown);
 }
 
 void AVSKUnloadPlugins() {
+    const Flagged unloading(gIsUnloadingAll);
     for (int id = 1; id < PluginCount(); ++id)
         UnloadOnePlugin(id);
     gCurrentAircraftPluginIDS.clear();
@@ -596,6 +633,11 @@ void AVSKDisableACFPlugins() {
 void AVSKReloadPlugins() { gScheduleReload = true; }
 
 void AVSKReloadPluginsInternal() {
+    static bool reloading = false;
+    // From inside a plugin's last calls: then the request stands until they are over.
+    if (reloading || gIsUnloadingAll)
+        return;
+    const Flagged flagged(reloading);
     gScheduleReload = false;
     AVSKDisableAllPlugins();
     AVSKUnloadAcfPlugin();
