@@ -3,10 +3,15 @@
 # Builds a plugin the way the simulator wants it. FOLDER is a plugins folder
 # (by default <build>/plugins); the file lands in FOLDER/<NAME>/lin.avp, or
 # with LOOSE in FOLDER/<NAME>.avp. NAME is TARGET unless given.
+#
+# Used by this tree and, through find_package(AVSK), by plugins outside it.
 function(avsk_add_plugin target)
   cmake_parse_arguments(arg "LOOSE" "FOLDER;NAME" "SOURCES" ${ARGN})
   if(NOT arg_SOURCES)
     message(FATAL_ERROR "avsk_add_plugin(${target}): name its files after SOURCES")
+  endif()
+  if(arg_UNPARSED_ARGUMENTS)
+    message(FATAL_ERROR "avsk_add_plugin(${target}): unknown words '${arg_UNPARSED_ARGUMENTS}': name its files after SOURCES")
   endif()
   if(NOT arg_FOLDER)
     set(arg_FOLDER ${CMAKE_CURRENT_BINARY_DIR}/plugins)
@@ -19,8 +24,10 @@ function(avsk_add_plugin target)
   target_link_libraries(${target} PRIVATE AVSK::AVSK)
   # Plugins share one symbol namespace: whatever is not hidden clashes with the
   # next plugin's, and a unique symbol keeps the file mapped after its unload.
+  # The file is used as it was built, so it names no folder of this machine:
+  # the process it is loaded into has the library already.
   set_target_properties(${target} PROPERTIES
-    PREFIX "" SUFFIX ".avp"
+    PREFIX "" SUFFIX ".avp" BUILD_WITH_INSTALL_RPATH ON
     C_VISIBILITY_PRESET hidden CXX_VISIBILITY_PRESET hidden VISIBILITY_INLINES_HIDDEN ON)
   target_compile_options(${target} PRIVATE $<$<COMPILE_LANG_AND_ID:CXX,GNU>:-fno-gnu-unique>)
   target_link_options(${target} PRIVATE -Wl,-Bsymbolic)

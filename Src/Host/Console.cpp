@@ -21,7 +21,25 @@ Console::Console(bool quiet, const std::string &logFile) : mQuiet(quiet), mWatch
 
 Console::~Console() { ClearProgress(); }
 
-void Console::Log(std::string_view text) {
+void Console::Keep(const std::string &root) {
+    mKeeps = true;
+    mRoot = root == "/" ? "" : root;
+}
+
+std::string Console::WithoutRoot(std::string_view text) const {
+    std::string shown(text);
+    if (mRoot.empty())
+        return shown;
+    for (std::size_t at = 0; (at = shown.find(mRoot, at)) != std::string::npos;)
+        shown.replace(at, mRoot.size(), "<root>/");
+    return shown;
+}
+
+void Console::Log(std::string_view original) {
+    const std::string shown = WithoutRoot(original);
+    const std::string_view text = shown;
+    if (mKeeps)
+        mKept += text;
     // Flushed at once: the last line before a plugin crashes is the one that is wanted.
     if (mFile) {
         std::fwrite(text.data(), 1, text.size(), mFile.get());
@@ -37,7 +55,7 @@ void Console::Log(std::string_view text) {
 void Console::ShowProgress(int frame, int frames) {
     constexpr double kPatience = 1.0;
     constexpr double kBetween = 0.1;
-    if (!mWatched)
+    if (!mWatched || mKeeps)
         return;
     const double now = Seconds();
     if (now < kPatience || now - mLastShown < kBetween)

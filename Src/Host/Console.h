@@ -21,6 +21,13 @@ class Console {
 
     // Writes a text to the log as it is.
     void Log(std::string_view text);
+    // From now on keeps what is logged, and shows a path, the run's own, as <root>/
+    // so that the log is the same wherever the run takes place.
+    void Keep(const std::string &root);
+    // What was logged since the last Forget().
+    const std::string &Kept() const { return mKept; }
+    void Forget() { mKept.clear(); }
+    std::string WithoutRoot(std::string_view text) const;
     // Writes a line of the host's own to the log.
     void Note(const std::string &line) { Log("avsk: " + line + "\n"); }
 
@@ -42,6 +49,9 @@ class Console {
     double mLastShown = 0;
     std::chrono::steady_clock::time_point mStarted = std::chrono::steady_clock::now();
     std::unique_ptr<std::FILE, Close> mFile;
+    bool mKeeps = false;
+    std::string mRoot;
+    std::string mKept;
 };
 
 } // namespace host

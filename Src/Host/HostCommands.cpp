@@ -70,6 +70,12 @@ Command *CommandTable::Find(std::string_view name) const {
     return found == mCommands.end() ? nullptr : found->get();
 }
 
+Command *CommandTable::Known(const void *handle) const {
+    const auto found = std::find_if(mCommands.begin(), mCommands.end(),
+                                    [handle](const auto &command) { return command.get() == handle; });
+    return found == mCommands.end() ? nullptr : found->get();
+}
+
 Command *CommandTable::Create(std::string_view name, std::string_view description) {
     if (Command *existing = Find(name))
         return existing;
@@ -79,13 +85,13 @@ Command *CommandTable::Create(std::string_view name, std::string_view descriptio
 }
 
 void CommandTable::Run(void *command, CommandPhase phase) const {
-    const auto known =
-        std::find_if(mCommands.begin(), mCommands.end(), [command](const auto &c) { return c.get() == command; });
-    if (known == mCommands.end())
+    Command *known = Known(command);
+    if (!known)
         return;
-    const Command &running = **known; // handlers may create commands, which moves the table but not its entries
+    Command &running = *known; // handlers may create commands, which moves the table but not its entries
     const int begin = phase == CommandPhase::Begin;
     const int end = phase == CommandPhase::End;
+    running.begun += begin - end;
     if (AVSKCommandHook(command, begin, end, /*before=*/1) == 0)
         return;
     if (running.act)

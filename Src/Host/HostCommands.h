@@ -24,6 +24,7 @@ struct Command {
     std::string name;
     std::string description;
     CommandAction act; // empty: a plugin's, which acts in its handlers
+    int begun = 0;     // and not yet ended
 };
 
 class CommandTable {
@@ -32,6 +33,9 @@ class CommandTable {
     explicit CommandTable(Simulator &simulator);
 
     Command *Find(std::string_view name) const;
+    // The command of a handle; null for a handle that is not one.
+    Command *Known(const void *handle) const;
+    const std::vector<std::unique_ptr<Command>> &All() const { return mCommands; }
     // An existing command of that name is answered as it is.
     Command *Create(std::string_view name, std::string_view description);
 

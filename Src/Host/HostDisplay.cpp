@@ -21,16 +21,15 @@ namespace host {
 namespace {
 
 void GetScreenSize(int *width, int *height) {
-    Enter();
-    Store(width, Display::kWidth);
-    Store(height, Display::kHeight);
+    const Display &display = Enter().display;
+    Store(width, display.width);
+    Store(height, display.height);
 }
 
-// There is no mouse: it rests in the middle of the screen.
 void GetMouseLocation(int *x, int *y, int /*fromPlugin*/) {
-    Enter();
-    Store(x, Display::kWidth / 2);
-    Store(y, Display::kHeight / 2);
+    const Display &display = Enter().display;
+    Store(x, display.mouseX);
+    Store(y, display.mouseY);
 }
 
 // State and textures matter to OpenGL calls only, and those are not seen here.

@@ -15,9 +15,13 @@ struct Simulator;
 
 class Display {
   public:
-    static constexpr int kWidth = 1024;
-    static constexpr int kHeight = 768;
+    Display(int screenWidth, int screenHeight)
+        : width(screenWidth), height(screenHeight), mouseX(screenWidth / 2), mouseY(screenHeight / 2) {}
 
+    const int width;
+    const int height;
+    int mouseX; // rests in the middle until a session moves it
+    int mouseY;
     Fonts fonts;
     std::optional<Canvas> canvas; // only while a frame is drawn that will be written
     int lastTexture = 0;          // numbers handed out so far

@@ -69,13 +69,14 @@ void CommandButton(const int *buttons, int release, int pass) {
 
 } // namespace
 
-void Input::PressKey(char character, char virtualKey, int frames) {
+void Input::PressKey(char character, char virtualKey, int frames, int modifiers) {
     const auto same = [virtualKey](const Key &key) { return key.virtualKey == virtualKey; };
     if (const auto down = std::find_if(mKeys.begin(), mKeys.end(), same); down != mKeys.end())
         LetGo(down->press);
-    const bool taken = AVSKKeyPressHook(character, kDown, virtualKey) == 0;
+    const bool taken = AVSKKeyPressHook(character, kDown | modifiers, virtualKey) == 0;
     Command *command = taken ? nullptr : Bound(virtualKey);
-    mKeys.push_back({++mLastPress, character, virtualKey, command, mSimulator.frame, mSimulator.frame + frames});
+    mKeys.push_back(
+        {++mLastPress, character, virtualKey, modifiers, command, mSimulator.frame, mSimulator.frame + frames});
     if (command)
         mSimulator.commands.Run(command, CommandPhase::Begin);
 }
@@ -86,7 +87,7 @@ void Input::LetGo(int press) {
         return;
     const Key key = *found;
     mKeys.erase(found);
-    AVSKKeyPressHook(key.character, kUp, key.virtualKey);
+    AVSKKeyPressHook(key.character, kUp | key.modifiers, key.virtualKey);
     if (key.command) // it began, so it ends, whoever took the key's release
         mSimulator.commands.Run(key.command, CommandPhase::End);
 }
@@ -104,6 +105,64 @@ void Input::StepKeys() {
         else if (key.command && mSimulator.frame > key.since)
             mSimulator.commands.Run(key.command, CommandPhase::Continue);
     }
+    for (Command *command : std::vector<Command *>(mHeldCommands))
+        mSimulator.commands.Run(command, CommandPhase::Continue);
+    constexpr int kDownPass = 1;
+    for (const int button : std::vector<int>(mHeldButtons))
+        ChangeButton(button, /*release=*/false, kDownPass);
+}
+
+bool Input::ReleaseKey(char virtualKey) {
+    const auto down =
+        std::find_if(mKeys.begin(), mKeys.end(), [virtualKey](const Key &key) { return key.virtualKey == virtualKey; });
+    if (down == mKeys.end())
+        return false;
+    LetGo(down->press);
+    return true;
+}
+
+bool Input::Holds(const Command *command) const {
+    return std::find(mHeldCommands.begin(), mHeldCommands.end(), command) != mHeldCommands.end();
+}
+
+bool Input::HoldCommand(Command *command) {
+    if (Holds(command))
+        return false;
+    mHeldCommands.push_back(command);
+    mSimulator.commands.Run(command, CommandPhase::Begin);
+    return true;
+}
+
+bool Input::EndCommand(Command *command) {
+    if (std::erase(mHeldCommands, command) == 0)
+        return false;
+    mSimulator.commands.Run(command, CommandPhase::End);
+    return true;
+}
+
+bool Input::HoldButton(int button) {
+    if (std::find(mHeldButtons.begin(), mHeldButtons.end(), button) != mHeldButtons.end())
+        return false;
+    mHeldButtons.push_back(button);
+    ChangeButton(button, /*release=*/false, /*pass=*/0);
+    return true;
+}
+
+bool Input::ReleaseButton(int button) {
+    if (std::erase(mHeldButtons, button) == 0)
+        return false;
+    ChangeButton(button, /*release=*/true, /*pass=*/0);
+    return true;
+}
+
+std::vector<int> Input::ButtonsDown() const {
+    std::vector<int> down;
+    for (const auto &[button, state] : mButtons) {
+        const auto own = std::count(mHeldButtons.begin(), mHeldButtons.end(), button);
+        if (state.presses > own)
+            down.push_back(button);
+    }
+    return down;
 }
 
 Command *Input::Bound(char virtualKey) const {

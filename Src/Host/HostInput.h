@@ -16,8 +16,23 @@ class Input {
     explicit Input(Simulator &simulator) : mSimulator(simulator) {}
 
     // Presses a key and lets it go some frames later. A key that is still down
-    // goes up first. If no plugin takes the press its command begins.
-    void PressKey(char character, char virtualKey, int frames);
+    // goes up first. If no plugin takes the press its command begins. The
+    // modifiers are the flags of shift and control.
+    void PressKey(char character, char virtualKey, int frames, int modifiers = 0);
+    // Lets a key go before its time. False if it is not down.
+    bool ReleaseKey(char virtualKey);
+
+    // Begins a command that is held, or ends it. False if it is held already, or is not.
+    bool HoldCommand(Command *command);
+    bool EndCommand(Command *command);
+    bool Holds(const Command *command) const;
+
+    // The user's own finger on a button. False if it is there already, or is not.
+    bool HoldButton(int button);
+    bool ReleaseButton(int button);
+    // Buttons that are down, the user's left out.
+    std::vector<int> ButtonsDown() const;
+
     // Once a frame: continues the commands of keys that are down, and lets go of those whose time is up.
     void StepKeys();
     // The command bound to a key; null if there is none.
@@ -31,6 +46,7 @@ class Input {
         int press; // tells presses of one key apart
         char character;
         char virtualKey;
+        int modifiers;
         Command *command; // null if a plugin took the press, or none is bound
         int since;        // the frame in which it went down
         int until;        // the frame in which it goes up
@@ -45,6 +61,8 @@ class Input {
     Simulator &mSimulator;
     std::vector<Key> mKeys;
     std::map<int, Button> mButtons;
+    std::vector<Command *> mHeldCommands; // by the user, without a key
+    std::vector<int> mHeldButtons;        // by the user
     int mLastPress = 0;
 };
 

@@ -97,7 +97,7 @@ void MenuTree::Destroy(Menu &menu) {
     mMenus.erase(own);
 }
 
-Menu *MenuTree::Known(void *handle) const {
+Menu *MenuTree::Known(const void *handle) const {
     const auto found =
         std::find_if(mMenus.begin(), mMenus.end(), [handle](const auto &menu) { return menu.get() == handle; });
     return found == mMenus.end() ? nullptr : found->get();

@@ -38,7 +38,8 @@ class MenuTree {
     void Destroy(Menu &menu);
 
     // The menu of a handle; null for a handle that is not one or no longer one.
-    Menu *Known(void *handle) const;
+    Menu *Known(const void *handle) const;
+    std::size_t Count() const { return mMenus.size(); }
 
   private:
     // Destroyed menus are kept aside: a stale handle must never name a new menu.

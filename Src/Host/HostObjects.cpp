@@ -77,6 +77,8 @@ void Objects::LoadLater(int frame, std::string_view path, Completion completion,
 }
 
 void Objects::CompleteLoads(int frame) {
+    if (mHeld)
+        return;
     // A completion may ask for the next load.
     std::vector<Pending> due;
     const auto later = std::stable_partition(mPending.begin(), mPending.end(),
@@ -87,7 +89,24 @@ void Objects::CompleteLoads(int frame) {
         pending.completion(Load(pending.path), pending.argument);
 }
 
-void Objects::CompleteAllLoads() { CompleteLoads(std::numeric_limits<int>::max()); }
+void Objects::CompleteAllLoads() {
+    mHeld = false;
+    CompleteLoads(std::numeric_limits<int>::max());
+}
+
+int Objects::FinishLoads(std::string_view path, bool fail) {
+    std::vector<Pending> chosen;
+    std::erase_if(mPending, [&](const Pending &pending) {
+        const bool wanted =
+            path.empty() || pending.path == path || ResolvePath(mRoot, pending.path) == ResolvePath(mRoot, path);
+        if (wanted)
+            chosen.push_back(pending);
+        return wanted;
+    });
+    for (const Pending &pending : chosen)
+        pending.completion(fail ? nullptr : Load(pending.path), pending.argument);
+    return static_cast<int>(chosen.size());
+}
 
 std::vector<std::string> Objects::Lookup(std::string_view path) const {
     const fs::path wanted = fs::path(path).lexically_normal();

@@ -36,6 +36,11 @@ class Objects {
     void CompleteLoads(int frame);
     // Completes every load that is asked for.
     void CompleteAllLoads();
+    // From now on loads wait until they are finished by hand.
+    void HoldLoads() { mHeld = true; }
+    // Finishes by hand the loads of a file, or all if the path is empty: with
+    // the object, or without if they are to fail. Answers how many.
+    int FinishLoads(std::string_view path, bool fail);
     std::size_t CountPending() const { return mPending.size(); }
 
     // The files that a virtual path stands for, from the root; see HostObjects.cpp.
@@ -52,6 +57,7 @@ class Objects {
     std::string mRoot;
     std::vector<std::unique_ptr<Object>> mLoaded;
     std::vector<Pending> mPending;
+    bool mHeld = false;
 };
 
 } // namespace host

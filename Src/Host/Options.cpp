@@ -2,6 +2,10 @@
 // system. Called once by Main.cpp.
 #include "Options.h"
 
+#include "Session.h"
+
+#include "NewProject.h"
+
 #include <CLI/CLI.hpp>
 
 #include <algorithm>
@@ -29,6 +33,11 @@ constexpr const char *kRunExamples = R"(Examples:
       plugins of a scenery folder, with a slow simulator, and a picture after two seconds
   avsk run --root sim --key F4@60 --key F5@120
       a change of view after one second, and after two a short climb
+  avsk run Samples/Menu/Menu.avs --root build/release/demo
+      a session: picks items of a sample's menu and checks what comes of it
+  avsk run --interactive --root build/release/demo --plugin Menu
+      the same by hand; 'help' lists the words, 'quit' ends. Input is read plainly, line by line: for history and
+      completion run it under a line editor such as rlwrap
 
 Keys that no plugin takes: F4 shows the next view, F5 climbs, F6 descends and F7 flies straight on while held.
 
@@ -36,8 +45,8 @@ A picture shows what plugins draw through the interface: dark boxes, texts and n
 the menus, all opened. What they draw with OpenGL calls of their own is not seen here and is missing in it, as are
 scenery objects and aircraft.
 
-Exit status: 0 when all frames were run, 1 when an exception of a plugin ended the run early, 2 when the request cannot
-be met as it was made.)";
+Exit status: 0 when all frames were run and all of a session came true, 1 when a step or an expectation of it failed or
+an exception of a plugin ended the run early, 2 when the request cannot be met as it was made.)";
 
 // Plugins receive paths in buffers of 256 bytes (aircraft) and 512 bytes (the host's folder).
 constexpr std::size_t kLongestModel = 255;
@@ -140,6 +149,8 @@ std::string FindModel(const std::string &folder) {
     return folder + (first == names.end() ? "model.acf" : *first);
 }
 
+} // namespace
+
 void CheckPlaces(Options &options, const std::string &aircraft) {
     const std::string advice = "name the simulator's folder, which holds Resources/plugins";
     const std::string given = options.root;
@@ -162,8 +173,6 @@ void CheckPlaces(Options &options, const std::string &aircraft) {
         folder = CheckedFolder(folder, "--scenery", "name a scenery folder, which holds plugins");
 }
 
-} // namespace
-
 std::optional<Options> ParseOptions(int argc, char **argv) {
     Options options;
     std::string aircraft;
@@ -182,26 +191,49 @@ std::optional<Options> ParseOptions(int argc, char **argv) {
     CLI::App app("avsk: runs plugins without the simulator, in a small one of its own.", "avsk");
     app.set_version_flag("--version", "avsk " AVSK_HOST_VERSION);
     app.require_subcommand(1);
+    AddNewProjectCommand(app);
 
     CLI::App *run = app.add_subcommand("run", "Loads the plugins, flies a number of frames and reports.");
     run->add_option("--root", options.root, "the simulator's folder; must hold Resources/plugins")
         ->type_name("DIR")
-
         ->capture_default_str();
-    run->add_option("--frames", options.frames, "how many frames to run")->check(positive)->capture_default_str();
-    run->add_option("--fps", options.fps, "frames per simulated second")->check(positive)->capture_default_str();
-    run->add_option("--aircraft", aircraft, "folder of the user's aircraft, whose plugins are loaded too")
+    CLI::Option *const session =
+        run->add_option("session", options.session, "a session: a file of steps and expectations, see below")
+            ->type_name("SESSION.avs");
+    CLI::Option *const interactive =
+        run->add_flag("--interactive", options.interactive, "read the session's lines from standard input");
+    bool words = false;
+    run->add_flag("--words", words, "list the words of sessions");
+    run->add_option("--plugin", options.plugins, "of a session: load only this plugin; can be repeated")
+        ->type_name("NAME|PATH")
+        ->allow_extra_args(false);
+    interactive->excludes(session);
+    // A session says these itself.
+    const auto unlessSession = [&](CLI::Option *option) {
+        option->excludes(session)->excludes(interactive);
+        return option;
+    };
+    unlessSession(run->add_option("--frames", options.frames, "how many frames to run"))
+        ->check(positive)
+        ->capture_default_str();
+    unlessSession(run->add_option("--fps", options.fps, "frames per simulated second"))
+        ->check(positive)
+        ->capture_default_str();
+    unlessSession(
+        run->add_option("--aircraft", aircraft, "folder of the user's aircraft, whose plugins are loaded too"))
         ->type_name("DIR");
-    run->add_option("--scenery", options.scenery, "a scenery folder whose plugins are loaded too; can be repeated")
+    unlessSession(
+        run->add_option("--scenery", options.scenery, "a scenery folder whose plugins are loaded too; can be repeated"))
         ->type_name("DIR")
         ->allow_extra_args(false);
     run->add_option("--log", options.logFile, "also write the log to this file")->type_name("FILE");
     run->add_flag("--quiet", options.quiet, "keep the log off standard output");
-    run->add_option("--screenshot", screenshots,
-                    "write a picture of the last frame or of frame FRAME, 1024 x 768; can be repeated")
+    unlessSession(run->add_option("--screenshot", screenshots,
+                                  "write a picture of the last frame or of frame FRAME, 1024 x 768; can be repeated"))
         ->type_name("FILE.png[@FRAME]")
         ->allow_extra_args(false);
-    run->add_option("--key", keys, "press a key in frame FRAME and hold it for half a second; can be repeated")
+    unlessSession(
+        run->add_option("--key", keys, "press a key in frame FRAME and hold it for half a second; can be repeated"))
         ->type_name("KEY@FRAME")
         ->allow_extra_args(false);
     run->footer(kRunExamples);
@@ -215,8 +247,19 @@ std::optional<Options> ParseOptions(int argc, char **argv) {
         throw UsageError(
             "say what to do: 'avsk run --root DIR' runs the plugins of a folder, 'avsk --help' tells more");
     } catch (const CLI::ParseError &error) {
-        throw UsageError(OneLine(error.what()) + ": 'avsk run --help' lists the options");
+        throw UsageError(OneLine(error.what()) + ": 'avsk run --help' and 'avsk new --help' list the options");
     }
+    if (app.got_subcommand("new"))
+        return std::nullopt;
+    options.rootGiven = run->count("--root") > 0;
+    if (words) {
+        PrintSessionWords();
+        return std::nullopt;
+    }
+    if (options.interactive || !options.session.empty())
+        return options; // places may be named in the session
+    if (!options.plugins.empty())
+        throw UsageError("--plugin: belongs to a session: name one, or say --interactive");
     CheckPlaces(options, aircraft);
     for (const std::string &text : screenshots)
         options.screenshots.push_back(ParseScreenshot(text, options.frames));

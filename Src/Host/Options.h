@@ -33,6 +33,12 @@ struct Options {
     std::vector<std::string> scenery; // folders, each ends in a separator
     std::string logFile;              // empty without one
     bool quiet = false;
+    int screenWidth = 1024;
+    int screenHeight = 768;
+    std::string session;              // a session's file; empty without one
+    bool interactive = false;         // the session is typed
+    bool rootGiven = false;           // on the command line: it has the last word over a session's
+    std::vector<std::string> plugins; // of a session: those to load, all of the root's if empty
     std::vector<Screenshot> screenshots;
     std::vector<KeyPress> keys;
 };
@@ -40,6 +46,9 @@ struct Options {
 // Parses and checks the command line. Without a value the program has done
 // what was asked (help, version) and ends. Throws UsageError.
 std::optional<Options> ParseOptions(int argc, char **argv);
+
+// Checks the folders and completes their paths. Throws UsageError.
+void CheckPlaces(Options &options, const std::string &aircraft);
 
 } // namespace host
 

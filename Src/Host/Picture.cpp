@@ -25,18 +25,18 @@ Colour Between(Colour from, Colour to, float share) {
             from.blue + (to.blue - from.blue) * share};
 }
 
-void DrawSkyAndGround(Canvas &canvas) {
+void DrawSkyAndGround(Canvas &canvas, const Display &display) {
     constexpr Colour kZenith{0.16F, 0.36F, 0.66F};
     constexpr Colour kHaze{0.74F, 0.84F, 0.92F};
     constexpr Colour kFar{0.52F, 0.58F, 0.44F};
     constexpr Colour kNear{0.22F, 0.33F, 0.16F};
-    constexpr int kHorizon = Display::kHeight * 2 / 5;
-    for (int y = 0; y < Display::kHeight; ++y) {
-        const bool sky = y >= kHorizon;
-        const int depth = sky ? Display::kHeight - kHorizon : kHorizon;
-        const int distance = sky ? y - kHorizon : kHorizon - y;
+    const int horizon = display.height * 2 / 5;
+    for (int y = 0; y < display.height; ++y) {
+        const bool sky = y >= horizon;
+        const int depth = sky ? display.height - horizon : horizon;
+        const int distance = sky ? y - horizon : horizon - y;
         const float share = static_cast<float>(distance) / static_cast<float>(depth);
-        canvas.Fill(0, y + 1, Display::kWidth, y, sky ? Between(kHaze, kZenith, share) : Between(kFar, kNear, share));
+        canvas.Fill(0, y + 1, display.width, y, sky ? Between(kHaze, kZenith, share) : Between(kFar, kNear, share));
     }
 }
 
@@ -47,7 +47,7 @@ void DrawStatus(Canvas &canvas, const Font &font, const Simulator &simulator) {
                   static_cast<double>(simulator.Elapsed()), plane.latitude, plane.longitude, plane.altitude,
                   plane.heading);
     constexpr int kMargin = 8;
-    canvas.Fill(0, font.Height() + kMargin, Display::kWidth, 0, {0, 0, 0}, 0.45F);
+    canvas.Fill(0, font.Height() + kMargin, simulator.display.width, 0, {0, 0, 0}, 0.45F);
     canvas.Text(font, kMargin, kMargin / 2 + font.Height() - font.Ascent(), text.data(), kWhite);
 }
 
@@ -55,19 +55,20 @@ void DrawStatus(Canvas &canvas, const Font &font, const Simulator &simulator) {
 // submenu stands beside the item that opens it, or below the one before it.
 class MenuPainter {
   public:
-    MenuPainter(Canvas &canvas, const Font &font) : mCanvas(canvas), mFont(font) {}
+    MenuPainter(Canvas &canvas, const Font &font, const Display &display)
+        : mCanvas(canvas), mFont(font), mWidth(display.width), mHeight(display.height) {}
 
     void Bar(const std::vector<Menu *> &bar) {
-        constexpr int kTop = Display::kHeight;
-        mCanvas.Fill(0, kTop, Display::kWidth, kTop - kRow, kPanel);
+        const int top = mHeight;
+        mCanvas.Fill(0, top, mWidth, top - kRow, kPanel);
         int x = kPad;
         for (std::size_t i = 0; i < bar.size(); ++i) {
             const int width = mFont.Width(bar[i]->name) + 2 * kPad;
             if (i == 0) {
-                mCanvas.Fill(x, kTop, x + width, kTop - kRow, kOpened);
-                Panel(*bar[i], x, kTop - kRow);
+                mCanvas.Fill(x, top, x + width, top - kRow, kOpened);
+                Panel(*bar[i], x, top - kRow);
             }
-            mCanvas.Text(mFont, x + kPad, Baseline(kTop), bar[i]->name, i == 0 ? kWhite : kText);
+            mCanvas.Text(mFont, x + kPad, Baseline(top), bar[i]->name, i == 0 ? kWhite : kText);
             x += width;
         }
     }
@@ -87,6 +88,8 @@ class MenuPainter {
 
     Canvas &mCanvas;
     const Font &mFont;
+    int mWidth;
+    int mHeight;
 
     static bool Separator(const MenuItem &item) { return item.name == "-"; }
 
@@ -153,20 +156,20 @@ class MenuPainter {
 void Display::Begin(bool written) {
     canvas.reset();
     if (written)
-        canvas.emplace(kWidth, kHeight);
+        canvas.emplace(width, height);
 }
 
 void Display::DrawOwnPart(const Simulator &simulator, int drawCode) {
     if (!canvas)
         return;
     if (drawCode == kTerrainPass)
-        DrawSkyAndGround(*canvas);
+        DrawSkyAndGround(*canvas, *this);
     else if (drawCode == kInstrumentPass)
         DrawStatus(*canvas, fonts[kMonospace], simulator);
 }
 
 void Display::Write(const Simulator &simulator, const std::string &file) {
-    MenuPainter(*canvas, fonts[kProportional]).Bar(simulator.menus.Bar());
+    MenuPainter(*canvas, fonts[kProportional], *this).Bar(simulator.menus.Bar());
     if (!canvas->WritePng(file))
         throw std::runtime_error("cannot write the picture '" + file + "': is there room on the disk?");
 }

@@ -16,8 +16,9 @@ Simulator &Enter() {
 }
 
 Simulator::Simulator(Options requested)
-    : options(std::move(requested)), console(options.quiet, options.logFile), commands(*this), input(*this),
-      fleet(options.aircraftModel), objects(options.root), flightPlan(navData) {
+    : options(std::move(requested)), console(options.quiet, options.logFile),
+      display(options.screenWidth, options.screenHeight), commands(*this), input(*this), fleet(options.aircraftModel),
+      objects(options.root), flightPlan(navData) {
     const std::string missing = display.fonts.Missing();
     if (!missing.empty() && !options.screenshots.empty())
         throw UsageError("--screenshot: cannot read the font '" + missing + "': install the package fonts-dejavu-core");

@@ -25,6 +25,8 @@
 
 namespace host {
 
+class CallLog;
+
 struct Simulator {
     explicit Simulator(Options requested);
 
@@ -47,6 +49,7 @@ struct Simulator {
     bool sceneryDue = false; // scenery folders are to be reported at the next frame
     // Calls into the host's services and messages to it, by the plugin that made them.
     std::map<AVSKPluginID, long> hostCalls;
+    CallLog *calls = nullptr; // of a session
 
     // Seconds since the start: a clock of frames, so that every run is the same.
     float Elapsed() const;

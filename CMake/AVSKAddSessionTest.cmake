@@ -1,0 +1,34 @@
+# avsk_add_session_test(TEST SESSION file [ROOT folder] [PLUGINS target...] [STATUS n] [EXPECT text])
+#
+# A ctest that runs a session with avsk. PLUGINS are targets of
+# avsk_add_plugin() that the session is to load. ROOT is the simulator's
+# folder, for a session that names plugins of it. The test passes if two runs
+# end with STATUS, 0 unless it is given, print the same bytes, and among them
+# the text after EXPECT.
+set(AVSK_SESSION_TEST_SCRIPT ${CMAKE_CURRENT_LIST_DIR}/AVSKSessionTest.cmake)
+
+function(avsk_add_session_test test)
+  cmake_parse_arguments(arg "" "SESSION;ROOT;STATUS;EXPECT" "PLUGINS" ${ARGN})
+  if(NOT arg_SESSION)
+    message(FATAL_ERROR "avsk_add_session_test(${test}): name the session's file after SESSION")
+  endif()
+  cmake_path(ABSOLUTE_PATH arg_SESSION)
+  if(NOT arg_STATUS)
+    set(arg_STATUS 0)
+  endif()
+  set(options "")
+  if(arg_ROOT)
+    list(APPEND options --root ${arg_ROOT})
+  endif()
+  foreach(plugin IN LISTS arg_PLUGINS)
+    list(APPEND options --plugin $<TARGET_FILE:${plugin}>)
+  endforeach()
+  set(avsk avsk)
+  if(TARGET AVSK::avsk)
+    set(avsk AVSK::avsk)
+  endif()
+  add_test(NAME ${test}
+    COMMAND ${CMAKE_COMMAND} -DSTATUS=${arg_STATUS} "-DEXPECT=${arg_EXPECT}" -P ${AVSK_SESSION_TEST_SCRIPT}
+      -- $<TARGET_FILE:${avsk}> run ${arg_SESSION} ${options})
+  set_tests_properties(${test} PROPERTIES TIMEOUT 60)
+endfunction()

@@ -1,0 +1,37 @@
+# What `cmake --install` lays out: headers, library, avsk, the CMake and
+# pkg-config packages, and the samples' sources. The folder can be moved as a
+# whole: everything in it finds the rest from where it is.
+include(CMakePackageConfigHelpers)
+
+set(AVSK_INSTALL_PACKAGE lib/cmake/AVSK)
+set(AVSK_INSTALL_SAMPLES share/avsk/samples)
+
+add_executable(AVSK::avsk ALIAS avsk)
+set_target_properties(avsk PROPERTIES INSTALL_RPATH "$ORIGIN/../lib")
+install(TARGETS AVSK avsk EXPORT AVSKTargets
+  LIBRARY DESTINATION lib
+  RUNTIME DESTINATION bin
+  INCLUDES DESTINATION include)
+install(DIRECTORY Src/AVSK/Include/AVSK DESTINATION include FILES_MATCHING PATTERN "*.h")
+
+install(EXPORT AVSKTargets NAMESPACE AVSK:: DESTINATION ${AVSK_INSTALL_PACKAGE})
+configure_package_config_file(CMake/AVSKConfig.cmake.in ${PROJECT_BINARY_DIR}/package/AVSKConfig.cmake
+  INSTALL_DESTINATION ${AVSK_INSTALL_PACKAGE}
+  PATH_VARS AVSK_INSTALL_SAMPLES)
+# The package itself sees to the 32 bits, so a 64-bit project may find it.
+write_basic_package_version_file(${PROJECT_BINARY_DIR}/package/AVSKConfigVersion.cmake
+  COMPATIBILITY SameMajorVersion ARCH_INDEPENDENT)
+install(FILES
+  ${PROJECT_BINARY_DIR}/package/AVSKConfig.cmake
+  ${PROJECT_BINARY_DIR}/package/AVSKConfigVersion.cmake
+  CMake/AVSKAddPlugin.cmake
+  CMake/AVSKAddSessionTest.cmake
+  CMake/AVSKSessionTest.cmake
+  CMake/linux-i686.cmake
+  DESTINATION ${AVSK_INSTALL_PACKAGE})
+configure_file(CMake/avsk.pc.in ${PROJECT_BINARY_DIR}/package/avsk.pc @ONLY)
+install(FILES ${PROJECT_BINARY_DIR}/package/avsk.pc DESTINATION lib/pkgconfig)
+
+install(DIRECTORY Samples/ DESTINATION ${AVSK_INSTALL_SAMPLES})
+install(DIRECTORY Docs/ DESTINATION share/doc/avsk
+  FILES_MATCHING PATTERN "*-guide.md" PATTERN "frame.md" PATTERN "sessions.md")
