@@ -531,21 +531,33 @@ void UnloadOnePlugin(int id) {
         AbandonDeliveries(*record); // what the stop call still asked for
         // What it threw is an object of its library, which then stays mapped.
         void *handle = std::exchange(record->handle, nullptr);
-        if (!thrown)
-            StDispatchCallback::ReleaseLibrary(id, handle);
+        StDispatchCallback::ReleaseLibrary(id, thrown ? nullptr : handle);
     }
     if (thrown)
         std::rethrow_exception(thrown);
 }
 
+// Unloads one plugin of several: what it throws waits until all are unloaded.
+static void UnloadOneOfMany(int id, std::exception_ptr &firstThrown) {
+    try {
+        UnloadOnePlugin(id);
+    } catch (...) {
+        if (!firstThrown)
+            firstThrown = std::current_exception();
+    }
+}
+
 void AVSKUnloadPlugins() {
     const Flagged unloading(gIsUnloadingAll);
+    std::exception_ptr thrown;
     for (int id = 1; id < PluginCount(); ++id)
-        UnloadOnePlugin(id);
+        UnloadOneOfMany(id, thrown);
     gCurrentAircraftPluginIDS.clear();
     const PluginRegistry leaving = RemoveAll();
     for (const PluginShare &record : leaving)
         AbandonDeliveries(*record);
+    if (thrown)
+        std::rethrow_exception(thrown);
 }
 
 void AVSKUnloadAcfPlugin() {
@@ -553,16 +565,18 @@ void AVSKUnloadAcfPlugin() {
     for (const int id : std::exchange(gCurrentAircraftPluginIDS, {}))
         if (PluginShare record = ShareOf(id))
             leaving.push_back(std::move(record));
+    std::exception_ptr thrown;
     for (const PluginShare &record : leaving)
-        for (int id = 1; id < PluginCount(); ++id)
-            if (gAllPlugins[static_cast<unsigned>(id)] == record)
-                UnloadOnePlugin(id);
+        if (AVSKPluginAt(record->id) == record.get())
+            UnloadOneOfMany(record->id, thrown);
     // Removing one further forward would renumber those behind it.
     while (!gAllPlugins.empty() && std::find(leaving.begin(), leaving.end(), gAllPlugins.back()) != leaving.end()) {
         const PluginShare record = gAllPlugins.back();
         RemoveLast();
         AbandonDeliveries(*record);
     }
+    if (thrown)
+        std::rethrow_exception(thrown);
 }
 
 // ---- Enabling, reloading and messages

@@ -1,0 +1,22 @@
+# Runs the command after "--", which must end with 0, and looks for EXPECT in
+# what it prints.
+math(EXPR last "${CMAKE_ARGC} - 1")
+set(command "")
+set(begun FALSE)
+foreach(i RANGE ${last})
+  if(begun)
+    list(APPEND command "${CMAKE_ARGV${i}}")
+  elseif(CMAKE_ARGV${i} STREQUAL "--")
+    set(begun TRUE)
+  endif()
+endforeach()
+
+execute_process(COMMAND ${command} RESULT_VARIABLE status OUTPUT_VARIABLE output ERROR_VARIABLE output)
+message("${output}")
+if(NOT status STREQUAL "0")
+  message(FATAL_ERROR "it ended with '${status}', not with 0: its last lines, above, say why")
+endif()
+string(FIND "${output}" "${EXPECT}" place)
+if(place EQUAL -1)
+  message(FATAL_ERROR "nothing above says '${EXPECT}'")
+endif()
