@@ -46,7 +46,12 @@ int AVSKInitializePlugins(const char *path, const AVSKHostCallbacks *table, AVSK
 }
 
 void AVSKShutdownPlugins() {
-    AVSKDisableAllPlugins();
+    try {
+        AVSKDisableAllPlugins();
+    } catch (...) {
+        AVSKUnloadPlugins();
+        throw;
+    }
     AVSKUnloadPlugins();
 }
 

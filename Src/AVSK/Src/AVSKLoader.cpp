@@ -129,6 +129,31 @@ class Flagged {
     const bool before;
 };
 
+// The last calls into plugins that go. Going is finished whatever they
+// throw; the first exception passes on when it is.
+class LastCalls {
+  public:
+    template <class Call>
+    void Make(Call call) {
+        try {
+            call();
+        } catch (...) {
+            if (!first)
+                first = std::current_exception();
+        }
+    }
+
+    bool Thrown() const { return first != nullptr; }
+
+    void Rethrow() const {
+        if (first)
+            std::rethrow_exception(first);
+    }
+
+  private:
+    std::exception_ptr first;
+};
+
 // ---- Deliveries of plugins that go
 
 // Pending deliveries end as cancellations when the host completes them, the
@@ -204,6 +229,8 @@ void LoadFatPluginsOf(const std::string &folder, std::vector<int> &ids) {
         return;
     Log({"Fetching plugins for ", folder.c_str(), "\n\n"});
     for (const std::string &name : names) {
+        if (!MayLoad())
+            return;
         const int id = LoadFatPlugin(folder + "/" + name);
         if (id != NO_PLUGIN_ID)
             ids.push_back(id);
@@ -371,16 +398,17 @@ void AVSKFindAndLoadPlugins(const char *hostFolder) {
     const std::string folder = std::string(hostFolder) + "Resources/plugins";
     Log({"Fetching plugins for ", folder.c_str(), "\n\n"});
     const std::vector<std::string> files = SortedContents(folder, "*.avp");
-    LoadFatPlugin(folder + "/PluginAdmin");
+    if (MayLoad())
+        LoadFatPlugin(folder + "/PluginAdmin");
     for (const std::string &name : files) {
-        if (Contains(name, "PluginAdmin"))
+        if (Contains(name, "PluginAdmin") || !MayLoad())
             continue;
         if (AVSKHostHasProgress(gHooks))
             gHooks->showProgress(("Loading Plugin: " + name).c_str());
         LoadOnePlugin(folder + "/" + name, 1);
     }
     for (const std::string &name : SortedContents(folder, "DIR"))
-        if (!Contains(name, "PluginAdmin") && !Contains(name, "AVSK.framework") &&
+        if (MayLoad() && !Contains(name, "PluginAdmin") && !Contains(name, "AVSK.framework") &&
             !Contains(name, "AVWidgets.framework"))
             LoadFatPlugin(folder + "/" + name);
 }
@@ -410,7 +438,7 @@ void AVSKLoadUsersAircraftPlugins() {
 
 int LoadFatPlugin(const std::string &folder) {
     const int id = LoadOnePlugin(folder + "/32/lin.avp", 0);
-    return id != NO_PLUGIN_ID ? id : LoadOnePlugin(folder + "/lin.avp", 0);
+    return id != NO_PLUGIN_ID || !MayLoad() ? id : LoadOnePlugin(folder + "/lin.avp", 0);
 }
 
 int LoadOnePlugin(const std::string &path, int reportMissing) {
@@ -509,55 +537,40 @@ void UnloadOnePlugin(int id) {
         return;
     AbandonDeliveries(*record);
 
-    std::exception_ptr thrown;
-    try {
-        // Taken first: should the stop call end in here again, the unloading is
-        // finished there, and nothing is left to do when it returns.
-        if (void (*const stop)() = std::exchange(record->stopFunc, nullptr)) {
+    LastCalls calls;
+    // Taken first: should the stop call end in here again, the unloading is
+    // finished there, and nothing is left to do when it returns.
+    if (void (*const stop)() = std::exchange(record->stopFunc, nullptr))
+        calls.Make([id, stop] {
             const StDispatchCallback guard(id);
             stop();
-        }
-        if (!record->unloaded)
-            CleanUp(id);
-    } catch (...) {
-        thrown = std::current_exception();
-    }
+        });
+    if (!record->unloaded)
+        calls.Make([id] { CleanUp(id); });
     if (!record->unloaded) {
         ForgetEntryPoints(*record);
         // A last call, to a window that lost the focus, may have thrown or
         // registered anew. Now no call is made any more.
-        if (thrown || AnyModuleHolds(id))
+        if (calls.Thrown() || AnyModuleHolds(id))
             CleanUp(id);
         AbandonDeliveries(*record); // what the stop call still asked for
         // What it threw is an object of its library, which then stays mapped.
         void *handle = std::exchange(record->handle, nullptr);
-        StDispatchCallback::ReleaseLibrary(id, thrown ? nullptr : handle);
+        StDispatchCallback::ReleaseLibrary(id, calls.Thrown() ? nullptr : handle);
     }
-    if (thrown)
-        std::rethrow_exception(thrown);
-}
-
-// Unloads one plugin of several: what it throws waits until all are unloaded.
-static void UnloadOneOfMany(int id, std::exception_ptr &firstThrown) {
-    try {
-        UnloadOnePlugin(id);
-    } catch (...) {
-        if (!firstThrown)
-            firstThrown = std::current_exception();
-    }
+    calls.Rethrow();
 }
 
 void AVSKUnloadPlugins() {
     const Flagged unloading(gIsUnloadingAll);
-    std::exception_ptr thrown;
+    LastCalls calls;
     for (int id = 1; id < PluginCount(); ++id)
-        UnloadOneOfMany(id, thrown);
+        calls.Make([id] { UnloadOnePlugin(id); });
     gCurrentAircraftPluginIDS.clear();
     const PluginRegistry leaving = RemoveAll();
     for (const PluginShare &record : leaving)
         AbandonDeliveries(*record);
-    if (thrown)
-        std::rethrow_exception(thrown);
+    calls.Rethrow();
 }
 
 void AVSKUnloadAcfPlugin() {
@@ -565,18 +578,17 @@ void AVSKUnloadAcfPlugin() {
     for (const int id : std::exchange(gCurrentAircraftPluginIDS, {}))
         if (PluginShare record = ShareOf(id))
             leaving.push_back(std::move(record));
-    std::exception_ptr thrown;
+    LastCalls calls;
     for (const PluginShare &record : leaving)
         if (AVSKPluginAt(record->id) == record.get())
-            UnloadOneOfMany(record->id, thrown);
+            calls.Make([&record] { UnloadOnePlugin(record->id); });
     // Removing one further forward would renumber those behind it.
     while (!gAllPlugins.empty() && std::find(leaving.begin(), leaving.end(), gAllPlugins.back()) != leaving.end()) {
         const PluginShare record = gAllPlugins.back();
         RemoveLast();
         AbandonDeliveries(*record);
     }
-    if (thrown)
-        std::rethrow_exception(thrown);
+    calls.Rethrow();
 }
 
 // ---- Enabling, reloading and messages
@@ -629,8 +641,10 @@ void AVSKEnableAllPlugins() {
 }
 
 void AVSKDisableAllPlugins() {
+    LastCalls calls;
     for (int id = 0; id < PluginCount(); ++id)
-        AVSKDisablePlugin(id);
+        calls.Make([id] { AVSKDisablePlugin(id); });
+    calls.Rethrow();
 }
 
 // By index: an entry point may have aircraft plugins loaded or unloaded.
@@ -653,9 +667,10 @@ void AVSKReloadPluginsInternal() {
         return;
     const Flagged flagged(reloading);
     gScheduleReload = false;
-    AVSKDisableAllPlugins();
-    AVSKUnloadAcfPlugin();
-    AVSKUnloadPlugins();
+    LastCalls calls;
+    calls.Make(AVSKDisableAllPlugins);
+    calls.Make(AVSKUnloadAcfPlugin);
+    calls.Make(AVSKUnloadPlugins);
     if (AVSKHostHasMessages(gHooks))
         gHooks->showMessage("Please place your new plugin in the plugins folder.", "I will then reload all plugins.",
                             "", "");
@@ -667,6 +682,7 @@ void AVSKReloadPluginsInternal() {
     if (std::string folder; UsersAircraftFolder(folder))
         AVSKFindAndLoadAcfPlugins(folder.c_str());
     AVSKEnableAllPlugins();
+    calls.Rethrow();
 }
 
 void AVSKSendMessageToPlugin(int target, int message, void *parameter) {
