@@ -29,35 +29,22 @@ TEST(Abi, TheHostTableIs72WordsInTheirOrder) {
 }
 
 TEST(Abi, StructuresOfThePluginInterfaceKeepTheirLayout) {
-    const struct {
-        const char *field;
-        std::size_t offset;
-        std::size_t expected;
-    } cases[] = {
-        {"AVSKCreateFlightLoopParams", sizeof(AVSKCreateFlightLoopParams), 16},
-        {"structSize", offsetof(AVSKCreateFlightLoopParams, structSize), 0},
-        {"phase", offsetof(AVSKCreateFlightLoopParams, phase), 4},
-        {"callbackFunc", offsetof(AVSKCreateFlightLoopParams, callbackFunc), 8},
-        {"refcon", offsetof(AVSKCreateFlightLoopParams, refcon), 12},
-        {"AVSKCreateWindowParams", sizeof(AVSKCreateWindowParams), 48},
-        {"structSize", offsetof(AVSKCreateWindowParams, structSize), 0},
-        {"left", offsetof(AVSKCreateWindowParams, left), 4},
-        {"top", offsetof(AVSKCreateWindowParams, top), 8},
-        {"right", offsetof(AVSKCreateWindowParams, right), 12},
-        {"bottom", offsetof(AVSKCreateWindowParams, bottom), 16},
-        {"visible", offsetof(AVSKCreateWindowParams, visible), 20},
-        {"drawFunc", offsetof(AVSKCreateWindowParams, drawFunc), 24},
-        {"mouseClickFunc", offsetof(AVSKCreateWindowParams, mouseClickFunc), 28},
-        {"keyFunc", offsetof(AVSKCreateWindowParams, keyFunc), 32},
-        {"cursorFunc", offsetof(AVSKCreateWindowParams, cursorFunc), 36},
-        {"mouseWheelFunc", offsetof(AVSKCreateWindowParams, mouseWheelFunc), 40},
-        {"refcon", offsetof(AVSKCreateWindowParams, refcon), 44},
-        {"AVSKWord", sizeof(AVSKWord), 4},
-        {"AVSKDataRef", sizeof(AVSKDataRef), 4},
-        {"AVSKDataTypeBits", sizeof(AVSKDataTypeBits), 4},
-    };
-    for (const auto &each : cases)
-        EXPECT_EQ(each.offset, each.expected) << each.field;
+    using Offsets = std::vector<std::size_t>;
+#define AVSK_AT(field) offsetof(Type, field)
+    {
+        using Type = AVSKCreateFlightLoopParams;
+        EXPECT_EQ((Offsets{AVSK_AT(structSize), AVSK_AT(phase), AVSK_AT(callbackFunc), AVSK_AT(refcon), sizeof(Type)}),
+                  (Offsets{0, 4, 8, 12, 16}));
+    }
+    {
+        using Type = AVSKCreateWindowParams;
+        EXPECT_EQ((Offsets{AVSK_AT(structSize), AVSK_AT(left), AVSK_AT(top), AVSK_AT(right), AVSK_AT(bottom),
+                           AVSK_AT(visible), AVSK_AT(drawFunc), AVSK_AT(mouseClickFunc), AVSK_AT(keyFunc),
+                           AVSK_AT(cursorFunc), AVSK_AT(mouseWheelFunc), AVSK_AT(refcon), sizeof(Type)}),
+                  (Offsets{0, 4, 8, 12, 16, 20, 24, 28, 32, 36, 40, 44, 48}));
+    }
+#undef AVSK_AT
+    EXPECT_EQ((Offsets{sizeof(AVSKWord), sizeof(AVSKDataRef), sizeof(AVSKDataTypeBits)}), (Offsets{4, 4, 4}));
 }
 
 TEST(Abi, TheLibraryExportsExactlyTheListedNames) {

@@ -1,9 +1,5 @@
 // Commands: who hears of them, who holds them, and what a dispatch survives.
-#include "ThreePlugins.h"
-
-#include "AVSK/AVSKHost.h"
-
-#include <stdexcept>
+#include "World.h"
 
 namespace {
 
@@ -11,7 +7,7 @@ const auto kPush = reinterpret_cast<AVSKCommandRef>(11);
 const auto kPull = reinterpret_cast<AVSKCommandRef>(12);
 const auto kTurn = reinterpret_cast<AVSKCommandRef>(13);
 
-class Commands : public ThreePlugins<CommandPlayer> {
+class Commands : public ThreePlugins {
   protected:
     // A handler of a plugin's for kPush that runs f, and its refcon.
     void *Handle(const Puppet &owner, int before, CommandPlayer f) {
@@ -54,53 +50,31 @@ TEST_F(Commands, AreHandledNewestFirstBeforeTheHostAndOldestFirstAfterIt) {
 }
 
 TEST_F(Commands, HaveAPhaseInWhichTheEndWins) {
-    int heard = -1;
-    Handle(a, 1, [&](AVSKCommandRef, int phase) { return heard = phase, 1; });
-    const struct {
-        int begin;
-        int end;
-        int phase;
-    } cases[] = {{0, 0, 1}, {1, 0, 0}, {-1, 0, 0}, {0, 1, 2}, {0, 256, 2}, {1, 1, 2}};
-    for (const auto &each : cases) {
-        EXPECT_EQ(AVSKCommandHook(kPush, each.begin, each.end, 1), 1);
-        EXPECT_EQ(heard, each.phase) << each.begin << each.end;
-    }
+    Handle(a, 1, [](AVSKCommandRef, int phase) { return Note(std::to_string(phase)), 1; });
+    for (const auto &[begin, end] : {std::pair(0, 0), {1, 0}, {0, 256}, {1, 1}})
+        EXPECT_EQ(AVSKCommandHook(kPush, begin, end, 1), 1);
+    EXPECT_EQ(TakeCalls(), "1; 0; 2; 2");
 }
 
 TEST_F(Commands, StopAtTheFirstHandlerThatAnswers0UnlessItsPluginIsDisabled) {
-    for (const int before : {0, 1}) {
-        Says(a, before, "A");
-        Says(b, before, "B stops", 0);
-        Says(a, before, "A");
-        EXPECT_EQ(Dispatch(before, 0), "A; B stops");
-        AVSKDisablePlugin(2);
-        TakeCalls();
-        EXPECT_EQ(Dispatch(before), "A; A");
-        AVSKEnablePlugin(2);
-        TakeCalls();
-    }
+    Says(a, 0, "A");
+    Says(b, 0, "B stops", 0);
+    Says(a, 0, "A");
+    EXPECT_EQ(Dispatch(0, 0), "A; B stops");
+    AVSKDisablePlugin(2);
+    TakeCalls();
+    EXPECT_EQ(Dispatch(0), "A; A");
 }
 
 TEST_F(Commands, AHandlerGoesByItsOwnersValuesAndOneAtATime) {
-    for (const int before : {0, 1}) {
-        void *const first = Says(a, before, "first");
-        Says(a, before, "second");
-        a.Run([&] { AVSKRegisterCommandHandler(kPush, a.code.command, before, first); });
-        const std::string all = "first; second; first";
-        Unregister(b, before, first);
-        Unregister(a, !before, first);
-        Unregister(a, before, nullptr);
-        a.Run([&] {
-            AVSKUnregisterCommandHandler(kPush, b.code.command, before, first);
-            AVSKUnregisterCommandHandler(kPull, a.code.command, before, first);
-        });
-        EXPECT_EQ(Dispatch(before), all);
-        Unregister(a, before, first);
-        EXPECT_EQ(Dispatch(before), "second; first") << "the one called first went";
-        Unregister(a, before, first);
-        Unregister(a, before, first);
-        EXPECT_EQ(Dispatch(before), "second");
-    }
+    void *const first = Says(a, 1, "first");
+    Says(a, 1, "second");
+    a.Run([&] { AVSKRegisterCommandHandler(kPush, a.code.command, 1, first); });
+    Unregister(b, 1, first);
+    Unregister(a, 0, first);
+    EXPECT_EQ(Dispatch(1), "first; second; first");
+    Unregister(a, 1, first);
+    EXPECT_EQ(Dispatch(1), "second; first") << "the one called first went";
 }
 
 // The second of three handlers, in the order of the calls, does something.
@@ -116,21 +90,14 @@ TEST_F(Commands, HandlersMayComeAndGoWhileTheyAreCalled) {
     const auto drop = [this](int before, void *refcon) { Unregister(a, before, refcon); };
     const auto dropAll = [=](int before, Refcons r) { drop(before, r[0]), drop(before, r[1]), drop(before, r[2]); };
     const auto nest = [](int before) { AVSKCommandHook(kPush, 1, 0, before); };
-    const auto grow = [this](int before, Refcons r) {
-        for (std::uintptr_t i = 1000; i < 2000; ++i)
-            AVSKRegisterCommandHandler(reinterpret_cast<AVSKCommandRef>(i), a.code.command, before, r[0]);
-    };
     const Case cases[] = {
         {"itself", [&](int k, Refcons r) { drop(k, r[1]); }, "1; 2; 3", "1; 3", "1; 2; 3", "1; 3"},
         {"next", [&](int k, Refcons r) { drop(k, r[2]); }, "1; 2", "1; 2", "1; 2", "1; 2"},
         {"previous", [&](int k, Refcons r) { drop(k, r[0]); }, "1; 2; 3", "2; 3", "1; 2; 3", "2; 3"},
         {"all", dropAll, "1; 2", "", "1; 2", ""},
         {"new", [&](int k, Refcons) { add(k); }, "1; 2; 3; new", "1; 2; 3; new", "1; 2; 3", "new; 1; 2; 3"},
-        {"new for next", [&](int k, Refcons r) { drop(k, r[2]), add(k); }, "1; 2; new", "1; 2; new", "1; 2",
-         "new; 1; 2"},
         {"nested", [&](int k, Refcons) { nest(k); }, "1; 2; 1; 2; 3; 3", "1; 2; 3", "1; 2; 1; 2; 3; 3", "1; 2; 3"},
         {"all, nested", [&](int k, Refcons r) { dropAll(k, r), nest(k), add(k); }, "1; 2; new", "new", "1; 2", "new"},
-        {"of 1000 more commands", grow, "1; 2; 3", "1; 2; 3", "1; 2; 3", "1; 2; 3"},
     };
     for (const Case &each : cases)
         for (const int before : {0, 1}) {
@@ -154,60 +121,32 @@ TEST_F(Commands, HandlersMayComeAndGoWhileTheyAreCalled) {
 }
 
 TEST_F(Commands, AHandlerMayHaveItsOwnPluginUnloaded) {
-    Says(a, 0, "A");
     Handle(air, 0, [&](AVSKCommandRef, int) {
         World::UnloadAircraft();
         EXPECT_TRUE(air.IsMapped()) << "its code must be there to return to";
-        air.returned = 0;
         return 1;
     });
     Says(air, 0, "air's next");
     Says(b, 0, "B");
-    EXPECT_EQ(Dispatch(0), "A; disable air; stop air; B");
-    EXPECT_EQ(air.returned, 1);
+    EXPECT_EQ(Dispatch(0), "disable air; stop air; B");
     EXPECT_FALSE(air.IsMapped());
-    EXPECT_EQ(Dispatch(0), "A; B");
-    EXPECT_EQ(AVSKGetMyID(), 0);
-}
-
-TEST_F(Commands, AnExceptionOfAHandlerLeavesEverythingInOrder) {
-    void *refcon = nullptr;
-    refcon = Handle(a, 1, [&](AVSKCommandRef, int) -> int {
-        Unregister(a, 1, refcon);
-        throw std::runtime_error("handler");
-    });
-    Says(b, 1, "newer");
-    EXPECT_THROW(AVSKCommandHook(kPush, 1, 0, 1), std::runtime_error);
-    EXPECT_EQ(AVSKGetMyID(), 0);
-    TakeCalls();
-    EXPECT_EQ(Dispatch(1), "newer");
-}
-
-TEST_F(Commands, ANullHandlerIsNeverCalled) {
-    a.Run([] { AVSKRegisterCommandHandler(kPush, nullptr, 1, nullptr); });
-    EXPECT_EQ(Dispatch(1), "");
+    EXPECT_EQ(Dispatch(0), "B");
 }
 
 // ---- Finding and creating
 
 TEST_F(Commands, ThePrefixOfTheSimulatorsIsComplainedAboutAndUsedAllTheSame) {
     host.on.findCommand = [](const char *, const char *, int) { return kPull; };
-    const struct {
-        const char *name;
-        bool complains;
-    } cases[] = {{"sim/x", true}, {"sim/", true}, {"Sim/x", false}, {"sim", false}, {"", false}, {"my/sim/x", false}};
     a.Run(JournalErrors);
-    for (const auto &each : cases) {
-        a.Run([&] { EXPECT_EQ(AVSKCreateCommand(each.name, "text"), kPull); });
-        const std::string error = "error: Plugin is illegally registering a command with the prefix sim/; ";
-        EXPECT_EQ(TakeCalls(), (each.complains ? error : "") + "findCommand(\"" + each.name + "\", \"text\", 1)");
-        EXPECT_EQ(host.TakeLog(),
-                  each.complains ? "[Name of A]: It is illegal to register a command starting with sim/\n" : "");
-    }
-    EXPECT_EQ(AVSKFindCommand("sim/x"), kPull);
-    EXPECT_EQ(TakeCalls(), "findCommand(\"sim/x\", null, 0)");
-    host.on.findCommand = nullptr;
-    EXPECT_EQ(AVSKFindCommand("x"), nullptr);
+    a.Run([] {
+        for (const char *name : {"sim/x", "sim", "my/sim/x"})
+            EXPECT_EQ(AVSKCreateCommand(name, "text"), kPull);
+        EXPECT_EQ(AVSKFindCommand("sim/x"), kPull);
+    });
+    EXPECT_EQ(TakeCalls(), "error: Plugin is illegally registering a command with the prefix sim/; "
+                           "findCommand(\"sim/x\", \"text\", 1); findCommand(\"sim\", \"text\", 1); "
+                           "findCommand(\"my/sim/x\", \"text\", 1); findCommand(\"sim/x\", null, 0)");
+    EXPECT_EQ(host.TakeLog(), "[Name of A]: It is illegal to register a command starting with sim/\n");
 }
 
 // ---- Holding
@@ -217,33 +156,17 @@ TEST_F(Commands, HeldOnesAreContinuedByPluginAndRefWhileItIsEnabled) {
         for (const AVSKCommandRef command : {kTurn, kPush, kPush})
             AVSKCommandBegin(command);
     });
-    a.Run([] {
-        AVSKCommandBegin(kPull);
-        AVSKCommandOnce(kTurn);
-    });
-    EXPECT_EQ(
-        TakeCalls(),
-        "beginCommand(13); beginCommand(11); beginCommand(11); beginCommand(12); beginCommand(13); endCommand(13)");
+    a.Run([] { AVSKCommandBegin(kPull), AVSKCommandOnce(kTurn); });
+    EXPECT_EQ(TakeCalls(), "beginCommand(13); beginCommand(11); beginCommand(11); beginCommand(12); beginCommand(13); "
+                           "endCommand(13)");
     EXPECT_EQ(Repeat(), "continueCommand(12); continueCommand(11); continueCommand(13)");
+    a.Run([] { AVSKCommandEnd(kPush); });
+    b.Run([] { AVSKCommandEnd(kTurn); });
+    EXPECT_EQ(TakeCalls(), "endCommand(11); endCommand(13)") << "the end of another's reaches the host";
+    EXPECT_EQ(Repeat(), "continueCommand(12); continueCommand(11)");
     AVSKDisablePlugin(2);
     TakeCalls();
     EXPECT_EQ(Repeat(), "continueCommand(12)");
-    AVSKEnablePlugin(2);
-    a.Run([] { AVSKCommandEnd(kPush); });
-    EXPECT_EQ(TakeCalls(), "enable B; endCommand(11)") << "the end of another's reaches the host";
-    b.Run([] { AVSKCommandEnd(kTurn); });
-    TakeCalls();
-    EXPECT_EQ(Repeat(), "continueCommand(12); continueCommand(11)");
-}
-
-TEST_F(Commands, AreHeldWhileTheHostBeginsAndEndsThem) {
-    host.on.beginCommand = host.on.endCommand = [](void *) { AVSKEventHook(AVSKHostEventCommands, 0, 0, 0); };
-    a.Run([] {
-        AVSKCommandBegin(kPush);
-        AVSKCommandEnd(kPush);
-    });
-    EXPECT_EQ(TakeCalls(), "beginCommand(11); continueCommand(11); endCommand(11); continueCommand(11)");
-    EXPECT_EQ(Repeat(), "");
 }
 
 TEST_F(Commands, TheHoldsAndHandlersOfAnUnloadedPluginEnd) {
@@ -263,34 +186,22 @@ TEST_F(Commands, TheHoldsAndHandlersOfAnUnloadedPluginEnd) {
 }
 
 TEST_F(Commands, HoldsMayChangeWhileTheyAreContinued) {
-    const struct {
-        const char *what;
-        std::function<void()> act; // when the first, kPush, is continued
-        std::string journal, next;
-    } cases[] = {
-        {"ends itself", [&] { air.Run([] { AVSKCommandEnd(kPush); }); },
-         "continueCommand(11); endCommand(11); continueCommand(12); continueCommand(13)",
-         "continueCommand(12); continueCommand(13)"},
-        {"ends next", [&] { air.Run([] { AVSKCommandEnd(kPull); }); },
-         "continueCommand(11); endCommand(12); continueCommand(13)", "continueCommand(11); continueCommand(13)"},
-        {"is unloaded", [] { World::UnloadAircraft(); },
-         "continueCommand(11); disable air; stop air; endCommand(11); endCommand(12); endCommand(13)", ""},
+    air.Run([] {
+        for (const AVSKCommandRef command : {kPush, kPull, kTurn})
+            AVSKCommandBegin(command);
+    });
+    TakeCalls();
+    std::function<void()> act = [&] { air.Run([] { AVSKCommandEnd(kPush), AVSKCommandEnd(kPull); }); };
+    host.on.continueCommand = [&](void *) {
+        if (act)
+            std::exchange(act, nullptr)();
     };
-    for (const auto &each : cases) {
-        SCOPED_TRACE(each.what);
-        air.Run([] {
-            for (const AVSKCommandRef command : {kPush, kPull, kTurn})
-                AVSKCommandBegin(command);
-        });
-        TakeCalls();
-        host.on.continueCommand = [&](void *command) {
-            if (command == kPush)
-                each.act();
-        };
-        EXPECT_EQ(Repeat(), each.journal);
-        host.on.continueCommand = nullptr;
-        EXPECT_EQ(Repeat(), each.next);
-    }
+    EXPECT_EQ(Repeat(), "continueCommand(11); endCommand(11); endCommand(12); continueCommand(13)");
+    air.Run([] { AVSKCommandBegin(kPush); });
+    TakeCalls();
+    act = World::UnloadAircraft;
+    EXPECT_EQ(Repeat(), "continueCommand(11); disable air; stop air; endCommand(11); endCommand(13)");
+    EXPECT_EQ(Repeat(), "");
 }
 
 } // namespace

@@ -3,10 +3,6 @@
 
 #include "AVSK/AVSKDisplay.h"
 
-#include <gtest/gtest.h>
-
-#include <cstring>
-
 namespace {
 
 using Player = std::function<int(int key, int flags, int virtualKey)>;
@@ -19,14 +15,8 @@ using HotPlayer = std::function<void()>;
 
 void PlayHot(void *refcon) { (*static_cast<const HotPlayer *>(refcon))(); }
 
-class Keys : public testing::Test {
+class Keys : public ThreePlugins {
   protected:
-    World world;
-    Puppet &a = world.Install("A");
-    Puppet &b = world.Install("B");
-
-    void SetUp() override { world.StartQuietly(); }
-
     static int Sniff(const Puppet &owner, Player &player, int beforeWindows) {
         int answer = -1;
         owner.Run([&] { answer = AVSKRegisterKeySniffer(Play, beforeWindows, &player); });
@@ -37,9 +27,6 @@ class Keys : public testing::Test {
         AVSKHotKeyID key = nullptr;
         owner.Run([&] { key = AVSKRegisterHotKey(virtualKey, flags, description, PlayHot, &player); });
         return key;
-    }
-    static Player Answers(const char *label, int answer) {
-        return [=](int, int, int) { return Note(label + std::to_string(AVSKGetMyID())), answer; };
     }
 };
 
@@ -73,10 +60,8 @@ TEST_F(Keys, AKeyGoesFromStationToStationUntilOneTakesIt) {
         Lines heard;
         int answer;
     } cases[] = {{1, {all[0]}, 0},
-                 {2, {all[0], all[1]}, 0},
                  {3, {all[0], all[1], all[2]}, 0},
                  {4, {all[0], all[1], all[3]}, 0},
-                 {5, {all[0], all[1], all[4]}, 0},
                  {6, {all[0], all[1], all[4], all[5]}, 0},
                  {7, {all[0], all[1], all[4], all[5]}, 1}};
     for (const auto &each : cases) {
@@ -96,52 +81,9 @@ TEST_F(Keys, AKeyGoesFromStationToStationUntilOneTakesIt) {
     EXPECT_EQ(Take(), (Lines{"before, oldest", "after, oldest"})) << "B's stations are passed over";
 }
 
-TEST_F(Keys, OnlyAKeyOfThreeZerosReachesNobody) {
-    Player player = [](int key, int flags, int virtualKey) {
-        Note(std::to_string(key) + " " + std::to_string(flags) + " " + std::to_string(virtualKey));
-        return 1;
-    };
-    Sniff(a, player, 1);
-    EXPECT_EQ(AVSKKeyPressHook(0, 0, 0), 1);
-    EXPECT_EQ(AVSKKeyPressHook(0, 0, 1), 1);
-    EXPECT_EQ(AVSKKeyPressHook(0, 1, 0), 1);
-    EXPECT_EQ(AVSKKeyPressHook('\xE9', -8, '\x80'), 1);
-    EXPECT_EQ(Take(), (Lines{"0 0 1", "0 1 0", "-23 -8 -128"}));
-}
-
 // ---- Sniffers
 
-TEST_F(Keys, ASniffersThreeValuesAreItsNameWhoeverRegisteredIt) {
-    Player player = Answers("as ", 1);
-    Player other = Answers("other as ", 1);
-    EXPECT_EQ(Sniff(a, player, 1), 1);
-    EXPECT_EQ(Sniff(a, player, 1), 0);
-    EXPECT_EQ(Sniff(b, player, 1), 0);
-    EXPECT_EQ(Sniff(b, player, 2), 1);
-    EXPECT_EQ(Sniff(b, other, 1), 1);
-    b.Run([&] {
-        EXPECT_EQ(AVSKUnregisterKeySniffer(Play, 0, &player), 0);
-        EXPECT_EQ(AVSKUnregisterKeySniffer(Play, 1, &player), 1);
-        EXPECT_EQ(AVSKUnregisterKeySniffer(Play, 1, &player), 0);
-    });
-    AVSKKeyPressHook('k', 0, 0);
-    EXPECT_EQ(Take(), (Lines{"other as 2", "as 2"}));
-}
-
-TEST_F(Keys, ASnifferUnregisteredAfterAKeyPressIsGone) {
-    Player player = Answers("", 1);
-    Sniff(a, player, 1);
-    AVSKKeyPressHook('k', 0, 0); // from now on the list's depth stays raised
-    for (int round = 0; round < 3; ++round) {
-        EXPECT_EQ(AVSKUnregisterKeySniffer(Play, 1, &player), 1);
-        EXPECT_EQ(AVSKUnregisterKeySniffer(Play, 1, &player), 0);
-        EXPECT_EQ(AVSKRegisterKeySniffer(Play, 1, &player), 1);
-        AVSKKeyPressHook('k', 0, 0);
-    }
-    EXPECT_EQ(Take(), (Lines{"1", "0", "0", "0"}));
-}
-
-TEST_F(Keys, UnregisteredInAKeyPressItCannotBeRegisteredAgainInIt) {
+TEST_F(Keys, ASniffersThreeValuesAreItsNameWhoeverRegisteredItAndAsLongAsTheKeyPressLasts) {
     for (const int before : {1, 0}) {
         Player player;
         player = [&](int, int, int) {
@@ -151,41 +93,35 @@ TEST_F(Keys, UnregisteredInAKeyPressItCannotBeRegisteredAgainInIt) {
             return 1;
         };
         EXPECT_EQ(Sniff(a, player, before), 1);
+        EXPECT_EQ(Sniff(b, player, before), 0);
         AVSKKeyPressHook('k', 0, 0);
         AVSKKeyPressHook('k', 0, 0);
         EXPECT_EQ(Take(), Lines{"called"});
-        EXPECT_EQ(Sniff(a, player, before), 1);
+        EXPECT_EQ(Sniff(b, player, before), 1) << "its depth stays raised, but it is gone";
         EXPECT_EQ(AVSKUnregisterKeySniffer(Play, before, &player), 1);
+        EXPECT_EQ(AVSKUnregisterKeySniffer(Play, before, &player), 0);
     }
+    EXPECT_EQ(AVSKKeyPressHook(0, 0, 0), 1);
 }
 
 // ---- Hot keys
 
 TEST_F(Keys, TheNewestHotKeyWhosePluginIsEnabledRunsAlone) {
-    HotPlayer first = [] { Note("first as " + std::to_string(AVSKGetMyID())); };
-    HotPlayer second = [] { Note("second as " + std::to_string(AVSKGetMyID())); };
-    Hot(a, 'K', 2, first);
-    Hot(b, 'K', 2, second);
+    HotPlayer player = [] { Note(std::to_string(AVSKGetMyID())); };
+    Hot(a, 'K', 2, player);
+    Hot(b, 'K', 2, player);
     EXPECT_EQ(AVSKKeyPressHook('k', 2, 'K'), 0);
-    EXPECT_EQ(Take(), Lines{"second as 2"});
     AVSKDisablePlugin(b.Id());
-    Take();
     EXPECT_EQ(AVSKKeyPressHook('k', 2, 'K'), 0);
-    EXPECT_EQ(Take(), Lines{"first as 1"});
-    const struct {
-        int flags;
-        char virtualKey;
-    } others[] = {{3, 'K'}, {0, 'K'}, {2, 'k'}};
-    for (const auto &other : others)
-        EXPECT_EQ(AVSKKeyPressHook('k', other.flags, other.virtualKey), 1);
-    EXPECT_EQ(Take(), Lines());
+    EXPECT_EQ(AVSKKeyPressHook('k', 3, 'K'), 1);
+    EXPECT_EQ(AVSKKeyPressHook('k', 2, 'k'), 1);
+    EXPECT_EQ(Take(), (Lines{"2", "disable B", "1"}));
 }
 
 TEST_F(Keys, HotKeysAreListedNewestFirstAndReboundInPlace) {
     HotPlayer player = [] { Note("ran"); };
-    const AVSKHotKeyID first = Hot(a, 'A', 1, player, "first");
+    const AVSKHotKeyID first = Hot(a, 'A', 1, player, std::string(600, 'd').c_str());
     const AVSKHotKeyID second = Hot(b, 'B', 2, player, "second");
-    EXPECT_EQ(AVSKCountHotKeys(), 2);
     EXPECT_EQ(AVSKGetNthHotKey(0), second);
     EXPECT_EQ(AVSKGetNthHotKey(1), first);
     EXPECT_EQ(AVSKGetNthHotKey(2), nullptr);
@@ -196,53 +132,11 @@ TEST_F(Keys, HotKeysAreListedNewestFirstAndReboundInPlace) {
     char description[AVSK_HOT_KEY_TEXT_SIZE];
     int plugin = -1;
     AVSKGetHotKeyInfo(first, &virtualKey, &flags, description, &plugin);
-    EXPECT_EQ(virtualKey, '\xC0');
-    EXPECT_EQ(flags, 9);
-    EXPECT_STREQ(description, "first");
-    EXPECT_EQ(plugin, 1);
-    EXPECT_EQ(AVSKGetNthHotKey(1), first);
+    EXPECT_EQ(Line(int(virtualKey), " ", flags, " ", plugin, description), "-64 9 1" + std::string(511, 'd'));
     EXPECT_EQ(AVSKKeyPressHook('a', 1, 'A'), 1);
     EXPECT_EQ(AVSKKeyPressHook(0, 9, '\xC0'), 0);
     EXPECT_EQ(Take(), Lines{"ran"});
     AVSKGetHotKeyInfo(first, nullptr, nullptr, nullptr, nullptr);
-}
-
-TEST_F(Keys, ADescriptionIsCutTo511Characters) {
-    HotPlayer player = [] {};
-    for (const std::size_t length : {0U, 511U, 512U, 600U}) {
-        const AVSKHotKeyID key = Hot(a, 'A', 0, player, std::string(length, 'd').c_str());
-        char description[AVSK_HOT_KEY_TEXT_SIZE];
-        AVSKGetHotKeyInfo(key, nullptr, nullptr, description, nullptr);
-        EXPECT_EQ(description, std::string(std::min<std::size_t>(length, 511), 'd'));
-    }
-}
-
-TEST_F(Keys, AnUnknownHotKeyIsIgnored) {
-    HotPlayer player = [] {};
-    const AVSKHotKeyID key = Hot(a, 'A', 0, player);
-    b.Run([&] { AVSKUnregisterHotKey(key); });
-    EXPECT_EQ(AVSKCountHotKeys(), 0);
-    int flags = 77;
-    for (const AVSKHotKeyID unknown : {key, AVSKHotKeyID(nullptr), reinterpret_cast<AVSKHotKeyID>(&flags)}) {
-        AVSKUnregisterHotKey(unknown);
-        AVSKSetHotKeyCombination(unknown, 'A', 0);
-        AVSKGetHotKeyInfo(unknown, nullptr, &flags, nullptr, nullptr);
-    }
-    EXPECT_EQ(flags, 77);
-}
-
-// The queries leave their walk open; the removing call ends one.
-TEST_F(Keys, RemovingAHotKeyDropsTheCountAtOnce) {
-    HotPlayer player = [] {};
-    const AVSKHotKeyID first = Hot(a, 'A', 0, player);
-    const AVSKHotKeyID second = Hot(a, 'B', 0, player);
-    for (int i = 0; i < 5; ++i)
-        EXPECT_EQ(AVSKCountHotKeys(), 2);
-    AVSKKeyPressHook('a', 0, 'A');
-    AVSKUnregisterHotKey(second);
-    EXPECT_EQ(AVSKCountHotKeys(), 1);
-    AVSKUnregisterHotKey(first);
-    EXPECT_EQ(AVSKCountHotKeys(), 0);
 }
 
 TEST_F(Keys, AHotKeyMayUnregisterItselfAndAllOthers) {
@@ -256,6 +150,9 @@ TEST_F(Keys, AHotKeyMayUnregisterItselfAndAllOthers) {
     };
     for (AVSKHotKeyID &key : keys)
         key = Hot(a, 'A', 0, player);
+    // The count leaves its walk open; the removing call ends one.
+    for (int i = 0; i < 5; ++i)
+        EXPECT_EQ(AVSKCountHotKeys(), 3);
     EXPECT_EQ(AVSKKeyPressHook('a', 0, 'A'), 0);
     EXPECT_EQ(AVSKKeyPressHook('a', 0, 'A'), 1);
     EXPECT_EQ(Take(), Lines{"ran"});
@@ -263,9 +160,7 @@ TEST_F(Keys, AHotKeyMayUnregisterItselfAndAllOthers) {
 }
 
 TEST_F(Keys, EverythingGoesWithItsPlugin) {
-    const Puppet &air = world.InstallAircraft("air");
-    World::LoadAircraft();
-    Player sniffer = Answers("sniffer", 1);
+    Player sniffer = [](int, int, int) { return Note("sniffer"), 1; };
     Player unloads = [](int, int, int) { return World::UnloadAircraft(), 1; };
     HotPlayer hot = [] { Note("hot"); };
     Sniff(air, sniffer, 1);

@@ -1,23 +1,16 @@
 // Menus: per-plugin numbering, the host's calls, picks, queries and cleanup.
 #include "World.h"
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
 #include <stdexcept>
 
 namespace {
 
-class Menus : public testing::Test {
+class Menus : public ThreePlugins {
   protected:
-    World world;
-    FakeHost &host = Host();
-    Puppet &a = world.Install("A");
-    Puppet &b = world.Install("B");
     AVSKMenuID shared = nullptr;
 
     void SetUp() override {
-        world.StartQuietly();
+        ThreePlugins::SetUp();
         shared = AVSKFindPluginsMenu();
     }
 
@@ -26,15 +19,12 @@ class Menus : public testing::Test {
         owner.Run([&] { index = AVSKAppendMenuItem(menu, name, itemRef, 0); });
         return index;
     }
-    static AVSKMenuID Create(const Puppet &owner, const char *name, MenuPlayer *player = nullptr) {
+    AVSKMenuID Create(const Puppet &owner, const char *name, MenuPlayer f = nullptr) {
         AVSKMenuID menu = nullptr;
-        owner.Run([&] { menu = AVSKCreateMenu(name, nullptr, 0, player ? owner.code.menuPicked : nullptr, player); });
+        const AVSKMenuHandler_f handler = f ? owner.code.menuPicked : nullptr;
+        void *const menuRef = Keep(std::move(f));
+        owner.Run([&] { menu = AVSKCreateMenu(name, nullptr, 0, handler, menuRef); });
         return menu;
-    }
-    // -2 where the host is told that the item is no plugin's.
-    int CheckOf(int menu, int index) {
-        int check = -7;
-        return AVSKCheckMenuHook(host.Menu(menu), index, &check) == 0 ? check : -2;
     }
 };
 
@@ -72,106 +62,56 @@ TEST_F(Menus, EachPluginNumbersItsOwnItems) {
                              "setMenuItemName(menu1, -1, \"nobody\", 0)"}));
 }
 
-TEST_F(Menus, OnlyRemovingChecksItsIndex) {
-    Append(b, shared, "b0");
-    a.Run(JournalErrors);
-    Take();
-    a.Run([&] {
-        int check = 77;
-        for (const int index : {-1, 0, 5}) {
-            AVSKRemoveMenuItem(shared, index);
-            AVSKCheckMenuItem(shared, index, 2);
-            AVSKEnableMenuItem(shared, index, 0);
-            AVSKCheckMenuItemState(shared, index, &check);
-        }
-        EXPECT_EQ(check, 77);
-    });
-    EXPECT_EQ(Take(), Lines(3, "error: AVSKRemoveMenuItem was passed an out of range item index."));
-    EXPECT_EQ(CheckOf(1, 0), -1) << "B's item is as it was";
-}
-
 TEST_F(Menus, TheHostAsksForCheckMarksCountedFromMinusOne) {
     Append(a, shared, "a0");
-    const struct {
-        int stored;
-        int told;
-    } cases[] = {{0, -1}, {1, 0}, {2, 1}, {3, -2}, {-1, -2}};
+    const struct { int stored, answer, told; } cases[] = {{0, 0, -1}, {2, 0, 1}, {3, 1, -7}, {-1, 1, -7}};
     for (const auto &each : cases) {
-        int stored = 77;
+        int check = -7;
         a.Run([&] {
+            int stored = 77;
             AVSKCheckMenuItem(shared, 0, each.stored);
             AVSKCheckMenuItemState(shared, 0, &stored);
-            AVSKCheckMenuItemState(shared, 0, nullptr);
+            EXPECT_EQ(stored, each.stored);
         });
-        EXPECT_EQ(stored, each.stored);
-        EXPECT_EQ(CheckOf(1, 0), each.told);
+        EXPECT_EQ(AVSKCheckMenuHook(host.Menu(1), 0, &check), each.answer);
+        EXPECT_EQ(check, each.told);
+        EXPECT_EQ(AVSKCheckMenuHook(host.Menu(1), 1, &check), 1);
+        EXPECT_EQ(AVSKCheckMenuHook(nullptr, 0, &check), 1);
     }
-    EXPECT_EQ(CheckOf(1, 1), -2);
-    EXPECT_EQ(CheckOf(1, -1), -2);
-    int check = 0;
-    EXPECT_EQ(AVSKCheckMenuHook(nullptr, 0, &check), 1);
-}
-
-TEST_F(Menus, AnItemIsEnabledIfItsFlagAndItsMenusOwnerAre) {
-    const AVSKMenuID menu = Create(a, "Mine");
-    Append(b, menu, "b0");
-    void *const hostMenu = host.Menu(2);
-    EXPECT_EQ(AVSKMenuItemEnabled(hostMenu, 0), 1);
-    b.Run([&] { AVSKEnableMenuItem(menu, 0, 0); });
-    EXPECT_EQ(AVSKMenuItemEnabled(hostMenu, 0), 0);
-    b.Run([&] { AVSKEnableMenuItem(menu, 0, 3); });
-    EXPECT_EQ(AVSKMenuItemEnabled(hostMenu, 0), 3) << "as it was stored";
-    AVSKDisablePlugin(a.Id());
-    EXPECT_EQ(AVSKMenuItemEnabled(hostMenu, 0), 0);
-    EXPECT_EQ(AVSKMenuItemEnabled(hostMenu, 1), 1) << "not an item";
-    EXPECT_EQ(AVSKMenuItemEnabled(nullptr, 0), 1) << "not a menu";
 }
 
 TEST_F(Menus, APickCallsTheMenusHandlerAsItsOwnerWhoeverAppendedTheItem) {
-    MenuPlayer player = [](void *itemRef) {
-        Note("picked as " + std::to_string(AVSKGetMyID()) + " " + *static_cast<const char *>(itemRef));
-    };
-    const AVSKMenuID menu = Create(a, "Mine", &player);
-    char ref = 'r';
-    Append(b, menu, "b0", &ref);
+    const AVSKMenuID menu = Create(a, "Mine", [](void *itemRef) {
+        Note(Line("picked as ", AVSKGetMyID(), " ", static_cast<const char *>(itemRef)));
+    });
+    char ref[] = "r";
+    Append(b, menu, "b0", ref);
     const int item = host.lastItemID;
+    Append(b, shared, "of a menu without handler");
     Take();
     EXPECT_EQ(AVSKMenuHook(item), 0);
     EXPECT_EQ(Take(), Lines{"picked as 1 r"});
-    const struct {
-        const char *why;
-        std::function<void()> arrange;
-        int item;
-        int answer;
-    } cases[] = {{"no plugin's item", [] {}, 999, 1},
-                 {"an item of a menu without handler", [&] { Append(b, shared, "b"); }, item + 1, 0},
-                 {"a disabled item", [&] { b.Run([&] { AVSKEnableMenuItem(menu, 0, 0); }); }, item, 0},
-                 {"a disabled plugin's menu",
-                  [&] {
-                      b.Run([&] { AVSKEnableMenuItem(menu, 0, 1); });
-                      AVSKDisablePlugin(a.Id());
-                  },
-                  item, 0}};
-    for (const auto &each : cases) {
-        SCOPED_TRACE(each.why);
-        each.arrange();
-        Take();
-        EXPECT_EQ(AVSKMenuHook(each.item), each.answer);
-        EXPECT_EQ(Take(), Lines());
-    }
+    EXPECT_EQ(AVSKMenuHook(item + 1), 0);
+    EXPECT_EQ(AVSKMenuHook(999), 1) << "no plugin's item";
+    b.Run([&] { AVSKEnableMenuItem(menu, 0, 0); });
+    EXPECT_EQ(AVSKMenuHook(item), 0) << "disabled, but a plugin's";
+    b.Run([&] { AVSKEnableMenuItem(menu, 0, 1); });
+    EXPECT_EQ(AVSKMenuItemEnabled(host.Menu(2), 0), 1);
+    AVSKDisablePlugin(a.Id());
+    EXPECT_EQ(AVSKMenuItemEnabled(host.Menu(2), 0), 0);
+    EXPECT_EQ(AVSKMenuHook(item), 0);
+    EXPECT_EQ(Take(), Lines{"disable A"});
 }
 
 TEST_F(Menus, AHandlerMayDestroyItsMenuOrThrow) {
     AVSKMenuID menu = nullptr;
-    MenuPlayer player = [&](void *) { AVSKDestroyMenu(menu); };
-    menu = Create(a, "Mine", &player);
+    menu = Create(a, "Mine", [&](void *) { AVSKDestroyMenu(menu); });
     Append(a, menu, "a0");
     const int item = host.lastItemID;
     EXPECT_EQ(AVSKMenuHook(item), 0);
     EXPECT_EQ(AVSKMenuHook(item), 1);
 
-    MenuPlayer throws = [](void *) { throw std::runtime_error("picked"); };
-    Append(a, Create(a, "Bad", &throws), "a0");
+    Append(a, Create(a, "Bad", [](void *) { throw std::runtime_error("picked"); }), "a0");
     EXPECT_THROW(AVSKMenuHook(host.lastItemID), std::runtime_error);
     EXPECT_EQ(AVSKGetMyID(), 0);
 }
@@ -182,48 +122,37 @@ TEST_F(Menus, ClearingRenamesEverybodysItemsAndStartsAgainAt0) {
     Append(b, menu, "b0");
     Take();
     b.Run([&] { AVSKClearAllMenuItems(menu); });
-    EXPECT_EQ(Take(), Lines()) << "not B's menu";
+    b.Run([&] { AVSKDestroyMenu(menu); });
+    a.Run([&] { AVSKDestroyMenu(shared); });
+    EXPECT_EQ(Take(), Lines()) << "not B's menu, and the host's is nobody's";
     a.Run([&] { AVSKClearAllMenuItems(menu); });
     EXPECT_EQ(Append(b, menu, "b new"), 0);
     EXPECT_EQ(Take(), (Lines{"setMenuItemName(menu2, 0, \"\", 0)", "setMenuItemName(menu2, 1, \"\", 0)",
                              "appendMenuItem(menu2, 0, \"b new\", 0)"}));
 }
 
-TEST_F(Menus, OnlyItsOwnerDestroysAMenu) {
-    const AVSKMenuID menu = Create(a, "Mine");
-    Append(a, menu, "a0");
-    Take();
-    b.Run([&] { AVSKDestroyMenu(menu); });
-    a.Run([&] { AVSKDestroyMenu(shared); });
-    EXPECT_EQ(Take(), Lines());
-    a.Run([&] {
-        AVSKDestroyMenu(menu);
-        AVSKDestroyMenu(menu);
-    });
-    EXPECT_EQ(Take(), (Lines{"setMenuItemName(menu2, 0, \"\", 0)", "destroyMenu(menu2)"}))
-        << "the item that opened it stays";
-}
-
 TEST_F(Menus, AMenuThatIsGoneIsIgnoredByEveryCall) {
-    const AVSKMenuID gone = Create(a, "Mine");
+    const AVSKMenuID menu = Create(a, "Mine");
     a.Run(JournalErrors);
-    a.Run([&] { AVSKDestroyMenu(gone); });
     Take();
-    for (const AVSKMenuID menu : {gone, AVSKMenuID(nullptr)})
-        a.Run([&] {
-            int check = 77;
-            EXPECT_EQ(AVSKAppendMenuItem(menu, "x", nullptr, 0), -1);
-            AVSKAppendMenuSeparator(menu);
-            AVSKRemoveMenuItem(menu, 0);
-            AVSKSetMenuItemName(menu, 0, "x", 0);
-            AVSKCheckMenuItem(menu, 0, 1);
-            AVSKCheckMenuItemState(menu, 0, &check);
-            AVSKEnableMenuItem(menu, 0, 1);
-            AVSKClearAllMenuItems(menu);
-            AVSKDestroyMenu(menu);
-            EXPECT_EQ(check, 77);
-        });
-    a.Run([&] { EXPECT_EQ(AVSKCreateMenu("x", gone, 0, nullptr, nullptr), nullptr); });
+    a.Run([&] {
+        int check = 77;
+        AVSKRemoveMenuItem(menu, 0);
+        EXPECT_EQ(Take(), Lines{"error: AVSKRemoveMenuItem was passed an out of range item index."});
+        AVSKDestroyMenu(menu);
+        EXPECT_EQ(Take(), Lines{"destroyMenu(menu2)"}) << "the item that opened it stays";
+        EXPECT_EQ(AVSKAppendMenuItem(menu, "x", nullptr, 0), -1);
+        AVSKAppendMenuSeparator(menu);
+        AVSKRemoveMenuItem(menu, 0);
+        AVSKSetMenuItemName(menu, 0, "x", 0);
+        AVSKCheckMenuItem(menu, 0, 1);
+        AVSKCheckMenuItemState(menu, 0, &check);
+        AVSKEnableMenuItem(menu, 0, 1);
+        AVSKClearAllMenuItems(menu);
+        AVSKDestroyMenu(menu);
+        EXPECT_EQ(AVSKCreateMenu("x", menu, 0, nullptr, nullptr), nullptr);
+        EXPECT_EQ(check, 77);
+    });
     EXPECT_EQ(Take(), Lines());
 }
 
@@ -241,35 +170,18 @@ TEST_F(Menus, TheHostMayReEnterFromItsMenuServices) {
     EXPECT_EQ(Append(a, second, "a0"), -1);
 }
 
-// With a table of 287 bytes the host's menu stays and the record is dropped all the same.
 TEST_F(Menus, CleanupTakesAPluginsMenusThenItsSharedItemsFromTheLast) {
-    const Puppet &air = world.InstallAircraft("air");
-    for (const int size : {288, 287}) {
-        SCOPED_TRACE(size);
-        host.table.sizeInBytes = size;
-        host.menus.resize(1);
-        World::LoadAircraft();
-        Append(a, shared, "a");
-        Append(air, shared, "air 1");
-        const AVSKMenuID theirs = Create(air, "air's");
-        Append(a, theirs, "a");
-        const AVSKMenuID other = Create(b, "B's");
-        Append(air, other, "stays");
-        const int stays = host.lastItemID;
-        Take();
-        World::UnloadAircraft();
-        const Lines journal = Take();
-        Lines expected = {"stop air", "setMenuItemName(menu2, 0, \"\", 0)", "destroyMenu(menu2)",
-                          "removeMenuItem(menu1, 2)", "removeMenuItem(menu1, 1)"};
-        if (size == 287)
-            expected.erase(expected.begin() + 2);
-        EXPECT_EQ(Lines(std::find(journal.begin(), journal.end(), "stop air"), journal.end()), expected);
-        EXPECT_EQ(AVSKMenuItemEnabled(host.Menu(2), 0), 1) << "no longer a plugin's menu";
-        EXPECT_EQ(AVSKMenuHook(stays), 0);
-        b.Run([&] { AVSKDestroyMenu(other); });
-        for (const Puppet *owner : {&a, &b})
-            owner->Run([&] { AVSKRemoveMenuItem(shared, 0); });
-    }
+    Append(a, shared, "a");
+    Append(air, shared, "air 1");
+    Append(a, Create(air, "air's"), "a");
+    Append(air, Create(b, "B's"), "stays");
+    const int stays = host.lastItemID;
+    TakeCalls();
+    World::UnloadAircraft();
+    EXPECT_EQ(TakeCalls(), "disable air; stop air; setMenuItemName(menu2, 0, \"\", 0); destroyMenu(menu2); "
+                           "removeMenuItem(menu1, 2); removeMenuItem(menu1, 1)");
+    EXPECT_EQ(AVSKMenuItemEnabled(host.Menu(2), 0), 1) << "no longer a plugin's menu";
+    EXPECT_EQ(AVSKMenuHook(stays), 0);
 }
 
 } // namespace

@@ -3,8 +3,6 @@
 // and copy it there.
 #include "World.h"
 
-#include <gtest/gtest.h>
-
 #include <cstdlib>
 #include <filesystem>
 
@@ -17,8 +15,6 @@ namespace {
 struct Picture {
     explicit Picture(const std::string &file) : pixels(stbi_load(file.c_str(), &width, &height, nullptr, 3)) {}
     ~Picture() { stbi_image_free(pixels); }
-    Picture(const Picture &) = delete;
-    Picture &operator=(const Picture &) = delete;
 
     int width = 0;
     int height = 0;

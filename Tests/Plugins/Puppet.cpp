@@ -25,35 +25,22 @@ struct Own {
     int *value;
 };
 
+template <class Player, class... Arguments>
+auto Play(void *refcon, Arguments... arguments) {
+    const Return count;
+    return (*static_cast<const Player *>(refcon))(arguments...);
+}
+
 const PuppetCode kCode = {
     [](float sinceLast, float total, int counter, void *refcon) {
-        const Return count;
-        return (*static_cast<const LoopPlayer *>(refcon))(sinceLast, total, counter);
+        return Play<LoopPlayer>(refcon, sinceLast, total, counter);
     },
-    [](void *menuRef, void *itemRef) {
-        const Return count;
-        (*static_cast<const MenuPlayer *>(menuRef))(itemRef);
-    },
-    [](void *refcon) {
-        const Return count;
-        return (*static_cast<const IntPlayer *>(refcon))();
-    },
-    [](void *refcon) {
-        const Return count;
-        (*static_cast<const NoticePlayer *>(refcon))();
-    },
-    [](AVSKCommandRef command, int phase, void *refcon) {
-        const Return count;
-        return (*static_cast<const CommandPlayer *>(refcon))(command, phase);
-    },
-    [](AVSKObjectRef object, void *refcon) {
-        const Return count;
-        (*static_cast<const ObjectPlayer *>(refcon))(object);
-    },
-    [](AVSKCameraPosition *position, int isLosingControl, void *refcon) {
-        const Return count;
-        return (*static_cast<const CameraPlayer *>(refcon))(position, isLosingControl);
-    },
+    [](void *menuRef, void *itemRef) { Play<MenuPlayer>(menuRef, itemRef); },
+    Play<IntPlayer>,
+    Play<NoticePlayer>,
+    [](AVSKCommandRef command, int phase, void *refcon) { return Play<CommandPlayer>(refcon, command, phase); },
+    [](AVSKObjectRef object, void *refcon) { Play<ObjectPlayer>(refcon, object); },
+    [](AVSKCameraPosition *position, int losing, void *refcon) { return Play<CameraPlayer>(refcon, position, losing); },
     [] { throw Own(1); },
 };
 

@@ -8,10 +8,19 @@
 #include <functional>
 #include <list>
 #include <map>
+#include <sstream>
 #include <string>
 #include <vector>
 
 using Lines = std::vector<std::string>;
+
+// The parts as one text.
+template <class... Parts>
+std::string Line(const Parts &...parts) {
+    std::ostringstream line;
+    (line << ... << parts);
+    return line.str();
+}
 
 // What happened, in order: host calls as "setMenuItemName(menu1, 2, \"\", 0)",
 // entry points of puppets as "enable A", and what tests note themselves.

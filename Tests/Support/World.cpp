@@ -1,8 +1,6 @@
 // The temporary folder and the puppets' side in the test program.
 #include "World.h"
 
-#include <gtest/gtest.h>
-
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
@@ -43,8 +41,7 @@ World::World() {
 }
 
 World::~World() {
-    if (running)
-        AVSKShutdownPlugins();
+    Stop();
     std::error_code ignored;
     fs::remove_all(root, ignored);
 }
@@ -84,8 +81,8 @@ int World::Start() {
 }
 
 void World::Stop() {
-    running = false;
-    AVSKShutdownPlugins();
+    if (std::exchange(running, false))
+        AVSKShutdownPlugins();
 }
 
 void World::StartQuietly() {
@@ -104,6 +101,18 @@ void World::LoadScenery() const {
 }
 
 int World::Pass(float now) { return AVSKEventHook(AVSKHostEventFrame, now, 0, 0); }
+
+void ThreePlugins::SetUp() {
+    world.Start();
+    World::LoadAircraft();
+    Take();
+    host.TakeLog();
+}
+
+void ThreePlugins::Restart() {
+    world.Stop();
+    SetUp();
+}
 
 std::string TakeCalls() {
     std::string calls;
@@ -176,8 +185,7 @@ void AvskTestMessage(const char *path, int sender, int message, void *parameter)
         (*static_cast<const std::function<void()> *>(parameter))();
         return;
     }
-    Note("message " + puppet.label + " " + std::to_string(sender) + " " + std::to_string(message) + " " +
-         std::to_string(reinterpret_cast<std::uintptr_t>(parameter)));
+    Note(Line("message ", puppet.label, " ", sender, " ", message, " ", reinterpret_cast<std::uintptr_t>(parameter)));
     if (puppet.message)
         puppet.message(sender, message, parameter);
 }

@@ -1,11 +1,17 @@
-// A temporary host folder with plugins in it, and the library running there.
+// A temporary host folder with plugins in it, and the library running there;
+// and the fixture of most tests.
 #ifndef AVSK_TESTS_WORLD_H
 #define AVSK_TESTS_WORLD_H
 
 #include "FakeHost.h"
 #include "Puppet.h"
 
+#include <gtest/gtest.h>
+
+#include <memory>
 #include <string>
+#include <utility>
+#include <vector>
 
 class World {
   public:
@@ -44,6 +50,32 @@ class World {
   private:
     std::string root; // ends in a separator
     bool running = false;
+};
+
+// The stage of most tests of modules: plugins A and B and an aircraft's, which
+// can be unloaded at any time by unloading the aircraft.
+class ThreePlugins : public testing::Test {
+  protected:
+    World world;
+    FakeHost &host = Host();
+    Puppet &a = world.Install("A");
+    Puppet &b = world.Install("B");
+    Puppet &air = world.InstallAircraft("air");
+
+    void SetUp() override;
+    // While what the plugins call is there.
+    void TearDown() override { world.Stop(); }
+
+    // Plugins leave nothing behind when all are unloaded.
+    void Restart();
+    // Keeps a player in place, for a refcon.
+    template <class Player>
+    void *Keep(Player f) {
+        return players.emplace_back(std::make_shared<Player>(std::move(f))).get();
+    }
+
+  private:
+    std::vector<std::shared_ptr<void>> players;
 };
 
 // The journal as "line; line", without messages, which come with every aircraft.

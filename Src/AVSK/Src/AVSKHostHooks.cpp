@@ -45,15 +45,7 @@ int AVSKInitializePlugins(const char *path, const AVSKHostCallbacks *table, AVSK
     return AVSK_HOST_INTERFACE;
 }
 
-void AVSKShutdownPlugins() {
-    try {
-        AVSKDisableAllPlugins();
-    } catch (...) {
-        AVSKUnloadPlugins();
-        throw;
-    }
-    AVSKUnloadPlugins();
-}
+void AVSKShutdownPlugins() { AVSKDisableAndUnloadPlugins(); }
 
 // Loading leaves the host dispatched. A plugin whose call brought us here is
 // restored, or what it goes on to register would be on the host's account and

@@ -130,20 +130,30 @@ class Flagged {
 };
 
 // The last calls into plugins that go. Going is finished whatever they
-// throw; the first exception passes on when it is.
+// throw; the first exception passes on when it is. It may be an object of any
+// of the plugins, so while one is held no library is unmapped.
 class LastCalls {
   public:
+    LastCalls() = default;
+    ~LastCalls() { held -= first != nullptr; }
+    LastCalls(const LastCalls &) = delete;
+    LastCalls &operator=(const LastCalls &) = delete;
+
     template <class Call>
     void Make(Call call) {
         try {
             call();
         } catch (...) {
-            if (!first)
+            if (!first) {
                 first = std::current_exception();
+                ++held;
+            }
         }
     }
 
     bool Thrown() const { return first != nullptr; }
+
+    static bool AnyThrown() { return held != 0; }
 
     void Rethrow() const {
         if (first)
@@ -152,6 +162,7 @@ class LastCalls {
 
   private:
     std::exception_ptr first;
+    static inline int held = 0;
 };
 
 // ---- Deliveries of plugins that go
@@ -554,9 +565,8 @@ void UnloadOnePlugin(int id) {
         if (calls.Thrown() || AnyModuleHolds(id))
             CleanUp(id);
         AbandonDeliveries(*record); // what the stop call still asked for
-        // What it threw is an object of its library, which then stays mapped.
         void *handle = std::exchange(record->handle, nullptr);
-        StDispatchCallback::ReleaseLibrary(id, calls.Thrown() ? nullptr : handle);
+        StDispatchCallback::ReleaseLibrary(id, LastCalls::AnyThrown() ? nullptr : handle);
     }
     calls.Rethrow();
 }
@@ -570,6 +580,13 @@ void AVSKUnloadPlugins() {
     const PluginRegistry leaving = RemoveAll();
     for (const PluginShare &record : leaving)
         AbandonDeliveries(*record);
+    calls.Rethrow();
+}
+
+void AVSKDisableAndUnloadPlugins() {
+    LastCalls calls;
+    calls.Make(AVSKDisableAllPlugins);
+    calls.Make(AVSKUnloadPlugins);
     calls.Rethrow();
 }
 

@@ -67,6 +67,8 @@ void UnloadOnePlugin(int id);
 
 // Tears every plugin down and empties the registry.
 void AVSKUnloadPlugins();
+// Disables every plugin, then tears them down.
+void AVSKDisableAndUnloadPlugins();
 // Tears the current aircraft plugins down and removes those at the registry's end.
 void AVSKUnloadAcfPlugin();
 // The part of a path behind its last "plugins" and the separator that follows.

@@ -1,14 +1,7 @@
-/* Fault: has the signature of RefusesEnable. */
+/* The entry points of a plugin whose fault is elsewhere. */
 #include "AVSK/AVSKPlugins.h"
 
 #include <string.h>
-
-int AVPluginStart(char *outName, char *outSignature, char *outDescription) {
-    strcpy(outName, "Duplicate");
-    strcpy(outSignature, "zoo.refuses-enable");
-    strcpy(outDescription, "");
-    return 1;
-}
 
 void AVPluginStop(void) {}
 int AVPluginEnable(void) { return 1; }

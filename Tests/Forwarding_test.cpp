@@ -1,0 +1,100 @@
+// Calls that hand their arguments to one host service as they are.
+#include "World.h"
+
+#include "AVSK/AVSKDisplay.h"
+#include "AVSK/AVSKGraphics.h"
+#include "AVSK/AVSKNavigation.h"
+#include "AVSK/AVSKPlanes.h"
+
+#include <bit>
+#include <cstring>
+#include <tuple>
+#include <type_traits>
+
+namespace {
+
+// As a float each of the words from here on is a signalling NaN, which
+// arithmetic and conversions would quieten.
+constexpr AVSKWord kSignallingNaN = 0x7FA00001;
+
+// A float that a function returns may pass through the x87, which quietens it as well.
+template <class Argument>
+void SetWord(Argument &argument, AVSKWord word) {
+    static_assert(sizeof argument == sizeof word);
+    if constexpr (std::is_same_v<Argument, const char *>)
+        argument = "text"; // goes to the journal
+    else
+        std::memcpy(&argument, &word, sizeof word);
+}
+
+template <class... Arguments>
+std::vector<AVSKWord> Words(Arguments... arguments) {
+    return {std::bit_cast<AVSKWord>(arguments)...};
+}
+
+// Expects one call of the service, with the same words, and its answer back.
+template <class Result, class... Arguments>
+void ExpectForwarded(const char *name, Result (*call)(Arguments...),
+                     std::function<Result(Arguments...)> HostServices::*service) {
+    SCOPED_TRACE(name);
+    std::vector<std::vector<AVSKWord>> received;
+    Host().on.*service = [&received](Arguments... arguments) -> Result {
+        received.push_back(Words(arguments...));
+        if constexpr (!std::is_void_v<Result>)
+            return std::bit_cast<Result>(0x89ABCDEF);
+    };
+    std::tuple<Arguments...> given;
+    AVSKWord word = kSignallingNaN;
+    std::apply([&word](Arguments &...arguments) { (SetWord(arguments, word++), ...); }, given);
+    if constexpr (std::is_void_v<Result>)
+        std::apply(call, given);
+    else
+        EXPECT_EQ(std::bit_cast<AVSKWord>(std::apply(call, given)), 0x89ABCDEF);
+    ASSERT_EQ(received.size(), 1U);
+    EXPECT_EQ(received.front(), std::apply(Words<Arguments...>, given));
+    Host().on.*service = nullptr;
+}
+
+#define EXPECT_FORWARDED(function, service) ExpectForwarded(#function, function, &HostServices::service);
+
+// clang-format off
+#define AVSK_TEST_FORWARDERS(X)                                                                                       \
+    X(AVSKGetFirstNavAid, getFirstNavAid) X(AVSKGetNextNavAid, getNextNavAid)                                         \
+    X(AVSKFindFirstNavAidOfType, findFirstNavAidOfType) X(AVSKFindLastNavAidOfType, findLastNavAidOfType)             \
+    X(AVSKFindNavAid, findNavAid) X(AVSKGetNavAidInfo, getNavAidInfo) X(AVSKCountFMSEntries, countFMSEntries)         \
+    X(AVSKGetDisplayedFMSEntry, getDisplayedFMSEntry) X(AVSKGetDestinationFMSEntry, getDestinationFMSEntry)           \
+    X(AVSKSetDisplayedFMSEntry, setDisplayedFMSEntry) X(AVSKSetDestinationFMSEntry, setDestinationFMSEntry)           \
+    X(AVSKGetFMSEntryInfo, getFMSEntryInfo) X(AVSKSetFMSEntryInfo, setFMSEntryInfo)                                   \
+    X(AVSKSetFMSEntryLatLon, setFMSEntryLatLon) X(AVSKClearFMSEntry, clearFMSEntry)                                   \
+    X(AVSKGetGPSDestinationType, getGPSDestinationType) X(AVSKGetGPSDestination, getGPSDestination)                   \
+    X(AVSKPlaceUserAtAirport, placeUserAtAirport) X(AVSKSimulateKeyPress, simulateKeyPress)                           \
+    X(AVSKCommandKeyStroke, commandKeyStroke) X(AVSKLookupObjects, lookupObjects) X(AVSKSpeakString, speakString)     \
+    X(AVSKGetLanguage, getLanguage) X(AVSKFindSymbol, findSymbol) X(AVSKDebugString, debugString)                     \
+    X(AVSKBindTexture2d, bindTexture2d) X(AVSKGenerateTextureNumbers, generateTextureNumbers)                         \
+    X(AVSKGetTexture, getTexture) X(AVSKGetScreenSize, getScreenSize) X(AVSKGetFontDimensions, getFontDimensions)     \
+    X(AVSKDrawString, drawString) X(AVSKDrawTranslucentDarkBox, drawTranslucentDarkBox)                               \
+    X(AVSKSetGraphicsState, setGraphicsState)
+// clang-format on
+
+TEST(Forwarding, EveryCallReachesItsServiceBitForBit) {
+    World world;
+    world.StartQuietly();
+    AVSK_TEST_FORWARDERS(EXPECT_FORWARDED)
+}
+
+TEST(Forwarding, WhatIsNotAWordReachesTheHostToo) {
+    World world;
+    world.StartQuietly();
+    AVSKReloadScenery();
+    AVSKWorldToLocal(1.5, 2.5, 3.5, nullptr, nullptr, nullptr);
+    AVSKLocalToWorld(1.5, 2.5, 3.5, nullptr, nullptr, nullptr);
+    AVSKDrawNumber(nullptr, 1, 2, -3.25, 4, 5, 6, 7);
+    AVSKGetMouseLocation(nullptr, nullptr);
+    AVSKMeasureString(1, "text", 4);
+    EXPECT_EQ(Take(),
+              (Lines{"reloadScenery()", "worldToLocal(1.5, 2.5, 3.5, null, null, null)",
+                     "localToWorld(1.5, 2.5, 3.5, null, null, null)", "drawNumber(null, 1, 2, -3.25, 4, 5, 6, 7)",
+                     "getMouseLocation(null, null, 1)", "measureString(1, \"text\", 4)"}));
+}
+
+} // namespace
