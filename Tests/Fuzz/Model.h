@@ -106,7 +106,7 @@ struct Fuzz {
     bool trace = false;
 
     bool mapped[kPuppets] = {};
-    bool kept[kPuppets] = {}; // refused, or threw in its start or tear-down, once: the file may stay mapped
+    bool kept[kPuppets] = {}; // refused once, or something was thrown: the file may stay mapped
     FuzzCode *code[kPuppets] = {};
 };
 extern Fuzz &gFuzz;
