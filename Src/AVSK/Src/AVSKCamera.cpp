@@ -7,8 +7,7 @@
 #include "AVSKDispatch.h"
 #include "AVSKHostTable.h"
 #include "AVSKModules.h"
-
-#include <utility>
+#include "AVSKScopedValue.h"
 
 int gIsControlled = 0;
 int gControlDuration = AVSKCameraUncontrolled;
@@ -25,11 +24,7 @@ int gLosing = NO_PLUGIN_ID; // the controller that is being told that it loses c
 void TellLosingControl() {
     if (!gCurrentControlFunc || gLosing == gCurrentControlPlugin)
         return;
-    struct Telling {
-        Telling() : outer(std::exchange(gLosing, gCurrentControlPlugin)) {}
-        ~Telling() { gLosing = outer; }
-        const int outer;
-    } const telling;
+    const AVSKScopedValue telling(gLosing, gCurrentControlPlugin);
     if (const StDispatchCallback guard(gCurrentControlPlugin); guard())
         gCurrentControlFunc(nullptr, 1, gCameraControlRef);
 }

@@ -61,18 +61,18 @@ class [[nodiscard]] StDispatchCallback {
         return MayCall(id);
     }
 
-    static bool MayCall(int id) {
-        if (static_cast<unsigned>(id) < gCallFlags.count) [[likely]]
-            return gCallFlags.enabled[id] != 0;
-        return id == AVSK_PLUGIN_AERIVO && gCallFlags.count == 0;
-    }
-
     // Unloads a plugin's library, now or, while one of its calls is under way,
     // when the last call is over. What such a call still does is on nobody's
     // account, for a plugin loaded meanwhile may have the same ID.
     static void ReleaseLibrary(int id, void *handle);
 
   private:
+    static bool MayCall(int id) {
+        if (static_cast<unsigned>(id) < gCallFlags.count) [[likely]]
+            return gCallFlags.enabled[id] != 0;
+        return id == AVSK_PLUGIN_AERIVO && gCallFlags.count == 0;
+    }
+
     static constexpr int kRecordedCalls = 1024;
 
     // Kept apart from the guards: nothing points at a guard, so that its

@@ -10,6 +10,7 @@
 #include "AVSKModules.h"
 #include "AVSKPlatform.h"
 #include "AVSKResourceList.h"
+#include "AVSKScopedValue.h"
 
 #include <string>
 #include <vector>
@@ -118,6 +119,20 @@ bool HoldsOwned(const AVSKResourceList<Record> &list, int pluginID) {
     return list.Any([pluginID](const Record &rec) { return rec.owner == pluginID && !rec.is_removed(); });
 }
 
+// The one with these values, whoever owns it.
+auto Same(AVSKDrawCallback_f callback, int phase, int wantsBefore, void *refcon) {
+    return [=](const AVSKDrawCallbackRecord &rec) {
+        return rec.callback == callback && rec.phase == phase && rec.wantsBefore == wantsBefore && rec.refcon == refcon;
+    };
+}
+
+// The one with these values, whoever owns it.
+auto Same(AVSKKeySniffer_f callback, int beforeWindows, void *refcon) {
+    return [=](const AVSKKeyCallbackRecord &rec) {
+        return rec.callback == callback && rec.beforeWindows == beforeWindows && rec.refcon == refcon;
+    };
+}
+
 } // namespace
 
 // ---- Draw callbacks and key sniffers
@@ -136,26 +151,18 @@ AVSKDrawCallbackRecord::~AVSKDrawCallbackRecord() {
 }
 
 int AVSKRegisterDrawCallback(AVSKDrawCallback_f callback, int phase, int wantsBefore, void *refcon) {
-    const auto same = [=](const AVSKDrawCallbackRecord &rec) {
-        return rec.callback == callback && rec.phase == phase && rec.wantsBefore == wantsBefore && rec.refcon == refcon;
-    };
-    if (Find(gDrawCallbacks, same))
+    if (Find(gDrawCallbacks, Same(callback, phase, wantsBefore, refcon)))
         return 0;
     gDrawCallbacks.Add(new AVSKDrawCallbackRecord(callback, AVSKGetDispatchedPlugin(), phase, wantsBefore, refcon));
     return 1;
 }
 
 int AVSKUnregisterDrawCallback(AVSKDrawCallback_f callback, int phase, int wantsBefore, void *refcon) {
-    return RemoveFirst(gDrawCallbacks, [=](const AVSKDrawCallbackRecord &rec) {
-        return rec.callback == callback && rec.phase == phase && rec.wantsBefore == wantsBefore && rec.refcon == refcon;
-    });
+    return RemoveFirst(gDrawCallbacks, Same(callback, phase, wantsBefore, refcon));
 }
 
 int AVSKRegisterKeySniffer(AVSKKeySniffer_f callback, int beforeWindows, void *refcon) {
-    const auto same = [=](const AVSKKeyCallbackRecord &rec) {
-        return rec.callback == callback && rec.beforeWindows == beforeWindows && rec.refcon == refcon;
-    };
-    if (Find(gKeyCallbacks, same))
+    if (Find(gKeyCallbacks, Same(callback, beforeWindows, refcon)))
         return 0;
     auto *sniffer = new AVSKKeyCallbackRecord;
     sniffer->callback = callback;
@@ -167,9 +174,7 @@ int AVSKRegisterKeySniffer(AVSKKeySniffer_f callback, int beforeWindows, void *r
 }
 
 int AVSKUnregisterKeySniffer(AVSKKeySniffer_f callback, int beforeWindows, void *refcon) {
-    return RemoveFirst(gKeyCallbacks, [=](const AVSKKeyCallbackRecord &rec) {
-        return rec.callback == callback && rec.beforeWindows == beforeWindows && rec.refcon == refcon;
-    });
+    return RemoveFirst(gKeyCallbacks, Same(callback, beforeWindows, refcon));
 }
 
 // ---- Windows
@@ -302,13 +307,7 @@ void AVSKTakeKeyboardFocus(AVSKWindowID window) {
         return;
     const WindowPin pin(gWindows);
     if (AVSKWindowCallbackRecord *old = gFocusWindow) {
-        // Set aside also when the call throws.
-        struct Telling {
-            explicit Telling(bool &flag) : value(flag), before(flag) { value = true; }
-            ~Telling() { value = before; }
-            bool &value;
-            const bool before;
-        } const telling(old->losingFocus);
+        const AVSKScopedValue telling(old->losingFocus, true);
         // The window that gets the focus is named as the caller named it.
         if (const StDispatchCallback guard(old->owner); guard() && old->keyFunc)
             old->keyFunc(window, 0, 0, 0, old->refcon, 1);

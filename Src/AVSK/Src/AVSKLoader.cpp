@@ -13,6 +13,7 @@
 #include "AVSKHostTable.h"
 #include "AVSKModules.h"
 #include "AVSKPlatform.h"
+#include "AVSKScopedValue.h"
 #include "UTL_unicode.h"
 
 #include <algorithm>
@@ -116,18 +117,6 @@ bool gIsUnloadingAll = false;
 // Nothing is loaded before the host has its ID, nor while everything is being
 // unloaded, whatever the host reports from inside its services then.
 bool MayLoad() { return !gAllPlugins.empty() && !gIsUnloadingAll; }
-
-class Flagged {
-  public:
-    explicit Flagged(bool &raised) : flag(raised), before(std::exchange(raised, true)) {}
-    ~Flagged() { flag = before; }
-    Flagged(const Flagged &) = delete;
-    Flagged &operator=(const Flagged &) = delete;
-
-  private:
-    bool &flag;
-    const bool before;
-};
 
 // The last calls into plugins that go. Going is finished whatever they
 // throw; the first exception passes on when it is. It may be an object of any
@@ -235,6 +224,8 @@ bool Contains(const std::string &text, const char *part) { return text.find(part
 
 // Loads the fat plugins of a folder's subfolders and appends their IDs.
 void LoadFatPluginsOf(const std::string &folder, std::vector<int> &ids) {
+    if (!MayLoad())
+        return;
     const std::vector<std::string> names = SortedContents(folder, "DIR");
     if (names.empty())
         return;
@@ -425,13 +416,11 @@ void AVSKFindAndLoadPlugins(const char *hostFolder) {
 }
 
 void AVSKFindAndLoadAcfPlugins(const char *aircraftFolder) {
-    if (!MayLoad())
-        return;
     LoadFatPluginsOf(std::string(aircraftFolder) + "/plugins", gCurrentAircraftPluginIDS);
 }
 
 void AVSKFindAndLoadSceneryPlugins(const char *sceneryFolder) {
-    if (!sceneryFolder || !MayLoad())
+    if (!sceneryFolder)
         return;
     std::vector<int> ids;
     LoadFatPluginsOf(std::string(sceneryFolder) + "plugins", ids);
@@ -572,7 +561,7 @@ void UnloadOnePlugin(int id) {
 }
 
 void AVSKUnloadPlugins() {
-    const Flagged unloading(gIsUnloadingAll);
+    const AVSKScopedValue unloading(gIsUnloadingAll, true);
     LastCalls calls;
     for (int id = 1; id < PluginCount(); ++id)
         calls.Make([id] { UnloadOnePlugin(id); });
@@ -682,7 +671,7 @@ void AVSKReloadPluginsInternal() {
     // From inside a plugin's last calls: then the request stands until they are over.
     if (reloading || gIsUnloadingAll)
         return;
-    const Flagged flagged(reloading);
+    const AVSKScopedValue flagged(reloading, true);
     gScheduleReload = false;
     LastCalls calls;
     calls.Make(AVSKDisableAllPlugins);

@@ -10,6 +10,7 @@
 #include "AVSKHostTable.h"
 #include "AVSKModules.h"
 #include "AVSKPlatform.h"
+#include "AVSKScopedValue.h"
 #include "UTL_unicode.h"
 
 #include "AVSK/AVSKDataAccess.h"
@@ -53,18 +54,6 @@ struct Offer {
 };
 Offer *Offer::innermost = nullptr;
 
-// Marks a load as our own, also when the host's service throws.
-class SelfLoading {
-  public:
-    SelfLoading() : before(std::exchange(gIsSelfLoading, true)) {}
-    ~SelfLoading() { gIsSelfLoading = before; }
-    SelfLoading(const SelfLoading &) = delete;
-    SelfLoading &operator=(const SelfLoading &) = delete;
-
-  private:
-    const bool before;
-};
-
 bool IsInControl() { return AVSKGetDispatchedPlugin() == gOwner && gOwner != NO_PLUGIN_ID; }
 
 std::string Converted(const char *path) {
@@ -75,7 +64,7 @@ std::string Converted(const char *path) {
 }
 
 void LoadModel(int index, const std::string &path, const char *fileName) {
-    const SelfLoading marked;
+    const AVSKScopedValue selfLoading(gIsSelfLoading, true);
     gHooks->loadAircraftModel(index, path.c_str(), fileName);
 }
 
