@@ -1,0 +1,100 @@
+// Thunks; see Callback.h. They are made by the page and never given back: the
+// library may call one for as long as it likes.
+#include "Callback.h"
+
+#include "Symbols.h"
+
+#include <array>
+#include <cstddef>
+#include <cstring>
+#include <map>
+#include <memory>
+#include <new>
+#include <utility>
+#include <vector>
+
+#include <sys/mman.h>
+
+namespace crossings {
+namespace {
+
+//     mov eax, callback
+//     jmp [eax]
+struct __attribute__((packed)) Thunk {
+    std::uint8_t mov = 0xB8;
+    Callback *callback = nullptr;
+    std::uint8_t jmp[2] = {0xFF, 0x20};
+    std::uint8_t padding = 0xCC;
+};
+static_assert(sizeof(Thunk) == 8);
+static_assert(offsetof(Callback, entry) == 0);
+
+constexpr std::size_t kPage = 4096;
+constexpr std::size_t kThunks = kPage / sizeof(Thunk);
+
+// One page of code, filled before it becomes executable, and what it leads to.
+struct Page {
+    std::array<Callback, kThunks> callbacks;
+    Thunk *thunks;
+    std::size_t used = 0;
+
+    Page() {
+        void *memory = mmap(nullptr, kPage, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+        if (memory == MAP_FAILED)
+            throw std::bad_alloc();
+        thunks = static_cast<Thunk *>(memory);
+        for (std::size_t i = 0; i < kThunks; ++i)
+            new (thunks + i) Thunk{.callback = &callbacks[i]};
+        if (mprotect(memory, kPage, PROT_READ | PROT_EXEC) != 0)
+            throw std::bad_alloc();
+    }
+
+    bool Contains(const void *function) const { return function >= thunks && function < thunks + kThunks; }
+};
+
+using Key = std::pair<Function, const CallbackKind *>;
+
+std::vector<std::unique_ptr<Page>> &gPages = *new std::vector<std::unique_ptr<Page>>;
+std::map<Key, std::pair<Callback *, Function>> &gThunks = *new std::map<Key, std::pair<Callback *, Function>>;
+std::map<const Callback *, std::string> &gNames = *new std::map<const Callback *, std::string>;
+
+std::pair<Callback *, Function> NewThunk() {
+    if (gPages.empty() || gPages.back()->used == kThunks)
+        gPages.push_back(std::make_unique<Page>());
+    Page &page = *gPages.back();
+    const std::size_t index = page.used++;
+    return {&page.callbacks[index], reinterpret_cast<Function>(page.thunks + index)};
+}
+
+} // namespace
+
+Function Wrap(Function function, const CallbackKind &kind, Side side, AVSKPluginID owner) {
+    // The library passes some callbacks straight on to the host.
+    if (!function || CallbackOf(reinterpret_cast<const void *>(function)))
+        return function;
+    auto &[callback, thunk] = gThunks[{function, &kind}];
+    if (!thunk)
+        std::tie(callback, thunk) = NewThunk();
+    // Another plugin's code may lie at the address by now.
+    if (callback->owner != owner || owner == NO_PLUGIN_ID)
+        gNames.erase(callback);
+    *callback = {kind.entry, function, &kind, side, owner};
+    return thunk;
+}
+
+const Callback *CallbackOf(const void *function) {
+    for (const auto &page : gPages) {
+        if (page->Contains(function))
+            return static_cast<const Thunk *>(function)->callback;
+    }
+    return nullptr;
+}
+
+const std::string &NameOf(const Callback &callback) {
+    std::string &name = gNames[&callback];
+    if (name.empty())
+        name = SymbolAt(reinterpret_cast<const void *>(callback.function));
+    return name;
+}
+
+} // namespace crossings

@@ -1,0 +1,123 @@
+// The stack of calls and its observers; see Crossing.h.
+#include "Crossing.h"
+
+#include "Callback.h"
+
+#include "AVSK/AVSKPlugins.h"
+
+#include <algorithm>
+#include <array>
+#include <cassert>
+#include <cstring>
+#include <map>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+namespace crossings {
+namespace {
+
+Crossing *gInnermost = nullptr;
+// Neither is ever destroyed: plugins may call until the very end of the process.
+std::vector<Observer *> &gObservers = *new std::vector<Observer *>;
+std::map<AVSKPluginID, std::string> &gLabels = *new std::map<AVSKPluginID, std::string>;
+
+// Other threads than the main one may only use the library's thread slots, which concern nobody.
+thread_local bool tObserved = false;
+
+__attribute__((constructor)) void ObserveThisThread() { tObserved = true; }
+
+AVSKPluginID Dispatched() {
+    const Unobserved calls;
+    return AVSKGetMyID();
+}
+
+// An entry point belongs to the plugin that is being called, another callback to who registered it.
+AVSKPluginID Owner(const Callback &callback, AVSKPluginID dispatched) {
+    return callback.owner == NO_PLUGIN_ID ? dispatched : callback.owner;
+}
+
+// "Menu" for "/.../Menu/lin.avp", and for "/.../Menu.avp".
+std::string NameFromPath(std::string_view path) {
+    path = path.substr(0, path.rfind('.'));
+    std::string_view name = path.substr(path.rfind('/') + 1);
+    if (name == "lin" && path.size() > name.size()) {
+        const std::string_view folder = path.substr(0, path.size() - name.size() - 1);
+        name = folder.substr(folder.rfind('/') + 1);
+    }
+    return std::string(name);
+}
+
+bool IsStart(const Crossing &crossing) { return std::strcmp(crossing.what.name, "AVPluginStart") == 0; }
+
+} // namespace
+
+Crossing::Crossing(const Prototype &prototype, Side callee, std::span<const Value> values,
+                   const Callback *called) noexcept
+    : what(prototype), from(CurrentSide()), to(callee), arguments(values), callback(called),
+      plugin(gInnermost ? gInnermost->plugin : AVSK_PLUGIN_AERIVO), dispatched(Dispatched()), outer(gInnermost),
+      depth(gInnermost ? gInnermost->depth + 1 : 0) {
+    if (called)
+        plugin = Owner(*called, dispatched);
+    gInnermost = this;
+    if (IsStart(*this))
+        gLabels.erase(plugin); // the ID may have been another's
+    const Unobserved calls;
+    began = Clock::now();
+    for (Observer *observer : gObservers)
+        observer->Begins(*this);
+    began = Clock::now(); // without what observing took
+}
+
+Crossing::~Crossing() {
+    ended = Clock::now();
+    {
+        const Unobserved calls;
+        if (IsStart(*this))
+            gLabels.erase(plugin); // now it has its name
+        for (Observer *observer : gObservers)
+            observer->Ends(*this);
+    }
+    gInnermost = outer;
+}
+
+const Value &Crossing::operator[](const char *parameter) const {
+    const std::string_view wanted = parameter;
+    std::string_view names = what.parameters;
+    for (const Value &value : arguments) {
+        const std::size_t end = std::min(names.find(','), names.size());
+        if (names.substr(0, end) == wanted)
+            return value;
+        names.remove_prefix(std::min(end + 1, names.size()));
+    }
+    assert(!"a parameter of this name");
+    static const Value nothing;
+    return nothing;
+}
+
+void AddObserver(Observer &observer) { gObservers.push_back(&observer); }
+void RemoveObserver(Observer &observer) { std::erase(gObservers, &observer); }
+
+const Crossing *Innermost() { return gInnermost; }
+Side CurrentSide() { return gInnermost ? gInnermost->to : Side::Host; }
+bool AreObserved() { return tObserved; }
+
+const std::string &LabelOf(AVSKPluginID plugin) {
+    const auto known = gLabels.find(plugin);
+    if (known != gLabels.end())
+        return known->second;
+    if (plugin == AVSK_PLUGIN_AERIVO)
+        return gLabels[plugin] = "host";
+    const Unobserved calls;
+    std::array<char, AVSK_TEXT_SIZE> name{};
+    std::array<char, AVSK_TEXT_SIZE> path{};
+    AVSKGetPluginInfo(plugin, name.data(), path.data(), nullptr, nullptr);
+    std::string label = name.front() ? name.data() : NameFromPath(path.data());
+    static const std::string nobody = "nobody";
+    return label.empty() ? nobody : gLabels[plugin] = std::move(label);
+}
+
+Unobserved::Unobserved() noexcept : mBefore(std::exchange(tObserved, false)) {}
+Unobserved::~Unobserved() { tObserved = mBefore; }
+
+} // namespace crossings

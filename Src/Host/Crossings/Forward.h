@@ -1,0 +1,147 @@
+// Handing one call on across the border: what the entries of the table of
+// prototypes become. Callbacks in the arguments are replaced on the way.
+#ifndef AVSK_HOST_FORWARD_H
+#define AVSK_HOST_FORWARD_H
+
+#include "Callback.h"
+#include "Crossing.h"
+
+#include "AVSK/AVSKDisplay.h"
+#include "AVSK/AVSKHost.h"
+#include "AVSK/AVSKProcessing.h"
+
+#include <array>
+#include <bit>
+
+namespace crossings {
+
+// ---- Arguments whose type alone does not say how they are handed on
+
+template <class F>
+struct Called {
+    F function;
+    const CallbackKind &kind;
+};
+template <class F>
+Called(F, const CallbackKind &) -> Called<F>;
+
+struct Text {
+    char *text;
+};
+
+struct Start {
+    const char *text;
+    int count;
+};
+
+// A copy of a structure whose callbacks are replaced, and its fields as they
+// were. One that the library will refuse for its size is handed on as it is.
+template <class T>
+class Structure {
+  public:
+    explicit Structure(const T *given);
+    Structure(const Structure &) = delete;
+    Structure &operator=(const Structure &) = delete;
+
+    const T *Replaced() const;
+    Value Shown() const;
+
+  private:
+    static constexpr std::size_t kMostFields = 12;
+    const T *mGiven;
+    mutable T mCopy{};
+    std::array<Value, kMostFields> mValues;
+    StructureView mView{};
+};
+
+// The host's table is replaced by one that leads past the observers to the
+// slots of the given one, as they are at the time of the call.
+template <>
+class Structure<AVSKHostCallbacks> {
+  public:
+    explicit Structure(const AVSKHostCallbacks *given) : mGiven(given) {}
+    const AVSKHostCallbacks *Replaced() const;
+    Value Shown() const { return ValueOf<const void *>(mGiven); }
+
+  private:
+    const AVSKHostCallbacks *mGiven;
+};
+
+template <class T>
+Structure(const T *) -> Structure<T>;
+
+// ---- What is passed on for an argument, and what observers see
+
+// Whose callbacks the arguments of the call under way are.
+struct Giver {
+    Side side;
+    AVSKPluginID plugin;
+};
+Giver CurrentGiver();
+
+template <class F>
+F Replace(F function, const CallbackKind &kind) {
+    const Giver giver = CurrentGiver();
+    return reinterpret_cast<F>(Wrap(reinterpret_cast<Function>(function), kind, giver.side, giver.plugin));
+}
+
+template <class T>
+T Passed(const T &argument) {
+    return argument;
+}
+template <class F>
+F Passed(const Called<F> &called) {
+    return Replace(called.function, called.kind);
+}
+template <class T>
+const T *Passed(const Structure<T> &structure) {
+    return structure.Replaced();
+}
+inline char *Passed(const Text &argument) { return argument.text; }
+inline const char *Passed(const Start &argument) { return argument.text; }
+
+template <class F>
+Value ValueOf(const Called<F> &called) {
+    return ValueOf(called.function);
+}
+template <class T>
+Value ValueOf(const Structure<T> &structure) {
+    return structure.Shown();
+}
+inline Value ValueOf(const Text &argument) { return ValueOf(static_cast<const char *>(argument.text)); }
+inline Value ValueOf(const Start &argument) {
+    Value value = ValueOf(argument.text);
+    value.length = argument.count > 0 ? argument.count : 0;
+    return value;
+}
+
+// ---- The call
+
+// To be called with the arguments.
+template <class R, class... P>
+struct Forward {
+    const Prototype &what;
+    const Side callee;
+    const Callback *const callback; // null for functions and services
+    R (*const target)(P...);
+
+    template <class... A>
+    R operator()(const A &...arguments) const {
+        if (!AreObserved())
+            return target(Passed(arguments)...);
+        const std::array<Value, sizeof...(A)> values{ValueOf(arguments)...};
+        Crossing crossing(what, callee, values, callback);
+        if constexpr (std::is_void_v<R>) {
+            target(Passed(arguments)...);
+            crossing.Return();
+        } else {
+            const R result = target(Passed(arguments)...);
+            crossing.Return(ValueOf(result));
+            return result;
+        }
+    }
+};
+
+} // namespace crossings
+
+#endif

@@ -1,0 +1,19 @@
+// The callback types, one kind for each.
+#ifndef AVSK_HOST_KINDS_H
+#define AVSK_HOST_KINDS_H
+
+#include "Callback.h"
+
+namespace crossings {
+
+#define AVSK_FUNCTION(result, name, parameters, names, arguments)
+#define AVSK_SERVICE(result, name, parameters, names, arguments)
+#define AVSK_CALLBACK(result, name, names, arguments, ...) extern const CallbackKind k_##name;
+#include "Prototypes.inc"
+#undef AVSK_CALLBACK
+#undef AVSK_SERVICE
+#undef AVSK_FUNCTION
+
+} // namespace crossings
+
+#endif

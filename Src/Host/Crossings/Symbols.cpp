@@ -1,0 +1,142 @@
+// Reads symbol tables; see Symbols.h. The dynamic linker knows the exported
+// names only, and plugins export next to nothing.
+#include "Symbols.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <fstream>
+#include <iterator>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string_view>
+#include <vector>
+
+#include <cxxabi.h>
+#include <dlfcn.h>
+#include <elf.h>
+
+namespace crossings {
+namespace {
+
+struct Symbol {
+    std::uint32_t begin;
+    std::uint32_t size;
+    std::string name;
+};
+
+// A file's bytes, from which only what lies inside is read.
+class Image {
+  public:
+    explicit Image(const std::string &path) {
+        std::ifstream file(path, std::ios::binary);
+        mBytes.assign(std::istreambuf_iterator<char>(file), {});
+    }
+
+    template <class T>
+    std::optional<T> Read(std::size_t offset) const {
+        T value;
+        if (offset > mBytes.size() || mBytes.size() - offset < sizeof value)
+            return std::nullopt;
+        std::memcpy(&value, mBytes.data() + offset, sizeof value);
+        return value;
+    }
+
+    std::string_view TextAt(std::size_t offset) const {
+        if (offset >= mBytes.size())
+            return {};
+        return {mBytes.data() + offset, strnlen(mBytes.data() + offset, mBytes.size() - offset)};
+    }
+
+  private:
+    std::vector<char> mBytes;
+};
+
+std::vector<Elf32_Shdr> Sections(const Image &image) {
+    std::vector<Elf32_Shdr> sections;
+    const auto header = image.Read<Elf32_Ehdr>(0);
+    if (!header || std::memcmp(header->e_ident, ELFMAG, SELFMAG) != 0 || header->e_ident[EI_CLASS] != ELFCLASS32)
+        return sections;
+    for (std::size_t i = 0; i < header->e_shnum; ++i) {
+        const auto section = image.Read<Elf32_Shdr>(header->e_shoff + i * sizeof(Elf32_Shdr));
+        if (!section)
+            break;
+        sections.push_back(*section);
+    }
+    return sections;
+}
+
+// Of all tables, from the lowest address on.
+std::vector<Symbol> ReadSymbols(const std::string &path) {
+    const Image image(path);
+    const std::vector<Elf32_Shdr> sections = Sections(image);
+    std::vector<Symbol> symbols;
+    for (const Elf32_Shdr &table : sections) {
+        if ((table.sh_type != SHT_SYMTAB && table.sh_type != SHT_DYNSYM) || table.sh_link >= sections.size())
+            continue;
+        const std::size_t names = sections[table.sh_link].sh_offset;
+        for (std::size_t at = 0; at + sizeof(Elf32_Sym) <= table.sh_size; at += sizeof(Elf32_Sym)) {
+            const auto symbol = image.Read<Elf32_Sym>(table.sh_offset + at);
+            if (!symbol)
+                break;
+            if (ELF32_ST_TYPE(symbol->st_info) == STT_FUNC && symbol->st_shndx != SHN_UNDEF)
+                symbols.push_back(
+                    {symbol->st_value, symbol->st_size, std::string(image.TextAt(names + symbol->st_name))});
+        }
+    }
+    std::sort(symbols.begin(), symbols.end(), [](const Symbol &a, const Symbol &b) { return a.begin < b.begin; });
+    return symbols;
+}
+
+std::map<std::string, std::vector<Symbol>> &gFiles = *new std::map<std::string, std::vector<Symbol>>;
+
+const std::vector<Symbol> &SymbolsOf(const std::string &path) {
+    const auto [file, isNew] = gFiles.try_emplace(path);
+    if (isNew)
+        file->second = ReadSymbols(path);
+    return file->second;
+}
+
+// A reader of one plugin's trace needs neither the parameters nor its unnamed namespaces.
+std::string Readable(const std::string &symbol) {
+    int status = 0;
+    const std::unique_ptr<char, decltype(&std::free)> demangled(
+        abi::__cxa_demangle(symbol.c_str(), nullptr, nullptr, &status), std::free);
+    if (status != 0)
+        return symbol;
+    std::string name = demangled.get();
+    constexpr std::string_view kUnnamed = "(anonymous namespace)::";
+    for (std::size_t at = 0; (at = name.find(kUnnamed, at)) != std::string::npos;)
+        name.erase(at, kUnnamed.size());
+    constexpr std::string_view kLambda = "{lambda(";
+    return name.find(kLambda) == std::string::npos ? name.substr(0, name.find('(')) : name;
+}
+
+} // namespace
+
+std::string SymbolAt(const void *address) {
+    Dl_info info{};
+    if (dladdr(address, &info) == 0 || !info.dli_fname)
+        return "unknown code";
+    const auto offset =
+        static_cast<std::uint32_t>(static_cast<const char *>(address) - static_cast<const char *>(info.dli_fbase));
+    const std::vector<Symbol> &symbols = SymbolsOf(info.dli_fname);
+    auto found = std::upper_bound(symbols.begin(), symbols.end(), offset,
+                                  [](std::uint32_t wanted, const Symbol &symbol) { return wanted < symbol.begin; });
+    if (found != symbols.begin()) {
+        --found;
+        if (offset == found->begin || offset - found->begin < found->size)
+            return Readable(found->name);
+    }
+    const std::string file = info.dli_fname;
+    char text[16];
+    std::snprintf(text, sizeof text, "+0x%x", offset);
+    return file.substr(file.rfind('/') + 1) + text;
+}
+
+void ForgetSymbols() { gFiles.clear(); }
+
+} // namespace crossings

@@ -1,0 +1,17 @@
+// Names of functions, static ones too, from the symbol tables of their files.
+#ifndef AVSK_HOST_SYMBOLS_H
+#define AVSK_HOST_SYMBOLS_H
+
+#include <string>
+
+namespace crossings {
+
+// "Tick" or "lights::Tick", without parameters; "lin.avp+0x1234" where the
+// file has no symbol there.
+std::string SymbolAt(const void *address);
+// Reads the files anew: they may have been replaced.
+void ForgetSymbols();
+
+} // namespace crossings
+
+#endif
