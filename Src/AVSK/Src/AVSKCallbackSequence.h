@@ -46,21 +46,11 @@ class AVSKCallbackSequence {
 
     // Call visit(item) for each item until it returns false, and tell whether
     // it never did: from the oldest on, those appended meanwhile included; from
-    // the oldest on without them; from the newest on without them.
+    // the newest on without them.
     template <class Visit>
     bool FromOldest(Visit visit) {
         const Calls calls(*this);
         for (std::size_t i = 0; i < entries.size(); ++i)
-            if (!VisitAt(i, visit))
-                return false;
-        return true;
-    }
-
-    template <class Visit>
-    bool FromOldestOfNow(Visit visit) {
-        const Calls calls(*this);
-        const std::size_t count = entries.size();
-        for (std::size_t i = 0; i < count; ++i)
             if (!VisitAt(i, visit))
                 return false;
         return true;
@@ -73,6 +63,19 @@ class AVSKCallbackSequence {
             if (!VisitAt(i, visit))
                 return false;
         return true;
+    }
+
+    // Calls visit(item) for each item there is now, from the oldest on.
+    template <class Visit>
+    void EachOfNow(Visit visit) {
+        const Calls calls(*this);
+        const std::size_t count = entries.size();
+        for (std::size_t i = 0; i < count; ++i) {
+            if (entries[i].erased)
+                continue;
+            const T item = entries[i].item;
+            visit(item);
+        }
     }
 
   private:

@@ -32,7 +32,7 @@ class AVSKDelivery {
 // move while something is queued: the first delivery points back at it.
 class AVSKDeliveryHead final : public AVSKDelivery {
   public:
-    void DeliverToPlugin(bool /*cancelled*/) override {}
+    void DeliverToPlugin(bool /*cancelled*/) override {} // unreachable: a head is in no queue
 };
 
 extern AVSKDeliveryHead orphaned; // pending deliveries of plugins that are gone

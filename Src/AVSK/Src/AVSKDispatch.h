@@ -33,20 +33,21 @@ const char *DebugCurrentPluginName();
 // one of its calls is among them stays mapped until the stack is empty.
 class [[nodiscard]] StDispatchCallback {
   public:
-    StDispatchCallback() : previous(gDispatchedPlugin), frame(FrameAt(stack.depth++)) { *frame = previous; }
+    StDispatchCallback() : previous(gDispatchedPlugin), frame(Push(previous)) {}
 
-    explicit StDispatchCallback(int id) : previous(gDispatchedPlugin), frame(nullptr) {
-        Record(id, stack.depth++);
+    explicit StDispatchCallback(int id) : previous(gDispatchedPlugin), frame(Push(id)) {
         gDispatchedPlugin = id;
         callAllowed = MayCall(id);
     }
 
     // Inline also where an exception passes, or the guard would live in memory.
+    // The top is put back, not counted down: each call would wait for what the
+    // one before has just stored.
     [[gnu::always_inline]] ~StDispatchCallback() {
-        --stack.depth;
+        stack.top = frame;
         gDispatchedPlugin = previous;
         if (stack.unloadsWait) [[unlikely]]
-            ReturnPastUnloads(stack.depth, previous);
+            ReturnPastUnloads(frame, previous);
     }
 
     StDispatchCallback(const StDispatchCallback &) = delete;
@@ -70,31 +71,34 @@ class [[nodiscard]] StDispatchCallback {
     static bool MayCall(int id) {
         if (static_cast<unsigned>(id) < gCallFlags.count) [[likely]]
             return gCallFlags.enabled[id] != 0;
-        return id == AVSK_PLUGIN_AERIVO && gCallFlags.count == 0;
+        return id == AVSK_PLUGIN_AERIVO; // before there are records
     }
-
-    static constexpr int kRecordedCalls = 1024;
 
     // Kept apart from the guards: nothing points at a guard, so that its
     // members stay in registers.
     struct Stack {
-        int depth;
+        int *top; // the frame of the next call
         bool unloadsWait;
     };
-    static int frames[kRecordedCalls + 1]; // the plugin called; deeper calls may be anybody's
 
-    static void Record(int id, int depth) {
-        if (depth < kRecordedCalls) [[likely]]
-            frames[depth] = id;
+    // Calls deeper than the recorded ones share the last frame, which nobody
+    // reads; the one before it only tells the two apart.
+    static constexpr int kRecordedCalls = 1024;
+    static int frames[kRecordedCalls + 2]; // the plugins called
+    static constexpr int *kSharedFrame = frames + kRecordedCalls + 1;
+
+    static int *Push(int id) {
+        int *const pushed = stack.top;
+        *pushed = id;
+        stack.top = pushed + (pushed != kSharedFrame);
+        return pushed;
     }
-    // Calls deeper than the recorded ones share a frame that nobody reads.
-    static int *FrameAt(int depth) { return frames + (depth < kRecordedCalls ? depth : kRecordedCalls); }
     static bool IsUnderWay(int id);
-    static void ReturnPastUnloads(int depth, int previous);
+    static void ReturnPastUnloads(const int *top, int previous);
 
     bool callAllowed = false;
     const int previous;
-    int *const frame; // of a walk
+    int *const frame;
 
     static Stack stack;
 };

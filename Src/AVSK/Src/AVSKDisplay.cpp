@@ -522,8 +522,7 @@ int CallDragWindow(int x, int y, int status) {
     const StDispatchCallback guard(window->owner);
     if (!guard())
         return kNotHandled;
-    if (window->mouseClickFunc)
-        window->mouseClickFunc(window, x, y, status, window->refcon);
+    window->mouseClickFunc(window, x, y, status, window->refcon); // it took the press
     return kConsumed;
 }
 

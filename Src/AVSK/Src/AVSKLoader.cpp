@@ -36,8 +36,8 @@ int gDispatchedPlugin = AVSK_PLUGIN_AERIVO;
 const char *const kFeatureNames[kFeatureCount] = {"AVSK_WANTS_REFLECTIONS", "AVSK_USE_NATIVE_PATHS"};
 AVSKDeliveryHead orphaned;
 
-StDispatchCallback::Stack StDispatchCallback::stack = {};
-int StDispatchCallback::frames[kRecordedCalls + 1];
+int StDispatchCallback::frames[kRecordedCalls + 2];
+constinit StDispatchCallback::Stack StDispatchCallback::stack = {frames, false};
 
 namespace {
 
@@ -268,10 +268,9 @@ void ReportUnknownFeature() { AVSKSendError("Illegal feature name passed to AVSK
 // ---- Dispatch
 
 bool StDispatchCallback::IsUnderWay(int id) {
-    if (stack.depth > kRecordedCalls)
+    if (stack.top == kSharedFrame)
         return true;
-    int *const end = frames + stack.depth;
-    return std::find(frames, end, id) != end;
+    return std::find(frames, stack.top, id) != stack.top;
 }
 
 void StDispatchCallback::ReleaseLibrary(int id, void *handle) {
@@ -280,7 +279,7 @@ void StDispatchCallback::ReleaseLibrary(int id, void *handle) {
             AVSKUnloadDLL(handle);
         return;
     }
-    std::replace(frames, frames + std::min(stack.depth, kRecordedCalls), id, FrameOfUnloaded(id));
+    std::replace(frames, std::min(stack.top, frames + kRecordedCalls), id, FrameOfUnloaded(id));
     if (gDispatchedPlugin == id)
         gDispatchedPlugin = NO_PLUGIN_ID;
     stack.unloadsWait = true;
@@ -288,9 +287,9 @@ void StDispatchCallback::ReleaseLibrary(int id, void *handle) {
         gWaitingLibraries.push_back(handle);
 }
 
-void StDispatchCallback::ReturnPastUnloads(int depth, int previous) {
-    if (depth > 0) {
-        if (depth <= kRecordedCalls && frames[depth - 1] == FrameOfUnloaded(previous))
+void StDispatchCallback::ReturnPastUnloads(const int *top, int previous) {
+    if (top != frames) {
+        if (top != kSharedFrame && top[-1] == FrameOfUnloaded(previous))
             gDispatchedPlugin = NO_PLUGIN_ID;
         return;
     }
@@ -393,7 +392,8 @@ void AVSKFindAndLoadPlugins(const char *hostFolder) {
     host->name = "Aerivo";
     host->path = "corvane.aerivo.aerivo"; // found by path, not by signature: both are relied upon
     host->description = "Aerivo flight simulator";
-    host->receiveMessageFunc = gHooks->receiveMessage;
+    if (AVSKHostHasFullTable(gHooks)) // it is the last slot
+        host->receiveMessageFunc = gHooks->receiveMessage;
     host->enabled = true;
     Append(host);
 
@@ -438,7 +438,9 @@ void AVSKLoadUsersAircraftPlugins() {
 
 int LoadFatPlugin(const std::string &folder) {
     const int id = LoadOnePlugin(folder + "/32/lin.avp", 0);
-    return id != NO_PLUGIN_ID || !MayLoad() ? id : LoadOnePlugin(folder + "/lin.avp", 0);
+    if (id != NO_PLUGIN_ID || !MayLoad())
+        return id;
+    return LoadOnePlugin(folder + "/lin.avp", 0);
 }
 
 int LoadOnePlugin(const std::string &path, int reportMissing) {
@@ -533,7 +535,7 @@ int LoadOnePlugin(const std::string &path, int reportMissing) {
 
 void UnloadOnePlugin(int id) {
     const PluginShare record = ShareOf(id);
-    if (!record || record->unloaded)
+    if (!record || record->unloaded) // unreachable: a defence, callers pass IDs of records
         return;
     AbandonDeliveries(*record);
 
@@ -582,7 +584,7 @@ void AVSKDisableAndUnloadPlugins() {
 void AVSKUnloadAcfPlugin() {
     std::vector<PluginShare> leaving;
     for (const int id : std::exchange(gCurrentAircraftPluginIDS, {}))
-        if (PluginShare record = ShareOf(id))
+        if (PluginShare record = ShareOf(id)) // unreachable: a defence, the list goes with the registry
             leaving.push_back(std::move(record));
     LastCalls calls;
     for (const PluginShare &record : leaving)
@@ -780,8 +782,8 @@ void AVSKQueueDelivery(AVSKDelivery *d) {
 }
 
 void AVSKSendDelivery(AVSKDelivery *d) {
-    if (std::exchange(d->arrived, true))
-        return;
+    if (std::exchange(d->arrived, true)) // unreachable: a defence, nobody sends one twice
+        return;                          // unreachable: likewise
     AVSKDeliveryDequeue(d);
     PluginRecord *record = AVSKPluginAt(d->pluginID);
     if (!record) { // its plugin is gone

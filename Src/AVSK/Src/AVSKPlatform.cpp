@@ -6,34 +6,69 @@
 
 #include <cctype>
 #include <cerrno>
+#include <cstdint>
 #include <cstdio>
 #include <cstring>
 
 #include <dirent.h>
 #include <dlfcn.h>
+#include <elf.h>
 #include <pthread.h>
 #include <sys/stat.h>
 
 namespace {
 
-void LogLinkerError() {
+void LogLinkerError(const char *reason) {
     AVSKDebugString("dlerror:");
-    if (const char *reason = dlerror())
+    if (reason)
         AVSKDebugString(reason);
     AVSKDebugString("\n");
+}
+
+// The linker maps what a library's headers promise and does not look at the
+// file's length: touching what a broken-off copy lacks would end the process.
+bool BreaksOff(std::FILE *file) {
+    Elf32_Ehdr header = {};
+    if (std::fread(&header, sizeof header, 1, file) != 1 || std::memcmp(header.e_ident, ELFMAG, SELFMAG) != 0 ||
+        header.e_ident[EI_CLASS] != ELFCLASS32)
+        return false; // the linker says what is wrong
+    struct stat info = {};
+    if (fstat(fileno(file), &info) != 0)
+        return false;
+    for (unsigned i = 0; i < header.e_phnum; ++i) {
+        Elf32_Phdr part = {};
+        if (std::fseek(file, static_cast<long>(header.e_phoff + i * header.e_phentsize), SEEK_SET) != 0 ||
+            std::fread(&part, sizeof part, 1, file) != 1)
+            return true;
+        if (part.p_type == PT_LOAD &&
+            std::uint64_t{part.p_offset} + part.p_filesz > static_cast<std::uint64_t>(info.st_size))
+            return true;
+    }
+    return false;
 }
 
 } // namespace
 
 void *AVSKLoadDLL(const char *path) {
+    // A pipe is not opened: that would wait for a writer.
+    struct stat info = {};
+    if (stat(path, &info) == 0 && S_ISFIFO(info.st_mode)) {
+        LogLinkerError("a pipe, not a library");
+        return nullptr;
+    }
     std::FILE *probe = std::fopen(path, "rb");
     if (!probe)
         return nullptr;
+    const bool breaksOff = BreaksOff(probe);
     std::fclose(probe);
+    if (breaksOff) {
+        LogLinkerError("the file breaks off: copy it again");
+        return nullptr;
+    }
 
     void *handle = dlopen(path, RTLD_NOW | RTLD_GLOBAL);
     if (!handle)
-        LogLinkerError();
+        LogLinkerError(dlerror());
     return handle;
 }
 
@@ -44,7 +79,7 @@ void *AVSKFindSymbol(void *handle, const char *name, int logFailure) {
         return nullptr;
     void *symbol = dlsym(handle, name);
     if (!symbol && logFailure)
-        LogLinkerError();
+        LogLinkerError(dlerror());
     return symbol;
 }
 

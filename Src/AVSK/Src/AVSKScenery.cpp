@@ -11,6 +11,7 @@
 #include "AVSKModules.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <cstdint>
 #include <map>
 #include <set>
@@ -154,8 +155,13 @@ void AVSKLoadObjectAsync(const char *path, AVSKObjectLoaded_f callback, void *re
         return;
     auto *completion = new AVSKObjectCompletion_t(callback, refcon);
     AVSKQueueDelivery(completion);
-    // The host may complete it in there, after which it is gone.
-    gHooks->loadObjectAsync(path, AVSKObjectCompletion_t::AsyncCB, completion->Argument());
+    void *const argument = completion->Argument();
+    // The host may complete it in there, after which it is gone. The table of an
+    // old host ends before the service: with it the plugin waits for the object.
+    if (gHooks->sizeInBytes >= static_cast<int>(offsetof(AVSKHostCallbacks, loadObjectAsync) + sizeof(void *)))
+        gHooks->loadObjectAsync(path, AVSKObjectCompletion_t::AsyncCB, argument);
+    else
+        AVSKObjectCompletion_t::AsyncCB(gHooks->loadObject(path), argument);
 }
 
 void AVSKDrawObjects(AVSKObjectRef object, int count, AVSKDrawInfo *infos, int lighting, int earthRelative) {

@@ -58,36 +58,30 @@ AVSKSharedDataRecord *FindShared(const char *name) {
 // Everybody hears of every write, also the writer.
 void Notify(AVSKSharedDataRecord &record) {
     StDispatchCallback guard;
-    record.subscribers.FromOldestOfNow([&guard](const AVSKSharedDataSubscriber &subscriber) {
+    record.subscribers.EachOfNow([&guard](const AVSKSharedDataSubscriber &subscriber) {
         if (guard.Enter(subscriber.owner))
             subscriber.callback(subscriber.refcon);
-        return true;
     });
 }
 
-template <class T, int type>
+template <class T>
 T GetScalar(void *refcon) {
     const auto &record = *static_cast<const AVSKSharedDataRecord *>(refcon);
     T value = 0;
-    if (record.type == type)
-        std::memcpy(&value, record.buffer, sizeof value);
+    std::memcpy(&value, record.buffer, sizeof value);
     return value;
 }
 
-template <class T, int type>
+template <class T>
 void SetScalar(void *refcon, T value) {
     auto &record = *static_cast<AVSKSharedDataRecord *>(refcon);
-    if (record.type != type)
-        return;
     std::memcpy(record.buffer, &value, sizeof value);
     Notify(record);
 }
 
 // Copies out what lies inside the value.
-int GetElements(void *refcon, int type, int elementSize, void *values, int offset, int max) {
+int GetElements(void *refcon, int elementSize, void *values, int offset, int max) {
     const auto &record = *static_cast<const AVSKSharedDataRecord *>(refcon);
-    if (record.type != type)
-        return 0;
     const int count = record.size / elementSize;
     if (!values)
         return count;
@@ -100,17 +94,17 @@ int GetElements(void *refcon, int type, int elementSize, void *values, int offse
 
 // Grows the value to hold what is written; it never shrinks. What would lie
 // before it, or cannot be held, is not written.
-void SetElements(void *refcon, int type, int elementSize, const void *values, int offset, int count) {
+void SetElements(void *refcon, int elementSize, const void *values, int offset, int count) {
     auto &record = *static_cast<AVSKSharedDataRecord *>(refcon);
-    if (record.type != type || offset < 0 || count < 0 || (count > 0 && !values))
+    if (offset < 0 || count < 0 || (count > 0 && !values))
         return;
     const std::int64_t needed = (static_cast<std::int64_t>(offset) + count) * elementSize;
     if (needed > INT32_MAX)
         return;
     if (record.size < needed) {
         auto *grown = static_cast<unsigned char *>(std::realloc(record.buffer, static_cast<std::size_t>(needed)));
-        if (!grown)
-            return;
+        if (!grown) // unreachable: only without memory
+            return; // unreachable: only without memory
         // A gap shows nothing of what lay in memory before.
         std::memset(grown + record.size, 0, static_cast<std::size_t>(needed - record.size));
         record.buffer = grown;
@@ -121,42 +115,42 @@ void SetElements(void *refcon, int type, int elementSize, const void *values, in
     Notify(record);
 }
 
-// The accessors of the datarefs, one pair per type.
+// The accessors of the datarefs, one pair per type, of which a record has its own.
 
-int AVSKSharedDataGeti(void *refcon) { return GetScalar<int, AVSKDataTypeInt>(refcon); }
+int AVSKSharedDataGeti(void *refcon) { return GetScalar<int>(refcon); }
 
-void AVSKSharedDataSeti(void *refcon, int value) { SetScalar<int, AVSKDataTypeInt>(refcon, value); }
+void AVSKSharedDataSeti(void *refcon, int value) { SetScalar<int>(refcon, value); }
 
-float AVSKSharedDataGetf(void *refcon) { return GetScalar<float, AVSKDataTypeFloat>(refcon); }
+float AVSKSharedDataGetf(void *refcon) { return GetScalar<float>(refcon); }
 
-void AVSKSharedDataSetf(void *refcon, float value) { SetScalar<float, AVSKDataTypeFloat>(refcon, value); }
+void AVSKSharedDataSetf(void *refcon, float value) { SetScalar<float>(refcon, value); }
 
-double AVSKSharedDataGetd(void *refcon) { return GetScalar<double, AVSKDataTypeDouble>(refcon); }
+double AVSKSharedDataGetd(void *refcon) { return GetScalar<double>(refcon); }
 
-void AVSKSharedDataSetd(void *refcon, double value) { SetScalar<double, AVSKDataTypeDouble>(refcon, value); }
+void AVSKSharedDataSetd(void *refcon, double value) { SetScalar<double>(refcon, value); }
 
 int AVSKSharedDataGetvi(void *refcon, int *values, int offset, int max) {
-    return GetElements(refcon, AVSKDataTypeIntArray, 4, values, offset, max);
+    return GetElements(refcon, 4, values, offset, max);
 }
 
 void AVSKSharedDataSetvi(void *refcon, int *values, int offset, int count) {
-    SetElements(refcon, AVSKDataTypeIntArray, 4, values, offset, count);
+    SetElements(refcon, 4, values, offset, count);
 }
 
 int AVSKSharedDataGetvf(void *refcon, float *values, int offset, int max) {
-    return GetElements(refcon, AVSKDataTypeFloatArray, 4, values, offset, max);
+    return GetElements(refcon, 4, values, offset, max);
 }
 
 void AVSKSharedDataSetvf(void *refcon, float *values, int offset, int count) {
-    SetElements(refcon, AVSKDataTypeFloatArray, 4, values, offset, count);
+    SetElements(refcon, 4, values, offset, count);
 }
 
 int AVSKSharedDataGetb(void *refcon, void *bytes, int offset, int max) {
-    return GetElements(refcon, AVSKDataTypeData, 1, bytes, offset, max);
+    return GetElements(refcon, 1, bytes, offset, max);
 }
 
 void AVSKSharedDataSetb(void *refcon, void *bytes, int offset, int count) {
-    SetElements(refcon, AVSKDataTypeData, 1, bytes, offset, count);
+    SetElements(refcon, 1, bytes, offset, count);
 }
 
 // The record's dataref, with accessors for its type only. It is the host's,
@@ -190,8 +184,8 @@ int AVSKShareData(const char *name, int type, AVSKDataChanged_f callback, void *
     if (!record) {
         const int size = InitialSize(type);
         auto *buffer = static_cast<unsigned char *>(std::calloc(1, static_cast<std::size_t>(size)));
-        if (!buffer)
-            return 0;
+        if (!buffer)  // unreachable: only without memory
+            return 0; // unreachable: only without memory
         record = new AVSKSharedDataRecord{name, type, buffer, size, {}};
         gSharedData.push_back(record);
         Publish(*record);

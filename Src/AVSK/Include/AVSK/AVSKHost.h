@@ -184,9 +184,12 @@ typedef struct AVSKHostCallbacks {
     int (*loadDataFile)(int type, const char *path);
     /** Slot 69: saves a data file of type 1 or 2. */
     int (*saveDataFile)(int type, const char *path);
-    /** Slot 70: loads an object later: call completion once, on the main thread, with the object or null. */
+    /**
+     * Slot 70: loads an object later: call completion once, on the main thread, with the object or null. If
+     * the table ends before it, slot 64 loads the object at once.
+     */
     void (*loadObjectAsync)(const char *path, void (*completion)(void *object, void *argument), void *argument);
-    /** Slot 71: receives the messages sent to plugin 0. */
+    /** Slot 71: receives the messages sent to plugin 0. Called only if AVSKHostHasFullTable(). */
     void (*receiveMessage)(AVSKPluginID sender, int message, void *parameter);
 } AVSKHostCallbacks;
 
@@ -208,7 +211,7 @@ static inline int AVSKHostHasProgress(const AVSKHostCallbacks *host) { return ho
 
 /**
  * Tells whether the table has all 72 words. Older hosts pass a shorter one,
- * with which slots 33 and 34 are not called.
+ * with which slots 33, 34 and 71 are not called.
  *
  * @param host  the table.
  * @return non-zero if it does.
