@@ -150,6 +150,15 @@ TEST_F(Camera, SurvivesWhatItsFunctionDoes) {
         }
 }
 
+TEST_F(Camera, WithoutAFunctionItIsGivenUpByTheFirstUpdateOrView) {
+    for (const bool updated : {true, false}) {
+        a.Run([] { AVSKControlCamera(AVSKCameraUntilViewChanges, nullptr, nullptr); });
+        EXPECT_EQ(updated ? Update(1, 7) : ChangeView(), "");
+        EXPECT_EQ(Controlled(), 0);
+    }
+    AVSKReadCameraPosition(nullptr);
+}
+
 // Each of the two is told of its own loss.
 TEST_F(Camera, AControllerIsToldThoughAnotherIsJustBeingTold) {
     Control(a, AVSKCameraUntilViewChanges, [&](AVSKCameraPosition *, int isLosing) {

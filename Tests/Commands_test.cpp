@@ -51,6 +51,7 @@ TEST_F(Commands, AreHandledNewestFirstBeforeTheHostAndOldestFirstAfterIt) {
 
 TEST_F(Commands, HaveAPhaseInWhichTheEndWins) {
     Handle(a, 1, [](AVSKCommandRef, int phase) { return Note(std::to_string(phase)), 1; });
+    a.Run([] { AVSKRegisterCommandHandler(kPush, nullptr, 1, nullptr); }); // is passed over
     for (const auto &[begin, end] : {std::pair(0, 0), {1, 0}, {0, 256}, {1, 1}})
         EXPECT_EQ(AVSKCommandHook(kPush, begin, end, 1), 1);
     EXPECT_EQ(TakeCalls(), "1; 0; 2; 2");
@@ -142,11 +143,14 @@ TEST_F(Commands, ThePrefixOfTheSimulatorsIsComplainedAboutAndUsedAllTheSame) {
         for (const char *name : {"sim/x", "sim", "my/sim/x"})
             EXPECT_EQ(AVSKCreateCommand(name, "text"), kPull);
         EXPECT_EQ(AVSKFindCommand("sim/x"), kPull);
+        EXPECT_EQ(AVSKCreateCommand(nullptr, "text"), kPull);
     });
     EXPECT_EQ(TakeCalls(), "error: Plugin is illegally registering a command with the prefix sim/; "
                            "findCommand(\"sim/x\", \"text\", 1); findCommand(\"sim\", \"text\", 1); "
-                           "findCommand(\"my/sim/x\", \"text\", 1); findCommand(\"sim/x\", null, 0)");
-    EXPECT_EQ(host.TakeLog(), "[Name of A]: It is illegal to register a command starting with sim/\n");
+                           "findCommand(\"my/sim/x\", \"text\", 1); findCommand(\"sim/x\", null, 0); "
+                           "findCommand(null, \"text\", 1)");
+    EXPECT_EQ(host.logPieces,
+              (Lines{"[", "Name of A", "]: ", "It is illegal to register a command starting with sim/", "\n"}));
 }
 
 // ---- Holding

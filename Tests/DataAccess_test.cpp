@@ -32,6 +32,13 @@ TEST_F(DataAccess, ANameKeepsItsHandleThroughOwnersAndGaps) {
     EXPECT_EQ(PublishAs(b, "a/x", Eight), ref);
     EXPECT_EQ(AVSKGetDatai(ref), 8);
     EXPECT_EQ(AVSKFindDataRef(nullptr), nullptr);
+    EXPECT_EQ(Publish(nullptr), nullptr);
+}
+
+TEST_F(DataAccess, NamesOfTheSameHashAreTwo) {
+    PublishAs(a, "a/83368", Seven);
+    PublishAs(a, "a/132813", Eight);
+    EXPECT_EQ(AVSKGetDatai(AVSKFindDataRef("a/83368")) * 10 + AVSKGetDatai(AVSKFindDataRef("a/132813")), 78);
 }
 
 TEST_F(DataAccess, OnlyItsOwnerGivesADatarefUp) {

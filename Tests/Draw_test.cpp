@@ -34,8 +34,9 @@ TEST_F(Draw, EachCodeDispatchesItsPhases) {
         return answer;
     };
     for (const int phase : {-1, 0, 5, 10, 15, 20, 25, 30, 35, 40, 45, 50, 55, 60, 100, 101, 102, 103})
-        for (const int before : {0, 1})
+        for (const int before : {0, 1, 2, -1}) // the last two never
             EXPECT_EQ(Register(a, player, phase, before), 1);
+    a.Run([] { EXPECT_EQ(AVSKRegisterDrawCallback(nullptr, 5, 1, nullptr), 1); });
     AVSKCreateWindow(
         0, 1, 1, 0, 1, [](AVSKWindowID, void *refcon) { *static_cast<std::string *>(refcon) = "window"; }, nullptr,
         nullptr, &calls);

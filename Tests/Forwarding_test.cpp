@@ -68,7 +68,7 @@ void ExpectForwarded(const char *name, Result (*call)(Arguments...),
     X(AVSKSetFMSEntryLatLon, setFMSEntryLatLon) X(AVSKClearFMSEntry, clearFMSEntry)                                   \
     X(AVSKGetGPSDestinationType, getGPSDestinationType) X(AVSKGetGPSDestination, getGPSDestination)                   \
     X(AVSKPlaceUserAtAirport, placeUserAtAirport) X(AVSKSimulateKeyPress, simulateKeyPress)                           \
-    X(AVSKCommandKeyStroke, commandKeyStroke) X(AVSKLookupObjects, lookupObjects) X(AVSKSpeakString, speakString)     \
+    X(AVSKCommandKeyStroke, commandKeyStroke) X(AVSKSpeakString, speakString)                                         \
     X(AVSKGetLanguage, getLanguage) X(AVSKFindSymbol, findSymbol) X(AVSKDebugString, debugString)                     \
     X(AVSKBindTexture2d, bindTexture2d) X(AVSKGenerateTextureNumbers, generateTextureNumbers)                         \
     X(AVSKGetTexture, getTexture) X(AVSKGetScreenSize, getScreenSize) X(AVSKGetFontDimensions, getFontDimensions)     \
@@ -90,11 +90,12 @@ TEST(Forwarding, WhatIsNotAWordReachesTheHostToo) {
     AVSKLocalToWorld(1.5, 2.5, 3.5, nullptr, nullptr, nullptr);
     AVSKDrawNumber(nullptr, 1, 2, -3.25, 4, 5, 6, 7);
     AVSKGetMouseLocation(nullptr, nullptr);
+    AVSKLookupObjects("path", 1.5F, 2.5F, nullptr, nullptr);
     AVSKMeasureString(1, "text", 4);
-    EXPECT_EQ(Take(),
-              (Lines{"reloadScenery()", "worldToLocal(1.5, 2.5, 3.5, null, null, null)",
-                     "localToWorld(1.5, 2.5, 3.5, null, null, null)", "drawNumber(null, 1, 2, -3.25, 4, 5, 6, 7)",
-                     "getMouseLocation(null, null, 1)", "measureString(1, \"text\", 4)"}));
+    EXPECT_EQ(Take(), (Lines{"reloadScenery()", "worldToLocal(1.5, 2.5, 3.5, null, null, null)",
+                             "localToWorld(1.5, 2.5, 3.5, null, null, null)",
+                             "drawNumber(null, 1, 2, -3.25, 4, 5, 6, 7)", "getMouseLocation(null, null, 1)",
+                             "lookupObjects(\"path\", 1.5, 2.5, null, null)", "measureString(1, \"text\", 4)"}));
 }
 
 } // namespace

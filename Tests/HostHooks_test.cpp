@@ -57,34 +57,4 @@ TEST_F(HostHooks, EventsAreBroadcastWithTheirMessages) {
     }
 }
 
-// Slot 54 needs version 4, slot 53 version 3, slot 33 a table of 288 bytes.
-TEST_F(HostHooks, OlderHostsAreSparedTheSlotsTheyDoNotHave) {
-    const struct {
-        int version, size;
-        const char *called; // of destroyMenu, showMessage and showProgress
-    } cases[] = {{2, 287, ""},
-                 {3, 287, "Message"},
-                 {4, 287, "MessageProgress"},
-                 {2, 288, "Menu"},
-                 {5, 400, "MenuMessageProgress"}};
-    Puppet &a = world.InstallAt("Resources/plugins/A.avp", "A");
-    for (const auto &each : cases) {
-        SCOPED_TRACE(Line("version ", each.version, ", size ", each.size));
-        host.table.version = each.version;
-        host.table.sizeInBytes = each.size;
-        world.Start();
-        a.Run([] { AVSKDestroyMenu(AVSKCreateMenu("M", nullptr, 0, nullptr, nullptr)); });
-        AVSKReloadPlugins();
-        World::Pass(1);
-        world.Stop();
-        const std::string calls = TakeCalls();
-        std::string called;
-        for (const char *service : {"destroyMenu(", "showMessage(", "showProgress("})
-            if (calls.find(service) != std::string::npos)
-                called += std::string(service).substr(service[0] == 'd' ? 7 : 4);
-        std::erase(called, '(');
-        EXPECT_EQ(called, each.called);
-    }
-}
-
 } // namespace

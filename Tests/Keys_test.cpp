@@ -101,7 +101,13 @@ TEST_F(Keys, ASniffersThreeValuesAreItsNameWhoeverRegisteredItAndAsLongAsTheKeyP
         EXPECT_EQ(AVSKUnregisterKeySniffer(Play, before, &player), 1);
         EXPECT_EQ(AVSKUnregisterKeySniffer(Play, before, &player), 0);
     }
-    EXPECT_EQ(AVSKKeyPressHook(0, 0, 0), 1);
+    Player player = [](int, int, int) { return Note("called"), 1; };
+    Sniff(a, player, 0);
+    AVSKRegisterKeySniffer(nullptr, 0, nullptr);
+    for (const char virtualKey : {'\0', 'K'})
+        EXPECT_EQ(AVSKKeyPressHook(0, 0, virtualKey), 1);
+    EXPECT_EQ(Take(), Lines{"called"}) << "the first key is none";
+    AVSKUnregisterKeySniffer(Play, 0, &player);
 }
 
 // ---- Hot keys
@@ -110,6 +116,7 @@ TEST_F(Keys, TheNewestHotKeyWhosePluginIsEnabledRunsAlone) {
     HotPlayer player = [] { Note(std::to_string(AVSKGetMyID())); };
     Hot(a, 'K', 2, player);
     Hot(b, 'K', 2, player);
+    AVSKRegisterHotKey('K', 2, nullptr, nullptr, nullptr); // has nothing to run
     EXPECT_EQ(AVSKKeyPressHook('k', 2, 'K'), 0);
     AVSKDisablePlugin(b.Id());
     EXPECT_EQ(AVSKKeyPressHook('k', 2, 'K'), 0);

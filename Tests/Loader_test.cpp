@@ -1,10 +1,14 @@
 // Discovery, loading and unloading, with the exact log.
 #include "World.h"
 
+#include "AVSK/AVSKPlanes.h"
+
+#include <algorithm>
 #include <cstdio>
 #include <regex>
 #include <stdexcept>
 
+#include <dlfcn.h>
 #include <unistd.h>
 
 namespace {
@@ -49,6 +53,11 @@ TEST_F(Loader, ALoadedPluginIsLoggedInPieces) {
     EXPECT_EQ(world.Start(), 18);
     EXPECT_EQ(host.logPieces,
               (Lines{"Fetching plugins for ", folder, "\n\n", "Loaded: ", a.path, " (", a.signature, ").\n\n"}));
+    world.Stop();
+    host.TakeLog();
+    AVSKInitializePlugins(nullptr, &host.table, 0);
+    EXPECT_EQ(host.logPieces, (Lines{"Fetching plugins for ", "Resources/plugins", "\n\n"}));
+    AVSKShutdownPlugins();
 }
 
 TEST_F(Loader, DefectiveFilesAreLoggedAndPassedOver) {
@@ -160,12 +169,75 @@ TEST_F(Loader, WhatARefusedStartLeavesPassesToTheNextPlugin) {
     EXPECT_EQ(AVSKFindDataRef("zoo/leftover"), nullptr) << "the heir's cleanup takes it";
 }
 
+// Refused in a pass of flight loops. Its heir takes its ID, and with it what it left.
+TEST_F(Loader, ARefusedPluginStaysMappedIfWhatItLeftCouldCallIt) {
+    Puppet &a = world.Install("A");
+    Puppet &air = world.InstallAircraft("air");
+    world.InstallScenery("heir");
+    host.on.loadObject = [this](const char *) { return &host; };
+    const auto menu = [](AVSKMenuHandler_f handler) { AVSKCreateMenu("M", nullptr, 0, handler, nullptr); };
+    const auto loop = [&] {
+        const AVSKCreateFlightLoopParams params = {sizeof params, 0, air.code.flightLoop, nullptr};
+        return AVSKCreateFlightLoop(&params);
+    };
+    const std::pair<std::function<void()>, bool> cases[] = {
+        {[&] { AVSKDestroyFlightLoop(loop()); }, false},
+        {[&] { menu(nullptr); }, false},
+        {[] { AVSKUnloadObject(AVSKLoadObject("o")); }, false},
+        {[&] { loop(); }, true},
+        {[&] { menu(air.code.menuPicked); }, true},
+        {[] { Publish("x"); }, true},
+        {[] { AVSKAcquirePlanes(nullptr, nullptr, nullptr); }, true},
+        {[] { AVSKLoadObject("o"); }, true},
+        {[] { AVSKCreateProbe(AVSK_PROBE_Y); }, true},
+    };
+    LoopPlayer load = [](float, float, int) { return World::LoadAircraft(), 0.0F; };
+    for (const auto &[leave, mapped] : cases) {
+        world.StartQuietly();
+        air.start = [&act = leave] { return act(), 0; };
+        a.Run([&] { AVSKRegisterFlightLoopCallback(a.code.flightLoop, -1, &load); });
+        World::Pass(1);
+        EXPECT_EQ(air.IsMapped(), mapped);
+        world.LoadScenery();
+        world.Stop();
+        if (void *const left = dlopen(air.path.c_str(), RTLD_NOW | RTLD_NOLOAD))
+            dlclose(left), dlclose(left);
+    }
+}
+
 TEST_F(Loader, AnExceptionInStartLeavesNoRecord) {
     Puppet &a = world.Install("A");
     a.start = []() -> int { throw std::runtime_error("start"); };
     EXPECT_THROW(world.Start(), std::runtime_error);
     EXPECT_EQ(AVSKCountPlugins(), 1);
     EXPECT_EQ(AVSKGetMyID(), 0);
+    world.Stop();
+    a.start = []() -> int { AVSKShutdownPlugins(), throw std::runtime_error("start"); };
+    EXPECT_THROW(world.Start(), std::runtime_error);
+    EXPECT_EQ(AVSKCountPlugins(), 0);
+}
+
+TEST_F(Loader, AShutdownDuringAStartEndsTheLoading) {
+    std::string who;
+    for (const std::string file : {"Resources/plugins/PluginAdmin/32/lin.avp", "Resources/plugins/PluginAdmin/lin.avp",
+                                   "Resources/plugins/a.avp", "Resources/plugins/b.avp", "Resources/plugins/c/lin.avp",
+                                   "Aircraft/plugins/d/32/lin.avp", "Aircraft/plugins/e/lin.avp"})
+        world.InstallAt(file, file).start = [&, file] { return file.ends_with(who) ? AVSKShutdownPlugins(), 0 : 1; };
+    host.on.debugString = [&](const char *) { who == "log" ? AVSKShutdownPlugins() : void(); };
+    for (const auto &[name, started] : {std::pair("log", 0),
+                                        {"Admin/32/lin.avp", 1},
+                                        {"a.avp", 2},
+                                        {"b.avp", 3},
+                                        {"c/lin.avp", 4},
+                                        {"d/32/lin.avp", 5}}) {
+        who = name;
+        world.Start();
+        World::LoadAircraft();
+        const Lines calls = Take();
+        EXPECT_EQ(std::count_if(calls.begin(), calls.end(), [](auto &line) { return line.starts_with("start "); }),
+                  started);
+        EXPECT_EQ(AVSKCountPlugins(), 0);
+    }
 }
 
 // ---- Aircraft and scenery plugins
@@ -186,6 +258,11 @@ TEST_F(Aircraft, HearsTheAircraftGoButNotCome) {
     World::LoadAircraft();
     AVSKEventHook(AVSKHostEventPlaneUnloaded, 0, 0, 3);
     EXPECT_EQ(x.Id(), 1);
+    World::UnloadAircraft();
+    AVSKEventHook(AVSKHostEventSceneryFolder, 0, 0, 0);
+    host.aircraftModel = "no folder";
+    World::LoadAircraft();
+    EXPECT_EQ(AVSKCountPlugins(), 1) << "there is none to load from";
 }
 
 TEST_F(Aircraft, ARecordBeforeASceneryPluginsStaysAndIsNeverCalledAgain) {

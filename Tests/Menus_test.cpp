@@ -77,7 +77,9 @@ TEST_F(Menus, TheHostAsksForCheckMarksCountedFromMinusOne) {
         EXPECT_EQ(check, each.told);
         EXPECT_EQ(AVSKCheckMenuHook(host.Menu(1), 1, &check), 1);
         EXPECT_EQ(AVSKCheckMenuHook(nullptr, 0, &check), 1);
+        EXPECT_EQ(AVSKCheckMenuHook(host.Menu(1), 0, nullptr), each.answer);
     }
+    a.Run([&] { AVSKCheckMenuItemState(shared, 0, nullptr); });
 }
 
 TEST_F(Menus, APickCallsTheMenusHandlerAsItsOwnerWhoeverAppendedTheItem) {
@@ -157,17 +159,57 @@ TEST_F(Menus, AMenuThatIsGoneIsIgnoredByEveryCall) {
 }
 
 TEST_F(Menus, TheHostMayReEnterFromItsMenuServices) {
-    const AVSKMenuID menu = Create(a, "Mine");
-    Append(a, menu, "a0");
-    Append(a, menu, "a1");
-    host.on.setMenuItemName = [&](void *, int, const char *, int) {
-        host.on.setMenuItemName = nullptr;
-        AVSKDestroyMenu(menu);
+    AVSKMenuID menu = nullptr;
+    std::function<void()> inside; // a service, once
+    const auto act = [&] { return inside ? std::exchange(inside, nullptr)() : void(), 1; };
+    host.on.setMenuItemName = [&](void *, int, const char *, int) { act(); };
+    host.on.appendMenuItem = [&](void *, int, const char *, int) { return act(); };
+    host.on.removeMenuItem = [&](void *, int) { act(); };
+    const auto clear = [&] { AVSKClearAllMenuItems(menu); };
+    const auto destroy = [&] { AVSKDestroyMenu(menu); };
+    const auto append = [&] {
+        EXPECT_EQ(AVSKAppendMenuItem(menu, "late", nullptr, 0), -1) << "not where it was to be";
     };
-    a.Run([&] { AVSKClearAllMenuItems(menu); });
-    const AVSKMenuID second = Create(a, "Second");
-    host.on.appendMenuItem = [&](void *, int, const char *, int) { return AVSKDestroyMenu(second), 1; };
-    EXPECT_EQ(Append(a, second, "a0"), -1);
+    const auto remove = [&] { AVSKRemoveMenuItem(menu, 1); };
+    const struct {
+        std::function<void()> call, inside;
+        bool stays;
+    } cases[] = {{clear, destroy, false},
+                 {destroy, destroy, false},
+                 {append, destroy, false},
+                 {append, clear, true},
+                 {append, [&] { Append(b, menu, "B's"); }, true},
+                 {remove, clear, true},
+                 {remove, destroy, false}};
+    for (const auto &each : cases) {
+        menu = Create(a, "Mine");
+        for (int i = 0; i < 2; ++i)
+            Append(a, menu, "item");
+        a.Run([&] { inside = each.inside, each.call(); });
+        EXPECT_EQ(Append(a, menu, "still there") >= 0, each.stays);
+    }
+
+    // A duplicate's last calls are made in its own name.
+    World::UnloadAircraft();
+    air.signature = "test.A";
+    air.start = [&] {
+        AVSKAppendMenuItem(menu = AVSKCreateMenu("Mine", nullptr, 0, nullptr, nullptr), "item", nullptr, 0);
+        return inside = destroy, 1;
+    };
+    TakeCalls();
+    World::LoadAircraft();
+    const std::string calls = TakeCalls();
+    EXPECT_EQ(calls.find("destroyMenu("), calls.rfind("destroyMenu("));
+
+    air.signature = "test.air";
+    air.start = nullptr;
+    World::LoadAircraft();
+    for (int i = 0; i < 2; ++i)
+        Append(air, shared, "air's");
+    inside = [&] { AVSKClearAllMenuItems(shared); }; // the host's
+    World::UnloadAircraft();
+    EXPECT_EQ(Append(a, shared, "the first again"), 0);
+    world.Stop();
 }
 
 TEST_F(Menus, CleanupTakesAPluginsMenusThenItsSharedItemsFromTheLast) {

@@ -4,10 +4,12 @@
 #include "AVSK/AVSKThreadLocal.h"
 #include "AVSK/AVSKUtilities.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <fstream>
 #include <set>
+#include <sstream>
 #include <thread>
 
 namespace {
@@ -17,20 +19,25 @@ class Paths : public ThreePlugins {};
 // ---- Keys and buttons
 
 TEST_F(Paths, KeysHaveNamesAndOtherCodesAreUnknown) {
-    for (const auto &[code, name] : {std::pair(8, "Backspace"),
-                                     {13, "Return"},
-                                     {32, "Space"},
-                                     {47, "Help"},
-                                     {48, "0"},
-                                     {90, "Z"},
-                                     {105, "Numpad-9"},
-                                     {108, "Unknown"},
-                                     {135, "F24"},
-                                     {182, "\\"},
-                                     {189, "Numpad-="},
-                                     {0, "Unknown"},
-                                     {255, "Unknown"}})
-        EXPECT_STREQ(AVSKGetVirtualKeyDescription(static_cast<char>(code)), name);
+    const std::pair<int, const char *> runs[] = {
+        {8, "Backspace Tab"},
+        {12, "Clear Return"},
+        {27, "Escape"},
+        {32, "Space Page_Up Page_Down End Home Left Up Right Down Select Print Execute Snapshot Insert Delete Help"},
+        {48, "0 1 2 3 4 5 6 7 8 9"},
+        {65, "A B C D E F G H I J K L M N O P Q R S T U V W X Y Z"},
+        {96, "Numpad-0 Numpad-1 Numpad-2 Numpad-3 Numpad-4 Numpad-5 Numpad-6 Numpad-7 Numpad-8 Numpad-9"},
+        {106, "Numpad-* Numpad-+ Unknown Numpad-- Numpad-. Numpad-/"},
+        {112, "F1 F2 F3 F4 F5 F6 F7 F8 F9 F10 F11 F12 F13 F14 F15 F16 F17 F18 F19 F20 F21 F22 F23 F24"},
+        {176, "= - ] [ ' ; \\ , / . ` Enter Numpad-Enter Numpad-="}};
+    std::vector<std::string> names(256, "Unknown");
+    for (auto [code, words] : runs) {
+        std::istringstream run(words);
+        for (std::string name; run >> name; names.at(code++) = name)
+            std::replace(name.begin(), name.end(), '_', ' ');
+    }
+    for (int code = 0; code < 256; ++code)
+        EXPECT_EQ(AVSKGetVirtualKeyDescription(static_cast<char>(code)), names.at(code)) << code;
 }
 
 TEST_F(Paths, HeldButtonsArePressedAgainEveryFrameAndMayChangeMeanwhile) {
@@ -75,7 +82,12 @@ TEST_F(Paths, TheHostsPathsAreCutTo512BytesUnlessThePluginWantsThemNative) {
             for (const auto get : {AVSKGetSystemPath, AVSKGetPrefsPath}) {
                 get(out);
                 EXPECT_EQ(out, native ? path : path.substr(0, 511));
+                get(nullptr);
             }
+            EXPECT_EQ(AVSKIsFeatureEnabled("AVSK_USE_NATIVE_PATHS"), native);
+            EXPECT_EQ(AVSKFindPluginByPath(b.path.c_str()), b.Id());
+            AVSKGetPluginInfo(b.Id(), nullptr, out, nullptr, nullptr);
+            EXPECT_EQ(out, b.path);
         });
 }
 
@@ -143,6 +155,16 @@ TEST_F(Paths, AListingGivesWholeNamesWhileThereIsRoomForThemAndTheirEnd) {
         expected.resize(buffer.size(), '#');
         EXPECT_EQ(std::string(buffer.begin(), buffer.end()), expected);
     }
+    const auto list = [](const char *path, char *out, int size, int *returned) {
+        return AVSKGetDirectoryContents(path, 0, out, size, nullptr, 0, nullptr, returned);
+    };
+    a.Run([&] {
+        AVSKEnableFeature("AVSK_USE_NATIVE_PATHS", 1);
+        int returned = -1;
+        EXPECT_EQ(list(folder.c_str(), nullptr, 10, &returned), 0);
+        EXPECT_EQ(returned, 0);
+        EXPECT_EQ(list(folder.c_str(), all, 10, nullptr) + list(nullptr, all, 1, nullptr), 2);
+    });
 }
 
 // ---- Data files and thread slots
@@ -154,10 +176,19 @@ TEST_F(Paths, DataFilesAreCheckedBeforeTheHostIsAsked) {
     AVSKSaveDataFile(2, "p");
     AVSKSaveDataFile(0, "p");
     AVSKSaveDataFile(7, nullptr);
+    EXPECT_EQ(AVSKLoadDataFile(1, nullptr), 0);
     EXPECT_EQ(Take(), (Lines{"loadDataFile(1, \"p\")", "loadDataFile(2, \"p\")",
                              "error: Illegal file type passed to AVSKLoadDataFile.", "saveDataFile(2, \"p\")",
                              "error: Illegal file type passed to AVSKSaveDataFile.",
                              "error: Null file path passed to AVSKSaveDataFile."}));
+}
+
+TEST_F(Paths, VersionsAreTheHostsAndTheLibrarysAndAnyMayBeLeftOut) {
+    host.on.getVersions = [](int *version, int *value) { *version = 1160, *value = 7; };
+    int versions[3] = {};
+    AVSKGetVersions(&versions[0], &versions[1], &versions[2]);
+    EXPECT_EQ((std::vector<int>{versions, versions + 3}), (std::vector<int>{1160, 210, 7}));
+    AVSKGetVersions(nullptr, nullptr, nullptr);
 }
 
 TEST(ThreadLocal, EachThreadHasItsOwnValue) {

@@ -58,6 +58,8 @@ class Planes : public ThreePlugins {
 // ---- The calls that reach the host
 
 TEST_F(Planes, SomeCallsNeedControlAndTheUsersAircraftDoesNot) {
+    AVSKGetNthAircraftModel(2, nullptr, nullptr);
+    AVSKGetNthAircraftModel(-1, nullptr, nullptr);
     host.on.getAircraftModel = [](int, char *path, char *name) {
         std::strcpy(path, std::string(600, 'p').c_str());
         std::strcpy(name, "name");
@@ -72,6 +74,7 @@ TEST_F(Planes, SomeCallsNeedControlAndTheUsersAircraftDoesNot) {
         AVSKDrawAircraft(1, 2, 3, 4, 5, 6, 7, 8, 9);
         AVSKSetUsersAircraft("/a/b/model.acf");
         AVSKSetUsersAircraft("model.acf");
+        AVSKSetUsersAircraft(nullptr);
     };
     const std::string always = "loadAircraftModel(0, \"/a/b/model.acf\", \"model.acf\"); "
                                "loadAircraftModel(0, \"model.acf\", \"odel.acf\")";

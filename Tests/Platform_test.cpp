@@ -1,11 +1,18 @@
 // Libraries, symbols, folders and the two text functions.
+#include "AVSKDispatch.h"
+#include "AVSKErrors.h"
 #include "AVSKPlatform.h"
 #include "World.h"
 
 #include <algorithm>
 #include <fstream>
+#include <tuple>
 
+#include <dlfcn.h>
 #include <unistd.h>
+
+AVSKData_t *DataIsValid(AVSKDataRef handle, std::map<std::string, AVSKData_t *>::iterator *outPosition);
+const char *DebugDataRefName(AVSKDataRef handle);
 
 namespace {
 
@@ -35,6 +42,57 @@ TEST_F(Platform, AFolderIsListedByPattern) {
     EXPECT_EQ(Contents("f", "DIR"), (Lines{"file.DIR", "my.dir", "my.dir", "sub", "x.avp"}));
     EXPECT_EQ(testing::internal::GetCapturedStdout(), "name dangling, errno 2\n");
     EXPECT_EQ(Contents("nowhere", "*.*"), Lines());
+}
+
+TEST_F(Platform, TextsAreMatchedCutAndStripped) {
+    const char *const texts[] = {"a.avp", "A.AvP", ".avp", "avp", "a.avx", "a.avp.x", ""};
+    const std::pair<const char *, const char *> patterns[] = {
+        {"*.avp", "1110000"}, {"*.*", "1111111"}, {"VP", "1111000"}};
+    for (const auto &[pattern, matches] : patterns)
+        for (std::size_t i = 0; i < std::size(texts); ++i)
+            EXPECT_EQ(suffix_matches(texts[i], pattern), matches[i] - '0') << texts[i] << " " << pattern;
+    for (const auto &[size, expected] :
+         {std::pair(-1, "#####"), {0, "#####"}, {1, "\0####"}, {3, "te\0##"}, {9, "text\0"}}) {
+        char buffer[6] = "#####";
+        strcpytrunc(buffer, "text", size);
+        EXPECT_EQ(std::string(buffer, 5), std::string(expected, 5)) << size;
+    }
+    for (const auto &[path, rest] : {std::pair("/plugins/x/plugins/B.avp", "B.avp"), {"/a/plugins", ""}, {"/D", "/D"}})
+        EXPECT_STREQ(StripPluginsFolder(path), rest);
+}
+
+// A symbol at address zero is found without a complaint of the system's.
+asm(".globl AvskTestNothing\n.set AvskTestNothing, 0");
+
+TEST_F(Platform, AMissingSymbolIsLoggedIfWanted) {
+    void *const program = dlopen(nullptr, RTLD_NOW);
+    AVSKFindSymbol(nullptr, "x", 1);
+    AVSKFindSymbol(program, "no such symbol", 0);
+    EXPECT_EQ(AVSKFindSymbol(program, "AvskTestNothing", 1), nullptr);
+    EXPECT_EQ(host.TakeLog(), "dlerror:\n");
+    dlclose(program);
+}
+
+TEST_F(Platform, WrongPluginsAndDatarefsHaveLabels) {
+    for (const auto &[id, label] : {std::pair(-2, "[Bad plugin ID low]"), {1, "[Bad plugin ID high]"}}) {
+        AVSKSetDispatchedPlugin(id);
+        EXPECT_STREQ(DebugCurrentPluginName(), label);
+    }
+    AVSKSetDispatchedPlugin(AVSK_PLUGIN_AERIVO);
+    const AVSKDataRef ref = Publish("a/x");
+    std::map<std::string, AVSKData_t *>::iterator position;
+    EXPECT_TRUE(DataIsValid(ref, &position) == ref && position->second == ref);
+    EXPECT_STREQ(DebugDataRefName(ref), "a/x");
+    EXPECT_STREQ(DebugDataRefName(nullptr), "(null dataref)");
+    EXPECT_STREQ(DebugDataRefName(reinterpret_cast<AVSKDataRef>(&position)), "(invalid dataref)");
+}
+
+TEST(Print, IsFormattedIntoTheLogOnceThereIsOne) {
+    AVSK_dprintf("lost");
+    World world;
+    world.StartQuietly();
+    EXPECT_EQ(AVSK_dprintf("%d %s", 2, std::string(9000, 'x').c_str()), 0);
+    EXPECT_EQ(Host().TakeLog(), "2 " + std::string(8189, 'x'));
 }
 
 } // namespace

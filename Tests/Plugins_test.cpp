@@ -1,6 +1,8 @@
 // The registry, enabling, reloading, messages, features and errors.
 #include "World.h"
 
+#include "AVSK/AVSKDisplay.h"
+#include "AVSK/AVSKPlanes.h"
 #include "AVSK/AVSKUtilities.h"
 
 #include <cstring>
@@ -46,6 +48,8 @@ TEST_F(Plugins, BadIDsAreHarmless) {
         AVSKSendMessageToPlugin(bad == NO_PLUGIN_ID ? 2 : bad, 1, nullptr);
     }
     EXPECT_EQ(Take(), Lines());
+    EXPECT_EQ(AVSKFindPluginByPath(nullptr), NO_PLUGIN_ID);
+    EXPECT_EQ(AVSKFindPluginBySignature(nullptr), NO_PLUGIN_ID);
 }
 
 // ---- Enabling
@@ -198,6 +202,41 @@ TEST_F(Plugins, UnloadedInsideItsOwnCallbackItStaysMappedUntilThatReturns) {
     }
 }
 
+TEST_F(Plugins, WhatItStillDoesThenIsNobodys) {
+    Puppet &air = world.InstallAircraft("air");
+    std::function<void()> complete;
+    host.on.loadObjectAsync = [&](const char *, auto done, void *argument) {
+        complete = [=] { done(argument, argument); };
+    };
+    world.StartQuietly();
+    World::LoadAircraft();
+    // Deeper than calls are counted.
+    int depth = 0;
+    air.message = [&](int, int message, void *) {
+        if (message == 1 && ++depth < 1500)
+            AVSKSendMessageToPlugin(1, 1, nullptr);
+        else if (message == 1)
+            World::UnloadAircraft();
+    };
+    AVSKSendMessageToPlugin(1, 1, nullptr);
+    EXPECT_FALSE(air.IsMapped());
+    World::LoadAircraft();
+    air.Run([&] {
+        World::UnloadAircraft();
+        EXPECT_STREQ(AVSKDebugGetCurrentPluginName(), "[NO_PLUGIN_ID]");
+        JournalErrors();
+        host.TakeLog();
+        AVSKCreateCommand("sim/x", "text");
+        AVSKLoadObjectAsync("path", air.code.loaded, nullptr);
+        AVSKAppendMenuItem(AVSKCreateMenu("M", nullptr, 0, nullptr, nullptr), "item", nullptr, 0);
+    });
+    EXPECT_EQ(host.TakeLog(), "[unknown]: It is illegal to register a command starting with sim/\n");
+    EXPECT_EQ(AVSKMenuItemEnabled(host.Menu(2), 0), 1);
+    Take();
+    complete();
+    EXPECT_EQ(TakeCalls(), "unloadObject(1)") << "no plugin is called";
+}
+
 TEST_F(Plugins, ItsExceptionMayStillBeUsedAfterItWasUnloaded) {
     const Puppet &air = world.InstallAircraft("air");
     world.StartQuietly();
@@ -230,6 +269,35 @@ TEST_F(Plugins, StopIsCalledOnceThoughItEndsInUnloadingAgainOrAShutdown) {
     EXPECT_EQ(TakeCalls(), "disable A; stop A");
     EXPECT_EQ(AVSKCountPlugins(), 0);
     EXPECT_FALSE(a.IsMapped());
+
+    a.stop = [] { AVSKReloadPlugins(), World::Pass(1); }; // waits for the next flight
+    air.stop = [] { AVSKShutdownPlugins(); };
+    world.StartQuietly();
+    World::LoadAircraft();
+    TakeCalls();
+    World::UnloadAircraft();
+    World::LoadAircraft(); // without the host nothing is loaded
+    EXPECT_EQ(TakeCalls(), "disable air; stop air; disable A; stop A");
+    EXPECT_EQ(AVSKCountPlugins(), 0);
+}
+
+// The disabling fails, so at its cleanup the window is still told, when command handlers were taken already.
+TEST_F(Plugins, WhatALastCallRegistersAnewIsTakenToo) {
+    Puppet &a = world.Install("A");
+    world.StartQuietly();
+    CommandPlayer command = [](AVSKCommandRef, int) { return Note("handled"), 1; };
+    NoticePlayer losing = [] { throw 1; };
+    a.stop = [&] { losing = [&] { AVSKRegisterCommandHandler(&host, a.code.command, 1, &command); }; };
+    a.Run([&] {
+        AVSKTakeKeyboardFocus(AVSKCreateWindow(
+            0, 1, 1, 0, 1, nullptr,
+            [](AVSKWindowID, char, int, char, void *refcon, int) { (*static_cast<const NoticePlayer *>(refcon))(); },
+            nullptr, &losing));
+    });
+    TakeCalls();
+    EXPECT_THROW(world.Stop(), int);
+    AVSKCommandHook(&host, 1, 0, 1);
+    EXPECT_EQ(TakeCalls(), "stop A");
 }
 
 TEST_F(Plugins, UnloadedInsideItsOwnEnableItStaysDisabled) {
@@ -279,6 +347,8 @@ TEST_F(Plugins, AnUnknownFeatureIsReportedInTheWordsOfTheEnablingCall) {
     world.StartQuietly();
     AVSKEnumerateFeatures([](const char *name, void *) { Note(Line(name, AVSKHasFeature(name))); }, nullptr);
     EXPECT_EQ(Take(), (Lines{"AVSK_WANTS_REFLECTIONS1", "AVSK_USE_NATIVE_PATHS1"}));
+    AVSKEnumerateFeatures(nullptr, nullptr);
+    EXPECT_EQ(AVSKHasFeature(nullptr), 0);
     const auto misuse = [] {
         EXPECT_EQ(AVSKIsFeatureEnabled("AVSK_FLYING_CARPETS"), 0);
         AVSKEnableFeature("AVSK_FLYING_CARPETS", 1);

@@ -26,22 +26,43 @@ class Processing : public ThreePlugins {
     static int FrameEnd(float now) { return AVSKEventHook(AVSKHostEventFrameEnd, now, 0, 0); }
 };
 
-TEST_F(Processing, AnIntervalSaysWhenALoopIsNextCalled) {
+// Passes do not look at the clock. Where it runs backwards a loop waits until the time
+// comes again; a time that is none is passed over; after the end of time nothing is later.
+TEST_F(Processing, AnIntervalSaysWhenALoopIsNextCalledWhateverTheClockSays) {
+    constexpr float inf = INFINITY;
+    const std::vector<float> even = {0.25F, 0.5F, 0.75F, 1, 1.25F, 1.5F, 1.75F, 2};
     const struct {
         float interval;
-        std::string calls; // passes 1 to 8, at 0.25 s each
-    } cases[] = {{0, "........"},     {-1, "********"},   {-1.5F, ".*.*.*.*"}, {-3, "..*..*.."},
-                 {0.25F, "********"}, {0.3F, ".*.*.*.*"}, {NAN, "........"}};
+        std::string calls;
+        std::vector<float> passes;
+        float created = 0;
+    } cases[] = {{0, "........", even},
+                 {-1, "********", even},
+                 {-1.5F, ".*.*.*.*", even},
+                 {-3, "..*..*..", even},
+                 {0.25F, "********", even},
+                 {0.3F, ".*.*.*.*", even},
+                 {NAN, "........", even},
+                 {-1e30F, "........", even},
+                 {-1, "****", {NAN, inf, -inf, -1}},
+                 {1, "*...*", {5, 3, 4, 5.5F, 6}},
+                 {1, "...*", {-5, 0, 10, 11}, 10},
+                 {1, ".*.*", {NAN, 1, NAN, 2}},
+                 {1, "*..*", {inf, 1, -inf, inf}},
+                 {inf, "..*.", {1, 1e30F, inf, 2}},
+                 {1, "....", {1, 2, inf, NAN}, NAN},
+                 {3e38F, ".*.", {3e38F, inf, 1}, 3e38F},
+                 {1, "**.", {-inf, -3e38F, -inf}, -inf}};
     for (const auto &each : cases) {
-        SCOPED_TRACE(each.interval);
+        SCOPED_TRACE(Line("every ", each.interval, ", created at ", each.created));
         bool called = false;
-        host.now = 0;
+        host.now = each.created;
         const AVSKFlightLoopID loop = Create([&](float, float, int) { return called = true, each.interval; });
         Schedule(loop, each.interval);
         std::string calls;
-        for (int pass = 1; pass <= 8; ++pass) {
+        for (const float now : each.passes) {
             called = false;
-            EXPECT_EQ(World::Pass(0.25F * static_cast<float>(pass)), 1);
+            EXPECT_EQ(World::Pass(now), 1);
             calls += called ? '*' : '.';
         }
         EXPECT_EQ(calls, each.calls);
@@ -113,6 +134,8 @@ TEST_F(Processing, FaultyParametersAreReportedOneByOneAndMakeALoopAllTheSame) {
                                            "error: Null callback for AVSKCreateFlightLoop"})
                                   : Lines());
     }
+    const AVSKCreateFlightLoopParams nothing = {16, 0, nullptr, nullptr};
+    AVSKScheduleFlightLoop(AVSKCreateFlightLoop(&nothing), -1, 0);
     Every("phase 2", 2);
     Take();
     World::Pass(1);
@@ -147,6 +170,12 @@ TEST_F(Processing, TheOlderCallsUnregisterTheNewestAndRescheduleAllWhoeverAsks) 
     });
     World::Pass(1);
     EXPECT_EQ(Take(), Lines(2, "called"));
+    for (const int relativeToNow : {0, 1}) { // a second after the last call, or from 1.5 s on
+        host.now = 1.5F;
+        AVSKSetFlightLoopCallbackInterval(a.code.flightLoop, 1, relativeToNow, player);
+        World::Pass(2);
+        EXPECT_EQ(Take().size(), relativeToNow ? 0U : 2U);
+    }
 }
 
 TEST_F(Processing, APassInsideAPassIsAPass) {

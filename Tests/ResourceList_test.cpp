@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <climits>
 #include <functional>
 #include <map>
 #include <memory>
@@ -129,6 +130,20 @@ TEST_F(ResourceList, AWalkThatStaysOpenKeepsTheDepthAndFreesItsStorage) {
     EXPECT_EQ(Live(), "a") << "its end reclaims both";
     EXPECT_EQ(freed, 2);
     EXPECT_EQ(list->iterate_depth, 1);
+    list->iterate_depth = INT_MAX;
+    list->BeginIterate();
+    EXPECT_EQ(list->iterate_depth, INT_MAX) << "the deepest";
+}
+
+TEST_F(ResourceList, AWalkGoesOnThoughAWalkOrAnEndTooManyInsideItReclaims) {
+    Fill("abc");
+    const auto endInside = [&](char at) { at == 'b' ? Remove('b'), void(Live()) : void(); };
+    EXPECT_EQ(Names(list->LiveRecordsFromBack(), endInside), "abc");
+    EXPECT_EQ(freed, 1);
+    Fill("abc", AVSKReclaim::AfterPass);
+    const auto endTooMany = [&](char at) { at == 'b' ? Remove('b'), list->EndIterate(), Remove('b') : void(); };
+    EXPECT_EQ(Names(list->LiveRecords(), endTooMany), "cba");
+    EXPECT_EQ(freed, 1);
 }
 
 } // namespace

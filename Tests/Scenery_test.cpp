@@ -77,6 +77,7 @@ TEST_F(Scenery, AHostsProbeIsUsedAgainSmallestFirst) {
     info.structSize = 40;
     EXPECT_EQ(probe(refs[0]), AVSKProbeError);
     info.structSize = sizeof info;
+    EXPECT_EQ(AVSKProbeTerrainXYZ(refs[0], 1, 2, 3, nullptr), AVSKProbeError);
     World::UnloadAircraft();
     EXPECT_EQ(probe(refs[0]), AVSKProbeError) << "went with its plugin";
     EXPECT_EQ(probe(nullptr), AVSKProbeError);
@@ -116,6 +117,8 @@ TEST_F(Scenery, DrawingIsCheckedOnlyForAPluginThatHearsOfErrors) {
             a.Run([&] { AVSKDrawObjects(each.object, each.count, infos.data(), 7, 8); });
             EXPECT_EQ(TakeCalls(), checked ? each.checked : each.unchecked);
         }
+        a.Run([] { AVSKDrawObjects(kTree, 1, nullptr, 7, 8); });
+        EXPECT_EQ(TakeCalls(), "");
     }
 }
 
@@ -137,6 +140,15 @@ TEST_F(Scenery, ALoadReachesItsPluginOnceAndThenBelongsToIt) {
     EXPECT_EQ(TakeCalls(), "") << "another plugin's";
     EXPECT_EQ(Unload(a, kTree), "unloadObject(21)");
     EXPECT_EQ(Unload(a, kTree), "error: Unknown object for AVSKUnloadObject") << "once";
+
+    a.Run([] {
+        EXPECT_EQ(AVSKLoadObject(nullptr), nullptr);
+        for (const char *path : {static_cast<const char *>(nullptr), "path"})
+            AVSKLoadObjectAsync(path, nullptr, nullptr);
+    });
+    loads[2](kTree);
+    TakeCalls();
+    EXPECT_EQ(Unload(a, kTree), "unloadObject(21)") << "its own, though it did not hear of it";
 }
 
 TEST_F(Scenery, ALoadMayCompleteInsideTheRequest) {

@@ -77,6 +77,7 @@ TEST_F(SharedData, NothingIsReadOrWrittenOutsideTheValue) {
     AVSKSetDatavi(ref, in, 0, 5);
     AVSKSetDatavi(ref, in, 0, 1);
     for (const auto &[offset, max, returned] : {std::tuple(0, 10, 5),
+                                                {1, 2, 2},
                                                 {3, INT_MAX, 2},
                                                 {5, 1, 0},
                                                 {INT_MAX, INT_MAX, 0},
@@ -92,9 +93,23 @@ TEST_F(SharedData, NothingIsReadOrWrittenOutsideTheValue) {
     for (const auto &[offset, count] :
          {std::pair(-1, 1), {0, -1}, {INT_MAX, 1}, {0x7FFFFFF0, 0x20}, {INT_MIN, INT_MIN}})
         AVSKSetDatavi(ref, zeros, offset, count);
+    AVSKSetDatavi(ref, nullptr, 0, 1);
     int out[6] = {};
     EXPECT_EQ(AVSKGetDatavi(ref, out, 0, 6), 5);
     EXPECT_EQ(std::memcmp(in, out, sizeof in), 0);
+}
+
+TEST_F(SharedData, ArraysOfFloatsAndBytesGrowByTheirElementsAndShowZerosInGaps) {
+    const AVSKDataRef floats = Share("f", AVSKDataTypeFloatArray);
+    const AVSKDataRef bytes = Share("b", AVSKDataTypeData);
+    float values[7] = {1.5F, 2.5F, 9, 9, 9, 9, 9};
+    char text[8] = "xyz####";
+    AVSKSetDatavf(floats, values, 3, 2);
+    AVSKSetDatab(bytes, text, 3, 3);
+    EXPECT_EQ(AVSKGetDatavf(floats, values, 1, 9), 4);
+    EXPECT_EQ(std::vector<float>(values, values + 5), (std::vector<float>{0, 0, 1.5F, 2.5F, 9}));
+    EXPECT_EQ(AVSKGetDatab(bytes, text, 1, 9), 5);
+    EXPECT_EQ(std::string(text, 7), std::string("\0\0xyz##", 7));
 }
 
 // ---- Notifications
@@ -106,6 +121,15 @@ TEST_F(SharedData, ASubscriptionEndsByItsOwnersValuesAndOneAtATime) {
     EXPECT_EQ(Write(), "A; A");
     EXPECT_EQ(Unshare(a, refcon), 1);
     EXPECT_EQ(Write(), "A");
+    a.Run([&, notified = a.code.notified] {
+        EXPECT_EQ(AVSKUnshareData(nullptr, 1, notified, refcon) + AVSKUnshareData("x", 2, notified, refcon), 0);
+        EXPECT_EQ(AVSKUnshareData("y", 1, notified, refcon) + AVSKUnshareData("x", 1, nullptr, refcon), 0);
+        EXPECT_EQ(AVSKShareData(nullptr, 1, notified, refcon) + AVSKShareData("x", 2, notified, refcon), 0);
+    });
+    EXPECT_EQ(Write(), "A");
+    a.Run([&] { AVSKShareData("v", AVSKDataTypeIntArray, a.code.notified, refcon); });
+    AVSKSetDatavi(AVSKFindDataRef("v"), nullptr, 0, 0);
+    EXPECT_EQ(TakeCalls(), "A") << "a write of nothing is told as well";
 }
 
 // The second of three subscribers, the aircraft's, does something.

@@ -107,6 +107,22 @@ TEST_F(Windows, BothCreationCallsTakeTheirFunctionsInTheirOwnOrder) {
     EXPECT_EQ(Drawn(), "");
 }
 
+TEST_F(Windows, WithoutFunctionsItLetsEverythingPassButKeysAndOnceGoneItIsIgnored) {
+    ActorOf(Create("behind")).click = Takes;
+    const AVSKWindowID window = AVSKCreateWindow(0, 10, 77, 0, 1, nullptr, nullptr, nullptr, nullptr);
+    EXPECT_EQ(Drawn(), "behind");
+    EXPECT_EQ(AVSKMouseClickHook(5, 5, 1), 0);
+    AVSKTakeKeyboardFocus(window);
+    EXPECT_EQ(AVSKKeyPressHook('k', 0, 0), 0);
+    AVSKTakeKeyboardFocus(nullptr);
+    int right = 0;
+    AVSKGetWindowGeometry(window, nullptr, nullptr, &right, nullptr);
+    EXPECT_EQ(right, 77);
+    AVSKDestroyWindow(window);
+    AVSKSetWindowRefCon(window, &right);
+    EXPECT_EQ(AVSKGetWindowRefCon(window), nullptr);
+}
+
 TEST_F(Windows, TheNewestVisibleOneIsInFrontUnlessAnotherIsBroughtThere) {
     const AVSKWindowID x = Create("x");
     Create("y");
@@ -205,6 +221,24 @@ TEST_F(Windows, FocusGoesWhereItIsPutAndTheLoserHearsTheCallersWords) {
     AVSKTakeKeyboardFocus(reinterpret_cast<AVSKWindowID>(&actors));
     EXPECT_EQ(Take(), (Lines{"x loses to y 0 0 0", "y key to y -23 -1 -128", "y loses to ? 0 0 0"}));
     EXPECT_EQ(AVSKKeyPressHook('k', 0, 0), 1);
+    AVSKDestroyWindow(y);
+    for (const AVSKWindowID window : {x, y})
+        AVSKTakeKeyboardFocus(window);
+    EXPECT_EQ(AVSKKeyPressHook('k', 0, 0), 1);
+    EXPECT_EQ(Take(), Lines{"x loses to y 0 0 0"}) << "to one that is gone";
+}
+
+// The camera's loss is told after the focus is gone, and while the plugin is still enabled.
+TEST_F(Windows, FocusTakenWhileItsPluginIsDisabledIsThereButSilent) {
+    const AVSKWindowID window = CreateAs(a, "w");
+    CameraPlayer camera = [=](AVSKCameraPosition *, int) { return AVSKTakeKeyboardFocus(window), 0; };
+    a.Run([&] { AVSKControlCamera(AVSKCameraForever, a.code.camera, &camera); });
+    AVSKDisablePlugin(a.Id());
+    EXPECT_EQ(AVSKKeyPressHook('k', 0, 0), 1);
+    AVSKTakeKeyboardFocus(nullptr);
+    AVSKEnablePlugin(a.Id());
+    EXPECT_EQ(AVSKKeyPressHook('k', 0, 0), 1);
+    EXPECT_EQ(Take(), (Lines{"disable A", "enable A"}));
 }
 
 TEST_F(Windows, HidingOrDestroyingTheFocusWindowTakesItsFocus) {
@@ -323,6 +357,15 @@ TEST_F(Windows, TheLosingWindowMayDestroyItselfHideOrTakeTheFocusBack) {
         AVSKDestroyWindow(x);
         AVSKDestroyWindow(y);
     }
+}
+
+TEST_F(Windows, DestroyedTheLosingWindowMayDestroyItselfAndHaveItsPluginUnloaded) {
+    const AVSKWindowID window = CreateAs(air, "w");
+    AVSKTakeKeyboardFocus(window);
+    ActorOf(window).losing = [=] { return AVSKDestroyWindow(window), World::UnloadAircraft(), 0; };
+    AVSKDestroyWindow(window);
+    EXPECT_FALSE(Exists(window));
+    EXPECT_EQ(air.Id(), NO_PLUGIN_ID);
 }
 
 } // namespace

@@ -1,0 +1,70 @@
+// How the reference host ends when a plugin ends it: which status, and who is
+// blamed for what.
+#include <gtest/gtest.h>
+
+#include <array>
+#include <cstdio>
+#include <ostream>
+#include <string>
+#include <vector>
+
+#include <sys/wait.h>
+
+namespace {
+
+struct End {
+    const char *way; // of Plugins/Dies.cpp
+    int status;
+    std::vector<std::string> said;
+
+    friend std::ostream &operator<<(std::ostream &out, const End &end) { return out << end.way; }
+};
+
+struct BlameTest : testing::TestWithParam<End> {};
+
+TEST_P(BlameTest, RunNamesWhoEndedIt) {
+    const std::string command = std::string("AVSK_TEST_DIES=") + GetParam().way +
+                                " " AVSK_TEST_HOST " run --root " AVSK_TEST_DIES_ROOT
+                                " --frames 3 --key F8@2 --timeout 2 2>&1";
+    std::FILE *run = popen(command.c_str(), "r");
+    ASSERT_NE(run, nullptr);
+    std::string said;
+    std::array<char, 4096> part{};
+    while (const std::size_t length = std::fread(part.data(), 1, part.size(), run))
+        said.append(part.data(), length);
+    const int status = pclose(run);
+    EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == GetParam().status) << said;
+    for (std::size_t at = 0; const std::string &piece : GetParam().said) { // in this order
+        at = said.find(piece, at);
+        ASSERT_NE(at, std::string::npos) << "no '" << piece << "' in\n" << said;
+        at += piece.size();
+    }
+}
+
+const std::string kTick = " in AVSKFlightLoop_f Tick\n";
+const std::string kUnderWay = "  host > library  AVSKEventHook(event=0, ";
+const std::string kLast = "  Dies > library  AVSKRegisterFlightLoopCallback(callback=Tick, interval=-1, refcon=null)\n";
+
+INSTANTIATE_TEST_SUITE_P(
+    Ways, BlameTest,
+    testing::Values(
+        // What was printed and not yet written comes first.
+        End{"write",
+            3,
+            {"about to die", "avsk: plugin 'Dies' died of SIGSEGV (address 0x0 is not mapped)" + kTick, kUnderWay,
+             "\n    library > Dies  AVSKFlightLoop_f Tick(", kLast, "Dies.cpp:"}},
+        End{"call", 3, {"avsk: plugin 'Dies' died of SIGSEGV (there is no code at 0x0)" + kTick, "Dies.cpp:"}},
+        End{"stack", 3, {"avsk: plugin 'Dies' died of SIGSEGV (the stack is full: ", kTick, "Recurse", "... and more"}},
+        End{"abort", 3, {"avsk: plugin 'Dies' died of SIGABRT (abort() was called) in AVSKHotKey_f Pressed\n"}},
+        End{"library",
+            3,
+            {"avsk: the library died of SIGSEGV (address 0x7 is not mapped) in AVSKGetPluginInfo, called by plugin "
+             "'Dies'\n"}},
+        End{"loading", 3, {"avsk: code of '", "Dies/lin.avp' died of SIGSEGV", " in AVSKInitializePlugins, "}},
+        End{"thread", 3, {"avsk: a thread other than the main one, in '", "Dies/lin.avp', died of SIGSEGV"}},
+        End{"loop", 3, {"avsk: plugin 'Dies' did not return within 2 s from AVSKFlightLoop_f Tick\n", "Dies.cpp:"}},
+        End{"exit", 3, {"avsk: plugin 'Dies' called exit(0)" + kTick, kUnderWay, "Dies.cpp:"}},
+        End{"throw", 1, {"avsk: the run was broken off by an exception of plugin 'Dies' in ", ": enough\n", kLast}},
+        End{"", 0, {"Dies"}}));
+
+} // namespace

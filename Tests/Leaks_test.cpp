@@ -1,0 +1,142 @@
+// What must not grow: memory over many frames of things that come and go, also
+// in lists that are never out of a walk, and memory and mappings over reloads.
+#include "World.h"
+
+#include "AVSK/AVSKDisplay.h"
+
+#include <cstdlib>
+#include <fstream>
+#include <map>
+
+#include <malloc.h>
+#include <sys/wait.h>
+
+namespace {
+
+// Bytes in use; always 0 under a sanitizer, which looks for leaks itself, at the end.
+std::size_t InUse() { return mallinfo2().uordblks; }
+
+// How often each file is mapped.
+std::map<std::string, int> MappedFiles() {
+    std::map<std::string, int> files;
+    std::ifstream maps("/proc/self/maps");
+    for (std::string line; std::getline(maps, line);)
+        if (const auto path = line.find('/'); path != std::string::npos)
+            ++files[line.substr(path)];
+    return files;
+}
+
+// A callback of any type.
+template <class Result, class... Arguments>
+Result Nothing(Arguments... /*all*/) {
+    return Result();
+}
+
+int gHostThing = 0; // what the host answers for menus, commands and objects
+
+// One of everything, the caller's.
+struct Things {
+    AVSKMenuID menu = AVSKCreateMenu("a menu of some length", nullptr, 0, Nothing, nullptr);
+    AVSKDataRef ref = Publish("leaks/value/of/some/length", Nothing);
+    AVSKHotKeyID hotKey = AVSKRegisterHotKey('K', 0, "a hot key of some length", Nothing, nullptr);
+    AVSKWindowID window = AVSKCreateWindow(0, 9, 9, 0, 1, Nothing, Nothing, Nothing, nullptr);
+    AVSKProbeRef probe = AVSKCreateProbe(AVSK_PROBE_Y);
+
+    Things() {
+        AVSKAppendMenuItem(menu, "an item of some length", nullptr, 0);
+        AVSKRegisterFlightLoopCallback(Nothing, -1, nullptr);
+        AVSKRegisterDrawCallback(Nothing, 5, 1, nullptr);
+        AVSKRegisterKeySniffer(Nothing, 1, nullptr);
+        AVSKShareData("leaks/shared/of/some/length", AVSKDataTypeInt, Nothing, nullptr);
+        AVSKRegisterCommandHandler(&gHostThing, Nothing, 1, nullptr);
+        AVSKCommandBegin(&gHostThing);
+        AVSKLoadObjectAsync("object", Nothing, nullptr);
+    }
+    void Destroy() const {
+        AVSKUnloadObject(&gHostThing);
+        AVSKCommandEnd(&gHostThing);
+        AVSKUnregisterCommandHandler(&gHostThing, Nothing, 1, nullptr);
+        AVSKUnshareData("leaks/shared/of/some/length", AVSKDataTypeInt, Nothing, nullptr);
+        AVSKUnregisterKeySniffer(Nothing, 1, nullptr);
+        AVSKUnregisterDrawCallback(Nothing, 5, 1, nullptr);
+        AVSKUnregisterFlightLoopCallback(Nothing, nullptr);
+        AVSKDestroyProbe(probe);
+        AVSKDestroyWindow(window);
+        AVSKUnregisterHotKey(hotKey);
+        AVSKUnregisterDataAccessor(ref);
+        AVSKDestroyMenu(menu);
+        AVSKRemoveMenuItem(AVSKFindPluginsMenu(), 0);
+    }
+};
+
+void Frame() {
+    World::Pass(1);
+    for (const char key : {'K', 'X'}) // leaves walks open
+        AVSKKeyPressHook(key, 0, key);
+    for (int code = 1; code <= 26; ++code)
+        AVSKDoDrawingHook(code, 0);
+    AVSKEventHook(AVSKHostEventCommands, 1, 0, 0);
+    AVSKEventHook(AVSKHostEventFrameEnd, 1, 0, 0);
+    Take();
+    Host().TakeLog();
+}
+
+class Leaks : public ThreePlugins {
+  protected:
+    void SetUp() override {
+        ThreePlugins::SetUp();
+        host.on.createMenu = [](void *, int, const char *) { return &gHostThing; };
+        host.on.loadObjectAsync = [](const char *, void (*done)(void *, void *), void *call) {
+            done(&gHostThing, call);
+        };
+    }
+};
+
+TEST_F(Leaks, MemoryStaysFlatOverFramesOfThingsThatComeAndGo) {
+    std::size_t before = 0;
+    for (int i = 0; i <= 10000; ++i) {
+        std::unique_ptr<const Things> things;
+        a.Run([&] { things = std::make_unique<const Things>(); });
+        Frame();
+        a.Run([&] { things->Destroy(); });
+        Take();
+        if (i == 100)
+            before = InUse();
+    }
+    EXPECT_EQ(InUse(), before);
+}
+
+TEST_F(Leaks, MemoryAndMappingsStayFlatOverReloads) {
+    for (Puppet *puppet : {&a, &b, &air})
+        puppet->enable = [] { return Things().menu != nullptr; };
+    constexpr int kReloads = 500;
+    std::map<std::string, int> mapped;
+    std::size_t before = 0;
+    for (int i = -20; i < kReloads; ++i) {
+        AVSKReloadPlugins();
+        Frame();
+        if (i == -1) {
+            mapped = MappedFiles();
+            before = InUse();
+        }
+    }
+    // What malloc keeps at hand counts as used and wavers; the smallest block is 16 bytes.
+    EXPECT_LT(InUse(), before + 16 * kReloads / 4) << "less than a block in four reloads";
+    EXPECT_EQ(MappedFiles(), mapped);
+    EXPECT_EQ(AVSKCountPlugins(), 4);
+}
+
+#ifdef __SANITIZE_ADDRESS__
+// Every other test of this build relies on it, the samples' sessions included.
+TEST(LeaksDeathTest, AProgramThatLeaksDoesNotEndWell) {
+    const auto leak = [] {
+        for (int i = 0; i < 100; ++i)
+            new int[1000](); // NOLINT: on purpose
+        std::exit(0);
+    };
+    const auto complains = [](int status) { return WIFEXITED(status) && WEXITSTATUS(status) != 0; };
+    EXPECT_EXIT(leak(), complains, "LeakSanitizer") << "take options out of ASAN_OPTIONS and LSAN_OPTIONS";
+}
+#endif
+
+} // namespace

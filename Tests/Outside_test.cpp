@@ -1,0 +1,236 @@
+// Faults from outside: old hosts, broken folders, and names of any bytes.
+#include "World.h"
+
+#include "AVSK/AVSKPlanes.h"
+#include "AVSK/AVSKUtilities.h"
+
+#include <climits>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+
+#include <sys/mman.h>
+#include <sys/stat.h>
+
+namespace fs = std::filesystem;
+using namespace std::string_literals;
+
+namespace {
+
+struct Outside : testing::Test {
+    World world;
+    FakeHost &host = Host();
+};
+
+// ---- Short tables
+
+// A copy of the fake host's table that ends where readable memory does; it stays.
+const AVSKHostCallbacks *TableAtTheEdge(std::size_t size) {
+    constexpr std::size_t page = 4096;
+    auto *const start =
+        static_cast<char *>(mmap(nullptr, 2 * page, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0));
+    mprotect(start + page, page, PROT_NONE);
+    return static_cast<AVSKHostCallbacks *>(std::memcpy(start + page - size, &Host().table, size));
+}
+
+// Slots 33 and 34 need a table of 288 bytes, slot 53 version 3, slot 54 version 4.
+TEST_F(Outside, OldHostsAreSparedTheServicesTheyDoNotHave) {
+    const Puppet &a = world.InstallAt("Resources/plugins/A.avp", "A");
+    const std::function<void()> use = [] {
+        AVSKDestroyMenu(AVSKCreateMenu("M", nullptr, 0, nullptr, nullptr));
+        AVSKAcquirePlanes(nullptr, nullptr, nullptr);
+        AVSKReinitUsersPlane();
+        AVSKLoadObjectAsync("object", nullptr, nullptr);
+        AVSKSendMessageToPlugin(AVSK_PLUGIN_AERIVO, 5, nullptr);
+        AVSKReloadPlugins();
+    };
+    for (int version = 2; version <= 5; ++version)
+        for (int size = 280; size <= 290; ++size) {
+            SCOPED_TRACE(Line("version ", version, ", size ", size));
+            host.table.version = version;
+            host.table.sizeInBytes = size;
+            AVSKInitializePlugins(world.Path("").c_str(), TableAtTheEdge(std::min(size / 4 * 4, 288)), 0);
+            a.Run(use);
+            World::Pass(1);
+            AVSKShutdownPlugins();
+            std::string calls;
+            for (const std::string &line : Take())
+                calls += line + "; ";
+            const auto called = [&](const char *service) { return calls.find(service) != std::string::npos; };
+            EXPECT_EQ(called("destroyMenu("), size >= 288);
+            EXPECT_EQ(called("reinitUsersPlane(208, 201)"), size >= 288);
+            EXPECT_EQ(called("receiveMessage(1, 5, null)"), size >= 288);
+            EXPECT_EQ(called("loadObjectAsync("), size >= 284);
+            EXPECT_EQ(called("loadObject("), size < 284) << "at once instead";
+            EXPECT_EQ(called("showMessage("), version >= 3);
+            EXPECT_EQ(called("showProgress("), version >= 4);
+            EXPECT_NE(calls.find("start A", calls.find("stop A")), std::string::npos) << "reloaded: " << calls;
+        }
+}
+
+// ---- Folders and files
+
+TEST_F(Outside, BrokenEntriesOfThePluginsFolderArePassedOver) {
+    const Puppet &good = world.Install("m");
+    const struct {
+        const char *name;
+        bool linkerSays, failedSays;     // in the log
+        int listingSays;                 // error number, on the console
+        std::vector<const char *> alike; // an empty file, a folder, a pipe, a cut copy, or a link to that
+    } cases[] = {{"x", false, false, 2, {"nowhere"}},
+                 {"x", false, false, 40, {"x"}},
+                 {"x", false, false, 0, {"../../Resources", ".", "file"}},
+                 {"x.avp", false, true, 2, {"nowhere"}},
+                 {"x.avp", false, true, 40, {"x.avp"}},
+                 {"x.avp", true, true, 0, {"file", "folder", "pipe", "cut", "/dev/null", "/dev/zero"}},
+                 {"x/lin.avp", false, false, 0, {"lin.avp", "nowhere"}},
+                 {"x/lin.avp", true, false, 0, {"folder", "pipe", "cut"}},
+                 {"x/32", false, false, 0, {"32", "../m"}}};
+    for (const auto &each : cases)
+        for (const char *like : each.alike) {
+            SCOPED_TRACE(Line(each.name, " like ", like));
+            const fs::path path = world.Path("Resources/plugins/") + each.name;
+            fs::create_directories(path.parent_path());
+            if (like == "file"s || like == "pipe"s)
+                mknod(path.c_str(), 0600 | (*like == 'p' ? S_IFIFO : S_IFREG), 0);
+            else if (like == "cut"s) {
+                fs::copy_file(good.path, path);
+                fs::resize_file(path, fs::file_size(path) / 3);
+            } else
+                like == "folder"s ? void(fs::create_directory(path)) : fs::create_symlink(like, path);
+            testing::internal::CaptureStdout();
+            world.Start();
+            EXPECT_EQ(testing::internal::GetCapturedStdout(),
+                      each.listingSays ? Line("name ", each.name, ", errno ", each.listingSays, "\n") : "");
+            EXPECT_EQ(AVSKCountPlugins(), 2);
+            EXPECT_TRUE(AVSKIsPluginEnabled(good.Id())) << "the good plugin beside it";
+            EXPECT_EQ(host.log.find("dlerror:") != std::string::npos, each.linkerSays) << host.log;
+            EXPECT_EQ(host.log.find("Failed: " + path.string()) != std::string::npos, each.failedSays) << host.log;
+            host.TakeLog();
+            world.Stop();
+            for (const char *made : {"x", "x.avp"})
+                fs::remove_all(world.Path("Resources/plugins/") + made);
+        }
+}
+
+TEST_F(Outside, APluginsFolderThatCannotBeListedIsAnEmptyOne) {
+    std::ofstream(world.Path("file"));
+    fs::create_symlink("loop", world.Path("loop"));
+    for (const std::string &root : {std::string(), world.Path("nowhere/"), world.Path("file/"), world.Path("loop/"),
+                                    std::string(300, 'n') + "/", std::string(2 * PATH_MAX, '/')}) {
+        EXPECT_EQ(AVSKInitializePlugins(root.c_str(), &host.table, 0), AVSK_HOST_INTERFACE);
+        const std::string scenery = root + "Scenery/";
+        AVSKEventHook(AVSKHostEventSceneryFolder, 0, 0, reinterpret_cast<AVSKWord>(scenery.c_str()));
+        EXPECT_EQ(AVSKCountPlugins(), 1);
+        int total = -1;
+        AVSKGetDirectoryContents((root + "x").c_str(), 0, nullptr, 0, nullptr, 0, &total, nullptr);
+        EXPECT_EQ(total, 0);
+        AVSKShutdownPlugins();
+    }
+}
+
+// Links to one folder: the same code starts again and again, under another signature.
+TEST_F(Outside, ThousandsOfPluginsAllGetIDsAndAllGo) {
+    constexpr int kMany = 2000;
+    Puppet &puppet = world.Install("0");
+    int started = 0;
+    puppet.start = [&] { return puppet.signature = std::to_string(++started), 1; };
+    for (int i = 1; i < kMany; ++i)
+        fs::create_directory_symlink("0", world.Path("Resources/plugins/") + std::to_string(i));
+    world.StartQuietly();
+    EXPECT_EQ(AVSKFindPluginBySignature(std::to_string(kMany - 1).c_str()), kMany);
+    AVSKSendMessageToPlugin(NO_PLUGIN_ID, 5, nullptr);
+    EXPECT_EQ(Take().size(), kMany + 1U) << "a line of each, which must be enabled, and the host's";
+    world.Stop();
+    EXPECT_EQ(Take().size(), 2U * kMany);
+    EXPECT_FALSE(puppet.IsMapped());
+}
+
+// ---- Names
+
+TEST_F(Outside, NamesMayBeAnyBytes) {
+    std::string all; // but the separator, which comes last
+    std::vector<const Puppet *> puppets;
+    for (int byte = 1; byte < 256; ++byte)
+        if (byte != '/') {
+            all += static_cast<char>(byte);
+            puppets.push_back(&world.Install(std::string("x") + all.back()));
+        }
+    all += '/';
+    Puppet &named = world.Install("y");
+    named.name = named.signature = named.description = all;
+    world.Start();
+    ASSERT_EQ(AVSKCountPlugins(), 256);
+    for (int id = 1; id < 255; ++id) { // in byte order
+        EXPECT_EQ(puppets.at(id - 1)->Id(), id);
+        EXPECT_EQ(AVSKFindPluginByPath(puppets.at(id - 1)->path.c_str()), id);
+    }
+    char texts[3][AVSK_TEXT_SIZE];
+    AVSKGetPluginInfo(named.Id(), texts[0], nullptr, texts[1], texts[2]);
+    EXPECT_EQ((Lines{texts, texts + 3}), Lines(3, all));
+    Take();
+    host.on.findCommand = [&](const char *, const char *, int) { return &host; };
+    named.message = [](int, int, void *text) { Note(static_cast<const char *>(text)); };
+    named.Run([&] {
+        const char *const text = all.c_str();
+        const AVSKMenuID menu = AVSKCreateMenu(text, nullptr, 0, nullptr, nullptr);
+        AVSKAppendMenuItem(menu, text, nullptr, 0);
+        AVSKSetMenuItemName(menu, 0, text, 0);
+        AVSKCreateCommand(text, text);
+        AVSKFindCommand(text);
+        const AVSKDataRef ref = Publish(text);
+        EXPECT_EQ(AVSKFindDataRef(text), ref);
+        AVSKSendMessageToPlugin(AVSKGetMyID(), 5, all.data());
+        AVSKDebugString(text);
+    });
+    EXPECT_TRUE(host.log.ends_with(all));
+    std::string heard; // "service name", or only a blank for a message
+    for (const std::string &line : Take())
+        for (std::size_t at = 0; (at = line.find(all, at)) != std::string::npos; ++at)
+            heard += line.substr(0, line.find_first_of("(\1")) + " ";
+    EXPECT_EQ(heard, "appendMenuItem createMenu appendMenuItem setMenuItemName findCommand findCommand findCommand  ");
+}
+
+// ---- Folders that change
+
+TEST_F(Outside, APluginsStartMayAddAndRemoveItsNeighbours) {
+    Puppet &loose = world.InstallAt("Resources/plugins/loose.avp", "loose");
+    Puppet &m = world.Install("m");
+    const Puppet &gone = world.Install("n");
+    // Folders are listed once loose files are loaded, and then not again.
+    loose.start = [&] { return world.Install("a"), 1; };
+    m.start = [&] {
+        for (const char *name : {"m", "n", "loose.avp"})
+            fs::remove_all(world.PluginsFolder() + "/" + name);
+        for (const char *name : {"b", "o"})
+            world.Install(name);
+        std::ofstream(world.PluginsFolder() + "/n"); // a file in the place of a folder
+        return 1;
+    };
+    world.Start();
+    EXPECT_TRUE(TakeCalls().ends_with("start loose; start a; start m; enable loose; enable a; enable m"));
+    EXPECT_EQ(gone.Id(), NO_PLUGIN_ID);
+    EXPECT_TRUE(m.IsMapped()) << "though its file is gone";
+    AVSKReloadPlugins();
+    World::Pass(1);
+    EXPECT_TRUE(TakeCalls().ends_with("start a; start b; start o; enable a; enable b; enable o"));
+}
+
+TEST_F(Outside, APageBehindTheEndOfAFolderThatShrankIsEmptyAndComplete) {
+    world.StartQuietly();
+    const std::string folder = world.Path("f");
+    for (const int left : {40, 30, 20, 10, 0, -1}) { // -1: the folder is gone, too
+        fs::remove_all(folder);
+        if (left >= 0)
+            world.MakeFolder("f");
+        for (int file = 0; file < left; ++file)
+            std::ofstream(folder + "/" + std::to_string(file));
+        char names[512];
+        int total = -1;
+        int returned = -1;
+        EXPECT_EQ(AVSKGetDirectoryContents(folder.c_str(), 20, names, 512, nullptr, 0, &total, &returned), 1) << left;
+        EXPECT_EQ(std::pair(total, returned), std::pair(std::max(left, 0), std::max(left - 20, 0)));
+    }
+}
+
+} // namespace
