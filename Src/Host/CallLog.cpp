@@ -1,10 +1,11 @@
-// The recorders in front of the slots, one made from each slot's type; see CallLog.h.
+// Records the library's calls of the host's services; see CallLog.h.
 #include "CallLog.h"
 
+#include "Services.h"
 #include "Simulator.h"
-#include "Text.h"
 
 #include <algorithm>
+#include <array>
 #include <charconv>
 #include <cmath>
 #include <cstdio>
@@ -14,156 +15,21 @@
 namespace host {
 namespace {
 
-CallLog *gCalls = nullptr; // slots get no context word
+using crossings::Crossing;
+using crossings::Side;
+using crossings::Value;
 
-std::string TextOf(int value) { return std::to_string(value); }
-std::string TextOf(AVSKWord value) {
-    // Words carry numbers and addresses alike; an address differs from run to run.
-    constexpr AVSKWord kFirstPage = 4096;
-    return value < kFirstPage ? std::to_string(value) : "word";
-}
-std::string TextOf(double value) {
-    std::array<char, 32> text{};
-    std::snprintf(text.data(), text.size(), "%.6g", value);
-    return text.data();
-}
-std::string TextOf(float value) { return TextOf(double{value}); }
-std::string TextOf(const char *text) { return text ? text : "null"; }
-std::string TextOf(void *handle) { return gCalls->Describe(handle); }
-template <typename T>
-std::string TextOf(T *pointer) {
-    if (!pointer)
-        return "null";
-    return std::is_function_v<T> ? "function" : "pointer";
-}
-
-// The list ends with 0.
-std::string ListOf(const int *buttons) {
+// A list of buttons ends with 0.
+std::string ListOf(const Value &buttons) {
     std::string list;
-    for (; buttons && *buttons != 0; ++buttons)
-        list += (list.empty() ? "" : " ") + std::to_string(*buttons);
+    for (const int *button = static_cast<const int *>(buttons.pointer); button && *button != 0; ++button)
+        list += (list.empty() ? "" : " ") + std::to_string(*button);
     return list;
 }
 
-template <auto Slot>
-struct Recorder;
-
-template <typename R, typename... A, R (*AVSKHostCallbacks::*Slot)(A...)>
-struct Recorder<Slot> {
-    static constexpr int kArguments = sizeof...(A);
-    static inline R (*original)(A...) = nullptr;
-    static inline const char *name = nullptr;
-
-    static R Call(A... arguments) {
-        gCalls->Record(name, {TextOf(arguments)...});
-        return original(arguments...);
-    }
-
-    static void PutInFront(AVSKHostCallbacks &table, const char *slot) {
-        name = slot;
-        original = std::exchange(table.*Slot, &Call);
-    }
-};
-
-// A text in a buffer of its own type; other plain char buffers are for the answer.
-using DrawString = Recorder<&AVSKHostCallbacks::drawString>;
-template <>
-void DrawString::Call(float *colour, int x, int y, char *text, int *width, int font) {
-    gCalls->Record(name, {TextOf(colour), TextOf(x), TextOf(y), TextOf(static_cast<const char *>(text)), TextOf(width),
-                          TextOf(font)});
-    original(colour, x, y, text, width, font);
+bool IsList(const Crossing &crossing, std::size_t index) {
+    return index == 0 && std::string_view(crossing.what.name) == "commandButton";
 }
-
-using CommandButton = Recorder<&AVSKHostCallbacks::commandButton>;
-template <>
-void CommandButton::Call(const int *buttons, int release, int pass) {
-    gCalls->Record(name, {ListOf(buttons), TextOf(release), TextOf(pass)});
-    original(buttons, release, pass);
-}
-
-struct Slot {
-    const char *name;
-    int arguments;
-    void (*putInFront)(AVSKHostCallbacks &table, const char *name);
-};
-
-#define SLOT(name)                                                                                                     \
-    Slot { #name, Recorder < &AVSKHostCallbacks::name> ::kArguments, Recorder < &AVSKHostCallbacks::name> ::PutInFront }
-constexpr Slot kSlots[] = {
-    SLOT(getScreenSize),
-    SLOT(getMouseLocation),
-    SLOT(setGraphicsState),
-    SLOT(bindTexture2d),
-    SLOT(generateTextureNumbers),
-    SLOT(getTexture),
-    SLOT(worldToLocal),
-    SLOT(localToWorld),
-    SLOT(drawTranslucentDarkBox),
-    SLOT(drawString),
-    SLOT(drawNumber),
-    SLOT(getFontDimensions),
-    SLOT(getElapsedTime),
-    SLOT(readCameraPosition),
-    SLOT(drawAircraft),
-    SLOT(loadAircraftModel),
-    SLOT(getAircraftModel),
-    SLOT(countAircraft),
-    SLOT(placeUserAtAirport),
-    SLOT(simulateKeyPress),
-    SLOT(speakString),
-    SLOT(commandKeyStroke),
-    SLOT(commandButton),
-    SLOT(getSystemPath),
-    SLOT(getPrefsPath),
-    SLOT(getVersions),
-    SLOT(getLanguage),
-    SLOT(debugString),
-    SLOT(createMenu),
-    SLOT(appendMenuItem),
-    SLOT(setMenuItemName),
-    SLOT(destroyMenu),
-    SLOT(reinitUsersPlane),
-    SLOT(reloadScenery),
-    SLOT(getFirstNavAid),
-    SLOT(getNextNavAid),
-    SLOT(findFirstNavAidOfType),
-    SLOT(findLastNavAidOfType),
-    SLOT(findNavAid),
-    SLOT(getNavAidInfo),
-    SLOT(countFMSEntries),
-    SLOT(getDisplayedFMSEntry),
-    SLOT(getDestinationFMSEntry),
-    SLOT(setDisplayedFMSEntry),
-    SLOT(setDestinationFMSEntry),
-    SLOT(getFMSEntryInfo),
-    SLOT(setFMSEntryInfo),
-    SLOT(setFMSEntryLatLon),
-    SLOT(clearFMSEntry),
-    SLOT(getGPSDestinationType),
-    SLOT(getGPSDestination),
-    SLOT(showMessage),
-    SLOT(showProgress),
-    SLOT(findCommand),
-    SLOT(beginCommand),
-    SLOT(continueCommand),
-    SLOT(endCommand),
-    SLOT(createProbe),
-    SLOT(probeTerrain),
-    SLOT(findSymbol),
-    SLOT(measureString),
-    SLOT(removeMenuItem),
-    SLOT(loadObject),
-    SLOT(drawObject),
-    SLOT(unloadObject),
-    SLOT(lookupObjects),
-    SLOT(loadDataFile),
-    SLOT(saveDataFile),
-    SLOT(loadObjectAsync),
-    SLOT(receiveMessage),
-};
-#undef SLOT
-constexpr int kNumbers = 2; // version and size are no functions
-static_assert(std::size(kSlots) == AVSK_HOST_SLOTS - kNumbers);
 
 std::optional<double> NumberIn(const std::string &text) {
     double number = 0;
@@ -174,22 +40,24 @@ std::optional<double> NumberIn(const std::string &text) {
 
 } // namespace
 
-void CallLog::Watch(AVSKHostCallbacks &table) {
-    gCalls = this;
-    for (const Slot &slot : kSlots)
-        slot.putInFront(table, slot.name);
-}
+CallLog::CallLog(const Simulator &simulator) : mSimulator(simulator) { crossings::AddObserver(*this); }
+CallLog::~CallLog() { crossings::RemoveObserver(*this); }
 
 int CallLog::CountArguments(std::string_view slot) {
-    const auto found =
-        std::find_if(std::begin(kSlots), std::end(kSlots), [slot](const Slot &known) { return known.name == slot; });
-    return found == std::end(kSlots) ? -1 : found->arguments;
+    const crossings::Prototype *service = crossings::FindService(slot);
+    return service ? crossings::CountParameters(*service) : -1;
 }
 
-void CallLog::Record(const char *slot, Arguments arguments) {
-    for (std::string &argument : arguments)
-        argument = mSimulator.console.WithoutRoot(argument);
-    mCalls[slot][std::move(arguments)] = ++mLast;
+void CallLog::Begins(const Crossing &crossing) {
+    // What else goes to the host are its own callbacks.
+    if (crossing.to != Side::Host || crossing.callback)
+        return;
+    Arguments arguments;
+    for (std::size_t i = 0; i < crossing.arguments.size(); ++i) {
+        const Value &value = crossing.arguments[i];
+        arguments.push_back(mSimulator.console.WithoutRoot(IsList(crossing, i) ? ListOf(value) : TextOf(value)));
+    }
+    mCalls[crossing.what.name][std::move(arguments)] = ++mLast;
 }
 
 bool CallLog::Contains(const std::string &slot, const Arguments &wanted) const {
@@ -218,6 +86,33 @@ std::string CallLog::Latest(const std::string &slot) const {
     for (std::size_t i = skipped; i < latest.size(); ++i)
         text += (i == skipped ? "" : ", ") + latest[i].second;
     return text;
+}
+
+std::string CallLog::TextOf(const Value &value) const {
+    constexpr AVSKWord kFirstPage = 4096;
+    std::array<char, 32> text{};
+    switch (value.kind) {
+    case Value::Kind::Nothing:
+        return "nothing";
+    case Value::Kind::Integer:
+    case Value::Kind::Character:
+        return std::to_string(value.integer);
+    case Value::Kind::Word:
+        // Words carry numbers and addresses alike; an address differs from run to run.
+        return value.word < kFirstPage ? std::to_string(value.word) : "word";
+    case Value::Kind::Real:
+        std::snprintf(text.data(), text.size(), "%.6g", value.real);
+        return text.data();
+    case Value::Kind::Text:
+        return value.text ? value.text : "null";
+    case Value::Kind::Function:
+        return value.pointer ? "function" : "null";
+    case Value::Kind::Pointer:
+        return Describe(value.pointer);
+    case Value::Kind::Structure:
+        return "pointer";
+    }
+    return "";
 }
 
 std::string CallLog::Describe(const void *handle) const {

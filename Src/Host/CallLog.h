@@ -3,7 +3,7 @@
 #ifndef AVSK_HOST_CALL_LOG_H
 #define AVSK_HOST_CALL_LOG_H
 
-#include "AVSK/AVSKHost.h"
+#include "Crossing.h"
 
 #include <map>
 #include <string>
@@ -14,18 +14,20 @@ namespace host {
 
 struct Simulator;
 
-class CallLog {
+class CallLog : public crossings::Observer {
   public:
     using Arguments = std::vector<std::string>;
 
-    explicit CallLog(Simulator &simulator) : mSimulator(simulator) {}
+    explicit CallLog(const Simulator &simulator);
+    ~CallLog() override;
+    CallLog(const CallLog &) = delete;
+    CallLog &operator=(const CallLog &) = delete;
 
-    // Puts a recorder in front of every slot of a complete table.
-    void Watch(AVSKHostCallbacks &table);
     // Number of a slot's arguments by its name in the table; -1 if there is no such slot.
     static int CountArguments(std::string_view slot);
 
-    void Record(const char *slot, Arguments arguments);
+    void Begins(const crossings::Crossing &crossing) override;
+    void Ends(const crossings::Crossing & /*crossing*/) override {}
     void Forget() { mCalls.clear(); }
 
     // Whether a slot was called with arguments that match; those behind the
@@ -34,11 +36,12 @@ class CallLog {
     // The different calls of a slot that came last, for a reader.
     std::string Latest(const std::string &slot) const;
 
+  private:
+    std::string TextOf(const crossings::Value &value) const;
     // A handle by the name of what it stands for, never by its address, which is another in each run.
     std::string Describe(const void *handle) const;
 
-  private:
-    Simulator &mSimulator;
+    const Simulator &mSimulator;
     long mLast = 0;
     // Alike calls of many frames take the room of one. The number tells the order of the last ones.
     std::map<std::string, std::map<Arguments, long>, std::less<>> mCalls;

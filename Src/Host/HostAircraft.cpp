@@ -130,10 +130,8 @@ void Fleet::Load(Simulator &simulator, int index, const std::string &path) {
 void Fleet::Replace(Simulator &simulator, int index, const std::string &file) {
     std::string &model = mModels[static_cast<std::size_t>(index)];
     const auto parameter = static_cast<AVSKWord>(index);
-    if (!model.empty()) {
+    if (!model.empty())
         AVSKEventHook(AVSKHostEventPlaneUnloaded, simulator.Elapsed(), 0, parameter);
-        simulator.ForgetUnloaded();
-    }
     model = file;
     if (!model.empty())
         AVSKEventHook(AVSKHostEventPlaneLoaded, simulator.Elapsed(), 0, parameter);

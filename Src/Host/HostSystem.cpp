@@ -49,15 +49,14 @@ int ReloadScenery() {
 }
 
 // Nobody is there to confirm, so the run goes on. The library shows this
-// message between unloading and loading all plugins: IDs are given out anew,
-// and scenery plugins come back when their folders are reported.
+// message between unloading and loading all plugins: scenery plugins come back
+// when their folders are reported.
 void ShowMessage(const char *line1, const char *line2, const char *line3, const char *line4) {
     Simulator &simulator = Enter();
     for (const char *line : {line1, line2, line3, line4}) {
         if (line && *line)
             simulator.console.Note(line);
     }
-    simulator.hostCalls.clear();
     simulator.sceneryDue = true;
 }
 
@@ -67,8 +66,8 @@ void ShowProgress(const char *text) {
         simulator.console.Note(text);
 }
 
-// Messages are counted for their sender: in here the host itself is the plugin that runs.
-void ReceiveMessage(AVSKPluginID sender, int /*message*/, void * /*parameter*/) { ++gSimulator->hostCalls[sender]; }
+// This host does nothing on request; messages to it show in a trace.
+void ReceiveMessage(AVSKPluginID /*sender*/, int /*message*/, void * /*parameter*/) {}
 
 } // namespace
 

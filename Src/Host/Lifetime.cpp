@@ -1,7 +1,6 @@
 // The library's start and end; see Lifetime.h.
 #include "Lifetime.h"
 
-#include "CallLog.h"
 #include "HostTable.h"
 #include "Simulator.h"
 
@@ -21,8 +20,6 @@ AVSKHostCallbacks gTable;
 void Prepare(Simulator &simulator) {
     gSimulator = &simulator;
     gTable = MakeTable();
-    if (simulator.calls)
-        simulator.calls->Watch(gTable);
 }
 
 void StartPlugins(Simulator &simulator) {

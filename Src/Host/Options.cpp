@@ -39,6 +39,9 @@ constexpr const char *kRunExamples = R"(Examples:
       the same by hand; 'help' lists the words, 'quit' ends. Input is read plainly, line by line: for history and
       completion run it under a line editor such as rlwrap
 
+  avsk run --root sim --trace flight.json --trace-plugin Lights --profile --ps
+      what the plugin Lights called and was called for, where the time went, and what it forgot to give back
+
 Keys that no plugin takes: F4 shows the next view, F5 climbs, F6 descends and F7 flies straight on while held.
 
 A picture shows what plugins draw through the interface: dark boxes, texts and numbers, windows made of these, and
@@ -46,7 +49,8 @@ the menus, all opened. What they draw with OpenGL calls of their own is not seen
 scenery objects and aircraft.
 
 Exit status: 0 when all frames were run and all of a session came true, 1 when a step or an expectation of it failed or
-an exception of a plugin ended the run early, 2 when the request cannot be met as it was made.)";
+a budget was not kept, or an exception of a plugin ended the run early, 2 when the request cannot be met as it was made,
+3 when a plugin ended the run, by a signal, by exit() or by a call that took longer than --timeout.)";
 
 // Plugins receive paths in buffers of 256 bytes (aircraft) and 512 bytes (the host's folder).
 constexpr std::size_t kLongestModel = 255;
@@ -236,7 +240,19 @@ std::optional<Options> ParseOptions(int argc, char **argv) {
         run->add_option("--key", keys, "press a key in frame FRAME and hold it for half a second; can be repeated"))
         ->type_name("KEY@FRAME")
         ->allow_extra_args(false);
+    AddBenchOptions(*run, options.bench);
     run->footer(kRunExamples);
+
+    CLI::App *ps =
+        app.add_subcommand("ps", "Runs a while, then lists what each plugin owns, and what it leaves behind.");
+    ps->add_option("--root", options.root, "the simulator's folder; must hold Resources/plugins")
+        ->type_name("DIR")
+        ->capture_default_str();
+    ps->add_option("--plugin", options.plugins, "load only this plugin; can be repeated")
+        ->type_name("NAME|PATH")
+        ->allow_extra_args(false);
+    int psFrames = 60;
+    ps->add_option("--frames", psFrames, "how many frames to run")->check(positive)->capture_default_str();
 
     try {
         app.parse(argc, argv);
@@ -247,10 +263,21 @@ std::optional<Options> ParseOptions(int argc, char **argv) {
         throw UsageError(
             "say what to do: 'avsk run --root DIR' runs the plugins of a folder, 'avsk --help' tells more");
     } catch (const CLI::ParseError &error) {
-        throw UsageError(OneLine(error.what()) + ": 'avsk run --help' and 'avsk new --help' list the options");
+        throw UsageError(OneLine(error.what()) +
+                         ": 'avsk run --help', 'avsk ps --help' and 'avsk new --help' list the options");
     }
     if (app.got_subcommand("new"))
         return std::nullopt;
+    if (ps->parsed()) {
+        options.frames = psFrames;
+        options.quiet = true;
+        options.report = false;
+        options.bench.owners = true;
+        options.rootGiven = ps->count("--root") > 0;
+        if (options.plugins.empty())
+            CheckPlaces(options, aircraft);
+        return options;
+    }
     options.rootGiven = run->count("--root") > 0;
     if (words) {
         PrintSessionWords();

@@ -2,6 +2,8 @@
 #ifndef AVSK_HOST_OPTIONS_H
 #define AVSK_HOST_OPTIONS_H
 
+#include "Bench/BenchOptions.h"
+
 #include <optional>
 #include <stdexcept>
 #include <string>
@@ -41,6 +43,8 @@ struct Options {
     std::vector<std::string> plugins; // of a session: those to load, all of the root's if empty
     std::vector<Screenshot> screenshots;
     std::vector<KeyPress> keys;
+    BenchOptions bench;
+    bool report = true; // the run, at its end
 };
 
 // Parses and checks the command line. Without a value the program has done

@@ -3,6 +3,8 @@
 
 #include "Simulator.h"
 
+#include "Bench/Profile.h"
+
 #include "AVSK/AVSKPlugins.h"
 
 #include <algorithm>
@@ -23,15 +25,12 @@ std::size_t Length(const std::string &text) {
         std::count_if(text.begin(), text.end(), [](char c) { return (static_cast<unsigned char>(c) & 0xC0) != 0x80; }));
 }
 
-Row Describe(const Simulator &simulator, AVSKPluginID id) {
+Row Describe(const Profile &times, AVSKPluginID id) {
     std::array<char, AVSK_TEXT_SIZE> name{};
     std::array<char, AVSK_TEXT_SIZE> signature{};
     AVSKGetPluginInfo(id, name.data(), nullptr, signature.data(), nullptr);
-    const auto calls = simulator.hostCalls.find(id);
-    // The host cannot see the library's calls into a plugin. It sees what comes
-    // back: the services the plugin's code used, and its messages to the host.
     return {std::to_string(id), name.data(), signature.data(), AVSKIsPluginEnabled(id) != 0 ? "yes" : "no",
-            std::to_string(calls == simulator.hostCalls.end() ? 0 : calls->second)};
+            std::to_string(times.CallsOf(id))};
 }
 
 void PrintRow(const Row &row, const std::array<std::size_t, kColumns> &widths) {
@@ -48,7 +47,7 @@ void PrintRow(const Row &row, const std::array<std::size_t, kColumns> &widths) {
 
 } // namespace
 
-void PrintReport(const Simulator &simulator) {
+void PrintReport(const Simulator &simulator, const Profile &times) {
     const std::string build = simulator.datarefs.Build();
     std::printf("\n%d frames, %.2f simulated seconds, in %.2f s; library build: %s\n", simulator.frame,
                 static_cast<double>(simulator.Elapsed()), simulator.console.Seconds(),
@@ -58,9 +57,9 @@ void PrintReport(const Simulator &simulator) {
                 simulator.objects.Count(), simulator.objects.CountPending(), simulator.objects.drawn,
                 simulator.probes.Count(), simulator.camera.ViewName());
 
-    std::vector<Row> rows = {{"ID", "plugin", "signature", "enabled", "host calls"}};
+    std::vector<Row> rows = {{"ID", "plugin", "signature", "enabled", "calls"}};
     for (int i = 0; i < AVSKCountPlugins(); ++i)
-        rows.push_back(Describe(simulator, AVSKGetNthPlugin(i)));
+        rows.push_back(Describe(times, AVSKGetNthPlugin(i)));
 
     std::array<std::size_t, kColumns> widths{};
     for (const Row &row : rows) {

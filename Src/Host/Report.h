@@ -4,10 +4,11 @@
 
 namespace host {
 
+class Profile;
 struct Simulator;
 
 // Two lines about the run, and the table of plugins. While they are still loaded.
-void PrintReport(const Simulator &simulator);
+void PrintReport(const Simulator &simulator, const Profile &times);
 
 } // namespace host
 

@@ -25,7 +25,7 @@ enum class StepKind {
 
 // A kind of line. The parameters are words from left to right:
 //
-//     TEXT COUNT INTEGER NUMBER POINT RECT SIZE KEY SLOT VALUE    one of that kind
+//     TEXT COUNT INTEGER NUMBER POINT RECT SIZE KEY SLOT KIND VALUE    one of that kind
 //     a|b      one of the words themselves
 //     [..]     may be missing
 //     ..+      the last one may be repeated

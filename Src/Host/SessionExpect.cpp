@@ -2,10 +2,9 @@
 // all is well. See SessionForms.cpp for their words.
 #include "SessionRunner.h"
 
-#include "PluginWatch.h"
-
 #include "AVSK/AVSKCamera.h"
 #include "AVSK/AVSKDataAccess.h"
+#include "AVSK/AVSKDisplay.h"
 #include "AVSK/AVSKPlanes.h"
 #include "AVSK/AVSKPlugins.h"
 
@@ -67,6 +66,18 @@ std::vector<std::string> ReadValues(AVSKDataRef ref) {
     if ((types & AVSKDataTypeIntArray) != 0)
         return ReadArray<int>(ref, AVSKGetDatavi);
     return {ReadBytes(ref)};
+}
+
+struct Rectangle {
+    int left, top, right, bottom;
+};
+
+AVSKWindowID WindowOf(const Possession &window) { return static_cast<AVSKWindowID>(const_cast<void *>(window.handle)); }
+
+Rectangle PlaceOf(AVSKWindowID window) {
+    Rectangle place{};
+    AVSKGetWindowGeometry(window, &place.left, &place.top, &place.right, &place.bottom);
+    return place;
 }
 
 std::string TextOf(const Rectangle &r) {
@@ -163,7 +174,7 @@ std::string Logged(SessionRunner &run, const Step &step) {
     return Answer(step, false, "no such line; the last one is '" + log.substr(begin, end - begin) + "'");
 }
 
-std::string WindowThere(SessionRunner & /*run*/, const Step &step) {
+std::string WindowThere(SessionRunner &run, const Step &step) {
     const AVSKPluginID plugin = SessionRunner::FindPlugin(step[0]);
     if (plugin == NO_PLUGIN_ID)
         return Answer(step, false, "no plugin of this name or signature");
@@ -172,12 +183,11 @@ std::string WindowThere(SessionRunner & /*run*/, const Step &step) {
         wanted = IntegersOf(step[1]);
     std::vector<std::string> seen;
     bool found = false;
-    for (const WatchedWindow &window : WatchedWindows()) {
-        if (window.owner != plugin)
-            continue;
-        const Rectangle place = PlaceOf(window.handle).value_or(Rectangle{});
-        const bool visible = AVSKGetWindowIsVisible(window.handle) != 0;
-        const bool front = AVSKIsWindowInFront(window.handle) != 0;
+    for (const Possession &owned : run.Watch().Owners().OwnedBy(plugin, Kind::Window)) {
+        AVSKWindowID window = WindowOf(owned);
+        const Rectangle place = PlaceOf(window);
+        const bool visible = AVSKGetWindowIsVisible(window) != 0;
+        const bool front = AVSKIsWindowInFront(window) != 0;
         found = found || ((wanted.empty() || Same(place, wanted)) && (!step.Has("visible") || visible) &&
                           (!step.Has("hidden") || !visible) && (!step.Has("front") || front));
         seen.push_back(TextOf(place) + (visible ? " visible" : " hidden") + (front ? " front" : ""));
@@ -214,6 +224,31 @@ std::string ViewShown(SessionRunner &run, const Step &step) {
     return Answer(step, view == step[0], view);
 }
 
+std::string Owns(SessionRunner &run, const Step &step) {
+    const AVSKPluginID plugin = SessionRunner::FindPlugin(step[0]);
+    if (plugin == NO_PLUGIN_ID)
+        return Answer(step, false, "no plugin of this name or signature");
+    std::vector<std::string> seen;
+    bool found = false;
+    for (const Possession &owned : run.Watch().Owners().OwnedBy(plugin, KindOf(step[1]).value())) {
+        seen.push_back("'" + owned.what + "'");
+        found = found || step.Count() == 2 || owned.what.find(step[2]) != std::string::npos;
+    }
+    return Answer(step, found, seen.empty() ? "no " + step[1] + " of this plugin" : Join(seen));
+}
+
+// Of a plugin that was never there nothing is left either: that is no proof.
+std::string Tidy(SessionRunner &run, const Step &step) {
+    const Ledger &owners = run.Watch().Owners();
+    if (step.Count() > 0 && !owners.WasUnloaded(step[0]))
+        return "seen: no plugin of this name or signature was loaded";
+    const std::vector<std::string> left = owners.LeftBehind(step.Count() > 0 ? step[0] : "");
+    std::string seen = left.empty() ? "nothing left behind" : "left behind";
+    for (const std::string &line : left)
+        seen += "\n    " + line;
+    return Answer(step, left.empty(), seen);
+}
+
 // The library gives back what it knows. Commands and probes are not looked at:
 // both stay for the host's life.
 std::string NothingLeft(SessionRunner &run, const Step &step) {
@@ -237,11 +272,10 @@ std::string NothingLeft(SessionRunner &run, const Step &step) {
         left.push_back("the pressed button " + std::to_string(button));
     if (simulator.objects.Count() > 0)
         left.push_back(std::to_string(simulator.objects.Count()) + " objects");
-    for (const std::string &name : WatchedDatarefs()) {
-        if (AVSKIsDataRefGood(AVSKFindDataRef(name.c_str())) != 0)
-            left.push_back("the dataref '" + name + "'");
-    }
-    if (const std::size_t windows = WatchedWindows().size(); windows > 0)
+    const Ledger &owners = run.Watch().Owners();
+    for (const Possession &dataref : owners.StillThere(Kind::Dataref))
+        left.push_back("the dataref '" + dataref.what + "'");
+    if (const std::size_t windows = owners.StillThere(Kind::Window).size(); windows > 0)
         left.push_back(std::to_string(windows) + " windows");
     if (const int keys = AVSKCountHotKeys(); keys > 0)
         left.push_back(std::to_string(keys) + " hot keys");

@@ -16,6 +16,8 @@ constexpr Form kForms[] = {
     {StepKind::SetUp, "screen", "SIZE", "the screen's size in pixels, 1024x768 unless said", nullptr},
     {StepKind::SetUp, "aircraft", "TEXT", "folder of the user's aircraft", nullptr},
     {StepKind::SetUp, "scenery", "TEXT", "a scenery folder; can be repeated", nullptr},
+    {StepKind::SetUp, "budget", "NUMBER [TEXT]",
+     "the milliseconds that each plugin, or this one, may take in a frame; more fails the session", nullptr},
 
     {StepKind::Step, "frames", "COUNT", "runs so many frames", steps::Frames},
     {StepKind::Step, "seconds", "NUMBER", "runs so many simulated seconds", steps::Seconds},
@@ -55,6 +57,8 @@ constexpr Form kForms[] = {
     {StepKind::Step, "screenshot", "TEXT", "runs a frame and writes a picture of it", steps::TakeScreenshot},
     {StepKind::Step, "mark", "", "expectations about the log and about calls look no further back than here",
      steps::Mark, kAfterUnload},
+    {StepKind::Step, "ps", "[TEXT]", "prints what each plugin, or this one, owns; behind 'unload' what it left behind",
+     steps::ListPossessions, kAfterUnload},
     {StepKind::Step, "unload", "", "unloads all plugins; then nothing more can run", steps::UnloadAll},
 
     {StepKind::Expect, "dataref", "TEXT [VALUE]+", "a dataref is published, and has a value", expectations::Dataref},
@@ -67,6 +71,11 @@ constexpr Form kForms[] = {
     {StepKind::Expect, "call", "SLOT [VALUE]+", "a host service was called with such arguments; * is any",
      expectations::Called, kAfterUnload},
     {StepKind::Expect, "view", "tower|chase|cockpit", "the view is this one", expectations::ViewShown},
+    {StepKind::Expect, "owns", "TEXT KIND [TEXT]",
+     "a plugin owns something of a kind, as 'ps' shows it, whose description holds a text", expectations::Owns},
+    {StepKind::Expect, "tidy", "[TEXT]",
+     "behind 'unload': the plugins, or this one, had given everything back themselves", expectations::Tidy,
+     kAfterUnload},
     {StepKind::Expect, "nothing", "left", "behind 'unload': the plugins left nothing that the host can see",
      expectations::NothingLeft, kAfterUnload},
 };

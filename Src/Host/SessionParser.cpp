@@ -2,6 +2,7 @@
 // Whatever can be wrong with a line by itself is found here, before anything runs.
 #include "Session.h"
 
+#include "Bench/Possession.h"
 #include "CallLog.h"
 #include "Options.h"
 
@@ -105,6 +106,8 @@ bool Fits(std::string_view what, const Word &word) {
         return KeyOf(word.text) != 0;
     if (what == "SLOT")
         return CallLog::CountArguments(word.text) >= 0;
+    if (what == "KIND")
+        return KindOf(word.text).has_value();
     if (what == "VALUE")
         return word.quoted || IsValue(word.text);
     return !word.quoted && IsOneOf(what, word.text);
@@ -126,6 +129,8 @@ std::string NameOf(std::string_view what) {
         if (kind == what)
             return std::string(name);
     }
+    if (what == "KIND")
+        return "a kind of thing (" + KindWords() + ")";
     std::string name = "'" + std::string(what) + "'";
     for (std::size_t at = 0; (at = name.find('|', at)) != std::string::npos; at += 6)
         name.replace(at, 1, "' or '");
@@ -272,6 +277,8 @@ void SessionParser::CheckOrder(const Step &step, int column) {
         Refuse(column, "nothing can run here, the plugins are unloaded: move this before 'unload'");
     if (form.name == "nothing" && (!mUnloaded || step.negated))
         Refuse(column, "'expect nothing left' belongs behind 'unload'");
+    if (form.name == "tidy" && !mUnloaded)
+        Refuse(column, "'expect tidy' belongs behind 'unload'");
     mBegun = mBegun || form.kind != StepKind::SetUp;
     mUnloaded = mUnloaded || form.name == "unload";
 }

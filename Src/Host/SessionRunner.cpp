@@ -133,6 +133,8 @@ void SessionRunner::SetUp(const Step &step) {
         mAircraft = Resolve(step, /*folder=*/true);
     } else if (name == "scenery") {
         mOptions.scenery.push_back(Resolve(step, /*folder=*/true));
+    } else if (name == "budget") {
+        mBudgets[step.Count() > 1 ? step[1] : ""] = NumberOf(step[0]);
     }
 }
 
@@ -151,7 +153,9 @@ void SessionRunner::Start() {
     mSimulator = std::make_unique<Simulator>(mOptions);
     mSimulator->console.Keep(mOptions.root);
     mCalls = std::make_unique<CallLog>(*mSimulator);
-    mSimulator->calls = mCalls.get();
+    mBench = std::make_unique<Bench>(*mSimulator);
+    for (const auto &[plugin, milliseconds] : mBudgets)
+        mBench->Times().SetBudget(plugin, milliseconds);
     Prepare(*mSimulator);
     StartPlugins(*mSimulator);
     mLoaded = true;
@@ -171,6 +175,13 @@ void SessionRunner::Do(const Step &step) {
 int SessionRunner::Finish() {
     if (mLoaded)
         Unload();
+    if (mBench) {
+        mBench->ReportUnloaded();
+        for (const std::string &excess : mBench->Times().OverBudget()) {
+            ++mFailed;
+            std::printf("%s: budget: %s\n", mName.c_str(), excess.c_str());
+        }
+    }
     std::printf("%s: %d frames, %d steps, %d expectations, %d failed\n", mName.c_str(),
                 mSimulator ? mSimulator->frame : 0, mSteps, mExpectations, mFailed);
     std::fflush(stdout);
@@ -184,6 +195,7 @@ void SessionRunner::RunFrames(int count) {
 
 void SessionRunner::Unload() {
     mLoaded = false;
+    mBench->ReportLoaded();
     StopPlugins(*mSimulator);
 }
 

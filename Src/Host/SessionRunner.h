@@ -3,12 +3,14 @@
 #ifndef AVSK_HOST_SESSION_RUNNER_H
 #define AVSK_HOST_SESSION_RUNNER_H
 
+#include "Bench/Bench.h"
 #include "CallLog.h"
 #include "Options.h"
 #include "Session.h"
 #include "SessionRoot.h"
 #include "Simulator.h"
 
+#include <map>
 #include <memory>
 #include <string>
 #include <vector>
@@ -36,6 +38,8 @@ class SessionRunner {
 
     Simulator &Sim() { return *mSimulator; }
     CallLog &Calls() { return *mCalls; }
+    Bench &Watch() { return *mBench; }
+    bool IsLoaded() const { return mLoaded; }
     void RunFrames(int count);
     void Unload();
 
@@ -52,6 +56,8 @@ class SessionRunner {
     SessionRoot mRoot;
     std::unique_ptr<Simulator> mSimulator;
     std::unique_ptr<CallLog> mCalls;
+    std::unique_ptr<Bench> mBench;
+    std::map<std::string, double> mBudgets; // milliseconds, by plugin
     bool mLoaded = false;
     int mSteps = 0;
     int mExpectations = 0;
@@ -91,6 +97,7 @@ std::string Reload(SessionRunner &run, const Step &step);
 std::string SetDataref(SessionRunner &run, const Step &step);
 std::string TakeScreenshot(SessionRunner &run, const Step &step);
 std::string Mark(SessionRunner &run, const Step &step);
+std::string ListPossessions(SessionRunner &run, const Step &step);
 std::string UnloadAll(SessionRunner &run, const Step &step);
 } // namespace steps
 
@@ -102,6 +109,8 @@ std::string Item(SessionRunner &run, const Step &step);
 std::string PluginState(SessionRunner &run, const Step &step);
 std::string Called(SessionRunner &run, const Step &step);
 std::string ViewShown(SessionRunner &run, const Step &step);
+std::string Owns(SessionRunner &run, const Step &step);
+std::string Tidy(SessionRunner &run, const Step &step);
 std::string NothingLeft(SessionRunner &run, const Step &step);
 } // namespace expectations
 

@@ -11,6 +11,7 @@
 #include <algorithm>
 #include <cctype>
 #include <cmath>
+#include <cstdio>
 #include <filesystem>
 
 #include <unistd.h>
@@ -329,6 +330,23 @@ std::string TakeScreenshot(SessionRunner &run, const Step &step) {
 std::string Mark(SessionRunner &run, const Step & /*step*/) {
     run.Sim().console.Forget();
     run.Calls().Forget();
+    return kFine;
+}
+
+std::string ListPossessions(SessionRunner &run, const Step &step) {
+    const Ledger &owners = run.Watch().Owners();
+    const std::string plugin = step.Count() > 0 ? step[0] : "";
+    const bool isKnown = plugin.empty() || (run.IsLoaded() ? SessionRunner::FindPlugin(plugin) != NO_PLUGIN_ID
+                                                           : owners.WasUnloaded(plugin));
+    if (!isKnown)
+        return run.IsLoaded() ? NoPlugin(plugin) : "no plugin of this name or signature was loaded: '" + plugin + "'";
+    const std::vector<std::string> lines = run.IsLoaded() ? owners.Owned(plugin) : owners.LeftBehind(plugin);
+    std::printf("%s\n", run.IsLoaded() ? "Owned:" : "Left behind:");
+    for (const std::string &line : lines)
+        std::printf("  %s\n", line.c_str());
+    if (lines.empty())
+        std::puts("  nothing");
+    std::fflush(stdout);
     return kFine;
 }
 

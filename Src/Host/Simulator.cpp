@@ -10,11 +10,6 @@ namespace host {
 
 Simulator *gSimulator = nullptr;
 
-Simulator &Enter() {
-    ++gSimulator->hostCalls[AVSKGetMyID()];
-    return *gSimulator;
-}
-
 Simulator::Simulator(Options requested)
     : options(std::move(requested)), console(options.quiet, options.logFile),
       display(options.screenWidth, options.screenHeight), commands(*this), input(*this), fleet(options.aircraftModel),
@@ -48,14 +43,6 @@ void Simulator::FinishRequests() {
     fleet.Update(*this);
     if (std::exchange(sceneryDue, false))
         ReportScenery();
-}
-
-void Simulator::ForgetUnloaded() {
-    std::erase_if(hostCalls, [](const auto &entry) {
-        std::array<char, AVSK_TEXT_SIZE> path{};
-        AVSKGetPluginInfo(entry.first, nullptr, path.data(), nullptr, nullptr);
-        return path.front() == '\0';
-    });
 }
 
 void Simulator::ReportScenery() {

@@ -21,11 +21,7 @@
 
 #include "AVSK/AVSKHost.h"
 
-#include <map>
-
 namespace host {
-
-class CallLog;
 
 struct Simulator {
     explicit Simulator(Options requested);
@@ -47,17 +43,12 @@ struct Simulator {
     FlightPlan flightPlan;
     Datarefs datarefs;
     bool sceneryDue = false; // scenery folders are to be reported at the next frame
-    // Calls into the host's services and messages to it, by the plugin that made them.
-    std::map<AVSKPluginID, long> hostCalls;
-    CallLog *calls = nullptr; // of a session
 
     // Seconds since the start: a clock of frames, so that every run is the same.
     float Elapsed() const;
 
     // Runs the library's hooks for one frame.
     void RunFrame();
-    // Drops the counts of plugins that are gone: their IDs are given out again.
-    void ForgetUnloaded();
     // Reports each scenery folder to the library.
     void ReportScenery();
 
@@ -72,8 +63,8 @@ struct Simulator {
 // they find the one simulator of the process here. Set by Main.cpp.
 extern Simulator *gSimulator;
 
-// What each slot does first: notes which plugin's code called it.
-Simulator &Enter();
+// What each slot does first.
+inline Simulator &Enter() { return *gSimulator; }
 
 // Writes through a plugin's pointer, which may be null.
 template <typename T>

@@ -2,6 +2,7 @@
 #include "Crossing.h"
 
 #include "Callback.h"
+#include "Format.h"
 
 #include "AVSK/AVSKPlugins.h"
 
@@ -18,6 +19,7 @@ namespace crossings {
 namespace {
 
 Crossing *gInnermost = nullptr;
+Crossing::Clock::duration gObserving{}; // the time that observers took so far
 // Neither is ever destroyed: plugins may call until the very end of the process.
 std::vector<Observer *> &gObservers = *new std::vector<Observer *>;
 std::map<AVSKPluginID, std::string> &gLabels = *new std::map<AVSKPluginID, std::string>;
@@ -37,7 +39,7 @@ AVSKPluginID Owner(const Callback &callback, AVSKPluginID dispatched) {
     return callback.owner == NO_PLUGIN_ID ? dispatched : callback.owner;
 }
 
-// "Menu" for "/.../Menu/lin.avp", and for "/.../Menu.avp".
+// "Menu" for ".../Menu/lin.avp", and for ".../Menu.avp".
 std::string NameFromPath(std::string_view path) {
     path = path.substr(0, path.rfind('.'));
     std::string_view name = path.substr(path.rfind('/') + 1);
@@ -49,6 +51,14 @@ std::string NameFromPath(std::string_view path) {
 }
 
 bool IsStart(const Crossing &crossing) { return std::strcmp(crossing.what.name, "AVPluginStart") == 0; }
+
+// The library learns a plugin's name a moment later than the observers of its start.
+void NoteName(const Crossing &start) {
+    std::array<char, AVSK_TEXT_SIZE> name{};
+    const auto *given = static_cast<const char *>(start["outName"].pointer);
+    if (start.returned && start.result.integer != 0 && ReadText(given, -1, name.data(), name.size()) && name.front())
+        gLabels[start.plugin] = name.data();
+}
 
 } // namespace
 
@@ -63,21 +73,26 @@ Crossing::Crossing(const Prototype &prototype, Side callee, std::span<const Valu
     if (IsStart(*this))
         gLabels.erase(plugin); // the ID may have been another's
     const Unobserved calls;
-    began = Clock::now();
+    const Clock::time_point start = Clock::now();
+    began = start;
     for (Observer *observer : gObservers)
         observer->Begins(*this);
-    began = Clock::now(); // without what observing took
+    began = Clock::now();
+    gObserving += began - start;
+    mObserving = gObserving;
 }
 
 Crossing::~Crossing() {
     ended = Clock::now();
+    mObserving = gObserving - mObserving;
     {
         const Unobserved calls;
         if (IsStart(*this))
-            gLabels.erase(plugin); // now it has its name
+            NoteName(*this);
         for (Observer *observer : gObservers)
             observer->Ends(*this);
     }
+    gObserving += Clock::now() - ended;
     gInnermost = outer;
 }
 
@@ -112,7 +127,9 @@ const std::string &LabelOf(AVSKPluginID plugin) {
     std::array<char, AVSK_TEXT_SIZE> name{};
     std::array<char, AVSK_TEXT_SIZE> path{};
     AVSKGetPluginInfo(plugin, name.data(), path.data(), nullptr, nullptr);
-    std::string label = name.front() ? name.data() : NameFromPath(path.data());
+    // A plugin that has not started goes by its path.
+    const bool hasName = name.front() && !std::string_view(name.data()).ends_with(".avp");
+    std::string label = hasName ? name.data() : NameFromPath(path.data());
     static const std::string nobody = "nobody";
     return label.empty() ? nobody : gLabels[plugin] = std::move(label);
 }

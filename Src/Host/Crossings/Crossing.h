@@ -130,7 +130,11 @@ class Crossing {
 
     // An argument by its name. The name must be one.
     const Value &operator[](const char *parameter) const;
-    Clock::duration Duration() const { return ended - began; }
+    // Without what observing the calls within took. For Ends() only.
+    Clock::duration Duration() const { return ended - began - mObserving; }
+
+  private:
+    Clock::duration mObserving{};
 };
 
 // Sees every call of the main thread. What it calls of the library itself is

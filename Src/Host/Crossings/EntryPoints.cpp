@@ -36,9 +36,11 @@ void *EntryPoint(void *handle, const char *name) {
     for (const CallbackKind *kind : kEntryPoints) {
         if (std::strcmp(kind->what.name, name) != 0)
             continue;
-        ForgetSymbols(); // of files that were replaced since
+        void *address = RealLookup()(handle, name);
+        if (kind == &k_AVPluginStart)
+            ForgetSymbolsNear(address);
         // Whose it is shows when it is called.
-        const auto function = reinterpret_cast<Function>(RealLookup()(handle, name));
+        const auto function = reinterpret_cast<Function>(address);
         return reinterpret_cast<void *>(Wrap(function, *kind, Side::Plugin, NO_PLUGIN_ID));
     }
     return nullptr;

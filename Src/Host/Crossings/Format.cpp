@@ -70,7 +70,9 @@ void Line::Add(std::string_view text) {
 
 void Line::Add(double number) {
     char buffer[32];
-    Add(Digits(buffer, static_cast<float>(number) == number ? static_cast<float>(number) : number));
+    // Few digits for what was a float.
+    const auto rounded = static_cast<float>(number);
+    Add(rounded == number ? Digits(buffer, rounded) : Digits(buffer, number));
 }
 
 void Line::Add(int number) {
@@ -164,12 +166,16 @@ std::string TitleOf(const Crossing &crossing) {
     return title;
 }
 
-void AddCall(Line &line, const Crossing &crossing) {
+void AddTitle(Line &line, const Crossing &crossing) {
     line.Add(crossing.what.name);
     if (crossing.callback && !IsEntryPoint(*crossing.callback)) {
         line.Add(' ');
         line.Add(NameOf(*crossing.callback));
     }
+}
+
+void AddCall(Line &line, const Crossing &crossing) {
+    AddTitle(line, crossing);
     line.Add('(');
     line.Add(crossing.what.parameters, crossing.arguments);
     line.Add(')');

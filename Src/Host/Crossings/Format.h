@@ -46,6 +46,7 @@ void AddSides(Line &line, const Crossing &crossing);
 std::string_view CallerOf(const Crossing &crossing);
 std::string_view CalleeOf(const Crossing &crossing);
 // The function of the other side that is called: "AVSKFlightLoop_f Tick".
+void AddTitle(Line &line, const Crossing &crossing);
 std::string TitleOf(const Crossing &crossing);
 
 // Reads a text of at most size - 1 bytes, or length if that is not negative;

@@ -1,6 +1,10 @@
 // The table that the library gets in the place of the host's.
+#include "Services.h"
+
 #include "Forward.h"
 #include "Kinds.h"
+
+#include <algorithm>
 
 namespace crossings {
 namespace {
@@ -10,12 +14,16 @@ const AVSKHostCallbacks *gTable = nullptr; // the host's own
 #define AVSK_CALLBACK(result, name, names, arguments, ...)
 #define AVSK_FUNCTION(result, name, parameters, names, arguments)
 #define AVSK_SERVICE(result, name, parameters, names, arguments)                                                       \
-    result Serve_##name parameters {                                                                                   \
-        static constexpr Prototype what{#name, names};                                                                 \
-        return Forward{what, Side::Host, nullptr, gTable->name} arguments;                                             \
-    }
+    constexpr Prototype kPrototype_##name{#name, (names)};                                                             \
+    result Serve_##name parameters { return Forward{kPrototype_##name, Side::Host, nullptr, gTable->name} arguments; }
 #include "Prototypes.inc"
 #undef AVSK_SERVICE
+
+constexpr const Prototype *kServices[] = {
+#define AVSK_SERVICE(result, name, parameters, names, arguments) &kPrototype_##name,
+#include "Prototypes.inc"
+#undef AVSK_SERVICE
+};
 
 // The library keeps the pointer for ever.
 AVSKHostCallbacks gReplacement = {
@@ -34,6 +42,17 @@ const AVSKHostCallbacks *Structure<AVSKHostCallbacks>::Replaced() const {
     gReplacement.version = mGiven->version;
     gReplacement.sizeInBytes = mGiven->sizeInBytes;
     return &gReplacement;
+}
+
+const Prototype *FindService(std::string_view name) {
+    const auto *const found = std::find_if(std::begin(kServices), std::end(kServices),
+                                           [name](const Prototype *service) { return service->name == name; });
+    return found == std::end(kServices) ? nullptr : *found;
+}
+
+int CountParameters(const Prototype &function) {
+    const std::string_view names = function.parameters;
+    return names.empty() ? 0 : 1 + static_cast<int>(std::count(names.begin(), names.end(), ','));
 }
 
 } // namespace crossings

@@ -137,6 +137,10 @@ std::string SymbolAt(const void *address) {
     return file.substr(file.rfind('/') + 1) + text;
 }
 
-void ForgetSymbols() { gFiles.clear(); }
+void ForgetSymbolsNear(const void *address) {
+    Dl_info info{};
+    if (dladdr(address, &info) != 0 && info.dli_fname)
+        gFiles.erase(info.dli_fname);
+}
 
 } // namespace crossings

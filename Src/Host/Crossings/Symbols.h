@@ -9,8 +9,8 @@ namespace crossings {
 // "Tick" or "lights::Tick", without parameters; "lin.avp+0x1234" where the
 // file has no symbol there.
 std::string SymbolAt(const void *address);
-// Reads the files anew: they may have been replaced.
-void ForgetSymbols();
+// Reads the file of an address anew when it is asked for: it may have been replaced.
+void ForgetSymbolsNear(const void *address);
 
 } // namespace crossings
 

@@ -1,0 +1,44 @@
+// What a run is watched with, as the command line asks: the trace, the times,
+// who owns what, and the blame when a plugin ends the run.
+#ifndef AVSK_HOST_BENCH_H
+#define AVSK_HOST_BENCH_H
+
+#include "Blame.h"
+#include "Ledger.h"
+#include "Profile.h"
+#include "Trace.h"
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace host {
+
+struct Simulator;
+
+class Bench {
+  public:
+    // Begins to watch. The simulator must outlive it. Throws UsageError.
+    explicit Bench(const Simulator &simulator);
+    Bench(const Bench &) = delete;
+    Bench &operator=(const Bench &) = delete;
+
+    Ledger &Owners() { return mLedger; }
+    Profile &Times() { return mProfile; }
+    const Profile &Times() const { return mProfile; }
+
+    // Print what was asked for: while the plugins are loaded, and when they are gone.
+    void ReportLoaded() const;
+    void ReportUnloaded() const;
+
+  private:
+    const Simulator &mSimulator;
+    Blame mBlame;
+    Ledger mLedger;
+    Profile mProfile;
+    std::optional<Trace> mTrace;
+};
+
+} // namespace host
+
+#endif

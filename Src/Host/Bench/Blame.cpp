@@ -1,0 +1,302 @@
+// Who ended the run; see Blame.h. A report is made in signal handlers, so it
+// uses only what was made ready before, and writes what is most certain first.
+#include "Blame.h"
+
+#include "Backtrace.h"
+#include "Fault.h"
+#include "History.h"
+
+#include <array>
+#include <atomic>
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <string_view>
+
+#include <csignal>
+#include <sys/mman.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+// Of the sanitizers' runtime, if there is one.
+extern "C" __attribute__((weak)) void __sanitizer_set_death_callback(void (*callback)());
+
+namespace host {
+
+using crossings::Crossing;
+using crossings::Line;
+using crossings::Side;
+
+namespace {
+
+constexpr unsigned kReportPatience = 20; // seconds
+constexpr std::size_t kHandlersStack = 256 * 1024;
+
+const int kOverdue = SIGRTMAX - 3; // seldom anybody's
+
+History gHistory;
+Blame *gBlame = nullptr;
+pthread_t gMainThread;
+std::atomic<bool> gReporting = false;
+
+bool IsMainThread() { return pthread_equal(pthread_self(), gMainThread) != 0; }
+
+// The plugins' or the host's, when the library runs code on their behalf.
+void AddBehalf(Line &line, const History::Call &call) {
+    if (call.forHost)
+        return line.Add("the host");
+    line.Add("plugin '");
+    line.Add(call.plugin.Text());
+    line.Add('\'');
+}
+
+void AddCulprit(Line &line, const History::Call *call) {
+    if (!call || call->to == Side::Host)
+        return line.Add("the host itself");
+    if (call->to == Side::Library)
+        return line.Add("the library");
+    AddBehalf(line, *call);
+}
+
+void AddPlace(Line &line, const History::Call *call) {
+    if (!call)
+        return;
+    line.Add(call->title.Text());
+    if (call->to == Side::Plugin)
+        return;
+    line.Add(call->to == Side::Library ? std::string_view(", called by ") : ", called for ");
+    AddBehalf(line, *call);
+}
+
+// What is read by nobody is written by a child: if that gets stuck or dies, nothing else does.
+void FlushOutput() {
+    const pid_t child = _Fork();
+    if (child <= 0)
+        std::fflush(nullptr);
+    if (child == 0)
+        _exit(0);
+    if (child > 0)
+        waitpid(child, nullptr, 0);
+}
+
+[[noreturn]] void GiveUp(int signal) {
+    WriteError(signal == SIGALRM ? std::string_view("avsk: this report took too long\n")
+                                 : "avsk: this report ended in a fault of its own\n");
+    _exit(kBlamedStatus);
+}
+
+void WriteCalls(const Line &head) {
+    if (isatty(STDERR_FILENO) == 1)
+        WriteError("\r\033[K"); // there may be a progress line
+    WriteError(head.Text());
+    WriteError("\n");
+    gHistory.WriteOpen();
+    gHistory.WriteLast();
+}
+
+[[noreturn]] void Report(const Line &head, ucontext_t *context) {
+    struct sigaction giveUp {};
+    giveUp.sa_handler = GiveUp;
+    sigaction(SIGALRM, &giveUp, nullptr);
+    sigset_t alarms;
+    sigemptyset(&alarms);
+    sigaddset(&alarms, SIGALRM);
+    pthread_sigmask(SIG_UNBLOCK, &alarms, nullptr);
+    alarm(kReportPatience);
+    FlushOutput();
+    WriteCalls(head);
+    WriteBacktrace(context);
+    _exit(kBlamedStatus);
+}
+
+// Code of a plugin that no call of the library's has led to: of one that is
+// being loaded, or in a thread.
+bool AddStray(Line &line, const void *instruction) {
+    const History::Call *call = gHistory.Innermost();
+    const char *file = FileAt(instruction);
+    const bool isPlugins = file && std::string_view(file).ends_with(".avp");
+    if (IsMainThread() && (!isPlugins || (call && call->to == Side::Plugin)))
+        return false;
+    line.Add(IsMainThread() ? std::string_view("code of '") : "a thread other than the main one, in '");
+    line.Add(file ? std::string_view(file) : "no file");
+    line.Add(IsMainThread() ? std::string_view("'") : "',");
+    return true;
+}
+
+void OnFault(int signal, siginfo_t *info, void *interrupted) {
+    if (gReporting.exchange(true))
+        GiveUp(signal);
+    auto *context = static_cast<ucontext_t *>(interrupted);
+    const auto *instruction = reinterpret_cast<const void *>(context->uc_mcontext.gregs[REG_EIP]);
+    const History::Call *call = nullptr;
+    if (IsMainThread() && IsStackFull(*info))
+        call = gHistory.InnermostOfPlugins();            // whoever needed the last of it
+    else if (IsMainThread() && crossings::AreObserved()) // else it is the bench that is at fault
+        call = gHistory.Innermost();
+    Line head;
+    head.Add("avsk: ");
+    if (!AddStray(head, instruction))
+        AddCulprit(head, call);
+    head.Add(" died of ");
+    AddCause(head, *info, instruction);
+    if (call) {
+        head.Add(" in ");
+        AddPlace(head, call);
+    }
+    Report(head, context);
+}
+
+// The innermost of the plugins' calls that takes so long; those in it may be
+// short ones of many. Else the outermost of all calls.
+const History::Call *OverdueCall(double limit) {
+    constexpr double kNearly = 0.9;
+    const Crossing::Clock::time_point now = Crossing::Clock::now();
+    for (const Crossing *call = crossings::Innermost(); call; call = call->outer) {
+        if (call->to == Side::Plugin && std::chrono::duration<double>(now - call->began).count() >= kNearly * limit)
+            return gHistory.Open(call->depth);
+    }
+    return gHistory.Open(0);
+}
+
+void OnOverdue(int /*signal*/, siginfo_t * /*info*/, void *interrupted) {
+    const int error = errno;
+    if (!gBlame || !gBlame->IsOverdue() || gReporting.exchange(true)) {
+        errno = error;
+        return;
+    }
+    const History::Call *call = OverdueCall(gBlame->Limit());
+    Line head;
+    head.Add("avsk: ");
+    AddCulprit(head, call);
+    head.Add(" did not return within ");
+    head.Add(gBlame->Limit());
+    head.Add(" s from ");
+    AddPlace(head, call);
+    Report(head, static_cast<ucontext_t *>(interrupted));
+}
+
+// The program's own end comes when no call is under way.
+void OnExit(int status, void * /*unused*/) {
+    if (!gBlame || !gHistory.Innermost() || gReporting.exchange(true))
+        return;
+    Line head;
+    head.Add("avsk: ");
+    if (IsMainThread())
+        AddCulprit(head, gHistory.Innermost());
+    else
+        head.Add("a thread other than the main one");
+    head.Add(" called exit(");
+    head.Add(status);
+    head.Add(")");
+    if (IsMainThread()) {
+        head.Add(" in ");
+        AddPlace(head, gHistory.Innermost());
+    }
+    Report(head, nullptr);
+}
+
+// The sanitizers have said what is wrong and where; what follows is who was at it. The status is theirs.
+void OnSanitizersEnd() {
+    if (!gBlame || !gHistory.Innermost() || gReporting.exchange(true))
+        return;
+    Line head;
+    head.Add("avsk: a sanitizer ended the run, in ");
+    AddCulprit(head, gHistory.Innermost());
+    head.Add(" in ");
+    AddPlace(head, gHistory.Innermost());
+    WriteCalls(head);
+}
+
+} // namespace
+
+struct Blame::Handlers {
+    std::array<struct sigaction, kFatalSignals.size()> fatal{};
+    struct sigaction overdue {};
+    stack_t stack{};
+    // Not from the heap: there may be nothing left of that. What lies beside it is never touched.
+    void *memory = mmap(nullptr, kHandlersStack, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+
+    Handlers() {
+        if (memory != MAP_FAILED) {
+            const stack_t ours{.ss_sp = memory, .ss_flags = 0, .ss_size = kHandlersStack};
+            sigaltstack(&ours, &stack);
+        }
+        struct sigaction action {};
+        sigaddset(&action.sa_mask, kOverdue);
+        action.sa_sigaction = OnFault;
+        action.sa_flags = SA_SIGINFO | SA_ONSTACK | SA_NODEFER; // a second fault is to be seen, too
+        for (std::size_t i = 0; i < fatal.size(); ++i)
+            sigaction(kFatalSignals[i], &action, &fatal[i]);
+        action.sa_sigaction = OnOverdue;
+        action.sa_flags = SA_SIGINFO | SA_ONSTACK | SA_RESTART;
+        sigaction(kOverdue, &action, &overdue);
+    }
+
+    ~Handlers() {
+        for (std::size_t i = 0; i < fatal.size(); ++i)
+            sigaction(kFatalSignals[i], &fatal[i], nullptr);
+        sigaction(kOverdue, &overdue, nullptr);
+        if (memory != MAP_FAILED) {
+            sigaltstack(&stack, nullptr);
+            munmap(memory, kHandlersStack);
+        }
+    }
+    Handlers(const Handlers &) = delete;
+    Handlers &operator=(const Handlers &) = delete;
+};
+
+Blame::Blame(double timeout) {
+    [[maybe_unused]] static const int once = on_exit(OnExit, nullptr);
+    if (__sanitizer_set_death_callback)
+        __sanitizer_set_death_callback(OnSanitizersEnd);
+    gMainThread = pthread_self();
+    LearnStack();
+    PrepareBacktrace();
+    gBlame = this;
+    mBefore = std::make_unique<Handlers>();
+    if (timeout > 0)
+        mWatchdog.emplace(timeout, kOverdue);
+    crossings::AddObserver(*this);
+}
+
+Blame::~Blame() {
+    crossings::RemoveObserver(*this);
+    mWatchdog.reset(); // before the handler of its signal
+    mBefore.reset();
+    gBlame = nullptr;
+}
+
+void Blame::Begins(const Crossing &crossing) {
+    gHistory.Begins(crossing);
+    const bool isPlugins = crossing.to == Side::Plugin && mPluginDepth < 0;
+    if (isPlugins)
+        mPluginDepth = crossing.depth;
+    if (mWatchdog && (isPlugins || crossing.depth == 0))
+        mWatchdog->Restart(crossing.began);
+}
+
+void Blame::Ends(const Crossing &crossing) {
+    gHistory.Ends(crossing);
+    const bool isPlugins = crossing.depth == mPluginDepth;
+    if (isPlugins)
+        mPluginDepth = -1;
+    if (mWatchdog && crossing.depth == 0)
+        mWatchdog->Stop();
+    else if (mWatchdog && isPlugins)
+        mWatchdog->Restart(crossing.ended);
+}
+
+std::string ThrownBy() {
+    const History::Call *call = gHistory.Thrown();
+    if (!call)
+        return "";
+    Line line;
+    AddCulprit(line, call);
+    line.Add(" in ");
+    AddPlace(line, call);
+    return std::string(line.Text());
+}
+
+void PrintLastCalls() { gHistory.WriteLast(); }
+
+} // namespace host

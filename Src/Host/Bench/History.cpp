@@ -1,0 +1,143 @@
+// Calls as text; see History.h.
+#include "History.h"
+
+#include <algorithm>
+#include <exception>
+#include <string_view>
+
+#include <unistd.h>
+
+namespace host {
+
+using crossings::Crossing;
+using crossings::Line;
+
+namespace {
+
+void WriteIndented(int depth, std::string_view text, std::string_view end) {
+    constexpr int kDeepestShown = 20;
+    Line indent;
+    for (int i = 0; i <= std::min(depth, kDeepestShown); ++i)
+        indent.Add("  ");
+    WriteError(indent.Text());
+    WriteError(text);
+    WriteError(end);
+    WriteError("\n");
+}
+
+} // namespace
+
+void WriteError(std::string_view text) {
+    while (!text.empty()) {
+        const ssize_t written = write(STDERR_FILENO, text.data(), text.size());
+        if (written <= 0)
+            return;
+        text.remove_prefix(static_cast<std::size_t>(written));
+    }
+}
+
+void History::Begins(const Crossing &crossing) {
+    if (mHasThrown && std::uncaught_exceptions() == 0)
+        mHasThrown = false; // somebody caught it
+    Call &call = Slot(crossing.depth);
+    call.to = crossing.to;
+    call.forHost = crossing.plugin == AVSK_PLUGIN_AERIVO;
+    call.plugin.Clear();
+    call.plugin.Add(std::string_view(crossings::LabelOf(crossing.plugin)));
+    call.title.Clear();
+    crossings::AddTitle(call.title, crossing);
+    call.text.Clear();
+    crossings::AddSides(call.text, crossing);
+    call.text.Add("  ");
+    crossings::AddCall(call.text, crossing);
+    mDepth = crossing.depth + 1;
+    if (!call.forHost) {
+        while (mPushed < mDepth)
+            Push(mPushed++);
+    }
+}
+
+void History::Ends(const Crossing &crossing) {
+    NoteException(crossing);
+    mDepth = crossing.depth;
+    if (mPushed > mDepth) {
+        AddResult(crossing);
+        mPushed = mDepth;
+    }
+}
+
+void History::Push(int depth) {
+    Past &past = mLast[mCount++ % kLast];
+    past.depth = depth;
+    past.isOpen = true;
+    past.text = Slot(depth).text;
+    past.result.Clear();
+}
+
+void History::AddResult(const Crossing &crossing) {
+    // The latest of this depth, unless it is too long ago.
+    for (unsigned back = 1; back <= std::min(mCount, kLast); ++back) {
+        Past &past = mLast[(mCount - back) % kLast];
+        if (!past.isOpen || past.depth != crossing.depth)
+            continue;
+        crossings::AddResult(past.result, crossing);
+        past.isOpen = false;
+        return;
+    }
+}
+
+// An exception passes from the innermost call outward; calls that destructors
+// make meanwhile return.
+void History::NoteException(const Crossing &crossing) {
+    if (crossing.returned) {
+        mHasThrown = mHasThrown && std::uncaught_exceptions() != 0;
+    } else if (const Call *call = Open(crossing.depth); call && !mHasThrown) {
+        mThrown = *call;
+        mHasThrown = true;
+    }
+}
+
+const History::Call *History::Open(int depth) const {
+    return mDepth == 0 || depth < 0 ? nullptr : &mOpen[static_cast<std::size_t>(std::min(depth, kDeepest - 1))];
+}
+
+const History::Call *History::InnermostOfPlugins() const {
+    for (int depth = std::min(mDepth, kDeepest) - 1; depth >= 0; --depth) {
+        if (const Call *call = Open(depth); call->to == crossings::Side::Plugin)
+            return call;
+    }
+    return Innermost();
+}
+
+void History::WriteOpen() const {
+    constexpr int kEachEnd = 8;
+    if (mDepth > 0)
+        WriteError("Calls under way, the outermost first:\n");
+    const int kept = std::min(mDepth, kDeepest);
+    for (int depth = 0; depth < kept; ++depth) {
+        const bool isLeftOut = kept > 2 * kEachEnd && depth >= kEachEnd && depth < kept - kEachEnd;
+        if (!isLeftOut)
+            WriteIndented(depth, mOpen[static_cast<std::size_t>(depth)].text.Text(), "");
+        else if (depth == kEachEnd)
+            WriteIndented(depth, "...", "");
+    }
+    if (mDepth > kept) {
+        Line more;
+        more.Add("... and ");
+        more.Add(mDepth - kept);
+        more.Add(" more");
+        WriteIndented(kept, more.Text(), "");
+    }
+}
+
+void History::WriteLast() const {
+    const unsigned count = std::min(mCount, kLast);
+    if (count > 0)
+        WriteError("The last calls from and to plugins, the oldest first:\n");
+    for (unsigned back = count; back > 0; --back) {
+        const Past &past = mLast[(mCount - back) % kLast];
+        WriteIndented(past.depth, past.text.Text(), past.isOpen ? std::string_view(" ...") : past.result.Text());
+    }
+}
+
+} // namespace host

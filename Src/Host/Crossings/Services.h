@@ -1,0 +1,17 @@
+// The host's services by name.
+#ifndef AVSK_HOST_SERVICES_H
+#define AVSK_HOST_SERVICES_H
+
+#include "Crossing.h"
+
+#include <string_view>
+
+namespace crossings {
+
+// A slot of the host's table, named as in AVSKHostCallbacks; null if there is none.
+const Prototype *FindService(std::string_view name);
+int CountParameters(const Prototype &function);
+
+} // namespace crossings
+
+#endif
