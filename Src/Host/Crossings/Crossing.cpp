@@ -20,9 +20,14 @@ namespace {
 
 Crossing *gInnermost = nullptr;
 Crossing::Clock::duration gObserving{}; // the time that observers took so far
-// Neither is ever destroyed: plugins may call until the very end of the process.
-std::vector<Observer *> &gObservers = *new std::vector<Observer *>;
+// Never destroyed: plugins may call until the very end of the process.
 std::map<AVSKPluginID, std::string> &gLabels = *new std::map<AVSKPluginID, std::string>;
+
+// There before the first static observer is.
+std::vector<Observer *> &Observers() {
+    static auto &observers = *new std::vector<Observer *>;
+    return observers;
+}
 
 // Other threads than the main one may only use the library's thread slots, which concern nobody.
 thread_local bool tObserved = false;
@@ -75,7 +80,7 @@ Crossing::Crossing(const Prototype &prototype, Side callee, std::span<const Valu
     const Unobserved calls;
     const Clock::time_point start = Clock::now();
     began = start;
-    for (Observer *observer : gObservers)
+    for (Observer *observer : Observers())
         observer->Begins(*this);
     began = Clock::now();
     gObserving += began - start;
@@ -89,7 +94,7 @@ Crossing::~Crossing() {
         const Unobserved calls;
         if (IsStart(*this))
             NoteName(*this);
-        for (Observer *observer : gObservers)
+        for (Observer *observer : Observers())
             observer->Ends(*this);
     }
     gObserving += Clock::now() - ended;
@@ -110,8 +115,8 @@ const Value &Crossing::operator[](const char *parameter) const {
     return nothing;
 }
 
-void AddObserver(Observer &observer) { gObservers.push_back(&observer); }
-void RemoveObserver(Observer &observer) { std::erase(gObservers, &observer); }
+void AddObserver(Observer &observer) { Observers().push_back(&observer); }
+void RemoveObserver(Observer &observer) { std::erase(Observers(), &observer); }
 
 const Crossing *Innermost() { return gInnermost; }
 Side CurrentSide() { return gInnermost ? gInnermost->to : Side::Host; }

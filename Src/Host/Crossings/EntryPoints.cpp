@@ -2,7 +2,8 @@
 // defines the function it does that with; whatever else is looked up goes
 // straight on to the dynamic linker's own.
 //
-// Built without sanitizers: they look up names of their own before they work.
+// Built without sanitizers, which look up names of their own before they work:
+// that path calls nothing that other files might hold an instrumented copy of.
 #include "Kinds.h"
 #include "RealSymbols.h"
 #include "Symbols.h"
@@ -22,13 +23,23 @@ constexpr const CallbackKind *kEntryPoints[] = {&k_AVPluginStart, &k_AVPluginSto
 
 Lookup RealLookup() {
     static constinit Lookup real = nullptr;
-    for (const char *version : {"GLIBC_2.34", "GLIBC_2.0"}) {
+    constexpr const char *kVersions[] = {"GLIBC_2.34", "GLIBC_2.0"};
+    for (const char *version : kVersions) {
         if (!real)
             real = reinterpret_cast<Lookup>(dlvsym(RTLD_NEXT, "dlsym", version));
     }
     if (!real)
         std::abort(); // nothing works without it
     return real;
+}
+
+bool MayBeEntryPoint(const char *name) {
+    constexpr const char kPrefix[] = "AVPlugin";
+    for (std::size_t i = 0; i + 1 < sizeof kPrefix; ++i) {
+        if (name[i] != kPrefix[i])
+            return false;
+    }
+    return true;
 }
 
 // Null for all names but those of entry points.
@@ -50,8 +61,7 @@ void *EntryPoint(void *handle, const char *name) {
 
 // The answer in the lower half if the upper one is not zero; else the function to ask.
 extern "C" __attribute__((used, visibility("hidden"))) std::uint64_t AvskLookUp(void *handle, const char *name) {
-    constexpr const char *kPrefix = "AVPlugin";
-    void *entry = std::strncmp(name, kPrefix, std::strlen(kPrefix)) == 0 ? EntryPoint(handle, name) : nullptr;
+    void *entry = MayBeEntryPoint(name) ? EntryPoint(handle, name) : nullptr;
     constexpr std::uint64_t kFinal = std::uint64_t{1} << 32;
     return entry ? kFinal | reinterpret_cast<std::uintptr_t>(entry) : reinterpret_cast<std::uintptr_t>(RealLookup());
 }

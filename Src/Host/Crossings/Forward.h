@@ -85,8 +85,9 @@ F Replace(F function, const CallbackKind &kind) {
     return reinterpret_cast<F>(Wrap(reinterpret_cast<Function>(function), kind, giver.side, giver.plugin));
 }
 
+// By reference: a number that a function answers may lose bits on the way.
 template <class T>
-T Passed(const T &argument) {
+const T &Passed(const T &argument) {
     return argument;
 }
 template <class F>
@@ -141,6 +142,9 @@ struct Forward {
         }
     }
 };
+
+template <class R, class... P>
+Forward(const Prototype &, Side, const Callback *, R (*)(P...)) -> Forward<R, P...>;
 
 } // namespace crossings
 

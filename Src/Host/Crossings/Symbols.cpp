@@ -8,7 +8,6 @@
 #include <cstdlib>
 #include <cstring>
 #include <fstream>
-#include <iterator>
 #include <map>
 #include <memory>
 #include <optional>
@@ -32,8 +31,12 @@ struct Symbol {
 class Image {
   public:
     explicit Image(const std::string &path) {
-        std::ifstream file(path, std::ios::binary);
-        mBytes.assign(std::istreambuf_iterator<char>(file), {});
+        std::ifstream file(path, std::ios::binary | std::ios::ate);
+        const std::streamoff size = file.tellg();
+        if (size <= 0)
+            return;
+        mBytes.resize(static_cast<std::size_t>(size));
+        file.seekg(0).read(mBytes.data(), size);
     }
 
     template <class T>
