@@ -65,6 +65,6 @@ INSTANTIATE_TEST_SUITE_P(
         End{"loop", 3, {"avsk: plugin 'Dies' did not return within 2 s from AVSKFlightLoop_f Tick\n", "Dies.cpp:"}},
         End{"exit", 3, {"avsk: plugin 'Dies' called exit(0)" + kTick, kUnderWay, "Dies.cpp:"}},
         End{"throw", 1, {"avsk: the run was broken off by an exception of plugin 'Dies' in ", ": enough\n", kLast}},
-        End{"", 0, {"Dies"}}));
+        End{"nothing", 0, {"Dies"}}));
 
 } // namespace

@@ -1,5 +1,6 @@
-// Ends in the way that the environment's AVSK_TEST_DIES names, in its flight
-// loop or where the name says. Used by Blame_test.cpp.
+// Ends in the way that the environment's AVSK_TEST_DIES names: at a hot key for
+// "abort", while it is loaded for "loading", else in its flight loop. Used by
+// Blame_test.cpp.
 #include "AVSK/AVSK.h"
 
 #include <cstdio>
@@ -22,48 +23,43 @@ volatile bool gEndless = true;
 
 // Not the sanitizers' to find.
 __attribute__((no_sanitize("address,undefined"))) void Write() { *gNowhere = 1; }
-__attribute__((no_sanitize("undefined"))) void CallNothing() { gNoFunction(); }
+__attribute__((no_sanitize("undefined"))) void Call() { gNoFunction(); }
 
-__attribute__((noinline)) int Recurse(int depth) { // NOLINT(misc-no-recursion)
+__attribute__((noinline)) int Recurse(int depth) {
     volatile char room[1000];
     room[0] = static_cast<char>(depth);
     return gEndless ? Recurse(depth + 1) + room[0] : room[0];
 }
 
+void Loop() {
+    while (gEndless) {
+    }
+}
+
+char *const kNoText = reinterpret_cast<char *>(7);
+const struct {
+    std::string_view way;
+    void (*die)();
+} kWays[] = {{"write", Write},
+             {"call", Call},
+             {"stack", [] { Recurse(0); }},
+             {"loop", Loop},
+             {"thread", [] { std::thread(Write).join(); }},
+             {"exit", [] { std::exit(0); }},
+             {"throw", [] { throw std::runtime_error("enough"); }},
+             {"library", [] { AVSKGetPluginInfo(AVSKGetMyID(), kNoText, nullptr, nullptr, nullptr); }}};
+
 float Tick(float, float, int, void *) {
     std::fputs("about to die", stdout);
-    if (Way() == "write")
-        Write();
-    else if (Way() == "call")
-        CallNothing();
-    else if (Way() == "stack")
-        Recurse(0);
-    else if (Way() == "loop")
-        while (gEndless) {
-        }
-    else if (Way() == "thread")
-        std::thread(Write).join();
-    else if (Way() == "exit")
-        std::exit(0);
-    else if (Way() == "throw")
-        throw std::runtime_error("enough");
-    else if (Way() == "library")
-        AVSKGetPluginInfo(AVSKGetMyID(), reinterpret_cast<char *>(Way().size()), nullptr, nullptr, nullptr);
+    for (const auto &[way, die] : kWays)
+        if (way == Way())
+            die();
     return -1;
 }
 
-void Pressed(void *) {
-    if (Way() == "abort")
-        std::abort();
-}
+void Pressed(void *) { std::abort(); }
 
-struct Loaded {
-    Loaded() {
-        if (Way() == "loading")
-            Write();
-    }
-};
-const Loaded gLoaded;
+[[maybe_unused]] const bool gLoaded = Way() == "loading" && (Write(), true);
 
 } // namespace
 
@@ -72,7 +68,7 @@ int AVPluginStart(char *name, char *signature, char *description) {
     std::strcpy(signature, "test.dies");
     std::strcpy(description, "Dies.");
     if (Way() == "abort")
-        AVSKRegisterHotKey(/*virtualKey=*/119, /*flags=*/4, "Die", Pressed, nullptr);
+        AVSKRegisterHotKey(/*F8*/ 119, /*pressed*/ 4, "Die", Pressed, nullptr);
     else
         AVSKRegisterFlightLoopCallback(Tick, -1, nullptr);
     return 1;

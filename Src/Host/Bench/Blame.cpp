@@ -19,6 +19,7 @@
 #include <unistd.h>
 
 // Of the sanitizers' runtime, if there is one.
+// NOLINTNEXTLINE(bugprone-reserved-identifier)
 extern "C" __attribute__((weak)) void __sanitizer_set_death_callback(void (*callback)());
 
 namespace host {

@@ -32,7 +32,7 @@ class Image {
   public:
     explicit Image(const std::string &path) {
         std::ifstream file(path, std::ios::binary | std::ios::ate);
-        const std::streamoff size = file.tellg();
+        const auto size = static_cast<std::streamsize>(file.tellg());
         if (size <= 0)
             return;
         mBytes.resize(static_cast<std::size_t>(size));
