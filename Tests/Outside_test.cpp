@@ -82,7 +82,7 @@ TEST_F(Outside, BrokenEntriesOfThePluginsFolderArePassedOver) {
                  {"x", false, false, 0, {"../../Resources", ".", "file"}},
                  {"x.avp", false, true, 2, {"nowhere"}},
                  {"x.avp", false, true, 40, {"x.avp"}},
-                 {"x.avp", true, true, 0, {"file", "folder", "pipe", "cut", "/dev/null", "/dev/zero"}},
+                 {"x.avp", true, true, 0, {"file", "folder", "pipe", "cut", "cut short", "/dev/null", "/dev/zero", "/bin/sh"}},
                  {"x/lin.avp", false, false, 0, {"lin.avp", "nowhere"}},
                  {"x/lin.avp", true, false, 0, {"folder", "pipe", "cut"}},
                  {"x/32", false, false, 0, {"32", "../m"}}};
@@ -93,9 +93,9 @@ TEST_F(Outside, BrokenEntriesOfThePluginsFolderArePassedOver) {
             fs::create_directories(path.parent_path());
             if (like == "file"s || like == "pipe"s)
                 mknod(path.c_str(), 0600 | (*like == 'p' ? S_IFIFO : S_IFREG), 0);
-            else if (like == "cut"s) {
+            else if (like == "cut"s || like == "cut short"s) {
                 fs::copy_file(good.path, path);
-                fs::resize_file(path, fs::file_size(path) / 3);
+                fs::resize_file(path, like == "cut"s ? 5000 : 60); // in what is to be mapped; in the headers
             } else
                 like == "folder"s ? void(fs::create_directory(path)) : fs::create_symlink(like, path);
             testing::internal::CaptureStdout();

@@ -159,6 +159,7 @@ TEST_F(Plugins, UnloadedInsideItsOwnCallbackItStaysMappedUntilThatReturns) {
         EXPECT_TRUE(air.IsMapped());
         EXPECT_EQ(AVSKCountPlugins(), 1);
         EXPECT_EQ(AVSKGetMyID(), NO_PLUGIN_ID) << "what it still does is on nobody's account";
+        AVSKEnableFeature("AVSK_USE_NATIVE_PATHS", 1);
         return 5;
     };
     LoopPlayer loop = [&](float, float, int) { return leave(), -1.0F; };

@@ -357,6 +357,12 @@ TEST_F(Windows, TheLosingWindowMayDestroyItselfHideOrTakeTheFocusBack) {
         AVSKDestroyWindow(x);
         AVSKDestroyWindow(y);
     }
+    const AVSKWindowID x = Create("x");
+    const AVSKWindowID y = Create("y");
+    AVSKTakeKeyboardFocus(x);
+    ActorOf(x).losing = [=] { return AVSKDestroyWindow(y), 0; };
+    AVSKTakeKeyboardFocus(y);
+    EXPECT_EQ(AVSKKeyPressHook('k', 0, 0), 1) << "a window that was destroyed meanwhile does not get it";
 }
 
 TEST_F(Windows, DestroyedTheLosingWindowMayDestroyItselfAndHaveItsPluginUnloaded) {
