@@ -3,6 +3,7 @@
 #include "Bench/Bench.h"
 #include "Bench/Blame.h"
 #include "Lifetime.h"
+#include "LineEditor.h"
 #include "Options.h"
 #include "Report.h"
 #include "SessionRoot.h"
@@ -46,6 +47,14 @@ int Run(Options options) {
     return excesses.empty() ? 0 : 1;
 }
 
+// What was to be read went somewhere, or there is a line about it.
+bool OutputIsWhole() {
+    if (std::fflush(stdout) == 0 && std::ferror(stdout) == 0)
+        return true;
+    std::fputs("avsk: standard output could not be written: what it shows is not complete\n", stderr);
+    return false;
+}
+
 // Plugins' exceptions pass through the library and end up in main.
 void ReportException(const std::string &what) {
     const std::string thrower = ThrownBy();
@@ -63,8 +72,11 @@ int main(int argc, char **argv) {
         auto options = ParseOptions(argc, argv);
         if (!options)
             return 0;
+        if (options->interactive)
+            EditLines(argv);
         const bool session = options->interactive || !options->session.empty();
-        return session ? RunSession(std::move(*options)) : Run(std::move(*options));
+        const int status = session ? RunSession(std::move(*options)) : Run(std::move(*options));
+        return OutputIsWhole() ? status : 1;
     } catch (const UsageError &error) {
         std::fprintf(stderr, "avsk: %s\n", error.what());
         return 2;

@@ -50,6 +50,18 @@ void CheckName(const std::string &name) {
         throw UsageError("new: the name '" + name + "' has a meaning of its own in CMake: choose another");
 }
 
+// For a shell; the placeholder too, which it would take for a file.
+std::string Quoted(const std::string &path) {
+    const bool isPlain = std::all_of(path.begin(), path.end(),
+                                     [](char c) { return IsWordCharacter(c) || c == '/' || c == '.' || c == '-'; });
+    if (isPlain)
+        return path;
+    std::string quoted = "'";
+    for (const char c : path)
+        quoted += c == '\'' ? std::string("'\\''") : std::string(1, c);
+    return quoted + "'";
+}
+
 // The folder above the one this program is in, if it looks installed; else a placeholder.
 std::string SdkPrefix() {
     std::error_code error;
@@ -104,12 +116,13 @@ void MakeProject(const Request &request) {
         fs::remove_all(project, error); // half a project would be in the way of the next try
         throw;
     }
+    const std::string folder = Quoted(project.string());
     std::printf("Made %s. Next:\n\n"
                 "    cd %s\n"
                 "    cmake -B build -DCMAKE_PREFIX_PATH=%s\n"
                 "    cmake --build build\n"
                 "    ctest --test-dir build --output-on-failure\n",
-                project.c_str(), project.c_str(), prefix.c_str());
+                project.c_str(), folder.c_str(), Quoted(prefix).c_str());
     if (prefix.front() == '<')
         std::puts(
             "\nThis avsk is not installed: 'cmake --install' with a --prefix makes an SDK, whose folder goes there.");

@@ -36,9 +36,7 @@ constexpr const char *kRunExamples = R"(Examples:
   avsk run Samples/Menu/Menu.avs --root build/release/demo
       a session: picks items of a sample's menu and checks what comes of it
   avsk run --interactive --root build/release/demo --plugin Menu
-      the same by hand; 'help' lists the words, 'quit' ends. Input is read plainly, line by line: for history and
-      completion run it under a line editor such as rlwrap
-
+      the same by hand; 'help' lists the words, 'quit' ends. Where rlwrap is installed it gives history and completion
   avsk run --root sim --trace flight.json --trace-plugin Lights --profile --ps
       what the plugin Lights called and was called for, where the time went, and what it forgot to give back
 
