@@ -1,14 +1,12 @@
 // How the reference host ends when a plugin ends it: which status, and who is
 // blamed for what.
+#include "RunAvsk.h"
+
 #include <gtest/gtest.h>
 
-#include <array>
-#include <cstdio>
 #include <ostream>
 #include <string>
 #include <vector>
-
-#include <sys/wait.h>
 
 namespace {
 
@@ -23,17 +21,9 @@ struct End {
 struct BlameTest : testing::TestWithParam<End> {};
 
 TEST_P(BlameTest, RunNamesWhoEndedIt) {
-    const std::string command = std::string("AVSK_TEST_DIES=") + GetParam().way +
-                                " " AVSK_TEST_HOST " run --root " AVSK_TEST_DIES_ROOT
-                                " --frames 3 --key F8@2 --timeout 2 2>&1";
-    std::FILE *run = popen(command.c_str(), "r");
-    ASSERT_NE(run, nullptr);
-    std::string said;
-    std::array<char, 4096> part{};
-    while (const std::size_t length = std::fread(part.data(), 1, part.size(), run))
-        said.append(part.data(), length);
-    const int status = pclose(run);
-    EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == GetParam().status) << said;
+    const auto [status, said] = RunAvsk("run --root " AVSK_TEST_DIES_ROOT " --frames 3 --key F8@2 --timeout 2",
+                                        std::string("AVSK_TEST_DIES=") + GetParam().way);
+    EXPECT_EQ(status, GetParam().status) << said;
     for (std::size_t at = 0; const std::string &piece : GetParam().said) { // in this order
         at = said.find(piece, at);
         ASSERT_NE(at, std::string::npos) << "no '" << piece << "' in\n" << said;

@@ -77,15 +77,16 @@ TEST_F(Outside, BrokenEntriesOfThePluginsFolderArePassedOver) {
         bool linkerSays, failedSays;     // in the log
         int listingSays;                 // error number, on the console
         std::vector<const char *> alike; // an empty file, a folder, a pipe, a cut copy, or a link to that
-    } cases[] = {{"x", false, false, 2, {"nowhere"}},
-                 {"x", false, false, 40, {"x"}},
-                 {"x", false, false, 0, {"../../Resources", ".", "file"}},
-                 {"x.avp", false, true, 2, {"nowhere"}},
-                 {"x.avp", false, true, 40, {"x.avp"}},
-                 {"x.avp", true, true, 0, {"file", "folder", "pipe", "cut", "cut short", "/dev/null", "/dev/zero", "/bin/sh"}},
-                 {"x/lin.avp", false, false, 0, {"lin.avp", "nowhere"}},
-                 {"x/lin.avp", true, false, 0, {"folder", "pipe", "cut"}},
-                 {"x/32", false, false, 0, {"32", "../m"}}};
+    } cases[] = {
+        {"x", false, false, 2, {"nowhere"}},
+        {"x", false, false, 40, {"x"}},
+        {"x", false, false, 0, {"../../Resources", ".", "file"}},
+        {"x.avp", false, true, 2, {"nowhere"}},
+        {"x.avp", false, true, 40, {"x.avp"}},
+        {"x.avp", true, true, 0, {"file", "folder", "pipe", "cut", "cut short", "/dev/null", "/dev/zero", "/bin/sh"}},
+        {"x/lin.avp", false, false, 0, {"lin.avp", "nowhere"}},
+        {"x/lin.avp", true, false, 0, {"folder", "pipe", "cut"}},
+        {"x/32", false, false, 0, {"32", "../m"}}};
     for (const auto &each : cases)
         for (const char *like : each.alike) {
             SCOPED_TRACE(Line(each.name, " like ", like));

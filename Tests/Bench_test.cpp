@@ -1,0 +1,95 @@
+// What the reference host tells of plugins: traces, times, and what a session
+// makes of a changing world.
+#include "RunAvsk.h"
+#include "World.h"
+
+#include <nlohmann/json.hpp>
+
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+
+namespace {
+
+namespace fs = std::filesystem;
+
+// Runs a session, of which only the steps are given.
+struct BenchTest : testing::Test {
+    World world; // an empty folder, for files
+
+    AvskRun Session(const std::string &steps, const std::string &options = "") {
+        std::ofstream(world.Path("session.avs")) << steps;
+        return RunAvsk("run --quiet " + world.Path("session.avs") + " --root " AVSK_TEST_DEMO " " + options);
+    }
+    std::string Read(const std::string &file) const {
+        std::ostringstream text;
+        text << std::ifstream(world.Path(file)).rdbuf();
+        return text.str();
+    }
+};
+
+const std::string kPick = "plugin Menu\nmenu \"Plugins/Sample lights/Beacon\"\n";
+
+TEST_F(BenchTest, TheTextTraceIsNestedAndFilteredByPluginAndFunction) {
+    const AvskRun run =
+        Session(kPick, "--trace " + world.Path("t.txt") + " --trace-plugin 'men*' --trace-function '*nuItem'");
+    EXPECT_EQ(run.status, 0) << run.said;
+    const std::string trace = Read("t.txt");
+    EXPECT_EQ(trace.find("AVPluginStart"), std::string::npos) << trace;
+    std::size_t at = 0;
+    for (const char *piece : {"  Menu > library  AVSKAppendMenuItem(menu=0x", ", name=\"Beacon\", itemRef=0x",
+                              ", forceEnglish=0) {\n", "    library > host  appendMenuItem(", ") = ", "  [", " us]\n",
+                              "  } AVSKAppendMenuItem = 0  [", "Menu > library  AVSKCheckMenuItem(", ", check=2)  ["}) {
+        at = trace.find(piece, at);
+        ASSERT_NE(at, std::string::npos) << "no '" << piece << "' in\n" << trace;
+    }
+}
+
+TEST_F(BenchTest, TheJsonTraceIsBalancedAndInOrder) {
+    const AvskRun run = Session(kPick, "--trace " + world.Path("t.json"));
+    EXPECT_EQ(run.status, 0) << run.said;
+    int depth = 0;
+    int deepest = 0;
+    double before = 0;
+    for (const auto &event : nlohmann::json::parse(Read("t.json"))) {
+        if (event["ph"] == "M")
+            continue;
+        depth += event["ph"] == "B" ? 1 : -1;
+        deepest = std::max(deepest, depth);
+        ASSERT_GE(depth, 0);
+        ASSERT_GE(event["ts"].get<double>(), before);
+        before = event["ts"];
+        if (event["ph"] == "B" && event["name"] == "AVSKMenuHandler_f Picked") {
+            EXPECT_TRUE(event["cat"] == "library > Menu" && event["args"].contains("itemRef")) << event;
+        }
+    }
+    EXPECT_EQ(depth, 0);
+    EXPECT_EQ(deepest, 4) << "hook, handler, function, service";
+}
+
+TEST_F(BenchTest, TimesAreListedAndABudgetFailsTheSession) {
+    const AvskRun run = Session("budget 0.000001 Menu\nbudget 1000000\n" + kPick + "frames 2\nmenu " +
+                                    "\"Plugins/Sample lights/Beacon\"\nframes 1\nunload\n",
+                                "--profile");
+    EXPECT_EQ(run.status, 1) << run.said;
+    for (const char *piece : {"budget: 'Menu' took ", " ms in frame 2, more than its budget of 1e-06 ms, most of it (",
+                              ") in AVSKMenuHandler_f Picked; over it in 1 frames\n", "AVPluginStart", " 1 failed\n"})
+        EXPECT_NE(run.said.find(piece), std::string::npos) << "no '" << piece << "' in\n" << run.said;
+}
+
+TEST_F(BenchTest, SessionsChangeTheAircraftAndReportTheScenery) {
+    for (const char *place : {"Trainer/plugins/", "Other/plugins/", "Island/plugins/"})
+        world.MakeFolder(place);
+    fs::copy(AVSK_TEST_DIES_ROOT "/Resources/plugins/Dies", world.Path("Trainer/plugins/Dies"));
+    std::ofstream(world.Path("Other/other.acf"));
+    const AvskRun run =
+        Session("plugin Template\naircraft Trainer\nscenery Island\n"
+                "expect plugin Dies enabled\n"
+                "load aircraft " +
+                world.Path("Other/other.acf") +
+                "\nexpect no plugin Dies\nreport scenery\ncrash\nframes 1\nunload\nexpect nothing left\n");
+    EXPECT_EQ(run.status, 0) << run.said;
+    EXPECT_NE(run.said.find("3 expectations, 0 failed"), std::string::npos) << run.said;
+}
+
+} // namespace
