@@ -80,6 +80,7 @@ void EditLines(char **argv) {
     for (char **argument = argv + 1; *argument; ++argument)
         command.emplace_back(*argument);
     std::vector<char *> pointers;
+    pointers.reserve(command.size() + 1);
     for (std::string &part : command)
         pointers.push_back(part.data());
     pointers.push_back(nullptr);

@@ -40,7 +40,7 @@ void Profile::Begins(const Crossing &crossing) {
         mCalls.erase(crossing.plugin); // the ID may have been another's
     if (mSimulator.frame != mFrame)
         CloseFrame();
-    mInner.push_back({});
+    mInner.emplace_back();
 }
 
 void Profile::Ends(const Crossing &crossing) {

@@ -111,7 +111,7 @@ const Value &Crossing::operator[](const char *parameter) const {
         names.remove_prefix(std::min(end + 1, names.size()));
     }
     assert(!"a parameter of this name");
-    static const Value nothing;
+    static const Value nothing{};
     return nothing;
 }
 

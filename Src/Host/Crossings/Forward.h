@@ -19,17 +19,18 @@ namespace crossings {
 
 template <class F>
 struct Called {
+    Called(F callback, const CallbackKind &itsKind) : function(callback), kind(itsKind) {}
     F function;
     const CallbackKind &kind;
 };
-template <class F>
-Called(F, const CallbackKind &) -> Called<F>;
 
 struct Text {
+    explicit Text(char *argument) : text(argument) {}
     char *text;
 };
 
 struct Start {
+    Start(const char *argument, int bytes) : text(argument), count(bytes) {}
     const char *text;
     int count;
 };

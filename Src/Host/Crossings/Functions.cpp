@@ -9,6 +9,7 @@
 
 using namespace crossings;
 
+// NOLINTBEGIN(bugprone-macro-parentheses): declarations cannot have them
 #define AVSK_CALLBACK(result, name, names, arguments, ...)
 #define AVSK_SERVICE(result, name, parameters, names, arguments)
 #define AVSK_FUNCTION(result, name, parameters, names, arguments)                                                      \
@@ -18,3 +19,4 @@ using namespace crossings;
         return Forward{what, Side::Library, nullptr, next} arguments;                                                  \
     }
 #include "Prototypes.inc"
+// NOLINTEND(bugprone-macro-parentheses)

@@ -11,6 +11,7 @@ namespace {
 
 const AVSKHostCallbacks *gTable = nullptr; // the host's own
 
+// NOLINTBEGIN(bugprone-macro-parentheses): declarations cannot have them
 #define AVSK_CALLBACK(result, name, names, arguments, ...)
 #define AVSK_FUNCTION(result, name, parameters, names, arguments)
 #define AVSK_SERVICE(result, name, parameters, names, arguments)                                                       \
@@ -18,6 +19,7 @@ const AVSKHostCallbacks *gTable = nullptr; // the host's own
     result Serve_##name parameters { return Forward{kPrototype_##name, Side::Host, nullptr, gTable->name} arguments; }
 #include "Prototypes.inc"
 #undef AVSK_SERVICE
+// NOLINTEND(bugprone-macro-parentheses)
 
 constexpr const Prototype *kServices[] = {
 #define AVSK_SERVICE(result, name, parameters, names, arguments) &kPrototype_##name,
