@@ -1,6 +1,6 @@
 # Runs the command after "--" twice and checks its exit status, that both runs
 # print the same, and that EXPECT is in it. The body of the tests of
-# avsk_add_session_test().
+# avsk_add_session_test(), and of the one of the smallest host.
 math(EXPR last "${CMAKE_ARGC} - 1")
 set(command "")
 set(begun FALSE)
@@ -18,7 +18,7 @@ foreach(run first second)
     message("${first}")
   endif()
   if(NOT status STREQUAL "${STATUS}")
-    message(FATAL_ERROR "avsk ended with '${status}', not with ${STATUS}: the lines above say why")
+    message(FATAL_ERROR "it ended with '${status}', not with ${STATUS}: the lines above say why")
   endif()
 endforeach()
 if(NOT first STREQUAL second)

@@ -1,4 +1,4 @@
-// Starting the library, the event switch, and what older hosts are spared.
+// Starting the library, and the event switch.
 #include "World.h"
 
 #include "AVSK/AVSKUtilities.h"
@@ -7,11 +7,7 @@
 
 namespace {
 
-class HostHooks : public testing::Test {
-  protected:
-    World world;
-    FakeHost &host = Host();
-};
+class HostHooks : public InWorld {};
 
 // Before the start the host publishes the dataref for the library's build; the
 // library writes it between creating the menu and looking for plugins.

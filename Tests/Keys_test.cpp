@@ -166,19 +166,4 @@ TEST_F(Keys, AHotKeyMayUnregisterItselfAndAllOthers) {
     EXPECT_EQ(AVSKCountHotKeys(), 0);
 }
 
-TEST_F(Keys, EverythingGoesWithItsPlugin) {
-    Player sniffer = [](int, int, int) { return Note("sniffer"), 1; };
-    Player unloads = [](int, int, int) { return World::UnloadAircraft(), 1; };
-    HotPlayer hot = [] { Note("hot"); };
-    Sniff(air, sniffer, 1);
-    Sniff(air, sniffer, 0);
-    Hot(air, 'K', 0, hot);
-    Sniff(a, unloads, 1);
-    Take();
-    EXPECT_EQ(AVSKKeyPressHook('k', 0, 'K'), 1);
-    EXPECT_EQ(Take().back(), "stop air");
-    EXPECT_EQ(AVSKCountHotKeys(), 0);
-    EXPECT_FALSE(air.IsMapped());
-}
-
 } // namespace

@@ -15,10 +15,8 @@ namespace {
 
 const char *const kPluginsMenu = "createMenu(null, 0, \"Plugins\")";
 
-class Loader : public testing::Test {
+class Loader : public InWorld {
   protected:
-    World world;
-    FakeHost &host = Host();
     const std::string folder = world.PluginsFolder();
     const std::string fetching = "Fetching plugins for " + folder + "\n\n";
 

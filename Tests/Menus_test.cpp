@@ -133,6 +133,25 @@ TEST_F(Menus, ClearingRenamesEverybodysItemsAndStartsAgainAt0) {
                              "appendMenuItem(menu2, 0, \"b new\", 0)"}));
 }
 
+TEST_F(Menus, AMenuBeingDestroyedHasNoItemsForAHostThatAsksBack) {
+    const AVSKMenuID menu = Create(a, "Mine", [](void *) { Note("picked"); });
+    Append(a, menu, "item");
+    host.on.destroyMenu = [&](void *hostMenu) {
+        int check = 77;
+        EXPECT_EQ(AVSKMenuHook(host.lastItemID), 1);
+        EXPECT_EQ(AVSKCheckMenuHook(hostMenu, 0, &check), 1);
+        EXPECT_EQ(check, 77);
+        EXPECT_EQ(AVSKMenuItemEnabled(hostMenu, 0), 1);
+        EXPECT_EQ(AVSKAppendMenuItem(menu, "new", nullptr, 0), 0);
+    };
+    Take();
+    a.Run([&] { AVSKDestroyMenu(menu); });
+    EXPECT_EQ(TakeCalls(),
+              "setMenuItemName(menu2, 0, \"\", 0); destroyMenu(menu2); appendMenuItem(menu2, 0, \"new\", 0)");
+    AVSKDestroyMenu(AVSKFindPluginsMenu());
+    EXPECT_EQ(TakeCalls(), "") << "plugins' menus hang there";
+}
+
 TEST_F(Menus, AMenuThatIsGoneIsIgnoredByEveryCall) {
     const AVSKMenuID menu = Create(a, "Mine");
     a.Run(JournalErrors);

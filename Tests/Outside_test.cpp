@@ -17,10 +17,7 @@ using namespace std::string_literals;
 
 namespace {
 
-struct Outside : testing::Test {
-    World world;
-    FakeHost &host = Host();
-};
+class Outside : public InWorld {};
 
 // ---- Short tables
 

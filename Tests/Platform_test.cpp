@@ -16,11 +16,8 @@ const char *DebugDataRefName(AVSKDataRef handle);
 
 namespace {
 
-class Platform : public testing::Test {
+class Platform : public InWorld {
   protected:
-    World world;
-    FakeHost &host = Host();
-
     void SetUp() override { world.StartQuietly(); }
 
     Lines Contents(const std::string &folder, const char *pattern) const {

@@ -9,11 +9,7 @@
 
 namespace {
 
-class Plugins : public testing::Test {
-  protected:
-    World world;
-    FakeHost &host = Host();
-};
+class Plugins : public InWorld {};
 
 std::string Info(int plugin) {
     char texts[4][AVSK_TEXT_SIZE];
@@ -299,17 +295,6 @@ TEST_F(Plugins, WhatALastCallRegistersAnewIsTakenToo) {
     EXPECT_THROW(world.Stop(), int);
     AVSKCommandHook(&host, 1, 0, 1);
     EXPECT_EQ(TakeCalls(), "stop A");
-}
-
-TEST_F(Plugins, UnloadedInsideItsOwnEnableItStaysDisabled) {
-    Puppet &air = world.InstallAircraft("air");
-    world.StartQuietly();
-    World::LoadAircraft();
-    AVSKDisablePlugin(1);
-    air.enable = [] { return World::UnloadAircraft(), 1; };
-    EXPECT_EQ(AVSKEnablePlugin(1), 0);
-    EXPECT_EQ(AVSKIsPluginEnabled(1), 0);
-    EXPECT_FALSE(air.IsMapped());
 }
 
 // ---- Reload

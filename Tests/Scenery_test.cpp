@@ -20,7 +20,9 @@ class Scenery : public ThreePlugins {
     std::vector<Load> loads;
 
     void SetUp() override {
-        host.on.loadObject = [](const char *path) { return std::strcmp(path, "missing") == 0 ? nullptr : kTree; };
+        host.on.loadObject = [](const char *path) {
+            return !path || std::strcmp(path, "missing") == 0 ? nullptr : kTree;
+        };
         host.on.loadObjectAsync = [this](const char *, auto complete, void *argument) {
             loads.push_back({complete, argument});
         };
@@ -146,7 +148,9 @@ TEST_F(Scenery, ALoadReachesItsPluginOnceAndThenBelongsToIt) {
         for (const char *path : {static_cast<const char *>(nullptr), "path"})
             AVSKLoadObjectAsync(path, nullptr, nullptr);
     });
-    loads[2](kTree);
+    EXPECT_EQ(TakeCalls(), "loadObject(null); loadObjectAsync(null, pointer, 3); loadObjectAsync(\"path\", pointer, 4)")
+        << "as they are";
+    loads[3](kTree);
     TakeCalls();
     EXPECT_EQ(Unload(a, kTree), "unloadObject(21)") << "its own, though it did not hear of it";
 }

@@ -80,12 +80,13 @@ TEST_F(SharedData, NothingIsReadOrWrittenOutsideTheValue) {
                                                 {1, 2, 2},
                                                 {3, INT_MAX, 2},
                                                 {5, 1, 0},
-                                                {INT_MAX, INT_MAX, 0},
+                                                {7, 10, -2},
+                                                {INT_MAX, INT_MAX, 5 - INT_MAX},
                                                 {-1, 3, 0},
-                                                {2, INT_MIN, 0},
-                                                {0x40000000, 1, 0}}) {
+                                                {2, INT_MIN, INT_MIN},
+                                                {0x40000000, 1, 5 - 0x40000000}}) {
         std::vector<int> out(6, 77), expected(6, 77);
-        std::copy_n(in + (returned ? offset : 0), returned, expected.begin());
+        std::copy_n(in + (returned > 0 ? offset : 0), std::max(returned, 0), expected.begin());
         EXPECT_EQ(AVSKGetDatavi(ref, out.data(), offset, max), returned);
         EXPECT_EQ(out, expected);
     }

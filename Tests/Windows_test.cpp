@@ -274,15 +274,6 @@ TEST_F(Windows, DisablingTakesFocusAndMouseBeforeThePluginHears) {
     EXPECT_EQ(Drawn(), "wmine") << "the window itself stays";
 }
 
-TEST_F(Windows, GoWithTheirPlugin) {
-    const AVSKWindowID theirs = CreateAs(air, "theirs");
-    ActorOf(Create("mine")).draw = [] { return World::UnloadAircraft(), 0; };
-    AVSKTakeKeyboardFocus(theirs);
-    AVSKDoDrawingHook(20, 0);
-    EXPECT_FALSE(Exists(theirs));
-    EXPECT_EQ(AVSKKeyPressHook('k', 0, 0), 1);
-}
-
 // ---- Changes inside calls
 
 TEST_F(Windows, DestroyedInAPassItAnswersUntilThatIsOver) {
@@ -363,6 +354,38 @@ TEST_F(Windows, TheLosingWindowMayDestroyItselfHideOrTakeTheFocusBack) {
     ActorOf(x).losing = [=] { return AVSKDestroyWindow(y), 0; };
     AVSKTakeKeyboardFocus(y);
     EXPECT_EQ(AVSKKeyPressHook('k', 0, 0), 1) << "a window that was destroyed meanwhile does not get it";
+}
+
+TEST_F(Windows, ALossThatCausesItselfEnds) {
+    const auto disable = [this] { AVSKDisablePlugin(air.Id()); };
+    const struct {
+        const char *what;
+        std::function<void()> act;
+        std::string told;
+    } cases[] = {{"gives the focus away", [] { AVSKTakeKeyboardFocus(nullptr); },
+                  "w loses to e 0 0 0 as 3; w loses to null 0 0 0 as 3"},
+                 {"is disabled", disable, "w loses to e 0 0 0 as 3; w loses to null 0 0 0 as 3; disable air"},
+                 {"is unloaded", [] { World::UnloadAircraft(); },
+                  "w loses to e 0 0 0 as 3; w loses to null 0 0 0 as 3; disable air; stop air"}};
+    for (const auto &each : cases) {
+        SCOPED_TRACE(each.what);
+        const AVSKWindowID window = CreateAs(air, "w");
+        const AVSKWindowID next = CreateAs(b, "e");
+        AVSKTakeKeyboardFocus(window);
+        ActorOf(window).losing = [&] { return each.act(), 0; };
+        Take();
+        AVSKTakeKeyboardFocus(next);
+        EXPECT_EQ(TakeCalls(), each.told);
+        AVSKKeyPressHook('k', 0, 0);
+        EXPECT_EQ(TakeCalls(), "e key to e 107 0 0 as 2");
+        Restart();
+    }
+    int clicks = 0;
+    ActorOf(CreateAs(air, "w")).click = [&] { return clicks++ > 0 ? disable() : void(), 1; };
+    AVSKMouseClickHook(5, 5, 1);
+    AVSKMouseClickHook(5, 5, 0);
+    EXPECT_LT(clicks, 50);
+    EXPECT_EQ(AVSKMouseClickHook(5, 5, 0), 1) << "it was let go";
 }
 
 TEST_F(Windows, DestroyedTheLosingWindowMayDestroyItselfAndHaveItsPluginUnloaded) {

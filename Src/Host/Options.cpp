@@ -238,7 +238,7 @@ std::optional<Options> ParseOptions(int argc, char **argv) {
         run->add_option("--key", keys, "press a key in frame FRAME and hold it for half a second; can be repeated"))
         ->type_name("KEY@FRAME")
         ->allow_extra_args(false);
-    AddBenchOptions(*run, options.bench);
+    AddBenchOptions(*run, options.bench, positive);
     run->footer(kRunExamples);
 
     CLI::App *ps =

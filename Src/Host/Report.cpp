@@ -2,6 +2,7 @@
 #include "Report.h"
 
 #include "Simulator.h"
+#include "Utf8.h"
 
 #include "Bench/Profile.h"
 
@@ -19,12 +20,6 @@ namespace {
 constexpr std::size_t kColumns = 5;
 using Row = std::array<std::string, kColumns>;
 
-// Characters, not bytes: names are UTF-8.
-std::size_t Length(const std::string &text) {
-    return static_cast<std::size_t>(
-        std::count_if(text.begin(), text.end(), [](char c) { return (static_cast<unsigned char>(c) & 0xC0) != 0x80; }));
-}
-
 Row Describe(const Profile &times, AVSKPluginID id) {
     std::array<char, AVSK_TEXT_SIZE> name{};
     std::array<char, AVSK_TEXT_SIZE> signature{};
@@ -37,7 +32,7 @@ void PrintRow(const Row &row, const std::array<std::size_t, kColumns> &widths) {
     constexpr std::array<bool, kColumns> kNumber = {true, false, false, false, true};
     std::string line;
     for (std::size_t i = 0; i < kColumns; ++i) {
-        const std::string blanks(widths[i] - Length(row[i]), ' ');
+        const std::string blanks(widths[i] - CountCharacters(row[i]), ' ');
         line += kNumber[i] ? blanks + row[i] : row[i] + blanks;
         line += "  ";
     }
@@ -64,7 +59,7 @@ void PrintReport(const Simulator &simulator, const Profile &times) {
     std::array<std::size_t, kColumns> widths{};
     for (const Row &row : rows) {
         for (std::size_t i = 0; i < kColumns; ++i)
-            widths[i] = std::max(widths[i], Length(row[i]));
+            widths[i] = std::max(widths[i], CountCharacters(row[i]));
     }
     for (const Row &row : rows)
         PrintRow(row, widths);

@@ -5,6 +5,7 @@
 #include "Bench/Possession.h"
 #include "CallLog.h"
 #include "Options.h"
+#include "Words.h"
 
 #include "AVSK/AVSKUtilities.h"
 
@@ -58,9 +59,7 @@ struct Parameter {
 std::vector<Parameter> ParametersOf(std::string_view text) {
     std::vector<Parameter> parameters;
     while (!text.empty()) {
-        const std::size_t end = std::min(text.find(' '), text.size());
-        Parameter parameter{text.substr(0, end), false, false};
-        text.remove_prefix(std::min(end + 1, text.size()));
+        Parameter parameter{crossings::TakeWord(text, " "), false, false};
         if (parameter.what.ends_with('+')) {
             parameter.repeated = true;
             parameter.what.remove_suffix(1);
@@ -75,14 +74,11 @@ std::vector<Parameter> ParametersOf(std::string_view text) {
 }
 
 bool IsOneOf(std::string_view words, std::string_view text) {
-    for (;;) {
-        const std::size_t end = words.find('|');
-        if (words.substr(0, end) == text)
+    while (!words.empty()) {
+        if (crossings::TakeWord(words, "|") == text)
             return true;
-        if (end == std::string_view::npos)
-            return false;
-        words.remove_prefix(end + 1);
     }
+    return false;
 }
 
 bool Fits(std::string_view what, const Word &word) {
@@ -166,11 +162,7 @@ double NumberOf(std::string_view text) {
 std::vector<int> IntegersOf(std::string_view text) {
     std::vector<int> numbers;
     while (!text.empty()) {
-        const std::size_t end = std::min(text.find_first_of(",x"), text.size());
-        int number = 0;
-        Reads(text.substr(0, end), number);
-        numbers.push_back(number);
-        text.remove_prefix(std::min(end + 1, text.size()));
+        Reads(crossings::TakeWord(text, ",x"), numbers.emplace_back());
     }
     return numbers;
 }

@@ -2,6 +2,7 @@
 #ifndef AVSK_HOST_UTF8_H
 #define AVSK_HOST_UTF8_H
 
+#include <cstddef>
 #include <string_view>
 
 namespace host {
@@ -26,6 +27,14 @@ inline char32_t TakeCharacter(std::string_view &text) {
     }
     text.remove_prefix(more);
     return character;
+}
+
+// How many characters a text has.
+inline std::size_t CountCharacters(std::string_view text) {
+    std::size_t count = 0;
+    for (; !text.empty(); ++count)
+        TakeCharacter(text);
+    return count;
 }
 
 } // namespace host

@@ -25,6 +25,12 @@ T *As(void *handle) {
 
 bool IsSelf(const Registration &r) { return r.owner == Self() && r.who == IncarnationOf(Self()); }
 
+// Of those with the handle of one that the input picks, the latest: addresses come again.
+Registration *PickLatest(Kind kind) {
+    const Registration *picked = Pick(kind);
+    return picked && picked->handle ? ByHandle(kind, picked->handle) : nullptr;
+}
+
 void MarkRemoved(Registration &r) {
     r.count = 0;
     r.removed = true;
@@ -250,19 +256,15 @@ void LoopCall() {
             const AVSKCreateFlightLoopParams params = {sizeof params, r->a, r->functions.flightLoop, r};
             AVSKFlightLoopID loop = AVSKCreateFlightLoop(&params);
             r->handle = loop;
-            r->count = 1;
             AVSKScheduleFlightLoop(loop, AnyInterval(), In().Below(2));
         }
         return;
     case 1:
-        if (Registration *r = Register(Kind::Loop)) {
-            r->count = 1;
+        if (Registration *r = Register(Kind::Loop))
             AVSKRegisterFlightLoopCallback(r->functions.flightLoop, AnyInterval(), r);
-        }
         return;
     case 2:
-        if (const Registration *picked = Pick(Kind::Loop); picked && picked->handle) {
-            Registration *r = ByHandle(Kind::Loop, picked->handle);
+        if (Registration *r = PickLatest(Kind::Loop)) {
             const bool mine = r->owner == Self();
             AVSKDestroyFlightLoop(As<AVSKFlightLoopRecord>(r->handle));
             if (mine)
@@ -282,14 +284,13 @@ void LoopCall() {
     default:
         if (Registration *r = Pick(Kind::Loop))
             AVSKSetFlightLoopCallbackInterval(r->functions.flightLoop, AnyInterval(), In().Below(2), r);
-        return;
     }
 }
 
 // ---- Draw callbacks, sniffers and hot keys
 
 // A registration by values, fresh or once more.
-Registration *ByValues(Kind kind, int firstLimit) {
+Registration *ByValues(Kind kind) {
     if (In().Rarely(3)) {
         Registration *again = Pick(kind);
         if (again && IsSelf(*again))
@@ -299,7 +300,7 @@ Registration *ByValues(Kind kind, int firstLimit) {
     if (r) {
         constexpr int phases[] = {0, 5, 50, 30, 100, 25, 45, 55};
         r->a = phases[In().Below(8)];
-        r->b = In().Below(firstLimit);
+        r->b = In().Below(2);
         r->removed = true; // not there yet
     }
     return r;
@@ -328,26 +329,29 @@ void NoteUnregistered(Registration &r, int answer, bool underWay) {
         MarkRemoved(r);
 }
 
-void DrawCall() {
-    Trace("DrawCall");
-    const bool underWay = gFuzz.drawHooks > 0;
+// Registers or unregisters by values; a pass under way still finds what was removed in it.
+void ValuesCall(Kind kind, bool underWay, int (*add)(Registration &), int (*remove)(Registration &)) {
+    Trace("%s call", NameOf(kind));
     if (In().Below(3) < 2) {
-        if (Registration *r = ByValues(Kind::Draw, 2))
-            NoteRegistered(*r, AVSKRegisterDrawCallback(r->functions.draw, r->a, r->b, r), underWay);
-    } else if (Registration *r = Pick(Kind::Draw)) {
-        NoteUnregistered(*r, AVSKUnregisterDrawCallback(r->functions.draw, r->a, r->b, r), underWay);
+        if (Registration *r = ByValues(kind))
+            NoteRegistered(*r, add(*r), underWay);
+    } else if (Registration *r = Pick(kind)) {
+        NoteUnregistered(*r, remove(*r), underWay);
     }
 }
 
+void DrawCall() {
+    ValuesCall(
+        Kind::Draw, gFuzz.drawHooks > 0,
+        [](Registration &r) { return AVSKRegisterDrawCallback(r.functions.draw, r.a, r.b, &r); },
+        [](Registration &r) { return AVSKUnregisterDrawCallback(r.functions.draw, r.a, r.b, &r); });
+}
+
 void SnifferCall() {
-    Trace("SnifferCall");
-    const bool underWay = gFuzz.keyHooks > 0;
-    if (In().Below(3) < 2) {
-        if (Registration *r = ByValues(Kind::Sniffer, 2))
-            NoteRegistered(*r, AVSKRegisterKeySniffer(r->functions.sniffer, r->b, r), underWay);
-    } else if (Registration *r = Pick(Kind::Sniffer)) {
-        NoteUnregistered(*r, AVSKUnregisterKeySniffer(r->functions.sniffer, r->b, r), underWay);
-    }
+    ValuesCall(
+        Kind::Sniffer, gFuzz.keyHooks > 0,
+        [](Registration &r) { return AVSKRegisterKeySniffer(r.functions.sniffer, r.b, &r); },
+        [](Registration &r) { return AVSKUnregisterKeySniffer(r.functions.sniffer, r.b, &r); });
 }
 
 void HotKeyCall() {
@@ -361,8 +365,7 @@ void HotKeyCall() {
         }
         return;
     case 2:
-        if (const Registration *picked = Pick(Kind::HotKey)) {
-            Registration *r = ByHandle(Kind::HotKey, picked->handle);
+        if (Registration *r = PickLatest(Kind::HotKey)) {
             AVSKUnregisterHotKey(As<AVSKHotKeyInfoRecord>(r->handle));
             MarkRemoved(*r);
         }
@@ -390,7 +393,6 @@ void HotKeyCall() {
     default:
         if (const Registration *r = Pick(Kind::HotKey))
             AVSKSetHotKeyCombination(As<AVSKHotKeyInfoRecord>(r->handle), AnyKey(), AnyFlags());
-        return;
     }
 }
 
@@ -411,9 +413,8 @@ Registration *Found(AVSKWindowID window) {
 }
 
 void WindowCall() {
-    Trace("WindowCall");
     const int what = In().Below(12);
-    Trace("window call %d", what);
+    Trace("WindowCall %d", what);
     if (what < 4) {
         Registration *r = Register(Kind::Window);
         if (!r)
@@ -429,7 +430,6 @@ void WindowCall() {
                                                    f.drawWindow,  f.click, f.key, f.cursor, f.wheel, r};
             r->handle = AVSKCreateWindowEx(&params);
         }
-        r->count = 1;
         if (what == 3)
             AVSKTakeKeyboardFocus(As<AVSKWindowCallbackRecord>(r->handle));
         return;
@@ -446,14 +446,11 @@ void WindowCall() {
         return;
     }
     case 6:
-        AVSKTakeKeyboardFocus(window);
-        return;
+        return AVSKTakeKeyboardFocus(window);
     case 7:
-        AVSKTakeKeyboardFocus(nullptr);
-        return;
+        return AVSKTakeKeyboardFocus(nullptr);
     case 8:
-        AVSKSetWindowIsVisible(window, In().Below(2));
-        return;
+        return AVSKSetWindowIsVisible(window, In().Below(2));
     case 9: {
         Registration *r = Found(window);
         if (r && r->removed)
@@ -462,12 +459,9 @@ void WindowCall() {
         return;
     }
     case 10: {
-        int left = 0;
-        int top = 0;
-        int right = 0;
-        int bottom = 0;
-        AVSKGetWindowGeometry(window, &left, &top, &right, &bottom);
-        AVSKSetWindowGeometry(window, left + In().Below(3) - 1, top, right, bottom);
+        int at[4] = {};
+        AVSKGetWindowGeometry(window, at, at + 1, at + 2, at + 3);
+        AVSKSetWindowGeometry(window, at[0] + In().Below(3) - 1, at[1], at[2], at[3]);
         return;
     }
     default:
@@ -475,7 +469,6 @@ void WindowCall() {
         AVSKGetWindowIsVisible(window);
         if (Registration *r = Found(window))
             AVSKSetWindowRefCon(window, r);
-        return;
     }
 }
 
@@ -490,35 +483,32 @@ void MenuCall() {
         if (!r)
             return;
         const bool handled = !In().Rarely(8);
-        r->count = 1;
         r->handle = AVSKCreateMenu("A menu", parent ? As<AVSKMenuInfo_t>(parent->handle) : nullptr, In().Below(3) - 1,
                                    handled ? r->functions.menu : nullptr, r);
         AVSKAppendMenuItem(As<AVSKMenuInfo_t>(r->handle), "An item", nullptr, 0);
         return;
     }
-    const Registration *picked = Pick(Kind::Menu);
-    if (!picked || !picked->handle)
+    Registration *r = PickLatest(Kind::Menu);
+    if (!r)
         return;
-    Registration &r = *ByHandle(Kind::Menu, picked->handle);
-    AVSKMenuID menu = In().Rarely(4) ? AVSKFindPluginsMenu() : As<AVSKMenuInfo_t>(r.handle);
+    auto *own = As<AVSKMenuInfo_t>(r->handle);
+    AVSKMenuID menu = In().Rarely(4) ? AVSKFindPluginsMenu() : own;
     const int index = In().Below(5) - 1;
     switch (what) {
     case 2: {
-        const bool mine = r.owner == Self();
-        AVSKDestroyMenu(As<AVSKMenuInfo_t>(r.handle));
+        const bool mine = r->owner == Self();
+        AVSKDestroyMenu(own);
         if (mine)
-            MarkRemoved(r);
+            MarkRemoved(*r);
         return;
     }
     case 3:
-        AVSKClearAllMenuItems(As<AVSKMenuInfo_t>(r.handle));
-        return;
+        return AVSKClearAllMenuItems(own);
     case 4:
         AVSKAppendMenuItem(menu, "An item", nullptr, 0);
         return;
     case 5:
-        AVSKRemoveMenuItem(menu, index);
-        return;
+        return AVSKRemoveMenuItem(menu, index);
     case 6:
         AVSKSetMenuItemName(menu, index, "Another name", 0);
         AVSKEnableMenuItem(menu, index, In().Below(2));
@@ -527,7 +517,6 @@ void MenuCall() {
         AVSKCheckMenuItem(menu, index, In().Below(5) - 1);
         int check = 0;
         AVSKCheckMenuItemState(menu, index, &check);
-        return;
     }
     }
 }
@@ -562,14 +551,11 @@ void CommandCall() {
         }
         return;
     case 4:
-        AVSKCommandBegin(command);
-        return;
+        return AVSKCommandBegin(command);
     case 5:
-        AVSKCommandEnd(command);
-        return;
+        return AVSKCommandEnd(command);
     default:
         AVSKCommandOnce(command);
-        return;
     }
 }
 
@@ -614,7 +600,6 @@ void SharedCall() {
         AVSKSetDatab(ref, values, offset, 3);
         AVSKGetDatavi(ref, values, offset, 8);
         AVSKGetDatab(ref, values, offset, 32);
-        return;
     }
     }
 }
@@ -683,8 +668,7 @@ void DataCall() {
             AVSKGetDatai(ref);
             return;
         case 1:
-            AVSKSetDatai(ref, 1);
-            return;
+            return AVSKSetDatai(ref, 1);
         case 2:
             AVSKGetDatavi(ref, values, 0, 4);
             return;
@@ -707,10 +691,8 @@ void SceneryCall() {
     case 0:
     case 1:
     case 2:
-        if (Registration *r = Register(Kind::Load)) {
-            r->count = 1;
+        if (Registration *r = Register(Kind::Load))
             AVSKLoadObjectAsync("an object", r->functions.objectLoaded, r);
-        }
         return;
     case 3:
         if (Registration *r = Register(Kind::Object))
@@ -739,7 +721,6 @@ void SceneryCall() {
         AVSKDrawObjects(object ? object->handle : nullptr, 2, places, 0, 0);
         if (const Registration *r = Register(Kind::Feature))
             AVSKLookupObjects("a path", 1, 2, r->functions.feature, const_cast<Registration *>(r));
-        return;
     }
     }
 }
@@ -764,22 +745,19 @@ void PlaneCall() {
         return;
     case 3:
     case 4:
-        AVSKReleasePlanes();
-        return;
+        return AVSKReleasePlanes();
     case 5:
         AVSKSetActiveAircraftCount(In().Below(5) - 1);
         AVSKReinitUsersPlane();
         return;
     case 6:
-        AVSKSetAircraftModel(In().Below(5) - 1, path);
-        return;
+        return AVSKSetAircraftModel(In().Below(5) - 1, path);
     default: {
         AVSKSetUsersAircraft(path);
         char file[512];
         char folder[512];
         AVSKGetNthAircraftModel(0, file, folder);
         AVSKDisableAIForPlane(1);
-        return;
     }
     }
 }
@@ -790,18 +768,15 @@ void CameraCall() {
     case 0:
     case 1:
         if (Registration *r = Register(Kind::Camera)) {
-            r->count = 1;
             gFuzz.camera = r;
             AVSKControlCamera(In().Below(3), r->functions.camera, r);
         }
         return;
     case 2:
-        AVSKDontControlCamera();
-        return;
+        return AVSKDontControlCamera();
     default: {
         AVSKCameraPosition position;
         AVSKReadCameraPosition(&position);
-        return;
     }
     }
 }
@@ -815,12 +790,10 @@ void SmallCall() {
         AVSKCommandButtonPress(button);
         return;
     case 1:
-        AVSKCommandButtonRelease(button);
-        return;
+        return AVSKCommandButtonRelease(button);
     default:
         AVSKDebugString("a line\n");
         AVSKGetElapsedTime();
-        return;
     }
 }
 

@@ -22,10 +22,17 @@ Incarnation &EntryOf(int index, const char *entry) {
     return *who;
 }
 
-// Does what the input says in a callback of a registration.
-void Act(const Registration &r) {
-    const Pushed frame(gFuzz.frames, r.functions.index);
-    ActInCallback(r.functions);
+// Does what the input says in a callback or an entry point.
+void Act(const FuzzCode &code) {
+    const Pushed frame(gFuzz.frames, code.index);
+    ActInCallback(code);
+}
+void Act(const Registration &r) { Act(r.functions); }
+
+const Registration &CheckWindow(AVSKWindowID window, void *refcon) {
+    const Registration &r = CheckCall(refcon, Kind::Window);
+    REQUIRE(window == r.handle, "a window is called as another");
+    return r;
 }
 
 int AnyAnswer() {
@@ -112,15 +119,13 @@ void FuzzStop(int index) {
     Incarnation &who = EntryOf(index, "stop");
     REQUIRE(!who.stopped, "plugin %d is stopped twice", who.id);
     who.stopped = true;
-    const Pushed frame(gFuzz.frames, index);
-    ActInCallback(*who.code);
+    Act(*who.code);
 }
 
 int FuzzEnable(int index) {
     Incarnation &who = EntryOf(index, "enable");
     REQUIRE(!who.record->enabled, "plugin %d is enabled while it is", who.id);
-    const Pushed frame(gFuzz.frames, index);
-    ActInCallback(*who.code);
+    Act(*who.code);
     return who.enabled = !gFuzz.in.Rarely(16);
 }
 
@@ -129,8 +134,7 @@ void FuzzDisable(int index) {
     REQUIRE(!who.record->enabled, "plugin %d still counts as enabled in its disable call", who.id);
     REQUIRE(who.enabled, "plugin %d is disabled, which was not enabled", who.id);
     who.enabled = false;
-    const Pushed frame(gFuzz.frames, index);
-    ActInCallback(*who.code);
+    Act(*who.code);
 }
 
 void FuzzMessage(int index, int sender, int message, void *parameter) {
@@ -144,8 +148,7 @@ void FuzzMessage(int index, int sender, int message, void *parameter) {
     } else {
         REQUIRE(sender == AVSK_PLUGIN_AERIVO, "message %d comes from %d", message, sender);
     }
-    const Pushed frame(gFuzz.frames, index);
-    ActInCallback(*who.code);
+    Act(*who.code);
 }
 
 void FuzzError(int index, const char *message) {
@@ -156,8 +159,7 @@ void FuzzError(int index, const char *message) {
     REQUIRE(who ? who->index == index : index == -1 && id == AVSK_PLUGIN_AERIVO, "error of file %d for plugin %d: %s",
             index, id, message);
     REQUIRE(!who || (who->errorSet && !who->record->unloaded), "error of plugin %d, which wants none: %s", id, message);
-    const Pushed frame(gFuzz.frames, index);
-    ActInCallback(who ? *who->code : kProgramCode);
+    Act(who ? *who->code : kProgramCode);
 }
 
 float FuzzFlightLoop(float, float total, int counter, void *refcon) {
@@ -182,15 +184,13 @@ int FuzzDraw(int phase, int isBefore, void *refcon) {
 }
 
 int FuzzSniffer(char, int, char, void *refcon) {
-    const Registration &r = CheckCall(refcon, Kind::Sniffer);
     REQUIRE(gFuzz.keyHooks > 0, "a sniffer is called without a key");
-    Act(r);
+    Act(CheckCall(refcon, Kind::Sniffer));
     return AnyAnswer();
 }
 
 void FuzzDrawWindow(AVSKWindowID window, void *refcon) {
-    const Registration &r = CheckCall(refcon, Kind::Window);
-    REQUIRE(window == r.handle, "a window is called as another");
+    const Registration &r = CheckWindow(window, refcon);
     REQUIRE(gFuzz.drawHooks > 0, "a window is drawn outside a pass");
     Act(r);
 }
@@ -205,31 +205,25 @@ void FuzzKey(AVSKWindowID window, char, int, char, void *refcon, int losingFocus
 }
 
 int FuzzClick(AVSKWindowID window, int, int, int status, void *refcon) {
-    const Registration &r = CheckCall(refcon, Kind::Window);
-    REQUIRE(window == r.handle, "a window is called as another");
+    const Registration &r = CheckWindow(window, refcon);
     REQUIRE(status >= AVSKMouseDown && status <= AVSKMouseUp, "mouse status %d", status);
     Act(r);
     return AnyAnswer();
 }
 
 int FuzzCursor(AVSKWindowID window, int, int, void *refcon) {
-    const Registration &r = CheckCall(refcon, Kind::Window);
-    REQUIRE(window == r.handle, "a window is called as another");
-    Act(r);
+    Act(CheckWindow(window, refcon));
     return gFuzz.in.Below(3);
 }
 
 int FuzzWheel(AVSKWindowID window, int, int, int, int, void *refcon) {
-    const Registration &r = CheckCall(refcon, Kind::Window);
-    REQUIRE(window == r.handle, "a window is called as another");
-    Act(r);
+    Act(CheckWindow(window, refcon));
     return gFuzz.in.Below(2);
 }
 
 void FuzzHotKey(void *refcon) {
-    const Registration &r = CheckCall(refcon, Kind::HotKey);
     REQUIRE(gFuzz.keyHooks > 0, "a hot key runs without a key");
-    Act(r);
+    Act(CheckCall(refcon, Kind::HotKey));
 }
 
 void FuzzMenu(void *menuRef, void *) { Act(CheckCall(menuRef, Kind::Menu)); }

@@ -2,6 +2,8 @@
 
 #include "Model.h"
 
+#include "../Support/Slots.h"
+
 #include <cstring>
 #include <list>
 
@@ -190,10 +192,6 @@ template <class Result, class... Arguments>
 struct Quiet<Result (*)(Arguments...)> {
     static Result Call(Arguments...) { return Result(); }
 };
-template <class Pointer>
-void Fill(Pointer &slot) {
-    slot = Quiet<Pointer>::Call;
-}
 
 } // namespace
 
@@ -206,16 +204,9 @@ const AVSKHostCallbacks *FreshHost(int version, bool fullTable) {
     t.version = version;
     t.sizeInBytes = fullTable ? static_cast<int>(sizeof t) : 280;
 
-    Fill(t.setGraphicsState), Fill(t.bindTexture2d), Fill(t.generateTextureNumbers), Fill(t.getTexture);
-    Fill(t.worldToLocal), Fill(t.localToWorld), Fill(t.drawTranslucentDarkBox), Fill(t.drawString), Fill(t.drawNumber);
-    Fill(t.getFontDimensions), Fill(t.readCameraPosition), Fill(t.drawAircraft), Fill(t.placeUserAtAirport);
-    Fill(t.simulateKeyPress), Fill(t.speakString), Fill(t.commandKeyStroke), Fill(t.getVersions), Fill(t.getLanguage);
-    Fill(t.debugString), Fill(t.reinitUsersPlane), Fill(t.reloadScenery), Fill(t.getFirstNavAid), Fill(t.getNextNavAid);
-    Fill(t.findFirstNavAidOfType), Fill(t.findLastNavAidOfType), Fill(t.findNavAid), Fill(t.getNavAidInfo);
-    Fill(t.countFMSEntries), Fill(t.getDisplayedFMSEntry), Fill(t.getDestinationFMSEntry), Fill(t.setDisplayedFMSEntry);
-    Fill(t.setDestinationFMSEntry), Fill(t.getFMSEntryInfo), Fill(t.setFMSEntryInfo), Fill(t.setFMSEntryLatLon);
-    Fill(t.clearFMSEntry), Fill(t.getGPSDestinationType), Fill(t.getGPSDestination), Fill(t.probeTerrain);
-    Fill(t.findSymbol), Fill(t.measureString), Fill(t.drawObject), Fill(t.loadDataFile), Fill(t.saveDataFile);
+#define FUZZ_FILL(number, name) t.name = Quiet<decltype(t.name)>::Call;
+    AVSK_TEST_SLOTS(FUZZ_FILL)
+#undef FUZZ_FILL
 
     t.getScreenSize = [](int *width, int *height) { *width = *height = 256; };
     t.getMouseLocation = [](int *x, int *y, int) {

@@ -57,7 +57,7 @@ struct Registration {
     const FuzzCode *code;   // whose callbacks it has
     FuzzCode functions;     // a copy: the file may be gone
     int serial;             // when, in the order of everything
-    int count = 0;          // how often it is registered now
+    int count = 0;          // how often it is registered now, where that matters
     bool removed = false;   // a call that removes it has returned
     bool revived = false;   // a removed window that was brought to the front
     void *handle = nullptr; // what the library answered

@@ -1,4 +1,4 @@
-// Runs the fuzz target on kept inputs: avsk_fuzz_replay FILE-OR-FOLDER...
+// Runs the fuzz target on kept inputs: avsk_fuzz_replay FOLDER
 #include <algorithm>
 #include <cstdint>
 #include <cstdio>
@@ -10,48 +10,26 @@
 extern "C" int LLVMFuzzerInitialize(int *argc, char ***argv);
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size);
 
-namespace {
-
 namespace fs = std::filesystem;
 
-bool Replay(const fs::path &path) {
-    std::ifstream file(path, std::ios::binary);
-    const std::vector<char> bytes{std::istreambuf_iterator<char>(file), {}};
-    if (!file) {
-        std::fprintf(stderr, "avsk_fuzz_replay: %s: cannot be read\n", path.c_str());
-        return false;
-    }
-    std::printf("%s\n", path.c_str()); // the last line names an input that fails
-    std::fflush(stdout);
-    LLVMFuzzerTestOneInput(reinterpret_cast<const std::uint8_t *>(bytes.data()), bytes.size());
-    return true;
-}
-
-} // namespace
-
 int main(int argc, char **argv) {
-    if (argc < 2) {
-        std::fputs("usage: avsk_fuzz_replay FILE-OR-FOLDER...\n", stderr);
-        return 2;
-    }
     std::vector<fs::path> inputs;
-    for (int i = 1; i < argc; ++i) {
-        if (!fs::is_directory(argv[i])) {
-            inputs.emplace_back(argv[i]);
-            continue;
-        }
-        for (const auto &entry : fs::directory_iterator(argv[i]))
-            inputs.push_back(entry.path());
+    if (argc == 2 && fs::is_directory(argv[1]))
+        inputs.assign(fs::directory_iterator(argv[1]), {});
+    if (inputs.empty()) {
+        std::fputs("usage: avsk_fuzz_replay FOLDER, which holds inputs; for one input use build/fuzz/avsk_fuzz FILE\n",
+                   stderr);
+        return 2;
     }
     std::sort(inputs.begin(), inputs.end());
-    if (inputs.empty()) {
-        std::fputs("avsk_fuzz_replay: the folder holds no inputs; name one that does\n", stderr);
-        return 2;
-    }
     LLVMFuzzerInitialize(&argc, &argv);
-    for (const fs::path &input : inputs)
-        if (!Replay(input))
-            return 1;
+    for (const fs::path &input : inputs) {
+        std::printf("%s\n", input.c_str()); // the last line names an input that fails
+        std::fflush(stdout);
+        std::ifstream file(input, std::ios::binary);
+        const std::vector<char> bytes{std::istreambuf_iterator<char>(file), {}};
+        LLVMFuzzerTestOneInput(reinterpret_cast<const std::uint8_t *>(bytes.data()), bytes.size());
+    }
     std::printf("%zu inputs\n", inputs.size());
     return 0;
 }

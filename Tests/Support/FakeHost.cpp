@@ -31,17 +31,9 @@ std::string Text(Value *pointer) {
     return number < 65536 ? std::to_string(number) : "pointer";
 }
 
-const char *SlotName(int slot) {
-    switch (slot) {
-#define AVSK_TEST_NAME(number, name)                                                                                   \
-    case number:                                                                                                       \
-        return #name;
-        AVSK_TEST_SLOTS(AVSK_TEST_NAME)
+#define AVSK_TEST_NAME(number, name) #name,
+const char *const kSlotNames[] = {"version", "sizeInBytes", AVSK_TEST_SLOTS(AVSK_TEST_NAME)};
 #undef AVSK_TEST_NAME
-    default:
-        return "?";
-    }
-}
 
 // Called too often, and by calls under test of something else, to be worth a line.
 bool IsQuiet(int slot) { return slot == 14 || slot == 18 || slot == 25 || slot == 29; }
@@ -54,7 +46,7 @@ struct Trampoline<Slot, Service, Result (*)(Arguments...)> {
         if (!IsQuiet(Slot)) {
             std::string line;
             ((line += (line.empty() ? "" : ", ") + Text(arguments)), ...);
-            Note(std::string(SlotName(Slot)) + "(" + line + ")");
+            Note(std::string(kSlotNames[Slot]) + "(" + line + ")");
         }
         // A copy: the test may replace it during the call.
         if (const auto service = Host().on.*Service)

@@ -23,6 +23,12 @@ Puppet &PuppetAt(const char *path) {
     return found->second;
 }
 
+void Play(Puppet &puppet, const char *entry, std::function<void()> Puppet::*player) {
+    Note(entry + puppet.label);
+    if (puppet.*player)
+        (puppet.*player)();
+}
+
 void Copy(const std::string &from, const std::string &to) {
     fs::create_directories(fs::path(to).parent_path());
     fs::copy_file(from, to);
@@ -159,12 +165,7 @@ int AvskTestStart(const char *path, const PuppetCode *code, char *name, char *si
     return puppet.start ? puppet.start() : 1;
 }
 
-void AvskTestStop(const char *path) {
-    Puppet &puppet = PuppetAt(path);
-    Note("stop " + puppet.label);
-    if (puppet.stop)
-        puppet.stop();
-}
+void AvskTestStop(const char *path) { Play(PuppetAt(path), "stop ", &Puppet::stop); }
 
 int AvskTestEnable(const char *path) {
     Puppet &puppet = PuppetAt(path);
@@ -172,12 +173,7 @@ int AvskTestEnable(const char *path) {
     return puppet.enable ? puppet.enable() : 1;
 }
 
-void AvskTestDisable(const char *path) {
-    Puppet &puppet = PuppetAt(path);
-    Note("disable " + puppet.label);
-    if (puppet.disable)
-        puppet.disable();
-}
+void AvskTestDisable(const char *path) { Play(PuppetAt(path), "disable ", &Puppet::disable); }
 
 void AvskTestMessage(const char *path, int sender, int message, void *parameter) {
     Puppet &puppet = PuppetAt(path);

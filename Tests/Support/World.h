@@ -52,12 +52,17 @@ class World {
     bool running = false;
 };
 
-// The stage of most tests of modules: plugins A and B and an aircraft's, which
-// can be unloaded at any time by unloading the aircraft.
-class ThreePlugins : public testing::Test {
+// A test with a folder that is still empty.
+class InWorld : public testing::Test {
   protected:
     World world;
     FakeHost &host = Host();
+};
+
+// The stage of most tests of modules: plugins A and B and an aircraft's, which
+// can be unloaded at any time by unloading the aircraft.
+class ThreePlugins : public InWorld {
+  protected:
     Puppet &a = world.Install("A");
     Puppet &b = world.Install("B");
     Puppet &air = world.InstallAircraft("air");

@@ -1,7 +1,7 @@
 // Control of the camera by one plugin at a time. Owns gIsControlled,
-// gControlDuration, gCurrentControlFunc, gCurrentControlPlugin and
-// gCameraControlRef; called by plugins, by the host at each camera update and
-// view change, and by the core when a plugin is disabled or unloaded.
+// gControlDuration, gCurrentControlFunc, gCurrentControlPlugin,
+// gCameraControlRef and gLosing; called by plugins, by the host at each camera
+// update and view change, and by the core when a plugin is disabled or unloaded.
 #include "AVSK/AVSKCamera.h"
 
 #include "AVSKDispatch.h"
@@ -17,14 +17,21 @@ void *gCameraControlRef = nullptr;
 
 namespace {
 
-int gLosing = NO_PLUGIN_ID; // the controller that is being told that it loses control
+struct Controller {
+    int plugin;
+    AVSKCameraControl_f function;
+    void *refcon;
+    bool operator==(const Controller &) const = default;
+};
+Controller gLosing = {NO_PLUGIN_ID, nullptr, nullptr}; // who is being told that it loses control
 
 // Tells the controller, but not again from inside that very call: a function
 // that disables its plugin would be told for ever.
 void TellLosingControl() {
-    if (!gCurrentControlFunc || gLosing == gCurrentControlPlugin)
+    const Controller current = {gCurrentControlPlugin, gCurrentControlFunc, gCameraControlRef};
+    if (!gCurrentControlFunc || gLosing == current)
         return;
-    const AVSKScopedValue telling(gLosing, gCurrentControlPlugin);
+    const AVSKScopedValue telling(gLosing, current);
     if (const StDispatchCallback guard(gCurrentControlPlugin); guard())
         gCurrentControlFunc(nullptr, 1, gCameraControlRef);
 }

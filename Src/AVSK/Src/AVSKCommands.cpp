@@ -1,7 +1,7 @@
 // Commands: who holds which down, and the handlers called before and after
 // the host acts on one. The commands themselves are the host's. Owns
-// gPreHooks, gPostHooks and gCommandMap; called by plugins and by the host's
-// command hook and frame event.
+// gPreHooks, gPostHooks, gCommandMap and gHeldChanges; called by plugins and by
+// the host's command hook and frame event.
 #include "AVSK/AVSKUtilities.h"
 
 #include "AVSKCallbackSequence.h"

@@ -1,6 +1,7 @@
 // Datarefs: the registry of names, the pool of records whose addresses are
-// the handles, and typed access. Owns gDataRefs, gDataBlock, gDataFree and
-// gDataCount; called by plugins and by the library's own values.
+// the handles, and typed access. Owns gDataRefs, gNames, gDataBlock,
+// gDataPages, gDataFree and gDataCount; called by plugins and by the library's
+// own values.
 #include "AVSKDataAccess.h"
 
 #include "AVSKDispatch.h"

@@ -1,7 +1,8 @@
 // Draw callbacks, key sniffers, windows and hot keys, and the routing of the
 // host's draw passes and input events to them. Owns gDrawCallbacks,
-// gKeyCallbacks, gWindows, gHotKeys, gFocusWindow and gDragWindow; called by
-// plugins, by the host's hooks, and by the core when a plugin is disabled or unloaded.
+// gKeyCallbacks, gListeners, gWindows, gHotKeys, gFocusWindow and gDragWindow;
+// called by plugins, by the host's hooks, and by the core when a plugin is
+// disabled or unloaded.
 #include "AVSK/AVSKDisplay.h"
 
 #include "AVSKDispatch.h"
@@ -49,7 +50,8 @@ struct AVSKWindowCallbackRecord : AVSKResource_t<AVSKWindowCallbackRecord>, AVSK
     AVSKHandleMouseWheel_f mouseWheelFunc = nullptr;
     int owner = NO_PLUGIN_ID;
     void *refcon = nullptr;
-    bool losingFocus = false; // its key function is being told so
+    int losingFocus = 0;                          // how deep its key function is being told so
+    AVSKWindowCallbackRecord *losingTo = nullptr; // as named in the innermost of these calls
 
     bool IsHitBy(int x, int y) const { return visible && left <= x && x < right && bottom <= y && y < top; }
 };
@@ -73,6 +75,10 @@ AVSKWindowCallbackRecord *gFocusWindow = nullptr; // gets the keys
 AVSKWindowCallbackRecord *gDragWindow = nullptr;  // holds the mouse
 
 namespace {
+
+// A window's function that is told of a loss may cause the same loss again,
+// and would be told of that without end.
+constexpr int kDeepestLoss = 16;
 
 using WindowPin = AVSKResourceList<AVSKWindowCallbackRecord>::Pin;
 
@@ -215,6 +221,11 @@ void TakeFocusFrom(AVSKWindowCallbackRecord *window) {
         AVSKTakeKeyboardFocus(nullptr);
 }
 
+// Not of the very loss that it is being told of.
+bool MayBeTold(const AVSKWindowCallbackRecord &window, const AVSKWindowCallbackRecord *to) {
+    return window.losingFocus == 0 || (window.losingTo != to && window.losingFocus < kDeepestLoss);
+}
+
 // Clears what points at a window that goes; no call is made.
 void Forget(const AVSKWindowCallbackRecord *window) {
     if (gFocusWindow == window)
@@ -306,8 +317,9 @@ void AVSKTakeKeyboardFocus(AVSKWindowID window) {
     if (rec && !AVSKIsPluginEnabled(rec->owner))
         return;
     const WindowPin pin(gWindows);
-    if (AVSKWindowCallbackRecord *old = gFocusWindow) {
-        const AVSKScopedValue telling(old->losingFocus, true);
+    if (AVSKWindowCallbackRecord *old = gFocusWindow; old && MayBeTold(*old, window)) {
+        const AVSKScopedValue depth(old->losingFocus, old->losingFocus + 1);
+        const AVSKScopedValue target(old->losingTo, window);
         // The window that gets the focus is named as the caller named it.
         if (const StDispatchCallback guard(old->owner); guard() && old->keyFunc)
             old->keyFunc(window, 0, 0, 0, old->refcon, 1);
@@ -570,9 +582,13 @@ int AVSKDisplayMouseClickHook(int x, int y, int mouseStatus) {
         return OfferMouseDown(x, y);
     if (!gDragWindow)
         return kNotHandled;
-    const int result = CallDragWindow(x, y, mouseStatus);
-    if (mouseStatus == AVSKMouseUp)
-        gDragWindow = nullptr;
+    if (mouseStatus != AVSKMouseUp)
+        return CallDragWindow(x, y, mouseStatus);
+    // A window that is let go may have its plugin disabled, which lets it go once more.
+    static int releases = 0;
+    const AVSKScopedValue depth(releases, releases + 1);
+    const int result = releases <= kDeepestLoss ? CallDragWindow(x, y, mouseStatus) : kNotHandled;
+    gDragWindow = nullptr;
     return result;
 }
 

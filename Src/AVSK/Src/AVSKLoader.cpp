@@ -1,6 +1,7 @@
 // The core: the registry of plugins and who is dispatched, discovery, loading
 // and unloading, enabling and messages, features, deliveries and errors. Owns
-// gAllPlugins, gCurrentAircraftPluginIDS, gScheduleReload, gDispatchedPlugin,
+// gAllPlugins, gCallFlags, gEnabledFlags, gCurrentAircraftPluginIDS,
+// gScheduleReload, gDispatchedPlugin, gIsUnloadingAll, gWaitingLibraries,
 // kFeatureNames and orphaned; called by plugins, the host's hooks and every module.
 //
 // Any call into a plugin or the host may come back in here and load or unload
@@ -160,7 +161,8 @@ class LastCalls {
 // completed ones now.
 void AbandonDeliveries(PluginRecord &record) {
     while (AVSKDelivery *pending = AVSKDeliveryPop(record.pendingDeliveries)) {
-        pending->pluginID = NO_PLUGIN_ID;
+        if (record.id != AVSK_PLUGIN_AERIVO) // which comes back as what it was
+            pending->pluginID = NO_PLUGIN_ID;
         AVSKDeliveryEnqueue(orphaned, pending);
     }
     while (AVSKDelivery *deferred = AVSKDeliveryPop(record.deferredDeliveries)) {
@@ -465,6 +467,10 @@ int LoadOnePlugin(const std::string &path, int reportMissing) {
     if (!start) {
         Log({"Failed: ", path.c_str(),
              ".  (This file is a loadable DLL but is missing the AVPluginStart callback.)\n\n"});
+        AVSKUnloadDLL(handle);
+        return NO_PLUGIN_ID;
+    }
+    if (!MayLoad()) { // the host was told of something missing, and has gone
         AVSKUnloadDLL(handle);
         return NO_PLUGIN_ID;
     }

@@ -122,9 +122,10 @@ AVSKMenuID AVSKCreateMenu(const char *name, AVSKMenuID parent, int parentItem, A
 }
 
 void AVSKDestroyMenu(AVSKMenuID menu) {
-    if (std::find(gMenus.begin(), gMenus.end(), menu) == gMenus.end() || menu->owner != AVSKGetDispatchedPlugin())
+    if (std::find(gMenus.begin(), gMenus.end(), menu) == gMenus.end() || menu->owner != AVSKGetDispatchedPlugin() ||
+        menu == gPluginMenu)
         return;
-    RenameAllToNothing(menu);
+    AVSKClearAllMenuItems(menu);
     DestroyHostMenu(menu);
     Unlist(menu);
     Free(menu);

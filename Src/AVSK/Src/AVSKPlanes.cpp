@@ -102,8 +102,6 @@ void AVSKCountAircraft(int *outTotal, int *outActive, AVSKPluginID *outControlle
 }
 
 void AVSKGetNthAircraftModel(int index, char *outFileName, char *outPath) {
-    if (index < 0)
-        return;
     char unwantedPath[AVSK_PATH_SIZE] = "";
     char unwantedName[AVSK_PATH_SIZE] = "";
     char *path = outPath ? outPath : unwantedPath;
@@ -163,10 +161,7 @@ void AVSKSetAircraftModel(int index, const char *path) {
         LoadModel(index, converted, converted.c_str());
 }
 
-void AVSKDisableAIForPlane(int index) {
-    if (index >= 0)
-        SetDisabledAI(index, 1);
-}
+void AVSKDisableAIForPlane(int index) { SetDisabledAI(index, 1); }
 
 int AVSKDrawAircraft(AVSKWord a1, AVSKWord a2, AVSKWord a3, AVSKWord a4, AVSKWord a5, AVSKWord a6, AVSKWord a7,
                      AVSKWord a8, AVSKWord a9) {

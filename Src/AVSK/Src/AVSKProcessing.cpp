@@ -96,16 +96,18 @@ void AVSKDestroyFlightLoop(AVSKFlightLoopID loop) {
 }
 
 void AVSKScheduleFlightLoop(AVSKFlightLoopID loop, float interval, int relativeToNow) {
-    // Before the handle is looked at: the host's clock could lead back in here.
-    const float now = relativeToNow ? AVSKGetElapsedTime() : 0;
     if (!IsLoop(loop))
         return;
     if (loop->owner != AVSKGetDispatchedPlugin()) {
         AVSKSendError("Attempt to schedule a flight loop callback owned by another plugin.");
         return;
     }
-    if (relativeToNow)
+    if (relativeToNow) {
+        const float now = AVSKGetElapsedTime();
+        if (!IsLoop(loop)) // the host's clock could lead back in here
+            return;
         loop->lastCallTime = now;
+    }
     loop->interval = interval;
 }
 

@@ -142,8 +142,6 @@ int AVSKProbeTerrainXYZ(AVSKProbeRef probe, float x, float y, float z, AVSKProbe
 // ---- Objects
 
 AVSKObjectRef AVSKLoadObject(const char *path) {
-    if (!path)
-        return nullptr;
     void *object = gHooks->loadObject(path);
     if (object)
         gObjects[AVSKGetDispatchedPlugin()].push_back(object);
@@ -151,8 +149,6 @@ AVSKObjectRef AVSKLoadObject(const char *path) {
 }
 
 void AVSKLoadObjectAsync(const char *path, AVSKObjectLoaded_f callback, void *refcon) {
-    if (!path)
-        return;
     auto *completion = new AVSKObjectCompletion_t(callback, refcon);
     AVSKQueueDelivery(completion);
     void *const argument = completion->Argument();

@@ -79,16 +79,18 @@ void SetScalar(void *refcon, T value) {
     Notify(record);
 }
 
-// Copies out what lies inside the value.
+// Copies out what lies inside the value. Behind its end there is less than
+// nothing, and the answer says so; before its beginning there is nothing.
 int GetElements(void *refcon, int elementSize, void *values, int offset, int max) {
     const auto &record = *static_cast<const AVSKSharedDataRecord *>(refcon);
     const int count = record.size / elementSize;
     if (!values)
         return count;
-    if (offset < 0 || offset >= count || max <= 0)
+    if (offset < 0)
         return 0;
     const int copied = AVSK_TMIN(max, count - offset);
-    std::memcpy(values, record.buffer + offset * elementSize, static_cast<std::size_t>(copied * elementSize));
+    if (copied > 0)
+        std::memcpy(values, record.buffer + offset * elementSize, static_cast<std::size_t>(copied * elementSize));
     return copied;
 }
 

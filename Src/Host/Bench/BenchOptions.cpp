@@ -5,7 +5,7 @@
 
 namespace host {
 
-void AddBenchOptions(CLI::App &run, BenchOptions &options) {
+void AddBenchOptions(CLI::App &run, BenchOptions &options, const CLI::Validator &positive) {
     const char *group = "Watching";
     CLI::Option *trace =
         run.add_option("--trace", options.trace.file,
@@ -30,12 +30,12 @@ void AddBenchOptions(CLI::App &run, BenchOptions &options) {
     run.add_flag("--profile", options.profile, "print at the end where plugins spent their time")->group(group);
     run.add_option("--budget", options.budget, "fail if a plugin takes longer than this in a frame")
         ->type_name("MILLISECONDS")
-        ->check(CLI::PositiveNumber)
+        ->check(positive)
         ->group(group);
     run.add_option("--timeout", options.timeout,
                    "end the run with status 3 and say where, if a call into a plugin takes longer than this")
         ->type_name("SECONDS")
-        ->check(CLI::PositiveNumber)
+        ->check(positive)
         ->group(group);
 }
 

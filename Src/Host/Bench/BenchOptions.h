@@ -7,7 +7,8 @@
 
 namespace CLI {
 class App;
-}
+class Validator;
+} // namespace CLI
 
 namespace host {
 
@@ -25,7 +26,8 @@ struct BenchOptions {
     double timeout = 0; // seconds that a call may take; 0: any
 };
 
-void AddBenchOptions(CLI::App &run, BenchOptions &options);
+// The validator accepts numbers above 0.
+void AddBenchOptions(CLI::App &run, BenchOptions &options, const CLI::Validator &positive);
 
 } // namespace host
 

@@ -6,6 +6,7 @@
 #include "Ledger.h"
 #include "Simulator.h"
 #include "Symbols.h"
+#include "Words.h"
 
 #include "AVSK/AVSKCamera.h"
 #include "AVSK/AVSKDataAccess.h"
@@ -271,10 +272,8 @@ Value Call::operator[](std::string_view name) const {
     const crossings::StructureView &structure = *argument.structure;
     std::string_view fields = structure.fields;
     for (const Value &field : structure.values) {
-        const std::size_t end = std::min(fields.find(','), fields.size());
-        if (fields.substr(0, end) == name.substr(dot + 1))
+        if (crossings::TakeWord(fields) == name.substr(dot + 1))
             return field;
-        fields.remove_prefix(std::min(end + 1, fields.size()));
     }
     return {};
 }
@@ -282,9 +281,7 @@ Value Call::operator[](std::string_view name) const {
 std::string Call::Key(std::string_view names) const {
     std::string key;
     while (!names.empty()) {
-        const std::size_t end = std::min(names.find(','), names.size());
-        const std::string_view name = names.substr(0, end);
-        names.remove_prefix(std::min(end + 1, names.size()));
+        const std::string_view name = crossings::TakeWord(names);
         if (name == "@Plugins")
             key += KeyPart(crossings::ValueOf(AVSKFindPluginsMenu()));
         else if (name == "@")

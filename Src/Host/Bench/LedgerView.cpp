@@ -1,6 +1,7 @@
 // What the ledger answers, to a reader and to expectations; see Ledger.h.
 #include "Ledger.h"
 #include "Simulator.h"
+#include "Utf8.h"
 
 #include "AVSK/AVSKPlugins.h"
 
@@ -14,11 +15,6 @@ namespace {
 constexpr std::size_t kColumns = 4;
 using Row = std::array<std::string, kColumns>;
 
-std::size_t Length(const std::string &text) {
-    return static_cast<std::size_t>(
-        std::count_if(text.begin(), text.end(), [](char c) { return (static_cast<unsigned char>(c) & 0xC0) != 0x80; }));
-}
-
 Row RowOf(const std::string &plugin, const Possession &possession, const Console &console) {
     return {plugin, TraitsOf(possession.kind).word, console.WithoutRoot(possession.what), possession.madeBy};
 }
@@ -29,13 +25,13 @@ std::vector<std::string> LinesOf(const std::vector<Row> &rows) {
     std::array<std::size_t, kColumns> widths{};
     for (const Row &row : rows) {
         for (std::size_t i = 0; i < kColumns; ++i)
-            widths[i] = std::max(widths[i], std::min(Length(row[i]), kWidest));
+            widths[i] = std::max(widths[i], std::min(CountCharacters(row[i]), kWidest));
     }
     std::vector<std::string> lines;
     for (const Row &row : rows) {
         std::string line;
         for (std::size_t i = 0; i + 1 < kColumns; ++i)
-            line += row[i] + std::string(widths[i] - std::min(Length(row[i]), widths[i]) + 2, ' ');
+            line += row[i] + std::string(widths[i] - std::min(CountCharacters(row[i]), widths[i]) + 2, ' ');
         lines.push_back(line + row.back());
     }
     return lines;

@@ -3,6 +3,7 @@
 #include "Trace.h"
 
 #include "Format.h"
+#include "Words.h"
 
 #include <nlohmann/json.hpp>
 
@@ -31,9 +32,8 @@ ordered_json ArgumentsOf(const Crossing &crossing) {
     ordered_json arguments = ordered_json::object();
     std::string_view names = crossing.what.parameters;
     for (const Value &value : crossing.arguments) {
-        const std::size_t end = std::min(names.find(','), names.size());
-        arguments[std::string(names.substr(0, end))] = JsonOf(value);
-        names.remove_prefix(std::min(end + 1, names.size()));
+        const std::string_view name = crossings::TakeWord(names);
+        arguments[std::string(name)] = JsonOf(value);
     }
     return arguments;
 }

@@ -3,6 +3,7 @@
 
 #include "Callback.h"
 #include "Format.h"
+#include "Words.h"
 
 #include "AVSK/AVSKPlugins.h"
 
@@ -105,10 +106,8 @@ const Value &Crossing::operator[](const char *parameter) const {
     const std::string_view wanted = parameter;
     std::string_view names = what.parameters;
     for (const Value &value : arguments) {
-        const std::size_t end = std::min(names.find(','), names.size());
-        if (names.substr(0, end) == wanted)
+        if (TakeWord(names) == wanted)
             return value;
-        names.remove_prefix(std::min(end + 1, names.size()));
     }
     assert(!"a parameter of this name");
     static const Value nothing{};

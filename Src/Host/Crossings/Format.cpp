@@ -3,6 +3,7 @@
 
 #include "Callback.h"
 #include "Symbols.h"
+#include "Words.h"
 
 #include <algorithm>
 #include <cctype>
@@ -143,13 +144,11 @@ void Line::Add(const Value &value) {
 
 void Line::Add(std::string_view names, std::span<const Value> values) {
     for (const Value &value : values) {
-        const std::size_t end = std::min(names.find(','), names.size());
         if (&value != values.data())
             Add(", ");
-        Add(names.substr(0, end));
+        Add(TakeWord(names));
         Add('=');
         Add(value);
-        names.remove_prefix(std::min(end + 1, names.size()));
     }
 }
 

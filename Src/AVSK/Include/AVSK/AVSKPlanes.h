@@ -45,7 +45,7 @@ AVSK_API void AVSKCountAircraft(int *outTotal, int *outActive, AVSKPluginID *out
 /**
  * Asks for an aircraft's model.
  *
- * @param index        the aircraft; a negative index is ignored.
+ * @param index        the aircraft; passed on as it is.
  * @param outFileName  256 bytes for the model's file name, may be null.
  * @param outPath      512 bytes for its full path, UTF-8, may be null.
  */
@@ -84,7 +84,7 @@ AVSK_API void AVSKSetAircraftModel(int index, const char *path);
 /**
  * Has the simulator stop flying an aircraft, until control is released. Control is not needed.
  *
- * @param index  the aircraft; a negative index is ignored.
+ * @param index  the aircraft; any index, of which the simulator knows some.
  */
 AVSK_API void AVSKDisableAIForPlane(int index);
 

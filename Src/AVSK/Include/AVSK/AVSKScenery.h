@@ -104,7 +104,7 @@ typedef void (*AVSKLibraryEnumerator_f)(const char *path, void *refcon);
 /**
  * Loads an object and makes it the calling plugin's. Each load is undone by one unload.
  *
- * @param path  its file, as the simulator understands it. Null loads nothing.
+ * @param path  its file, as the simulator understands it; passed on as it is.
  * @return the object; null if it could not be loaded, which is reported nowhere.
  */
 AVSK_API AVSKObjectRef AVSKLoadObject(const char *path);
@@ -113,7 +113,7 @@ AVSK_API AVSKObjectRef AVSKLoadObject(const char *path);
  * Loads an object while the simulator goes on. While the plugin is disabled
  * the result waits; if the plugin is unloaded, the object is given back.
  *
- * @param path      its file, as the simulator understands it. Null is ignored.
+ * @param path      its file, as the simulator understands it; passed on as it is.
  * @param callback  receives the object, later or within this call; may be null.
  * @param refcon    passed to it, may be null.
  */

@@ -1,0 +1,19 @@
+// Texts that list words between separators, such as a prototype's parameters.
+#ifndef AVSK_HOST_WORDS_H
+#define AVSK_HOST_WORDS_H
+
+#include <algorithm>
+#include <string_view>
+
+namespace crossings {
+
+// Takes the first word off a list, and one of the separators with it.
+inline std::string_view TakeWord(std::string_view &words, std::string_view separators = ",") {
+    const std::string_view first = words.substr(0, words.find_first_of(separators));
+    words.remove_prefix(std::min(first.size() + 1, words.size()));
+    return first;
+}
+
+} // namespace crossings
+
+#endif
