@@ -254,14 +254,19 @@ void LoopCall() {
         if (Registration *r = Register(Kind::Loop)) {
             r->a = In().Below(2);
             const AVSKCreateFlightLoopParams params = {sizeof params, r->a, r->functions.flightLoop, r};
+            r->removed = true; // not there while the host is asked for the time
             AVSKFlightLoopID loop = AVSKCreateFlightLoop(&params);
+            r->removed = false;
             r->handle = loop;
             AVSKScheduleFlightLoop(loop, AnyInterval(), In().Below(2));
         }
         return;
     case 1:
-        if (Registration *r = Register(Kind::Loop))
+        if (Registration *r = Register(Kind::Loop)) {
+            r->removed = true; // likewise
             AVSKRegisterFlightLoopCallback(r->functions.flightLoop, AnyInterval(), r);
+            r->removed = false;
+        }
         return;
     case 2:
         if (Registration *r = PickLatest(Kind::Loop)) {
