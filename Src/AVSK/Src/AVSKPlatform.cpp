@@ -4,17 +4,21 @@
 
 #include "AVSK/AVSKThreadLocal.h"
 
+#include <algorithm>
 #include <cctype>
 #include <cerrno>
 #include <cstdint>
 #include <cstdio>
 #include <cstring>
+#include <vector>
 
 #include <dirent.h>
 #include <dlfcn.h>
 #include <elf.h>
+#include <fcntl.h>
 #include <pthread.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 namespace {
 
@@ -25,44 +29,40 @@ void LogLinkerError(const char *reason) {
     AVSKDebugString("\n");
 }
 
-// The linker maps what a library's headers promise and does not look at the
-// file's length: touching what a broken-off copy lacks would end the process.
-bool BreaksOff(std::FILE *file) {
-    Elf32_Ehdr header = {};
-    if (std::fread(&header, sizeof header, 1, file) != 1 || std::memcmp(header.e_ident, ELFMAG, SELFMAG) != 0 ||
-        header.e_ident[EI_CLASS] != ELFCLASS32)
-        return false; // the linker says what is wrong
+// Why the linker must not be asked to load a file; null if it may. It maps
+// what a library's headers promise and does not look at the file's length:
+// touching what a broken-off copy lacks would end the process. And opening a
+// pipe, it would wait for a writer.
+const char *FaultOf(int file) {
     struct stat info = {};
-    if (fstat(fileno(file), &info) != 0) // unreachable: an open file has a length
-        return false;                    // unreachable: likewise
-    for (unsigned i = 0; i < header.e_phnum; ++i) {
-        Elf32_Phdr part = {};
-        std::fseek(file, static_cast<long>(header.e_phoff + i * header.e_phentsize), SEEK_SET);
-        if (std::fread(&part, sizeof part, 1, file) != 1)
-            return true;
-        if (part.p_type == PT_LOAD && part.p_filesz != 0 &&
-            std::uint64_t{part.p_offset} + part.p_filesz > static_cast<std::uint64_t>(info.st_size))
-            return true;
-    }
-    return false;
+    if (fstat(file, &info) == 0 && S_ISFIFO(info.st_mode))
+        return "a pipe, not a library";
+    constexpr const char *kBreaksOff = "the file breaks off: copy it again";
+    Elf32_Ehdr header = {};
+    if (pread(file, &header, sizeof header, 0) != sizeof header || std::memcmp(header.e_ident, ELFMAG, SELFMAG) != 0 ||
+        header.e_ident[EI_CLASS] != ELFCLASS32)
+        return nullptr; // the linker says what is wrong
+    std::vector<Elf32_Phdr> parts(header.e_phnum);
+    const std::size_t size = parts.size() * sizeof(Elf32_Phdr);
+    if (pread(file, parts.data(), size, header.e_phoff) != static_cast<ssize_t>(size))
+        return kBreaksOff;
+    const bool isWhole = std::all_of(parts.begin(), parts.end(), [&info](const Elf32_Phdr &part) {
+        return part.p_type != PT_LOAD || part.p_filesz == 0 ||
+               std::uint64_t{part.p_offset} + part.p_filesz <= static_cast<std::uint64_t>(info.st_size);
+    });
+    return isWhole ? nullptr : kBreaksOff;
 }
 
 } // namespace
 
 void *AVSKLoadDLL(const char *path) {
-    // A pipe is not opened: that would wait for a writer.
-    struct stat info = {};
-    if (stat(path, &info) == 0 && S_ISFIFO(info.st_mode)) {
-        LogLinkerError("a pipe, not a library");
+    const int file = open(path, O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+    if (file < 0)
         return nullptr;
-    }
-    std::FILE *probe = std::fopen(path, "rb");
-    if (!probe)
-        return nullptr;
-    const bool breaksOff = BreaksOff(probe);
-    std::fclose(probe);
-    if (breaksOff) {
-        LogLinkerError("the file breaks off: copy it again");
+    const char *fault = FaultOf(file);
+    close(file);
+    if (fault) {
+        LogLinkerError(fault);
         return nullptr;
     }
 
