@@ -102,6 +102,25 @@ TEST_F(Camera, EndsInWaysOfWhichSomeAreTold) {
     }
 }
 
+TEST_F(Camera, WhoTakesItInsideTheLossIsToldOfTheNext) {
+    const std::function<void()> takes[] = {[&] { Control(air, AVSKCameraUntilViewChanges, Says("other")); },
+                                           [] {
+                                               const auto says = [](AVSKCameraPosition *, int, void *) {
+                                                   return Note("other loses null"), 1;
+                                               };
+                                               AVSKControlCamera(AVSKCameraUntilViewChanges, says, nullptr);
+                                           }};
+    for (const auto &take : takes) {
+        Control(air, AVSKCameraUntilViewChanges, [&](AVSKCameraPosition *, int) {
+            Note("loses");
+            take();
+            AVSKEventHook(AVSKHostEventViewChanged, 0, 0, 0);
+            return 1;
+        });
+        EXPECT_EQ(ChangeView(), "loses; other loses null");
+    }
+}
+
 // What a function does in its first call, an update or the loss by a change of the view.
 TEST_F(Camera, SurvivesWhatItsFunctionDoes) {
     const struct {

@@ -222,7 +222,9 @@ TEST_F(Loader, AShutdownDuringAStartEndsTheLoading) {
                                    "Aircraft/plugins/d/32/lin.avp", "Aircraft/plugins/e/lin.avp"})
         world.InstallAt(file, file).start = [&, file] { return file.ends_with(who) ? AVSKShutdownPlugins(), 0 : 1; };
     host.on.debugString = [&](const char *) { who == "log" ? AVSKShutdownPlugins() : void(); };
+    host.on.showProgress = [&](const char *) { who == "progress" ? AVSKShutdownPlugins() : void(); };
     for (const auto &[name, started] : {std::pair("log", 0),
+                                        {"progress", 1},
                                         {"Admin/32/lin.avp", 1},
                                         {"a.avp", 2},
                                         {"b.avp", 3},

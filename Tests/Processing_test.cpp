@@ -109,6 +109,14 @@ TEST_F(Processing, SecondsCountFromCreationOrNow) {
     }
 }
 
+TEST_F(Processing, AClockThatDestroysTheLoopLeavesNothingToSchedule) {
+    const AVSKFlightLoopID loop = Every("called");
+    host.on.getElapsedTime = [=] { return AVSKDestroyFlightLoop(loop), 1.0F; };
+    Schedule(loop, -1, 1);
+    World::Pass(1);
+    EXPECT_EQ(TakeCalls().find("called"), std::string::npos);
+}
+
 // The sum of 2^24 and 1 is 2^24 as a float, so the loop is due at once.
 TEST_F(Processing, DueTimesAreRoundedToFloat) {
     host.now = 16777216;

@@ -380,6 +380,14 @@ TEST_F(Windows, ALossThatCausesItselfEnds) {
         EXPECT_EQ(TakeCalls(), "e key to e 107 0 0 as 2");
         Restart();
     }
+    int times = 0;
+    const AVSKWindowID window = CreateAs(air, "w");
+    const AVSKWindowID next = CreateAs(b, "e");
+    AVSKTakeKeyboardFocus(window);
+    ActorOf(window).losing = [&] { return AVSKTakeKeyboardFocus(++times % 2 ? nullptr : next), 0; };
+    AVSKTakeKeyboardFocus(next);
+    EXPECT_LT(times, 50) << "to and fro";
+    Restart();
     int clicks = 0;
     ActorOf(CreateAs(air, "w")).click = [&] { return clicks++ > 0 ? disable() : void(), 1; };
     AVSKMouseClickHook(5, 5, 1);

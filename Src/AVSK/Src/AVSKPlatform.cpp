@@ -35,7 +35,8 @@ void LogLinkerError(const char *reason) {
 // pipe, it would wait for a writer.
 const char *FaultOf(int file) {
     struct stat info = {};
-    if (fstat(file, &info) == 0 && S_ISFIFO(info.st_mode))
+    fstat(file, &info);
+    if (S_ISFIFO(info.st_mode))
         return "a pipe, not a library";
     constexpr const char *kBreaksOff = "the file breaks off: copy it again";
     Elf32_Ehdr header = {};
@@ -47,7 +48,7 @@ const char *FaultOf(int file) {
     if (pread(file, parts.data(), size, header.e_phoff) != static_cast<ssize_t>(size))
         return kBreaksOff;
     const bool isWhole = std::all_of(parts.begin(), parts.end(), [&info](const Elf32_Phdr &part) {
-        return part.p_type != PT_LOAD || part.p_filesz == 0 ||
+        return part.p_type != PT_LOAD ||
                std::uint64_t{part.p_offset} + part.p_filesz <= static_cast<std::uint64_t>(info.st_size);
     });
     return isWhole ? nullptr : kBreaksOff;
