@@ -11,7 +11,6 @@
 #include <algorithm>
 #include <cctype>
 #include <cmath>
-#include <cstdio>
 #include <filesystem>
 
 #include <unistd.h>
@@ -340,13 +339,10 @@ std::string ListPossessions(SessionRunner &run, const Step &step) {
                                                            : owners.WasUnloaded(plugin));
     if (!isKnown)
         return run.IsLoaded() ? NoPlugin(plugin) : "no plugin of this name or signature was loaded: '" + plugin + "'";
-    const std::vector<std::string> lines = run.IsLoaded() ? owners.Owned(plugin) : owners.LeftBehind(plugin);
-    std::printf("%s\n", run.IsLoaded() ? "Owned:" : "Left behind:");
-    for (const std::string &line : lines)
-        std::printf("  %s\n", line.c_str());
-    if (lines.empty())
-        std::puts("  nothing");
-    std::fflush(stdout);
+    if (run.IsLoaded())
+        PrintList("Owned:", owners.Owned(plugin));
+    else
+        PrintList("Left behind:", owners.LeftBehind(plugin));
     return kFine;
 }
 

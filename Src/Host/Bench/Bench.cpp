@@ -6,18 +6,15 @@
 #include <cstdio>
 
 namespace host {
-namespace {
 
-void Print(const char *title, const std::vector<std::string> &lines, const char *none) {
-    std::printf("\n%s\n", title);
+void PrintList(const char *title, const std::vector<std::string> &lines, const char *none) {
+    std::printf("%s\n", title);
     for (const std::string &line : lines)
         std::printf("  %s\n", line.c_str());
     if (lines.empty())
         std::printf("  %s\n", none);
     std::fflush(stdout);
 }
-
-} // namespace
 
 Bench::Bench(const Simulator &simulator)
     : mSimulator(simulator), mBlame(simulator.options.bench.timeout), mLedger(simulator), mProfile(simulator) {
@@ -30,14 +27,14 @@ Bench::Bench(const Simulator &simulator)
 
 void Bench::ReportLoaded() const {
     if (mSimulator.options.bench.owners)
-        Print("Owned by plugins:", mLedger.Owned(), "nothing");
+        PrintList("\nOwned by plugins:", mLedger.Owned());
 }
 
 void Bench::ReportUnloaded() const {
     if (mSimulator.options.bench.owners)
-        Print("Left behind when they were unloaded:", mLedger.LeftBehind(), "nothing");
+        PrintList("\nLeft behind when they were unloaded:", mLedger.LeftBehind());
     if (mSimulator.options.bench.profile)
-        Print("Time in plugins:", mProfile.Table(), "none");
+        PrintList("\nTime in plugins:", mProfile.Table(), "none");
 }
 
 } // namespace host

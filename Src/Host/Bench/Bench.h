@@ -16,6 +16,9 @@ namespace host {
 
 struct Simulator;
 
+// On standard output: the lines below the title, or "nothing" or the like.
+void PrintList(const char *title, const std::vector<std::string> &lines, const char *none = "nothing");
+
 class Bench {
   public:
     // Begins to watch. The simulator must outlive it. Throws UsageError.

@@ -18,7 +18,6 @@ using crossings::Side;
 double Milliseconds(Crossing::Clock::duration time) { return std::chrono::duration<double, std::milli>(time).count(); }
 
 bool IsPlugins(const Crossing &crossing) { return crossing.to == Side::Plugin; }
-bool IsStart(const Crossing &crossing) { return std::strcmp(crossing.what.name, "AVPluginStart") == 0; }
 
 std::string Formatted(const char *format, auto... values) {
     char text[256];
@@ -36,7 +35,7 @@ void Profile::Begins(const Crossing &crossing) {
         ++mCalls[crossing.plugin];
     if (!IsPlugins(crossing))
         return;
-    if (IsStart(crossing))
+    if (crossing.IsStart())
         mCalls.erase(crossing.plugin); // the ID may have been another's
     if (mSimulator.frame != mFrame)
         CloseFrame();
@@ -52,7 +51,7 @@ void Profile::Ends(const Crossing &crossing) {
     if (!mInner.empty())
         mInner.back() += whole;
     // A plugin gets its name, and maybe another's ID, in its start.
-    if (IsStart(crossing))
+    if (crossing.IsStart())
         mKnown.clear();
     Row &row = RowOf(crossing);
     ++row.calls;

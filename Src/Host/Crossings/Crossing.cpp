@@ -56,8 +56,6 @@ std::string NameFromPath(std::string_view path) {
     return std::string(name);
 }
 
-bool IsStart(const Crossing &crossing) { return std::strcmp(crossing.what.name, "AVPluginStart") == 0; }
-
 // The library learns a plugin's name a moment later than the observers of its start.
 void NoteName(const Crossing &start) {
     std::array<char, AVSK_TEXT_SIZE> name{};
@@ -76,7 +74,7 @@ Crossing::Crossing(const Prototype &prototype, Side callee, std::span<const Valu
     if (called)
         plugin = Owner(*called, dispatched);
     gInnermost = this;
-    if (IsStart(*this))
+    if (IsStart())
         gLabels.erase(plugin); // the ID may have been another's
     const Unobserved calls;
     const Clock::time_point start = Clock::now();
@@ -93,7 +91,7 @@ Crossing::~Crossing() {
     mObserving = gObserving - mObserving;
     {
         const Unobserved calls;
-        if (IsStart(*this))
+        if (IsStart())
             NoteName(*this);
         for (Observer *observer : Observers())
             observer->Ends(*this);
@@ -101,6 +99,8 @@ Crossing::~Crossing() {
     gObserving += Clock::now() - ended;
     gInnermost = outer;
 }
+
+bool Crossing::IsStart() const { return std::strcmp(what.name, "AVPluginStart") == 0; }
 
 const Value &Crossing::operator[](const char *parameter) const {
     const std::string_view wanted = parameter;

@@ -130,6 +130,8 @@ class Crossing {
 
     // An argument by its name. The name must be one.
     const Value &operator[](const char *parameter) const;
+    // Whether a plugin is being started, which is when its ID becomes its own.
+    bool IsStart() const;
     // Without what observing the calls within took. For Ends() only.
     Clock::duration Duration() const { return ended - began - mObserving; }
 
