@@ -34,4 +34,4 @@ install(FILES ${PROJECT_BINARY_DIR}/package/avsk.pc DESTINATION lib/pkgconfig)
 
 install(DIRECTORY Samples/ DESTINATION ${AVSK_INSTALL_SAMPLES})
 install(DIRECTORY Docs/ DESTINATION share/doc/avsk
-  FILES_MATCHING PATTERN "*-guide.md" PATTERN "bench.md" PATTERN "frame.md" PATTERN "sessions.md")
+  FILES_MATCHING PATTERN "*-guide.md" PATTERN "observing.md" PATTERN "frame.md" PATTERN "sessions.md")
