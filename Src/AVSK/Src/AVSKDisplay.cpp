@@ -275,7 +275,7 @@ namespace {
 struct DrawCode {
     int phase;
     bool half[2]; // after, before
-    bool windows; // drawn between the two halves
+    bool windows; // drawn ahead of the half after
     bool asks;    // the answer is that of the half before; otherwise it is 1
 };
 
