@@ -378,13 +378,21 @@ int AVSKDisplayMouseClickHook(int x, int y, int mouseStatus) {
     return mouseStatus == AVSKMouseUp ? ReleaseDragWindow(x, y) : CallDragWindow(x, y, mouseStatus);
 }
 
-void AVSKDisplayMouseDragHook() {
-    if (!gDragWindow)
-        return;
+namespace {
+
+// Reports a drag or a release at the position that the host answers.
+void ReportMouse(int status) {
     int x = 0;
     int y = 0;
     gHooks->getMouseLocation(&x, &y, 0);
-    AVSKDisplayMouseClickHook(x, y, AVSKMouseDrag);
+    AVSKDisplayMouseClickHook(x, y, status);
+}
+
+} // namespace
+
+void AVSKDisplayMouseDragHook() {
+    if (gDragWindow)
+        ReportMouse(AVSKMouseDrag);
 }
 
 int AVSKDisplayCursorHook(int x, int y) {
@@ -415,12 +423,8 @@ int AVSKDisplayScrollWheelHook(int x, int y, int wheel, int clicks) {
 void AVSKDisplayDisableHook(int pluginID) {
     if (gFocusWindow && gFocusWindow->owner == pluginID)
         AVSKTakeKeyboardFocus(nullptr);
-    if (gDragWindow && gDragWindow->owner == pluginID) {
-        int x = 0;
-        int y = 0;
-        gHooks->getMouseLocation(&x, &y, 0);
-        AVSKDisplayMouseClickHook(x, y, AVSKMouseUp);
-    }
+    if (gDragWindow && gDragWindow->owner == pluginID)
+        ReportMouse(AVSKMouseUp);
 }
 
 namespace {
