@@ -85,6 +85,7 @@ class Test:
         self.labels = set(properties.get('LABELS', []))
         self.passing = {0, properties.get('SKIP_RETURN_CODE', 0)}
         self.must_fail = properties.get('WILL_FAIL', False)
+        self.disabled = properties.get('DISABLED', False)
         self.in_stage = in_stage
         self.seconds = 0.0
         self.lock = threading.Lock()  # two workers would write to the same files
@@ -190,7 +191,7 @@ class Tree:
                 raise Failure(f"{described['name']}: the program of this test was not built")
             is_unit_test = any(word.startswith('--gtest_filter=') for word in command)
             test = Test(described, 1 if is_unit_test else 2)
-            if test.labels & LEFT_OUT_LABELS or os.path.basename(command[0]) in LEFT_OUT_PROGRAMS:
+            if test.disabled or test.labels & LEFT_OUT_LABELS or os.path.basename(command[0]) in LEFT_OUT_PROGRAMS:
                 continue
             self.tests.append(test)
             for word in set(command) - known:

@@ -271,7 +271,7 @@ class Source:
                 if self.is_at(i - 1, '}') and self.holds.get(self.pair[i - 1]) == 'init':
                     continue
                 yield i
-            elif self.is_at(i - 1, ')') and self.is_at(self.pair[i - 1] - 1, 'if', 'for', 'while', 'switch', 'constexpr'):
+            elif self.is_at(i - 1, ')') and self.is_at(self.pair[i - 1] - 1, 'if', 'for', 'while', 'constexpr'):
                 if self.is_at(i, '['):  # an attribute
                     i = self.pair[i] + 1
                 if not self.is_at(i, '{', ';'):
