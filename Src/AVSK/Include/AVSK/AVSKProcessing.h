@@ -4,7 +4,8 @@
  *
  * Each frame has two passes over the flight loops: phase 0 before and phase 1
  * after the host's own step. In a pass the loop created last is called first.
- * An interval in passes counts the passes of both phases: -2 is once a frame.
+ * An interval in passes counts the passes of both phases: -1 and -2 both mean
+ * every frame, -4 every second frame.
  */
 #ifndef AVSK_PROCESSING_H
 #define AVSK_PROCESSING_H
