@@ -127,7 +127,7 @@ typedef enum AVSKMouseStatus {
 
 /**
  * Draws a window. Called once a frame while the window is visible, after the
- * windows behind it.
+ * windows behind it. See AVSKCreateWindow() before you create one in here.
  *
  * @param window  the window.
  * @param refcon  the window's refcon.
@@ -230,8 +230,13 @@ typedef struct AVSKCreateWindowParams {
 
 /**
  * Creates a window that belongs to the calling plugin. The window is in front of
- * all others and does not get the keyboard focus. Created inside a window's
- * callback, it is first called in the next pass. A null function is not called.
+ * all others and does not get the keyboard focus. A null function is not called.
+ *
+ * The library draws windows from back to front. If a window is created during
+ * or after that, and no function or hook has looked up a window since, all
+ * other windows but the backmost are no longer called. To avoid this, look up
+ * a window before you create one: call AVSKGetWindowIsVisible(), with null for
+ * example.
  *
  * @param left            pixels.
  * @param top             pixels, upward. The rectangle is not checked; an inverted one is never hit.

@@ -47,7 +47,7 @@ AVSK_API void AVSKSetUsersAircraft(const char *path);
 AVSK_API void AVSKPlaceUserAtAirport(const char *airport);
 
 /**
- * Counts aircraft, the user's included. Calls the host service countAircraft.
+ * Counts aircraft. Calls the host service countAircraft.
  *
  * @param outTotal       receives the number of aircraft, may be null.
  * @param outActive      receives the number of active aircraft, may be null.

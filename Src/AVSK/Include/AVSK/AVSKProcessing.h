@@ -118,8 +118,8 @@ AVSK_API void AVSKDestroyFlightLoop(AVSKFlightLoopID loop);
  * @param loop           the loop. Null and a loop that does not exist are ignored.
  * @param interval       > 0 in that many seconds, < 0 in that many passes, 0 not before it is
  *                       scheduled again. Passes count from the last call or the creation.
- * @param relativeToNow  non-zero: seconds count from now. 0: seconds count from the last call or the
- *                       creation.
+ * @param relativeToNow  non-zero: seconds count from now. 0: seconds count from the last call, the
+ *                       creation or the last schedule relative to now.
  *
  * [main thread, initialized]
  */

@@ -131,8 +131,8 @@ typedef enum AVSKCommandPhase {
  * @param command  the command.
  * @param phase    one of AVSKCommandPhase.
  * @param refcon   the refcon given at registration.
- * @return non-zero to pass the phase on; 0 to stop it. A phase that is stopped does not reach the
- *         handlers that follow and, if the handler is called before the host acts, the host.
+ * @return non-zero to pass the phase on. 0 to stop it: the handlers that follow are not called,
+ *         and a host that has not acted yet does not act.
  *
  * [callback, plugin enabled]
  */
@@ -337,7 +337,7 @@ AVSK_API char *AVSKExtractFileAndPath(char *path);
  * @return 1 if all names from first on were returned, with the empty name and the null pointer at the
  *         end; else 0. A buffer that has no space for these two returns 0.
  *
- * [main thread, initialized]
+ * [main thread, any time]
  */
 AVSK_API int AVSKGetDirectoryContents(const char *folder, int first, char *outNames, int namesSize, char **outIndices,
                                       int indexCount, int *outTotal, int *outReturned);
