@@ -238,9 +238,10 @@ AVSK_API AVSKDataRef AVSKRegisterDataAccessor(const char *name, int types, int w
  * Stops publishing a dataref of the calling plugin. The handle stays valid: it
  * reads as 0 until the name is published again.
  *
- * @param ref  the handle. If it is null or not a dataref, the error callback receives "Dataref is
- *             illegal and cannot be unregistered." If another plugin publishes the dataref, or no
- *             plugin does, it receives "Dataref is not owned by you - you cannot unregsiter."
+ * @param ref  the handle. If it is null or not a dataref, the error callback receives
+ *             "Dataref is illegal and cannot be unregistered." If another plugin publishes the
+ *             dataref, or no plugin does, it receives
+ *             "Dataref is not owned by you - you cannot unregsiter."
  *
  * [main thread, any time]
  */
@@ -452,9 +453,9 @@ typedef void (*AVSKDataChanged_f)(void *refcon);
  * Creates a shared value with a dataref of the same name, unless the name is
  * shared already, and subscribes the calling plugin to writes. The value, 0 at
  * first, and its dataref stay for the life of the process. Unloading a plugin
- * ends its subscriptions. If another plugin publishes a dataref of this name,
- * that dataref stays, and the error callback receives "Dataref is already
- * registered by someone else."; the subscription is made.
+ * ends its subscriptions. If a plugin publishes a dataref of this name, that
+ * dataref stays, the subscription is made, and the host's error callback, not
+ * the calling plugin's, receives "Dataref is already registered by someone else."
  *
  * @param name      the name; copied. Null shares nothing.
  * @param type      exactly one of AVSKDataTypeBits.

@@ -238,8 +238,8 @@ AVSK_API int AVSKHasFeature(const char *name);
 /**
  * Reads the calling plugin's setting of a feature.
  *
- * @param name  the feature's name. If it is unknown or null, the error callback receives "Illegal
- *              feature name passed to AVSKEnableFeature"; plugins know the text by that name.
+ * @param name  the feature's name. If it is unknown or null, the error callback receives
+ *              "Illegal feature name passed to AVSKEnableFeature", which names the other function.
  * @return the value stored last, at first 0; 0 for an unknown name.
  *
  * [main thread, any time]
@@ -250,8 +250,8 @@ AVSK_API int AVSKIsFeatureEnabled(const char *name);
  * Sets a feature for the calling plugin only. The setting takes effect when the
  * library next reads it.
  *
- * @param name    the feature's name. If it is unknown or null, the error callback receives "Illegal
- *                feature name passed to AVSKEnableFeature".
+ * @param name    the feature's name. If it is unknown or null, the error callback receives
+ *                "Illegal feature name passed to AVSKEnableFeature".
  * @param enable  0 to switch the feature off, non-zero to switch it on; stored unchanged.
  *
  * [main thread, any time]

@@ -86,10 +86,10 @@ AVSK_API int AVSKGetCycleNumber(void);
  * next pass.
  *
  * The parameters are checked only if the calling plugin has an error callback,
- * which receives "Illegal struct size for AVSKCreateFlightLoop", "Illegal phase
- * type for AVSKCreateFlightLoop" or "Null callback for AVSKCreateFlightLoop". The
- * loop is created in any case. A loop with another phase or without a function is
- * never called.
+ * which receives, for each fault, "Illegal struct size for AVSKCreateFlightLoop",
+ * "Illegal phase type for AVSKCreateFlightLoop" or
+ * "Null callback for AVSKCreateFlightLoop". The loop is created in any case. A
+ * loop with another phase or without a function is never called.
  *
  * @param params  the parameters; read during the call only. Null creates nothing.
  * @return the new loop; null if params is null.
@@ -101,8 +101,8 @@ AVSK_API AVSKFlightLoopID AVSKCreateFlightLoop(const AVSKCreateFlightLoopParams 
 /**
  * Destroys a flight loop of the calling plugin. It is not called again, also in
  * the pass that runs. If the loop belongs to another plugin, it stays, and the
- * error callback receives "Attempt to remove a flight loop callback owned by
- * another plugin."
+ * error callback receives
+ * "Attempt to remove a flight loop callback owned by another plugin."
  *
  * @param loop  the loop. Null and a loop that does not exist are ignored.
  *
@@ -112,8 +112,8 @@ AVSK_API void AVSKDestroyFlightLoop(AVSKFlightLoopID loop);
 
 /**
  * Schedules a flight loop of the calling plugin. If the loop belongs to another
- * plugin, nothing happens, and the error callback receives "Attempt to schedule a
- * flight loop callback owned by another plugin."
+ * plugin, nothing happens, and the error callback receives
+ * "Attempt to schedule a flight loop callback owned by another plugin."
  *
  * @param loop           the loop. Null and a loop that does not exist are ignored.
  * @param interval       > 0 in that many seconds, < 0 in that many passes, 0 not before it is

@@ -155,8 +155,8 @@ AVSK_API void AVSKLoadObjectAsync(const char *path, AVSKObjectLoaded_f callback,
  * Draws instances of an object. Calls the host service drawObject once for each.
  *
  * The arguments are checked only if the calling plugin has an error callback. It
- * receives "Illegal object, or object not owned by this plugin." or "Struct size
- * mismatch for AVSKDrawObjects", and nothing is drawn.
+ * receives "Illegal object, or object not owned by this plugin." or
+ * "Struct size mismatch for AVSKDrawObjects", and nothing is drawn.
  *
  * @param object         the object.
  * @param count          the number of instances. With 0 or less nothing is drawn.

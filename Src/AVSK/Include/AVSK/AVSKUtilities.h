@@ -98,8 +98,8 @@ AVSK_API int AVSKLoadDataFile(int fileType, const char *path);
  *
  * @param fileType  1 or 2, the host's file types. With another type the error callback receives
  *                  "Illegal file type passed to AVSKSaveDataFile."
- * @param path      UTF-8. With null the error callback receives "Null file path passed to
- *                  AVSKSaveDataFile."
+ * @param path      UTF-8. With null the error callback receives
+ *                  "Null file path passed to AVSKSaveDataFile."
  * @return the host's result; 0 for an illegal argument.
  *
  * [main thread, initialized]
