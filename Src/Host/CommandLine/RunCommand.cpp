@@ -4,9 +4,9 @@
 #include "SimpleRun.h"
 
 #include "Common/UsageError.h"
-#include "Session/Prompt.h"
-#include "Session/Runner.h"
-#include "Session/Session.h"
+#include "Session/Forms.h"
+#include "Session/Rlwrap.h"
+#include "Session/RunSession.h"
 
 #include <CLI/CLI.hpp>
 
@@ -166,7 +166,7 @@ int Do(Request &request, char **argv) {
         return 0;
     }
     if (request.interactive)
-        EditLines(argv);
+        RestartUnderRlwrap(argv);
     if (request.interactive || !request.options.file.empty())
         return RunSession(std::move(request.options)); // its folders may be named in the session
     return RunPlainly(request);

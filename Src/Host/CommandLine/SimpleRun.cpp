@@ -5,7 +5,7 @@
 #include "Observing/Report.h"
 #include "Services/Lifetime.h"
 #include "Services/Simulator.h"
-#include "Session/ChosenRoot.h"
+#include "Session/TemporaryRoot.h"
 
 #include <cstdio>
 #include <memory>
@@ -16,7 +16,7 @@
 namespace host {
 
 int RunFrames(SessionOptions options, bool report) {
-    ChosenRoot chosen; // must outlive the plugins
+    TemporaryRoot chosen; // must outlive the plugins
     if (!options.plugins.empty()) {
         options.simulator.root = chosen.Make(options.rootGiven ? options.simulator.root : "", options.plugins);
         CheckFolders(options.simulator, /*aircraft=*/"");

@@ -1,8 +1,8 @@
-// History and completion by rlwrap; see LineEditor.h. The line editors that
-// are libraries have no 32-bit package to count on, and rlwrap needs none.
-#include "Prompt.h"
+// Starts rlwrap; see Rlwrap.h. A line editor as a library would need a 32-bit
+// package, which is not always installable.
+#include "Rlwrap.h"
 
-#include "Session.h"
+#include "Forms.h"
 
 #include <cstdlib>
 #include <filesystem>
@@ -18,13 +18,13 @@
 namespace host {
 namespace {
 
-// Says that rlwrap runs already, and where the words are that it has read by now.
+// Set under rlwrap: the file of words, which rlwrap has read by then.
 constexpr const char *kWordsVariable = "AVSK_SESSION_WORDS";
 
 std::set<std::string> Vocabulary() {
     std::set<std::string> words{"expect", "no", "help", "quit"};
     for (const Form &form : SessionForms()) {
-        words.emplace(form.name);
+        words.emplace(form.word);
         std::string word;
         for (const char c : std::string(form.parameters) + " ") {
             if (c >= 'a' && c <= 'z') {
@@ -38,7 +38,7 @@ std::set<std::string> Vocabulary() {
     return words;
 }
 
-// The name of a new file of words; empty if it cannot be written.
+// Returns the name of a new file of words; empty if it cannot be written.
 std::string WriteWords() {
     std::string name = (std::filesystem::temp_directory_path() / "avsk-words-XXXXXX").string();
     const int file = mkstemp(name.data());
@@ -52,7 +52,7 @@ std::string WriteWords() {
     return written ? name : "";
 }
 
-// rlwrap needs to know how wide a line can be.
+// rlwrap needs the width of the terminal.
 bool IsTerminal() {
     winsize size{};
     return isatty(STDIN_FILENO) == 1 && isatty(STDOUT_FILENO) == 1 && ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 &&
@@ -61,7 +61,7 @@ bool IsTerminal() {
 
 } // namespace
 
-void EditLines(char **argv) {
+void RestartUnderRlwrap(char **argv) {
     std::error_code error;
     if (const char *words = std::getenv(kWordsVariable)) {
         std::filesystem::remove(words, error);
@@ -75,7 +75,7 @@ void EditLines(char **argv) {
     if (words.empty() || error)
         return;
     setenv(kWordsVariable, words.c_str(), /*overwrite=*/1);
-    // Words that were shown or typed, such as names of plugins, are completed too.
+    // --remember: rlwrap also completes words that were printed or typed, such as names of plugins.
     std::vector<std::string> command{"rlwrap", "--command-name", "avsk", "--remember", "--file", words, program};
     for (char **argument = argv + 1; *argument; ++argument)
         command.emplace_back(*argument);

@@ -1,5 +1,5 @@
-// Makes and removes the temporary folder; see ChosenRoot.h.
-#include "ChosenRoot.h"
+// Makes and removes the temporary root; see TemporaryRoot.h.
+#include "TemporaryRoot.h"
 
 #include "Common/UsageError.h"
 
@@ -15,7 +15,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// What to link, and under which name, for a plugin named in a session.
+// The folder or file of a plugin, to be linked under its own name.
 fs::path Locate(const std::string &root, const std::string &plugin) {
     std::error_code error;
     const fs::path in = fs::path(root) / "Resources/plugins";
@@ -26,7 +26,7 @@ fs::path Locate(const std::string &root, const std::string &plugin) {
     if (error)
         throw UsageError("no plugin '" + plugin + "': name a folder or a .avp file of Resources/plugins in the root, " +
                          "or write a path");
-    const bool packed = found.filename() == "lin.avp"; // stands for its folder
+    const bool packed = found.filename() == "lin.avp"; // the whole folder is the plugin
     return packed ? found.parent_path() : found;
 }
 
@@ -40,8 +40,8 @@ void LinkAll(const fs::path &from, const fs::path &to, const char *except) {
 
 } // namespace
 
-std::string ChosenRoot::Make(const std::string &root, const std::vector<std::string> &plugins) {
-    std::set<fs::path> found; // one may be named on the command line and in the session
+std::string TemporaryRoot::Make(const std::string &root, const std::vector<std::string> &plugins) {
+    std::set<fs::path> found; // a plugin may be named on the command line and in the session
     for (const std::string &plugin : plugins)
         found.insert(Locate(root, plugin));
 
@@ -62,13 +62,13 @@ std::string ChosenRoot::Make(const std::string &root, const std::vector<std::str
         fs::create_symlink(path, loaded / path.filename(), error);
         if (error)
             throw UsageError("cannot load the plugin '" + path.string() + "' (" + error.message() +
-                             "): no two can have one file name");
+                             "): two plugins cannot have the same file name");
     }
     return mFolder;
 }
 
-ChosenRoot::~ChosenRoot() {
-    std::error_code ignored; // a folder of links that stays is no harm
+TemporaryRoot::~TemporaryRoot() {
+    std::error_code ignored; // a folder of links that stays does no harm
     if (!mFolder.empty())
         std::filesystem::remove_all(mFolder, ignored);
 }
