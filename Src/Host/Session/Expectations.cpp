@@ -183,7 +183,7 @@ std::string WindowThere(SessionRunner &run, const Step &step) {
         wanted = IntegersOf(step[1]);
     std::vector<std::string> seen;
     bool found = false;
-    for (const Possession &owned : run.Watch().Owners().OwnedBy(plugin, Kind::Window)) {
+    for (const Possession &owned : run.Observing().Owners().OwnedBy(plugin, Kind::Window)) {
         AVSKWindowID window = WindowOf(owned);
         const Rectangle place = PlaceOf(window);
         const bool visible = AVSKGetWindowIsVisible(window) != 0;
@@ -230,7 +230,7 @@ std::string Owns(SessionRunner &run, const Step &step) {
         return Answer(step, false, "no plugin of this name or signature");
     std::vector<std::string> seen;
     bool found = false;
-    for (const Possession &owned : run.Watch().Owners().OwnedBy(plugin, KindOf(step[1]).value())) {
+    for (const Possession &owned : run.Observing().Owners().OwnedBy(plugin, KindOf(step[1]).value())) {
         seen.push_back("'" + owned.what + "'");
         found = found || step.Count() == 2 || owned.what.find(step[2]) != std::string::npos;
     }
@@ -239,7 +239,7 @@ std::string Owns(SessionRunner &run, const Step &step) {
 
 // Of a plugin that was never there nothing is left either: that is no proof.
 std::string Tidy(SessionRunner &run, const Step &step) {
-    const Ledger &owners = run.Watch().Owners();
+    const Ledger &owners = run.Observing().Owners();
     if (step.Count() > 0 && !owners.WasUnloaded(step[0]))
         return "seen: no plugin of this name or signature was loaded";
     const std::vector<std::string> left = owners.LeftBehind(step.Count() > 0 ? step[0] : "");
@@ -272,7 +272,7 @@ std::string NothingLeft(SessionRunner &run, const Step &step) {
         left.push_back("the pressed button " + std::to_string(button));
     if (simulator.objects.Count() > 0)
         left.push_back(std::to_string(simulator.objects.Count()) + " objects");
-    const Ledger &owners = run.Watch().Owners();
+    const Ledger &owners = run.Observing().Owners();
     for (const Possession &dataref : owners.StillThere(Kind::Dataref))
         left.push_back("the dataref '" + dataref.what + "'");
     if (const std::size_t windows = owners.StillThere(Kind::Window).size(); windows > 0)

@@ -38,7 +38,7 @@ class SessionRunner {
 
     Simulator &Sim() { return *mSimulator; }
     CallLog &Calls() { return *mCalls; }
-    Observers &Watch() { return *mObservers; }
+    Observers &Observing() { return *mObservers; }
     bool IsLoaded() const { return mLoaded; }
     void RunFrames(int count);
     void Unload();
