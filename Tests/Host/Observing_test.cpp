@@ -14,7 +14,7 @@ namespace {
 namespace fs = std::filesystem;
 
 // Runs a session, of which only the steps are given.
-struct BenchTest : testing::Test {
+struct ObservingTest : testing::Test {
     World world; // an empty folder, for files
 
     AvskRun Session(const std::string &steps, const std::string &options = "") {
@@ -30,7 +30,7 @@ struct BenchTest : testing::Test {
 
 const std::string kPick = "plugin Menu\nmenu \"Plugins/Sample lights/Beacon\"\n";
 
-TEST_F(BenchTest, TheTextTraceIsNestedAndFilteredByPluginAndFunction) {
+TEST_F(ObservingTest, TheTextTraceIsNestedAndFilteredByPluginAndFunction) {
     const AvskRun run =
         Session(kPick, "--trace " + world.Path("t.txt") + " --trace-plugin 'men*' --trace-function '*nuItem'");
     EXPECT_EQ(run.status, 0) << run.said;
@@ -45,7 +45,7 @@ TEST_F(BenchTest, TheTextTraceIsNestedAndFilteredByPluginAndFunction) {
     }
 }
 
-TEST_F(BenchTest, TheJsonTraceIsBalancedAndInOrder) {
+TEST_F(ObservingTest, TheJsonTraceIsBalancedAndInOrder) {
     const AvskRun run = Session(kPick, "--trace " + world.Path("t.json"));
     EXPECT_EQ(run.status, 0) << run.said;
     int depth = 0;
@@ -67,7 +67,7 @@ TEST_F(BenchTest, TheJsonTraceIsBalancedAndInOrder) {
     EXPECT_EQ(deepest, 4) << "hook, handler, function, service";
 }
 
-TEST_F(BenchTest, TimesAreListedAndABudgetFailsTheSession) {
+TEST_F(ObservingTest, TimesAreListedAndABudgetFailsTheSession) {
     const AvskRun run = Session("budget 0.000001 Menu\nbudget 1000000\n" + kPick + "frames 2\nmenu " +
                                     "\"Plugins/Sample lights/Beacon\"\nframes 1\nunload\n",
                                 "--profile");
@@ -77,7 +77,7 @@ TEST_F(BenchTest, TimesAreListedAndABudgetFailsTheSession) {
         EXPECT_NE(run.said.find(piece), std::string::npos) << "no '" << piece << "' in\n" << run.said;
 }
 
-TEST_F(BenchTest, SessionsChangeTheAircraftAndReportTheScenery) {
+TEST_F(ObservingTest, SessionsChangeTheAircraftAndReportTheScenery) {
     for (const char *place : {"Trainer/plugins/", "Other/plugins/", "Island/plugins/"})
         world.MakeFolder(place);
     fs::copy(AVSK_TEST_DIES_ROOT "/Resources/plugins/Dies", world.Path("Trainer/plugins/Dies"));

@@ -1,6 +1,6 @@
-// The stack of functions; see Backtrace.h. The lines come from addr2line, which
-// stands beside every compiler: it is another process, so whatever this one
-// has come to does not matter to it.
+// Writes the stack of functions; see Backtrace.h. Source lines come from
+// addr2line, which is part of binutils. It is a process of its own, so the state
+// of this one does not affect it.
 #include "Backtrace.h"
 
 #include "History.h"
@@ -30,14 +30,14 @@ namespace {
 constexpr std::size_t kShown = 32;
 constexpr unsigned kPatience = 5; // seconds for addr2line
 
-std::string &gProgram = *new std::string;    // this one's file
-std::string &gSymbolizer = *new std::string; // empty without one
+std::string &gProgram = *new std::string;    // the path of this program
+std::string &gSymbolizer = *new std::string; // the path of addr2line; empty without it
 
 struct Frame {
-    const char *file; // null: nobody's code
+    const char *file; // null: no file
     std::uintptr_t offset;
-    bool isNamed;  // by a symbol of its own: in a file without them all addr2line takes the next best
-    int times = 1; // that it follows itself
+    bool isNamed;  // by its own symbol: in a stripped file addr2line names any symbol nearby
+    int times = 1; // how often it follows itself
 };
 
 Frame FrameAt(std::uintptr_t address) {
@@ -50,13 +50,11 @@ Frame FrameAt(std::uintptr_t address) {
     return {file, address - map->l_addr, info.dli_sname || std::string_view(file).ends_with(".avp")};
 }
 
-// The observers' own functions, which stand between any two that matter.
+// The functions of the observing layer, which are between any two of interest.
 bool IsOfObservers(std::string_view what) {
     return what.find("crossings::") != std::string_view::npos ||
            what.find("/Prototypes.inc:") != std::string_view::npos;
 }
-
-void AddHex(Line &line, std::uintptr_t number) { line.Add(crossings::ValueOf(reinterpret_cast<const void *>(number))); }
 
 void WriteFrame(const Frame &frame, std::string_view what) {
     Line line;
@@ -67,7 +65,7 @@ void WriteFrame(const Frame &frame, std::string_view what) {
         line.Add(file.empty() ? std::string_view("no file's code at ") : file.substr(file.rfind('/') + 1));
         if (!file.empty())
             line.Add('+');
-        AddHex(line, frame.offset);
+        line.AddHex(frame.offset);
     } else if (noSource != std::string_view::npos) {
         line.Add(what.substr(0, noSource));
         line.Add(" in ");
@@ -84,12 +82,12 @@ void WriteFrame(const Frame &frame, std::string_view what) {
     WriteError(line.Text());
 }
 
-// What addr2line says about frames of one file. Nothing if it cannot be run.
+// The output of addr2line for frames of one file. Empty if it cannot be run.
 std::string_view Symbolize(std::span<const Frame> frames, std::span<char> buffer) {
     std::array<Line, kShown> offsets;
     std::array<const char *, kShown + 4> arguments{gSymbolizer.c_str(), "-Cfipe", frames.front().file};
     for (std::size_t i = 0; i < frames.size(); ++i) {
-        AddHex(offsets[i], frames[i].offset);
+        offsets[i].AddHex(frames[i].offset);
         offsets[i].Add('\0');
         arguments[i + 3] = offsets[i].Text().data();
     }
@@ -120,13 +118,13 @@ std::string_view Symbolize(std::span<const Frame> frames, std::span<char> buffer
 }
 
 void WriteFramesOfOneFile(std::span<const Frame> frames) {
-    static std::array<char, 32 * 1024> buffer; // there is but one report
+    static std::array<char, 32 * 1024> buffer; // there is only one report
     std::string_view text = Symbolize(frames, buffer);
     for (const Frame &frame : frames) {
         std::string_view line = text.substr(0, text.find('\n'));
         if (!IsOfObservers(line))
             WriteFrame(frame, line);
-        // Behind it are the functions that it was inlined into.
+        // The next lines are the functions into which this one was inlined.
         for (;;) {
             text.remove_prefix(std::min(line.size() + 1, text.size()));
             line = text.substr(0, text.find('\n'));
@@ -141,7 +139,7 @@ void WriteFramesOfOneFile(std::span<const Frame> frames) {
     }
 }
 
-// A call of what is no code leaves nothing to unwind from but the address to return to.
+// After a call of an address without code, unwinding starts at the return address.
 void ReturnFromNowhere(ucontext_t &context) {
     greg_t &stack = context.uc_mcontext.gregs[REG_ESP];
     context.uc_mcontext.gregs[REG_EIP] = *reinterpret_cast<const greg_t *>(stack);
@@ -178,7 +176,7 @@ void PrepareBacktrace() {
 }
 
 void WriteBacktrace(ucontext_t *context) {
-    bool isExact = context != nullptr; // other frames are addresses to return to, behind the call
+    bool isExact = context != nullptr; // other frames are return addresses, behind the call
     if (context && !FileAt(InstructionOf(*context))) {
         ReturnFromNowhere(*context);
         isExact = false;

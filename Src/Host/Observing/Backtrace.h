@@ -1,4 +1,4 @@
-// The stack of functions, with names and lines as far as their files tell.
+// The stack of functions, with names and source lines where the files have them.
 #ifndef AVSK_HOST_OBSERVING_BACKTRACE_H
 #define AVSK_HOST_OBSERVING_BACKTRACE_H
 
@@ -6,15 +6,15 @@
 
 namespace host {
 
-// Loads and looks up what is needed, while that can be done.
+// Loads and looks up everything that writing a stack needs.
 void PrepareBacktrace();
 
-// Writes to standard error from where a signal came in, which the context says
-// and which may be changed; null: from the caller on, without this program's
-// own functions at the beginning. Safe in a signal handler.
+// Writes the stack to standard error, from the place at which a signal came in;
+// the context may be changed. With a null context from the caller on, without
+// this program's own functions at the beginning. Safe in a signal handler.
 void WriteBacktrace(ucontext_t *context);
 
-// The file whose code is at an address; null if it is nobody's.
+// The file that an address belongs to; null if there is none.
 const char *FileAt(const void *address);
 
 } // namespace host

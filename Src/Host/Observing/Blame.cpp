@@ -1,10 +1,13 @@
-// Who ended the run; see Blame.h. A report is made in signal handlers, so it
-// uses only what was made ready before, and writes what is most certain first.
+// Reports who ended the run; see Blame.h. Reports are written in signal handlers,
+// so they use only prepared data, and write the most certain facts first. Owns
+// the history of calls.
 #include "Blame.h"
 
 #include "Backtrace.h"
 #include "Fault.h"
 #include "History.h"
+
+#include "Crossings/Format.h"
 
 #include <array>
 #include <atomic>
@@ -33,7 +36,7 @@ namespace {
 constexpr unsigned kReportPatience = 20; // seconds
 constexpr std::size_t kHandlersStack = 256 * 1024;
 
-const int kOverdue = SIGRTMAX - 3; // seldom anybody's
+const int kOverdue = SIGRTMAX - 3; // rarely used by others
 
 History gHistory;
 Blame *gBlame = nullptr;
@@ -42,7 +45,7 @@ std::atomic<bool> gReporting = false;
 
 bool IsMainThread() { return pthread_equal(pthread_self(), gMainThread) != 0; }
 
-// The plugins' or the host's, when the library runs code on their behalf.
+// The plugin or host that a call is made for.
 void AddBehalf(Line &line, const History::Call &call) {
     if (call.forHost)
         return line.Add("the host");
@@ -69,7 +72,7 @@ void AddPlace(Line &line, const History::Call *call) {
     AddBehalf(line, *call);
 }
 
-// What is read by nobody is written by a child: if that gets stuck or dies, nothing else does.
+// A child flushes the output: corrupted streams can only stop or end the child.
 void FlushOutput() {
     const pid_t child = _Fork();
     if (child <= 0)
@@ -110,8 +113,8 @@ void WriteCalls(const Line &head) {
     _exit(kBlamedStatus);
 }
 
-// Code of a plugin that no call of the library's has led to: of one that is
-// being loaded, or in a thread.
+// Names the file of code that the library did not call: code that runs while its
+// file is loaded, or in another thread. False if it is not such code.
 bool AddStray(Line &line, const void *instruction) {
     const History::Call *call = gHistory.Innermost();
     const char *file = FileAt(instruction);
@@ -131,8 +134,8 @@ void OnFault(int signal, siginfo_t *info, void *interrupted) {
     const auto *instruction = reinterpret_cast<const void *>(context->uc_mcontext.gregs[REG_EIP]);
     const History::Call *call = nullptr;
     if (IsMainThread() && IsStackFull(*info))
-        call = gHistory.InnermostOfPlugins();            // whoever needed the last of it
-    else if (IsMainThread() && crossings::AreObserved()) // else it is the bench that is at fault
+        call = gHistory.InnermostOfPlugins();
+    else if (IsMainThread() && crossings::AreObserved()) // else an observer itself faulted
         call = gHistory.Innermost();
     Line head;
     head.Add("avsk: ");
@@ -147,8 +150,8 @@ void OnFault(int signal, siginfo_t *info, void *interrupted) {
     Report(head, context);
 }
 
-// The innermost of the plugins' calls that takes so long; those in it may be
-// short ones of many. Else the outermost of all calls.
+// The innermost call of a plugin that has taken almost the whole time: calls
+// inside it may be short. Else the outermost of all calls.
 const History::Call *OverdueCall(double limit) {
     constexpr double kNearly = 0.9;
     const Crossing::Clock::time_point now = Crossing::Clock::now();
@@ -176,7 +179,7 @@ void OnOverdue(int /*signal*/, siginfo_t * /*info*/, void *interrupted) {
     Report(head, static_cast<ucontext_t *>(interrupted));
 }
 
-// The program's own end comes when no call is under way.
+// A regular end of the program comes when no call is under way.
 void OnExit(int status, void * /*unused*/) {
     if (!gBlame || !gHistory.Innermost() || gReporting.exchange(true))
         return;
@@ -196,7 +199,7 @@ void OnExit(int status, void * /*unused*/) {
     Report(head, nullptr);
 }
 
-// The sanitizers have said what is wrong and where; what follows is who was at it. The status is theirs.
+// Adds the calls to the report of a sanitizer, which also sets the exit status.
 void OnSanitizersEnd() {
     if (!gBlame || !gHistory.Innermost() || gReporting.exchange(true))
         return;
@@ -214,7 +217,7 @@ struct Blame::Handlers {
     std::array<struct sigaction, kFatalSignals.size()> fatal{};
     struct sigaction overdue {};
     stack_t stack{};
-    // Not from the heap: there may be nothing left of that. What lies beside it is never touched.
+    // Not from the heap, which may be corrupted.
     void *memory = mmap(nullptr, kHandlersStack, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
 
     Handlers() {
@@ -225,7 +228,7 @@ struct Blame::Handlers {
         struct sigaction action {};
         sigaddset(&action.sa_mask, kOverdue);
         action.sa_sigaction = OnFault;
-        action.sa_flags = SA_SIGINFO | SA_ONSTACK | SA_NODEFER; // a second fault is to be seen, too
+        action.sa_flags = SA_SIGINFO | SA_ONSTACK | SA_NODEFER; // so that a second fault is noticed
         for (std::size_t i = 0; i < fatal.size(); ++i)
             sigaction(kFatalSignals[i], &action, &fatal[i]);
         action.sa_sigaction = OnOverdue;

@@ -1,4 +1,4 @@
-// Puts the observers together; see Observers.h.
+// Constructs the observers and prints their lists; see Observers.h.
 #include "Observers.h"
 
 #include <cstdio>

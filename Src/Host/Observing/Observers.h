@@ -1,5 +1,5 @@
-// What a run is watched with, as the command line asks: the trace, the times,
-// who owns what, and the blame when a plugin ends the run.
+// The observers of the crossings that a run has: ledger, profile and blame, and
+// the trace if the command line asks for it. Sessions add a call log.
 #ifndef AVSK_HOST_OBSERVING_OBSERVERS_H
 #define AVSK_HOST_OBSERVING_OBSERVERS_H
 
@@ -17,12 +17,12 @@ namespace host {
 
 struct Simulator;
 
-// On standard output: the lines below the title, or "nothing" or the like.
+// Prints a title and the lines below it, or another text if there are none.
 void PrintList(const char *title, const std::vector<std::string> &lines, const char *none = "nothing");
 
 class Observers {
   public:
-    // Begins to watch. The simulator must outlive it. Throws UsageError.
+    // Begins to observe. The simulator must outlive it. Throws UsageError.
     Observers(const Simulator &simulator, ObservingOptions options);
     Observers(const Observers &) = delete;
     Observers &operator=(const Observers &) = delete;
@@ -31,7 +31,7 @@ class Observers {
     Profile &Times() { return mProfile; }
     const Profile &Times() const { return mProfile; }
 
-    // Print what was asked for: while the plugins are loaded, and when they are gone.
+    // Print what the options ask for, before and after the plugins are unloaded.
     void ReportLoaded() const;
     void ReportUnloaded() const;
 

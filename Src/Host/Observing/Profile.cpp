@@ -36,7 +36,7 @@ void Profile::Begins(const Crossing &crossing) {
     if (!IsPlugins(crossing))
         return;
     if (crossing.IsStart())
-        mCalls.erase(crossing.plugin); // the ID may have been another's
+        mCalls.erase(crossing.plugin); // the ID may have belonged to another plugin
     if (mSimulator.frame != mFrame)
         CloseFrame();
     mInner.emplace_back();
@@ -50,7 +50,7 @@ void Profile::Ends(const Crossing &crossing) {
     mInner.pop_back();
     if (!mInner.empty())
         mInner.back() += whole;
-    // A plugin gets its name, and maybe another's ID, in its start.
+    // A plugin gets its name at its start, and possibly the ID of an unloaded one.
     if (crossing.IsStart())
         mKnown.clear();
     Row &row = RowOf(crossing);
@@ -79,7 +79,7 @@ void Profile::CloseFrame() {
                 entry.second.worstFrame = mFrame;
             }
         }
-        // Plugins are loaded before the first frame, and may take their time.
+        // Frame 0 is loading, which has no budget.
         const double budget = BudgetOf(plugin);
         if (mFrame > 0 && budget > 0 && Milliseconds(all) > budget) {
             Excess &excess = mExcesses[plugin];

@@ -88,7 +88,7 @@ Finding WindowThere(SessionRunner &run, const Step &step) {
         wanted = Integers(step[1]);
     std::vector<std::string> seen;
     bool found = false;
-    for (const Possession &owned : run.Watch().Owners().OwnedBy(plugin, Kind::Window)) {
+    for (const Possession &owned : run.Observing().Owners().OwnedBy(plugin, Kind::Window)) {
         AVSKWindowID window = WindowOf(owned);
         const Rectangle place = PlaceOf(window);
         const bool visible = AVSKGetWindowIsVisible(window) != 0;
@@ -135,7 +135,7 @@ Finding Owns(SessionRunner &run, const Step &step) {
         return {false, "no plugin of this name or signature"};
     std::vector<std::string> seen;
     bool found = false;
-    for (const Possession &owned : run.Watch().Owners().OwnedBy(plugin, KindOf(step[1]).value())) {
+    for (const Possession &owned : run.Observing().Owners().OwnedBy(plugin, KindOf(step[1]).value())) {
         seen.push_back("'" + owned.what + "'");
         found = found || step.Count() == 2 || owned.what.find(step[2]) != std::string::npos;
     }
@@ -144,7 +144,7 @@ Finding Owns(SessionRunner &run, const Step &step) {
 
 // Of a plugin that was never there nothing is left either: that is no proof.
 Finding Tidy(SessionRunner &run, const Step &step) {
-    const Ledger &owners = run.Watch().Owners();
+    const Ledger &owners = run.Observing().Owners();
     if (step.Count() > 0 && !owners.WasUnloaded(step[0]))
         return Finding::Unknown("no plugin of this name or signature was unloaded");
     const std::vector<std::string> left = owners.LeftBehind(step.Count() > 0 ? step[0] : "");
@@ -177,7 +177,7 @@ Finding NothingLeft(SessionRunner &run, const Step & /*step*/) {
         left.push_back("the pressed button " + std::to_string(button));
     if (simulator.objects.Count() > 0)
         left.push_back(std::to_string(simulator.objects.Count()) + " objects");
-    const Ledger &owners = run.Watch().Owners();
+    const Ledger &owners = run.Observing().Owners();
     for (const Possession &dataref : owners.StillThere(Kind::Dataref))
         left.push_back("the dataref '" + dataref.what + "'");
     if (const std::size_t windows = owners.StillThere(Kind::Window).size(); windows > 0)

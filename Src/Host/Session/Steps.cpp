@@ -326,7 +326,7 @@ std::string Mark(SessionRunner &run, const Step & /*step*/) {
 }
 
 std::string ListPossessions(SessionRunner &run, const Step &step) {
-    const Ledger &owners = run.Watch().Owners();
+    const Ledger &owners = run.Observing().Owners();
     const std::string plugin = step.Count() > 0 ? step[0] : "";
     const bool isKnown =
         plugin.empty() || (run.IsLoaded() ? FindPlugin(plugin) != NO_PLUGIN_ID : owners.WasUnloaded(plugin));
