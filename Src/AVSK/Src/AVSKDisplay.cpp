@@ -13,6 +13,8 @@
 #include "AVSKResourceList.h"
 #include "AVSKScopedValue.h"
 
+#include "AVSK/AVSKPlugins.h"
+
 #include <string>
 #include <vector>
 
@@ -672,7 +674,7 @@ void AVSKDisplayCleanupHook(int pluginID) {
     RemoveOwned(gHotKeys, pluginID);
 }
 
-bool AVSKDisplayHolds(int pluginID) {
+bool DisplayHolds(int pluginID) {
     return HoldsOwned(gDrawCallbacks, pluginID) || HoldsOwned(gKeyCallbacks, pluginID) ||
            HoldsOwned(gWindows, pluginID) || HoldsOwned(gHotKeys, pluginID);
 }

@@ -12,6 +12,8 @@
 #include "AVSKModules.h"
 #include "AVSKResourceList.h"
 
+#include "AVSK/AVSKPlugins.h"
+
 #include <algorithm>
 #include <vector>
 
@@ -251,7 +253,7 @@ void AVSKMenuCleanupHook(int pluginID) {
         }
 }
 
-bool AVSKMenuHolds(int pluginID) {
+bool MenusHold(int pluginID) {
     return std::any_of(gMenus.begin(), gMenus.end(),
                        [pluginID](const AVSKMenuInfo_t *menu) { return menu->owner == pluginID && menu->handler; });
 }

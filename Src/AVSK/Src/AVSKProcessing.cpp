@@ -5,6 +5,7 @@
 #include "AVSKDispatch.h"
 #include "AVSKErrors.h"
 #include "AVSKHostTable.h"
+#include "AVSKLoader.h"
 #include "AVSKModules.h"
 #include "AVSKResourceList.h"
 
@@ -150,7 +151,7 @@ void AVSKProcessingCleanupHook(int pluginID) {
             gFlightLoops.Remove(&loop);
 }
 
-bool AVSKProcessingHolds(int pluginID) {
+bool ProcessingHolds(int pluginID) {
     return gFlightLoops.Any(
         [pluginID](const AVSKFlightLoopRecord &loop) { return loop.owner == pluginID && !loop.is_removed(); });
 }
