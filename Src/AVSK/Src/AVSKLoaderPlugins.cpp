@@ -1,5 +1,5 @@
-// What plugins ask and say of one another: look-ups, messages, features,
-// errors and the log. Owns kFeatureNames; called by plugins and every module.
+// Look-ups of plugins, messages, features, errors and warnings in the log. Owns
+// kFeatureNames; called by plugins, the loader and the modules.
 #include "AVSKErrors.h"
 #include "AVSKFeatures.h"
 
@@ -123,7 +123,7 @@ int AVSKHasFeature(const char *name) { return AVSKFeatureToID(name) != -1; }
 int AVSKIsFeatureEnabled(const char *name) {
     const int feature = AVSKFeatureToID(name);
     if (feature == -1) {
-        ReportUnknownFeature(); // the wording names the enabling function here too
+        ReportUnknownFeature(); // required: the text names the enabling function here too
         return 0;
     }
     return AVSKHasFeatureInternal(gDispatchedPlugin, feature);
@@ -163,6 +163,7 @@ void AVSKSendError(const char *message) {
 
 void AVSKLogPluginWarning(const char *message) {
     if (const PluginRecord *record = PluginAt(gDispatchedPlugin))
+        // A copy of the name: the host may unload the plugin from inside its log.
         WriteLog({"[", std::string(record->name).c_str(), "]: ", message, "\n"});
     else
         WriteLog({"[unknown]: ", message, "\n"});
