@@ -105,7 +105,7 @@ std::size_t SlotOf(std::uintptr_t address) {
     return ((address & (kPageSize - 1)) - DataBlock::kHeaderSize) / sizeof(AVSKData_t);
 }
 
-// The page of a record in use, or null if the handle is not one's address.
+// The page of the record whose address the handle is, or null.
 DataPage *PageOf(const void *handle) {
     const std::uintptr_t address = AddressOf(handle);
     DataPage *leaf = LeafOf(address);

@@ -94,8 +94,8 @@ int GetElements(void *refcon, int elementSize, void *values, int offset, int max
     return copied;
 }
 
-// Grows the value as needed; it never shrinks. A negative offset or a size
-// above 2 GiB writes nothing.
+// Grows the value as needed; it never shrinks. A negative offset or count, or a
+// size above 2 GiB, writes nothing.
 void SetElements(void *refcon, int elementSize, const void *values, int offset, int count) {
     auto &record = *static_cast<AVSKSharedDataRecord *>(refcon);
     if (offset < 0 || count < 0 || (count > 0 && !values))

@@ -1,7 +1,6 @@
 // The life cycle of plugins: discovery, loading, unloading, enabling, disabling
 // and reloading. Owns gCurrentAircraftPluginIDS, gScheduleReload and
-// gIsUnloadingAll; called by the hooks of the host, by the pass of flight loops
-// and by plugins.
+// gIsUnloadingAll; called by the hooks, the pass of flight loops and plugins.
 //
 // Any call into a plugin or the host may re-enter the loader and load or unload
 // plugins. A function that needs a record after such a call shares it, and then
