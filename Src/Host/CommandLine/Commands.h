@@ -1,0 +1,29 @@
+// The commands of avsk. Each has a source of its own, which adds its options to
+// the command line and says what to run if the command is given.
+#ifndef AVSK_HOST_COMMAND_LINE_COMMANDS_H
+#define AVSK_HOST_COMMAND_LINE_COMMANDS_H
+
+#include <functional>
+
+namespace CLI {
+class App;
+}
+
+namespace host {
+
+// What a command does; answers the exit status. Throws UsageError.
+using Job = std::function<int()>;
+
+// Each adds one command, and sets the job when the parser meets the command.
+// The job must outlive the parser. argv is that of the program.
+void AddRunCommand(CLI::App &app, Job &job, char **argv);
+void AddPsCommand(CLI::App &app, Job &job);
+void AddNewCommand(CLI::App &app, Job &job);
+
+// Reads the command line. The job is empty if the parser has done what was
+// asked (help, version). Throws UsageError.
+Job ParseCommandLine(int argc, char **argv);
+
+} // namespace host
+
+#endif

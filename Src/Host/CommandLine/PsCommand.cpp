@@ -1,0 +1,33 @@
+// `avsk ps`: runs a while, then lists who owns what.
+#include "Commands.h"
+#include "SharedOptions.h"
+#include "SimpleRun.h"
+
+#include <CLI/CLI.hpp>
+
+#include <memory>
+#include <utility>
+
+namespace host {
+
+void AddPsCommand(CLI::App &app, Job &job) {
+    const auto options = std::make_shared<SessionOptions>();
+    options->simulator.frames = 60;
+    options->simulator.quiet = true;
+    options->observing.owners = true;
+    CLI::App *ps =
+        app.add_subcommand("ps", "Runs a while, then lists what each plugin owns, and what it leaves behind.");
+    CLI::Option *const root = AddRoot(*ps, options->simulator.root);
+    AddPlugins(*ps, options->plugins, "load only this plugin; can be repeated");
+    AddFrames(*ps, options->simulator.frames);
+    ps->callback([options, root, &job] {
+        options->rootGiven = root->count() > 0;
+        job = [options] {
+            if (options->plugins.empty())
+                CheckFolders(options->simulator, /*aircraft=*/"");
+            return RunFrames(std::move(*options), /*report=*/false);
+        };
+    });
+}
+
+} // namespace host

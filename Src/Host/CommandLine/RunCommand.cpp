@@ -1,0 +1,201 @@
+// `avsk run`: runs plugins for a number of frames, or runs a session.
+#include "Commands.h"
+#include "SharedOptions.h"
+#include "SimpleRun.h"
+
+#include "Common/UsageError.h"
+#include "Session/Prompt.h"
+#include "Session/Runner.h"
+#include "Session/Session.h"
+
+#include <CLI/CLI.hpp>
+
+#include <cctype>
+#include <cerrno>
+#include <charconv>
+#include <cstring>
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include <unistd.h>
+
+namespace host {
+namespace {
+
+constexpr const char *kRunExamples = R"(Examples:
+  avsk run --root build/release/demo
+      the plugins in build/release/demo/Resources/plugins, for 300 frames
+  avsk run --root sim --aircraft sim/Aircraft/Trainer --frames 3600 --quiet --log flight.txt
+      a minute with an aircraft's own plugins; the log goes to a file only
+  avsk run --root sim --scenery sim/Scenery/Island --fps 20 --screenshot island.png@40
+      plugins of a scenery folder, with a slow simulator, and a picture after two seconds
+  avsk run --root sim --key F4@60 --key F5@120
+      a change of view after one second, and after two a short climb
+  avsk run Samples/Menu/Menu.avs --root build/release/demo
+      a session: picks items of a sample's menu and checks what comes of it
+  avsk run --interactive --root build/release/demo --plugin Menu
+      the same, typed; 'help' lists the words, 'quit' ends. With rlwrap installed there is history and completion
+  avsk run --root sim --trace flight.json --trace-plugin Lights --profile --ps
+      the calls of and to the plugin Lights, where the time went, and what it did not release
+
+Keys that no plugin consumes: F4 shows the next view, F5 climbs, F6 descends and F7 flies straight on while held.
+
+A picture shows what plugins draw through the interface: dark boxes, texts, numbers, windows made of these, and all
+menus opened. It does not show what plugins draw with their own OpenGL calls, scenery objects or aircraft.
+
+Exit status: 0 if all frames were run and every step and expectation of a session succeeded; 1 if one of them failed, a
+plugin exceeded a budget, or a plugin's exception ended the run; 2 if the request cannot be met as it was made; 3 if a
+plugin ended the run by a signal, by exit(), or by a call that took longer than --timeout.)";
+
+// The number after the last '@'; no value if it is not a frame of the run.
+std::optional<int> FrameOf(const std::string &text, int frames) {
+    const char *end = text.data() + text.size();
+    int frame = 0;
+    const auto [stop, error] = std::from_chars(text.data() + text.rfind('@') + 1, end, frame);
+    if (error != std::errc() || stop != end || frame < 1 || frame > frames)
+        return std::nullopt;
+    return frame;
+}
+
+// Parses KEY@FRAME. The last '@' separates.
+KeyPress ParseKey(const std::string &text, int frames) {
+    constexpr int kF1 = 112;
+    constexpr int kLastFunctionKey = 24;
+    const std::string wrong = "--key: '" + text + "' ";
+    const std::string advice =
+        ": write KEY@FRAME, with a letter, a digit or F1 to F24, and FRAME from 1 to " + std::to_string(frames);
+    const std::size_t at = text.rfind('@');
+    const auto frame = at == std::string::npos ? std::nullopt : FrameOf(text, frames);
+    if (!frame)
+        throw UsageError(wrong + "names no frame of this run" + advice);
+    const std::string name = text.substr(0, at);
+    if (name.size() == 1 && std::isalnum(static_cast<unsigned char>(name[0])) != 0)
+        return {name[0], static_cast<char>(std::toupper(static_cast<unsigned char>(name[0]))), *frame};
+    int number = 0;
+    if (name.starts_with('F')) {
+        const char *end = name.data() + name.size();
+        if (std::from_chars(name.data() + 1, end, number).ptr != end)
+            number = 0;
+    }
+    if (number < 1 || number > kLastFunctionKey)
+        throw UsageError(wrong + "names no key" + advice);
+    return {'\0', static_cast<char>(kF1 + number - 1), *frame};
+}
+
+// Parses FILE.png or FILE.png@FRAME; the default is the last frame.
+Screenshot ParseScreenshot(const std::string &text, int frames) {
+    const std::string advice = ": write FILE.png or FILE.png@FRAME, with FRAME from 1 to " + std::to_string(frames);
+    const std::string wrong = "--screenshot: '" + text + "' ";
+    Screenshot shot{text, frames};
+    if (!text.ends_with(".png")) {
+        const std::size_t at = text.rfind('@');
+        if (at == std::string::npos)
+            throw UsageError(wrong + "does not end in .png" + advice);
+        const auto frame = FrameOf(text, frames);
+        if (!frame)
+            throw UsageError(wrong + "names no frame of this run" + advice);
+        shot = {text.substr(0, at), *frame};
+        if (!shot.file.ends_with(".png"))
+            throw UsageError(wrong + "names no .png file" + advice);
+    }
+    const std::string folder = std::filesystem::path(shot.file).parent_path().string();
+    const bool exists = access(shot.file.c_str(), F_OK) == 0;
+    const std::string target = exists ? shot.file : folder.empty() ? "." : folder;
+    if (access(target.c_str(), W_OK) != 0)
+        throw UsageError("--screenshot: cannot write '" + shot.file + "' (" + std::strerror(errno) +
+                         "): name a file in a folder that exists and is writable");
+    return shot;
+}
+
+struct Request {
+    SessionOptions options;
+    std::string aircraft; // its folder
+    bool interactive = false;
+    bool words = false;
+    std::vector<std::string> screenshots;
+    std::vector<std::string> keys;
+};
+
+// A session contains these itself, so they are refused together with one.
+void AddRunOnlyOptions(CLI::App &run, Request &request, CLI::Option *session, CLI::Option *interactive) {
+    SimulatorOptions &simulator = request.options.simulator;
+    const auto unlessSession = [&](CLI::Option *option) {
+        option->excludes(session)->excludes(interactive);
+        return option;
+    };
+    unlessSession(AddFrames(run, simulator.frames));
+    unlessSession(run.add_option("--fps", simulator.fps, "frames per simulated second"))
+        ->check(PositiveNumber())
+        ->capture_default_str();
+    unlessSession(
+        run.add_option("--aircraft", request.aircraft, "folder of the user's aircraft, whose plugins are loaded too"))
+        ->type_name("DIR");
+    unlessSession(run.add_option("--scenery", simulator.scenery,
+                                 "a scenery folder whose plugins are loaded too; can be repeated"))
+        ->type_name("DIR")
+        ->allow_extra_args(false);
+    unlessSession(run.add_option("--screenshot", request.screenshots,
+                                 "write a picture of the last frame or of frame FRAME, 1024 x 768; can be repeated"))
+        ->type_name("FILE.png[@FRAME]")
+        ->allow_extra_args(false);
+    unlessSession(run.add_option("--key", request.keys,
+                                 "press a key in frame FRAME and hold it for half a second; can be repeated"))
+        ->type_name("KEY@FRAME")
+        ->allow_extra_args(false);
+}
+
+int RunPlainly(Request &request) {
+    SimulatorOptions &simulator = request.options.simulator;
+    if (!request.options.plugins.empty())
+        throw UsageError("--plugin: belongs to a session: name one, or say --interactive");
+    CheckFolders(simulator, request.aircraft);
+    for (const std::string &text : request.screenshots)
+        simulator.screenshots.push_back(ParseScreenshot(text, simulator.frames));
+    for (const std::string &text : request.keys)
+        simulator.keys.push_back(ParseKey(text, simulator.frames));
+    return RunFrames(std::move(request.options), /*report=*/true);
+}
+
+int Do(Request &request, char **argv) {
+    if (request.words) {
+        PrintSessionWords();
+        return 0;
+    }
+    if (request.interactive)
+        EditLines(argv);
+    if (request.interactive || !request.options.file.empty())
+        return RunSession(std::move(request.options)); // its folders may be named in the session
+    return RunPlainly(request);
+}
+
+} // namespace
+
+void AddRunCommand(CLI::App &app, Job &job, char **argv) {
+    const auto request = std::make_shared<Request>();
+    SessionOptions &options = request->options;
+    CLI::App *run = app.add_subcommand("run", "Loads the plugins, flies a number of frames and reports.");
+    CLI::Option *const root = AddRoot(*run, options.simulator.root);
+    CLI::Option *const session =
+        run->add_option("session", options.file, "a session: a file of steps and expectations, see below")
+            ->type_name("SESSION.avs");
+    CLI::Option *const interactive =
+        run->add_flag("--interactive", request->interactive, "read the session's lines from standard input");
+    interactive->excludes(session);
+    run->add_flag("--words", request->words, "list the words of sessions");
+    AddPlugins(*run, options.plugins, "of a session: load only this plugin; can be repeated");
+    AddRunOnlyOptions(*run, *request, session, interactive);
+    run->add_option("--log", options.simulator.logFile, "also write the log to this file")->type_name("FILE");
+    run->add_flag("--quiet", options.simulator.quiet, "keep the log off standard output");
+    AddObservingOptions(*run, options.observing);
+    run->footer(kRunExamples);
+    run->callback([request, root, &job, argv] {
+        request->options.rootGiven = root->count() > 0;
+        job = [request, argv] { return Do(*request, argv); };
+    });
+}
+
+} // namespace host

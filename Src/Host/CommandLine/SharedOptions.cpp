@@ -1,0 +1,76 @@
+// Options that several commands have; see SharedOptions.h.
+#include "SharedOptions.h"
+
+#include <cmath>
+
+namespace host {
+
+const CLI::Validator &PositiveNumber() {
+    static const CLI::Validator validator(
+        [](const std::string &text) {
+            double number = 0;
+            return CLI::detail::lexical_cast(text, number) && std::isfinite(number) && number > 0
+                       ? std::string()
+                       : "'" + text + "' is not a positive number";
+        },
+        "");
+    return validator;
+}
+
+CLI::Option *AddRoot(CLI::App &command, std::string &root) {
+    return command.add_option("--root", root, "the simulator's folder; must hold Resources/plugins")
+        ->type_name("DIR")
+        ->capture_default_str();
+}
+
+CLI::Option *AddFrames(CLI::App &command, int &frames) {
+    return command.add_option("--frames", frames, "how many frames to run")
+        ->check(PositiveNumber())
+        ->capture_default_str();
+}
+
+CLI::Option *AddPlugins(CLI::App &command, std::vector<std::string> &plugins, const std::string &help) {
+    return command.add_option("--plugin", plugins, help)->type_name("NAME|PATH")->allow_extra_args(false);
+}
+
+void AddObservingOptions(CLI::App &command, ObservingOptions &options) {
+    const char *group = "Watching";
+    CLI::Option *trace =
+        command
+            .add_option("--trace", options.trace.file,
+                        "write every call between plugins, library and host to this file: text, or JSON for trace "
+                        "viewers if it ends in .json")
+            ->type_name("FILE")
+            ->group(group);
+    command
+        .add_option("--trace-plugin", options.trace.plugins,
+                    "trace only calls to and from this plugin; can be repeated")
+        ->type_name("NAME")
+        ->allow_extra_args(false)
+        ->needs(trace)
+        ->group(group);
+    command
+        .add_option("--trace-function", options.trace.functions,
+                    "trace only this function or callback; * is any text; can be repeated")
+        ->type_name("NAME")
+        ->allow_extra_args(false)
+        ->needs(trace)
+        ->group(group);
+    command
+        .add_flag("--ps", options.owners,
+                  "print at the end what each plugin owns, and what it left behind when it was unloaded")
+        ->group(group);
+    command.add_flag("--profile", options.profile, "print at the end where plugins spent their time")->group(group);
+    command.add_option("--budget", options.budget, "fail if a plugin takes longer than this in a frame")
+        ->type_name("MILLISECONDS")
+        ->check(PositiveNumber())
+        ->group(group);
+    command
+        .add_option("--timeout", options.timeout,
+                    "end the run with status 3 and say where, if a call into a plugin takes longer than this")
+        ->type_name("SECONDS")
+        ->check(PositiveNumber())
+        ->group(group);
+}
+
+} // namespace host

@@ -1,0 +1,25 @@
+// Options that several commands have.
+#ifndef AVSK_HOST_COMMAND_LINE_SHARED_OPTIONS_H
+#define AVSK_HOST_COMMAND_LINE_SHARED_OPTIONS_H
+
+#include "Observing/ObservingOptions.h"
+
+#include <CLI/CLI.hpp>
+
+#include <string>
+#include <vector>
+
+namespace host {
+
+// Accepts finite numbers above 0.
+const CLI::Validator &PositiveNumber();
+
+CLI::Option *AddRoot(CLI::App &command, std::string &root);
+CLI::Option *AddFrames(CLI::App &command, int &frames);
+CLI::Option *AddPlugins(CLI::App &command, std::vector<std::string> &plugins, const std::string &help);
+// Those that watch a run.
+void AddObservingOptions(CLI::App &command, ObservingOptions &options);
+
+} // namespace host
+
+#endif

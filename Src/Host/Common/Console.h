@@ -1,0 +1,59 @@
+// Output of a run: the log, on standard output and in a file, and a progress
+// line on standard error. Used by the services and by the frame loop.
+#ifndef AVSK_HOST_COMMON_CONSOLE_H
+#define AVSK_HOST_COMMON_CONSOLE_H
+
+#include <chrono>
+#include <cstdio>
+#include <memory>
+#include <string>
+#include <string_view>
+
+namespace host {
+
+class Console {
+  public:
+    // With an empty name there is no log file. Throws UsageError if the file cannot be written.
+    Console(bool quiet, const std::string &logFile);
+    ~Console();
+    Console(const Console &) = delete;
+    Console &operator=(const Console &) = delete;
+
+    // Writes a text to the log unchanged.
+    void Log(std::string_view text);
+    // Starts to keep what is logged, for Kept(), and to write the given path as
+    // <root>/, so that the log does not depend on where the run takes place.
+    void Keep(const std::string &root);
+    // The text logged since the last Forget().
+    const std::string &Kept() const { return mKept; }
+    void Forget() { mKept.clear(); }
+    std::string WithoutRoot(std::string_view text) const;
+    // Writes a line of the host to the log.
+    void Note(const std::string &line) { Log("avsk: " + line + "\n"); }
+
+    // Shows the progress of a longer run if standard error is a terminal.
+    void ShowProgress(int frame, int frames);
+    void ClearProgress();
+
+    // Seconds of real time since the start.
+    double Seconds() const;
+
+  private:
+    struct Close {
+        void operator()(std::FILE *file) const { std::fclose(file); }
+    };
+
+    bool mQuiet;
+    bool mWatched;
+    bool mShown = false;
+    double mLastShown = 0;
+    std::chrono::steady_clock::time_point mStarted = std::chrono::steady_clock::now();
+    std::unique_ptr<std::FILE, Close> mFile;
+    bool mKeeps = false;
+    std::string mRoot;
+    std::string mKept;
+};
+
+} // namespace host
+
+#endif

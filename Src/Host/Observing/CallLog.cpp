@@ -1,0 +1,142 @@
+// Records the library's calls of the host's services; see CallLog.h.
+#include "CallLog.h"
+
+#include "Crossings/Services.h"
+#include "Services/Simulator.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <cmath>
+#include <cstdio>
+#include <optional>
+#include <utility>
+
+namespace host {
+namespace {
+
+using crossings::Crossing;
+using crossings::Side;
+using crossings::Value;
+
+// A list of buttons ends with 0.
+std::string ListOf(const Value &buttons) {
+    std::string list;
+    for (const int *button = static_cast<const int *>(buttons.pointer); button && *button != 0; ++button)
+        list += (list.empty() ? "" : " ") + std::to_string(*button);
+    return list;
+}
+
+bool IsList(const Crossing &crossing, std::size_t index) {
+    return index == 0 && std::string_view(crossing.what.name) == "commandButton";
+}
+
+std::optional<double> NumberIn(const std::string &text) {
+    double number = 0;
+    const char *end = text.data() + text.size();
+    const auto [stop, error] = std::from_chars(text.data(), end, number);
+    return error == std::errc() && stop == end ? std::optional(number) : std::nullopt;
+}
+
+} // namespace
+
+CallLog::CallLog(const Simulator &simulator) : mSimulator(simulator) { crossings::AddObserver(*this); }
+CallLog::~CallLog() { crossings::RemoveObserver(*this); }
+
+int CallLog::CountArguments(std::string_view slot) {
+    const crossings::Prototype *service = crossings::FindService(slot);
+    return service ? crossings::CountParameters(*service) : -1;
+}
+
+void CallLog::Begins(const Crossing &crossing) {
+    // What else goes to the host are its own callbacks.
+    if (crossing.to != Side::Host || crossing.callback)
+        return;
+    Arguments arguments;
+    for (std::size_t i = 0; i < crossing.arguments.size(); ++i) {
+        const Value &value = crossing.arguments[i];
+        arguments.push_back(mSimulator.console.WithoutRoot(IsList(crossing, i) ? ListOf(value) : TextOf(value)));
+    }
+    mCalls[crossing.what.name][std::move(arguments)] = ++mLast;
+}
+
+bool CallLog::Contains(const std::string &slot, const Arguments &wanted) const {
+    const auto calls = mCalls.find(slot);
+    return calls != mCalls.end() && std::any_of(calls->second.begin(), calls->second.end(), [&](const auto &call) {
+               return wanted.size() <= call.first.size() &&
+                      std::equal(wanted.begin(), wanted.end(), call.first.begin(), Matches);
+           });
+}
+
+std::string CallLog::Latest(const std::string &slot) const {
+    constexpr std::size_t kMost = 3;
+    const auto calls = mCalls.find(slot);
+    if (calls == mCalls.end())
+        return "no call of it";
+    std::vector<std::pair<long, std::string>> latest;
+    for (const auto &[arguments, number] : calls->second) {
+        std::string text;
+        for (const std::string &argument : arguments)
+            text += (text.empty() ? "" : ", ") + argument;
+        latest.emplace_back(number, slot + "(" + text + ")");
+    }
+    std::sort(latest.begin(), latest.end());
+    const std::size_t skipped = latest.size() > kMost ? latest.size() - kMost : 0;
+    std::string text = skipped > 0 ? std::to_string(skipped) + " others and " : "";
+    for (std::size_t i = skipped; i < latest.size(); ++i)
+        text += (i == skipped ? "" : ", ") + latest[i].second;
+    return text;
+}
+
+std::string CallLog::TextOf(const Value &value) const {
+    constexpr AVSKWord kFirstPage = 4096;
+    std::array<char, 32> text{};
+    switch (value.kind) {
+    case Value::Kind::Nothing:
+        return "nothing";
+    case Value::Kind::Integer:
+    case Value::Kind::Character:
+        return std::to_string(value.integer);
+    case Value::Kind::Word:
+        // Words carry numbers and addresses alike; an address differs from run to run.
+        return value.word < kFirstPage ? std::to_string(value.word) : "word";
+    case Value::Kind::Real:
+        std::snprintf(text.data(), text.size(), "%.6g", value.real);
+        return text.data();
+    case Value::Kind::Text:
+        return value.text ? value.text : "null";
+    case Value::Kind::Function:
+        return value.pointer ? "function" : "null";
+    case Value::Kind::Pointer:
+        return Describe(value.pointer);
+    case Value::Kind::Structure:
+        return "pointer";
+    }
+    return "";
+}
+
+std::string CallLog::Describe(const void *handle) const {
+    if (!handle)
+        return "null";
+    if (const Menu *menu = mSimulator.menus.Known(handle))
+        return menu->name;
+    if (const Command *command = mSimulator.commands.Known(handle))
+        return command->name;
+    if (const Object *object = mSimulator.objects.Known(handle) ? static_cast<const Object *>(handle) : nullptr)
+        return object->path;
+    return mSimulator.probes.Known(handle) ? "probe" : "pointer";
+}
+
+bool Matches(const std::string &wanted, const std::string &seen) {
+    constexpr double kClose = 1e-4;
+    if (wanted == "*" || wanted == seen)
+        return true;
+    const std::size_t tilde = wanted.find('~');
+    const auto a = NumberIn(wanted.substr(0, tilde));
+    const auto b = NumberIn(seen);
+    const auto tolerance = tilde == std::string::npos ? std::optional(kClose * std::max(1.0, std::fabs(a.value_or(0))))
+                                                      : NumberIn(wanted.substr(tilde + 1));
+    return a && b && tolerance && std::fabs(*a - *b) <= *tolerance;
+}
+
+} // namespace host

@@ -1,0 +1,105 @@
+// What the ledger answers, to a reader and to expectations; see Ledger.h.
+#include "Common/Utf8.h"
+#include "Ledger.h"
+#include "Services/Simulator.h"
+
+#include "AVSK/AVSKPlugins.h"
+
+#include <algorithm>
+#include <array>
+#include <iterator>
+
+namespace host {
+namespace {
+
+constexpr std::size_t kColumns = 4;
+using Row = std::array<std::string, kColumns>;
+
+Row RowOf(const std::string &plugin, const Possession &possession, const Console &console) {
+    return {plugin, TraitsOf(possession.kind).word, console.WithoutRoot(possession.what), possession.madeBy};
+}
+
+// Columns of equal width, except that a long text does not push all others aside.
+std::vector<std::string> LinesOf(const std::vector<Row> &rows) {
+    constexpr std::size_t kWidest = 44;
+    std::array<std::size_t, kColumns> widths{};
+    for (const Row &row : rows) {
+        for (std::size_t i = 0; i < kColumns; ++i)
+            widths[i] = std::max(widths[i], std::min(CountCharacters(row[i]), kWidest));
+    }
+    std::vector<std::string> lines;
+    for (const Row &row : rows) {
+        std::string line;
+        for (std::size_t i = 0; i + 1 < kColumns; ++i)
+            line += row[i] + std::string(widths[i] - std::min(CountCharacters(row[i]), widths[i]) + 2, ' ');
+        lines.push_back(line + row.back());
+    }
+    return lines;
+}
+
+} // namespace
+
+std::vector<std::string> Ledger::Owned(const std::string &plugin) const {
+    std::vector<Possession> owned = mOwned;
+    std::erase_if(owned, [](const Possession &known) { return !Exists(known); });
+    std::stable_sort(owned.begin(), owned.end(),
+                     [](const Possession &a, const Possession &b) { return a.owner < b.owner; });
+    std::vector<Row> rows;
+    for (const Possession &known : owned) {
+        std::array<char, AVSK_TEXT_SIZE> name{};
+        std::array<char, AVSK_TEXT_SIZE> signature{};
+        AVSKGetPluginInfo(known.owner, name.data(), nullptr, signature.data(), nullptr);
+        if (plugin.empty() || plugin == name.data() || plugin == signature.data())
+            rows.push_back(RowOf(name.front() ? name.data() : "nobody", known, mSimulator.console));
+    }
+    return LinesOf(rows);
+}
+
+std::vector<std::string> Ledger::LeftBehind(const std::string &plugin) const {
+    std::vector<Row> rows;
+    for (const Departed &departed : mDeparted) {
+        const auto &[name, signature] = departed.identity;
+        if (!plugin.empty() && plugin != name && plugin != signature)
+            continue;
+        for (const Possession &left : departed.left)
+            rows.push_back(RowOf(name, left, mSimulator.console));
+    }
+    return LinesOf(rows);
+}
+
+bool Ledger::WasUnloaded(const std::string &plugin) const {
+    return std::any_of(mDeparted.begin(), mDeparted.end(), [&plugin](const Departed &departed) {
+        return plugin == departed.identity.name || plugin == departed.identity.signature;
+    });
+}
+
+std::vector<Possession> Ledger::OwnedBy(AVSKPluginID plugin, Kind kind) const {
+    std::vector<Possession> found;
+    std::copy_if(mOwned.begin(), mOwned.end(), std::back_inserter(found),
+                 [&](const Possession &known) { return known.owner == plugin && known.kind == kind && Exists(known); });
+    return found;
+}
+
+std::vector<Possession> Ledger::StillThere(Kind kind) const {
+    std::vector<Possession> found;
+    const auto add = [&](const Possessions &possessions) {
+        for (const Possession &known : possessions) {
+            const auto isSame = [&known](const Possession &other) { return other.handle == known.handle; };
+            if (known.kind == kind && Exists(known) && std::none_of(found.begin(), found.end(), isSame))
+                found.push_back(known);
+        }
+    };
+    add(mOwned);
+    add(mReturned);
+    for (const Departed &departed : mDeparted)
+        add(departed.left);
+    return found;
+}
+
+const Possession *Ledger::Find(Kind kind, const std::string &key) const {
+    const auto found = std::find_if(mOwned.begin(), mOwned.end(),
+                                    [&](const Possession &known) { return known.kind == kind && HasKey(known, key); });
+    return found == mOwned.end() ? nullptr : &*found;
+}
+
+} // namespace host

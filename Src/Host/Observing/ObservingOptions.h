@@ -1,0 +1,26 @@
+// What a run is observed for.
+#ifndef AVSK_HOST_OBSERVING_OBSERVING_OPTIONS_H
+#define AVSK_HOST_OBSERVING_OBSERVING_OPTIONS_H
+
+#include <string>
+#include <vector>
+
+namespace host {
+
+struct TraceOptions {
+    std::string file;                   // empty: no trace
+    std::vector<std::string> plugins;   // patterns of names; all if empty
+    std::vector<std::string> functions; // likewise
+};
+
+struct ObservingOptions {
+    TraceOptions trace;
+    bool owners = false;
+    bool profile = false;
+    double budget = 0;  // milliseconds that a plugin may take in a frame; 0: any
+    double timeout = 0; // seconds that a call may take; 0: any
+};
+
+} // namespace host
+
+#endif

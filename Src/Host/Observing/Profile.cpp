@@ -1,0 +1,145 @@
+// Adds up the time in plugins; see Profile.h.
+#include "Profile.h"
+
+#include "Crossings/Format.h"
+#include "Services/Simulator.h"
+
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <cstring>
+
+namespace host {
+namespace {
+
+using crossings::Crossing;
+using crossings::Side;
+
+double Milliseconds(Crossing::Clock::duration time) { return std::chrono::duration<double, std::milli>(time).count(); }
+
+bool IsPlugins(const Crossing &crossing) { return crossing.to == Side::Plugin; }
+
+std::string Formatted(const char *format, auto... values) {
+    char text[256];
+    std::snprintf(text, sizeof text, format, values...);
+    return text;
+}
+
+} // namespace
+
+Profile::Profile(const Simulator &simulator) : mSimulator(simulator) { crossings::AddObserver(*this); }
+Profile::~Profile() { crossings::RemoveObserver(*this); }
+
+void Profile::Begins(const Crossing &crossing) {
+    if (crossing.from == Side::Plugin && crossing.to == Side::Library)
+        ++mCalls[crossing.plugin];
+    if (!IsPlugins(crossing))
+        return;
+    if (crossing.IsStart())
+        mCalls.erase(crossing.plugin); // the ID may have been another's
+    if (mSimulator.frame != mFrame)
+        CloseFrame();
+    mInner.emplace_back();
+}
+
+void Profile::Ends(const Crossing &crossing) {
+    if (!IsPlugins(crossing) || mInner.empty())
+        return;
+    const Time whole = crossing.Duration();
+    const Time own = whole - mInner.back();
+    mInner.pop_back();
+    if (!mInner.empty())
+        mInner.back() += whole;
+    // A plugin gets its name, and maybe another's ID, in its start.
+    if (crossing.IsStart())
+        mKnown.clear();
+    Row &row = RowOf(crossing);
+    ++row.calls;
+    row.total += own;
+    row.present += own;
+}
+
+Profile::Row &Profile::RowOf(const Crossing &crossing) {
+    Row *&known = mKnown[{crossing.callback, crossing.plugin}];
+    if (!known)
+        known = &mRows[crossings::LabelOf(crossing.plugin)][crossings::TitleOf(crossing)];
+    return *known;
+}
+
+void Profile::CloseFrame() {
+    for (auto &[plugin, rows] : mRows) {
+        Time all{};
+        const std::pair<const std::string, Row> *most = nullptr;
+        for (auto &entry : rows) {
+            all += entry.second.present;
+            if (!most || entry.second.present > most->second.present)
+                most = &entry;
+            if (entry.second.present > entry.second.worst) {
+                entry.second.worst = entry.second.present;
+                entry.second.worstFrame = mFrame;
+            }
+        }
+        // Plugins are loaded before the first frame, and may take their time.
+        const double budget = BudgetOf(plugin);
+        if (mFrame > 0 && budget > 0 && Milliseconds(all) > budget) {
+            Excess &excess = mExcesses[plugin];
+            ++excess.frames;
+            if (all > excess.time)
+                excess = {excess.frames, mFrame, all, most->first, most->second.present};
+        }
+        for (auto &entry : rows)
+            entry.second.present = {};
+    }
+    mFrame = mSimulator.frame;
+}
+
+double Profile::BudgetOf(const std::string &plugin) const {
+    for (const std::string &name : {plugin, std::string()}) {
+        if (const auto found = mBudgets.find(name); found != mBudgets.end())
+            return found->second;
+    }
+    return 0;
+}
+
+std::vector<std::string> Profile::Table() const {
+    struct Entry {
+        std::string plugin;
+        std::string callback;
+        Row row;
+    };
+    std::vector<Entry> entries;
+    std::size_t widest = std::strlen("plugin");
+    for (const auto &[plugin, rows] : mRows) {
+        widest = std::max(widest, plugin.size());
+        for (const auto &[callback, row] : rows)
+            entries.push_back({plugin, callback, row});
+    }
+    std::stable_sort(entries.begin(), entries.end(),
+                     [](const Entry &a, const Entry &b) { return a.row.total > b.row.total; });
+    const int width = static_cast<int>(widest);
+    std::vector<std::string> lines = {Formatted("%-*s  %9s  %10s  %9s  %11s  %6s  %s", width, "plugin", "calls",
+                                                "total ms", "mean us", "worst frame", "ms", "callback")};
+    for (const auto &[plugin, callback, row] : entries)
+        lines.push_back(Formatted("%-*s  %9ld  %10.3f  %9.2f  %11d  %6.3f  %s", width, plugin.c_str(), row.calls,
+                                  Milliseconds(row.total), Milliseconds(row.total) * 1e3 / row.calls, row.worstFrame,
+                                  Milliseconds(std::max(row.worst, row.present)), callback.c_str()));
+    return lines;
+}
+
+std::vector<std::string> Profile::OverBudget() const {
+    std::vector<std::string> lines;
+    for (const auto &[plugin, excess] : mExcesses)
+        lines.push_back("'" + plugin + "'" +
+                        Formatted(" took %.3f ms in frame %d, more than its budget of %g ms, most of it (%.3f ms) in ",
+                                  Milliseconds(excess.time), excess.frame, BudgetOf(plugin),
+                                  Milliseconds(excess.callbackTime)) +
+                        excess.callback + Formatted("; over it in %d frames", excess.frames));
+    return lines;
+}
+
+long Profile::CallsOf(AVSKPluginID plugin) const {
+    const auto found = mCalls.find(plugin);
+    return found == mCalls.end() ? 0 : found->second;
+}
+
+} // namespace host

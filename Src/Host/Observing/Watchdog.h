@@ -1,0 +1,51 @@
+// Sees to it that no call takes for ever. A thread that sleeps most of the
+// time: periodic signals would end the plugins' own sleeps.
+#ifndef AVSK_HOST_OBSERVING_WATCHDOG_H
+#define AVSK_HOST_OBSERVING_WATCHDOG_H
+
+#include <atomic>
+#include <chrono>
+#include <condition_variable>
+#include <cstdint>
+#include <mutex>
+#include <thread>
+
+#include <pthread.h>
+
+namespace host {
+
+class Watchdog {
+  public:
+    using Clock = std::chrono::steady_clock;
+
+    // The signal goes to the thread that makes the watchdog, from time to time while a call is overdue.
+    Watchdog(double seconds, int signal);
+    ~Watchdog();
+
+    // What is watched begins or ends.
+    void Restart(Clock::time_point now) { mSince = Milliseconds(now); }
+    void Stop() { mSince = kNothing; }
+    // Also safe in a signal handler.
+    bool IsOverdue() const;
+    double Limit() const { return mSeconds; }
+
+  private:
+    static constexpr std::uint32_t kNothing = 0;
+
+    std::uint32_t Milliseconds(Clock::time_point time) const;
+    void Watch();
+
+    const double mSeconds;
+    const int mSignal;
+    const pthread_t mWatched = pthread_self();
+    const Clock::time_point mStart = Clock::now();
+    std::atomic<std::uint32_t> mSince = kNothing;
+    std::mutex mMutex;
+    std::condition_variable mWakened;
+    bool mEnds = false;
+    std::thread mThread; // the last: it uses all others
+};
+
+} // namespace host
+
+#endif

@@ -1,0 +1,30 @@
+// The values that the simulator publishes as plugin 0.
+#ifndef AVSK_HOST_SERVICES_DATAREFS_H
+#define AVSK_HOST_SERVICES_DATAREFS_H
+
+#include <array>
+#include <string>
+
+namespace host {
+
+struct Simulator;
+
+class Datarefs {
+  public:
+    // Registers all of them, before the library is started, so that the library
+    // and the first plugin find them. The simulator must not move.
+    void Publish(Simulator &simulator);
+
+    // The build date that the library writes; empty if it wrote none.
+    std::string Build() const;
+
+  private:
+    std::array<char, 64> mBuild{};
+
+    static int ReadBuild(void *refcon, void *bytes, int offset, int max);
+    static void WriteBuild(void *refcon, void *bytes, int offset, int count);
+};
+
+} // namespace host
+
+#endif

@@ -1,0 +1,50 @@
+// The library's start and end; see Lifetime.h.
+#include "Lifetime.h"
+
+#include "ServiceTable.h"
+#include "Simulator.h"
+
+#include "Common/UsageError.h"
+
+#include "AVSK/AVSKHost.h"
+#include "AVSK/AVSKPlugins.h"
+
+#include <string>
+
+namespace host {
+namespace {
+
+// The library keeps the pointer until the process ends.
+AVSKHostCallbacks gTable;
+
+} // namespace
+
+void Prepare(Simulator &simulator) {
+    gSimulator = &simulator;
+    gTable = MakeTable();
+}
+
+void StartPlugins(Simulator &simulator) {
+    simulator.datarefs.Publish(simulator);
+    AVSKInitializePlugins(simulator.options.root.c_str(), &gTable, /*self=*/0);
+    simulator.fleet.Update(simulator);
+    simulator.fleet.ReportUsersAircraft(simulator, AVSKHostEventPlaneLoaded);
+    simulator.ReportScenery();
+    if (AVSKCountPlugins() <= 1) { // the host itself is one
+        AVSKShutdownPlugins();
+        throw UsageError("no plugin was loaded from '" + simulator.options.root +
+                         "Resources/plugins': put one there as NAME/lin.avp or NAME.avp; the log, without --quiet, "
+                         "says what was tried");
+    }
+}
+
+void StopPlugins(Simulator &simulator) {
+    simulator.fleet.ReportUsersAircraft(simulator, AVSKHostEventPlaneUnloaded);
+    AVSKShutdownPlugins();
+    // The library returns the objects of loads that complete now.
+    simulator.objects.CompleteAllLoads();
+    if (const std::size_t kept = simulator.objects.Count(); kept > 0)
+        simulator.console.Note(std::to_string(kept) + " objects were not given back: a fault of the library's");
+}
+
+} // namespace host

@@ -1,0 +1,19 @@
+// Starts the library with the simulator's services and stops it. Called by runs
+// and by sessions.
+#ifndef AVSK_HOST_SERVICES_LIFETIME_H
+#define AVSK_HOST_SERVICES_LIFETIME_H
+
+namespace host {
+
+struct Simulator;
+
+// Makes this the simulator that the services use, and fills its table of services.
+void Prepare(Simulator &simulator);
+// Loads the plugins of all places. Throws UsageError if there are none.
+void StartPlugins(Simulator &simulator);
+// Unloads all plugins and completes the loads that they left pending.
+void StopPlugins(Simulator &simulator);
+
+} // namespace host
+
+#endif

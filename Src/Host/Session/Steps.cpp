@@ -1,0 +1,355 @@
+// What the steps of a session do, each by the simulator's own way: the user's
+// hands, the world and the host. See Forms.cpp for their words.
+#include "Runner.h"
+
+#include "Common/Text.h"
+
+#include "AVSK/AVSKDataAccess.h"
+#include "AVSK/AVSKHost.h"
+#include "AVSK/AVSKPlugins.h"
+
+#include <algorithm>
+#include <cctype>
+#include <cmath>
+#include <filesystem>
+
+#include <unistd.h>
+
+namespace host {
+namespace {
+
+constexpr int kForever = 1 << 30; // frames: until the key is let go
+const std::string kFine;
+
+void MoveMouse(Simulator &simulator, int x, int y) {
+    simulator.display.mouseX = x;
+    simulator.display.mouseY = y;
+}
+
+void MoveMouse(Simulator &simulator, const std::string &point) {
+    const std::vector<int> place = IntegersOf(point);
+    MoveMouse(simulator, place[0], place[1]);
+}
+
+void ChangeMouseButton(const Simulator &simulator, int down) {
+    AVSKMouseClickHook(simulator.display.mouseX, simulator.display.mouseY, down);
+}
+
+char CharacterOf(const std::string &key, int code) {
+    if (key.size() == 1)
+        return key[0];
+    constexpr int kCharacters[] = {8, 9, 13, 27, 32}; // the same number as the key
+    return std::find(std::begin(kCharacters), std::end(kCharacters), code) != std::end(kCharacters)
+               ? static_cast<char>(code)
+               : '\0';
+}
+
+void PressKey(SessionRunner &run, const Step &step, int frames) {
+    constexpr int kShift = 1;
+    constexpr int kControl = 2;
+    const int code = KeyOf(step[0]);
+    run.Sim().input.PressKey(CharacterOf(step[0], code), static_cast<char>(code), frames,
+                             (step.Has("shift") ? kShift : 0) | (step.Has("control") ? kControl : 0));
+}
+
+std::string NoCommand(const std::string &name) {
+    return "there is no command '" + name +
+           "': plugins create theirs when they start, the host's are sim/flight/... "
+           "and sim/view/...";
+}
+
+std::string NoPlugin(const std::string &name) {
+    return "no plugin of this name or signature is loaded: '" + name + "'";
+}
+
+std::string FinishLoads(SessionRunner &run, const Step &step, bool fail) {
+    const int finished = run.Sim().objects.FinishLoads(step.Count() > 1 ? step[1] : "", fail);
+    return finished > 0 ? kFine : "no such load is under way";
+}
+
+template <typename T>
+std::vector<T> NumbersFrom(const std::vector<std::string> &texts) {
+    std::vector<T> numbers;
+    numbers.reserve(texts.size());
+    for (const std::string &text : texts)
+        numbers.push_back(static_cast<T>(NumberOf(text)));
+    return numbers;
+}
+
+} // namespace
+
+namespace steps {
+
+std::string Frames(SessionRunner &run, const Step &step) {
+    run.RunFrames(static_cast<int>(NumberOf(step[0])));
+    return kFine;
+}
+
+std::string Seconds(SessionRunner &run, const Step &step) {
+    run.RunFrames(static_cast<int>(std::clamp(std::round(NumberOf(step[0]) * run.Sim().options.fps), 1.0, 1e9)));
+    return kFine;
+}
+
+std::string Move(SessionRunner &run, const Step &step) {
+    MoveMouse(run.Sim(), step[0]);
+    AVSKCursorHook(run.Sim().display.mouseX, run.Sim().display.mouseY);
+    return kFine;
+}
+
+std::string Press(SessionRunner &run, const Step & /*step*/) {
+    ChangeMouseButton(run.Sim(), 1);
+    return kFine;
+}
+
+std::string Release(SessionRunner &run, const Step & /*step*/) {
+    ChangeMouseButton(run.Sim(), 0);
+    return kFine;
+}
+
+std::string Click(SessionRunner &run, const Step &step) {
+    MoveMouse(run.Sim(), step[0]);
+    ChangeMouseButton(run.Sim(), 1);
+    run.RunFrames(1);
+    ChangeMouseButton(run.Sim(), 0);
+    return kFine;
+}
+
+// The library asks where the mouse is once a frame.
+std::string Drag(SessionRunner &run, const Step &step) {
+    constexpr int kFrames = 4;
+    const std::vector<int> from = IntegersOf(step[0]);
+    const std::vector<int> to = IntegersOf(step[1]);
+    const int frames = step.Count() > 2 ? static_cast<int>(NumberOf(step[2])) : kFrames;
+    MoveMouse(run.Sim(), step[0]);
+    ChangeMouseButton(run.Sim(), 1);
+    for (int i = 1; i <= frames; ++i) {
+        const double share = static_cast<double>(i) / frames;
+        MoveMouse(run.Sim(), static_cast<int>(std::lround(std::lerp(from[0], to[0], share))),
+                  static_cast<int>(std::lround(std::lerp(from[1], to[1], share))));
+        run.RunFrames(1);
+    }
+    ChangeMouseButton(run.Sim(), 0);
+    return kFine;
+}
+
+std::string Wheel(SessionRunner &run, const Step &step) {
+    MoveMouse(run.Sim(), step[0]);
+    AVSKScrollWheelHook(run.Sim().display.mouseX, run.Sim().display.mouseY,
+                        step.Count() > 2 ? static_cast<int>(NumberOf(step[2])) : 0,
+                        static_cast<int>(NumberOf(step[1])));
+    return kFine;
+}
+
+std::string TypeKey(SessionRunner &run, const Step &step) {
+    PressKey(run, step, 1);
+    run.RunFrames(1);
+    return kFine;
+}
+
+std::string KeyDown(SessionRunner &run, const Step &step) {
+    PressKey(run, step, kForever);
+    return kFine;
+}
+
+std::string KeyUp(SessionRunner &run, const Step &step) {
+    return run.Sim().input.ReleaseKey(static_cast<char>(KeyOf(step[0]))) ? kFine : "this key is not down";
+}
+
+std::string Type(SessionRunner &run, const Step &step) {
+    constexpr int kShift = 1;
+    for (const char c : step[0]) {
+        const auto character = static_cast<unsigned char>(c);
+        run.Sim().input.PressKey(c, static_cast<char>(std::toupper(character)), 1,
+                                 std::isupper(character) ? kShift : 0);
+        run.RunFrames(1);
+    }
+    return kFine;
+}
+
+std::string PickMenu(SessionRunner &run, const Step &step) {
+    const FoundItem found = FindItem(run.Sim().menus, step[0]);
+    if (!found.menu)
+        return "no such item; there is " + found.there;
+    if (AVSKMenuItemEnabled(found.menu, found.index) == 0)
+        return "the item is disabled: it cannot be picked";
+    AVSKMenuHook(found.menu->items[static_cast<std::size_t>(found.index)].id);
+    return kFine;
+}
+
+std::string RunCommand(SessionRunner &run, const Step &step) {
+    Command *command = run.Sim().commands.Find(step[0]);
+    if (!command)
+        return NoCommand(step[0]);
+    if (!run.Sim().input.HoldCommand(command))
+        return "the command is held already: end it first";
+    run.Sim().input.EndCommand(command);
+    return kFine;
+}
+
+std::string BeginCommand(SessionRunner &run, const Step &step) {
+    Command *command = run.Sim().commands.Find(step[0]);
+    if (!command)
+        return NoCommand(step[0]);
+    return run.Sim().input.HoldCommand(command) ? kFine : "the command is held already";
+}
+
+std::string EndCommand(SessionRunner &run, const Step &step) {
+    Command *command = run.Sim().commands.Find(step[0]);
+    if (!command)
+        return NoCommand(step[0]);
+    return run.Sim().input.EndCommand(command) ? kFine : "the command is not held by 'begin'";
+}
+
+std::string Button(SessionRunner &run, const Step &step) {
+    const int button = static_cast<int>(NumberOf(step[0]));
+    if (step.Has("press"))
+        return run.Sim().input.HoldButton(button) ? kFine : "the button is down already";
+    return run.Sim().input.ReleaseButton(button) ? kFine : "the button is not down";
+}
+
+std::string ChangeView(SessionRunner &run, const Step &step) {
+    Camera &camera = run.Sim().camera;
+    if (step[0] == "next")
+        camera.NextView(run.Sim());
+    else
+        camera.ChangeView(run.Sim(), step[0] == "chase"     ? View::Chase
+                                     : step[0] == "cockpit" ? View::Cockpit
+                                                            : View::Tower);
+    return kFine;
+}
+
+std::string Load(SessionRunner &run, const Step &step) {
+    const int index = step.Count() > 2 ? static_cast<int>(NumberOf(step[2])) : 0;
+    const std::string file = ResolvePath(run.Sim().options.root, step[1]);
+    std::error_code error;
+    if (index >= Fleet::kCount)
+        return "there is no aircraft " + step[2] + ": the last one is " + std::to_string(Fleet::kCount - 1);
+    if (!std::filesystem::is_regular_file(file, error))
+        return "no file '" + file + "'";
+    run.Sim().fleet.Request(index, step[1]);
+    run.RunFrames(1);
+    return kFine;
+}
+
+std::string ReportScenery(SessionRunner &run, const Step & /*step*/) {
+    if (run.Sim().options.scenery.empty())
+        return "there is no scenery: name a folder in the set-up";
+    run.Sim().ReportScenery();
+    return kFine;
+}
+
+std::string Crash(SessionRunner &run, const Step & /*step*/) {
+    AVSKEventHook(AVSKHostEventBroadcast101, run.Sim().Elapsed(), 0, 0);
+    return kFine;
+}
+
+std::string HoldLoads(SessionRunner &run, const Step & /*step*/) {
+    run.Sim().objects.HoldLoads();
+    return kFine;
+}
+
+std::string CompleteLoads(SessionRunner &run, const Step &step) { return FinishLoads(run, step, /*fail=*/false); }
+std::string FailLoads(SessionRunner &run, const Step &step) { return FinishLoads(run, step, /*fail=*/true); }
+
+std::string SendMessage(SessionRunner & /*run*/, const Step &step) {
+    constexpr AVSKPluginID kEverybody = -1;
+    const bool all = step[0] == "all";
+    const AVSKPluginID plugin = all ? kEverybody : SessionRunner::FindPlugin(step[0]);
+    if (!all && plugin == NO_PLUGIN_ID)
+        return NoPlugin(step[0]);
+    std::string text = step.Count() > 2 ? step[2] : "";
+    AVSKSendMessageToPlugin(plugin, static_cast<int>(NumberOf(step[1])), step.Count() > 2 ? text.data() : nullptr);
+    return kFine;
+}
+
+std::string Enable(SessionRunner & /*run*/, const Step &step) {
+    const AVSKPluginID plugin = SessionRunner::FindPlugin(step[0]);
+    if (plugin == NO_PLUGIN_ID)
+        return NoPlugin(step[0]);
+    return AVSKEnablePlugin(plugin) != 0 ? kFine : "the plugin refused";
+}
+
+std::string Disable(SessionRunner & /*run*/, const Step &step) {
+    const AVSKPluginID plugin = SessionRunner::FindPlugin(step[0]);
+    if (plugin == NO_PLUGIN_ID)
+        return NoPlugin(step[0]);
+    AVSKDisablePlugin(plugin);
+    return kFine;
+}
+
+std::string Reload(SessionRunner &run, const Step & /*step*/) {
+    AVSKReloadPlugins();
+    run.RunFrames(1);
+    return kFine;
+}
+
+std::string SetDataref(SessionRunner & /*run*/, const Step &step) {
+    AVSKDataRef ref = AVSKFindDataRef(step[0].c_str());
+    std::string name = step[0];
+    int offset = 0;
+    if (const std::size_t open = name.rfind('['); !ref && open != std::string::npos && name.ends_with(']')) {
+        offset = static_cast<int>(NumberOf(std::string_view(name).substr(open + 1, name.size() - open - 2)));
+        ref = AVSKFindDataRef(name.substr(0, open).c_str());
+    }
+    if (!ref || AVSKIsDataRefGood(ref) == 0)
+        return "nobody publishes it";
+    if (AVSKCanWriteDataRef(ref) == 0)
+        return "it cannot be written";
+    const int types = AVSKGetDataRefTypes(ref);
+    const int count = static_cast<int>(step.Count()) - 1;
+    const double number = NumberOf(step[1]);
+    if ((types & AVSKDataTypeData) != 0 && step.words[1].quoted)
+        AVSKSetDatab(ref, std::string(step[1]).data(), offset, static_cast<int>(step[1].size()));
+    else if ((types & AVSKDataTypeFloatArray) != 0)
+        AVSKSetDatavf(ref, NumbersFrom<float>(step.From(1)).data(), offset, count);
+    else if ((types & AVSKDataTypeIntArray) != 0)
+        AVSKSetDatavi(ref, NumbersFrom<int>(step.From(1)).data(), offset, count);
+    else if (count > 1 || step.words[1].quoted)
+        return "it takes one number";
+    else if ((types & AVSKDataTypeDouble) != 0)
+        AVSKSetDatad(ref, number);
+    else if ((types & AVSKDataTypeFloat) != 0)
+        AVSKSetDataf(ref, static_cast<float>(number));
+    else
+        AVSKSetDatai(ref, static_cast<int>(number));
+    return kFine;
+}
+
+std::string TakeScreenshot(SessionRunner &run, const Step &step) {
+    const std::string folder = std::filesystem::path(step[0]).parent_path().string();
+    if (!step[0].ends_with(".png") || access(folder.empty() ? "." : folder.c_str(), W_OK) != 0)
+        return "cannot write there: name a .png file in a folder that exists and is writable";
+    if (const std::string missing = run.Sim().display.fonts.Missing(); !missing.empty())
+        return "cannot read the font '" + missing + "': install the package fonts-dejavu-core";
+    run.Sim().options.screenshots = {{step[0], run.Sim().frame + 1}};
+    run.RunFrames(1);
+    return kFine;
+}
+
+std::string Mark(SessionRunner &run, const Step & /*step*/) {
+    run.Sim().console.Forget();
+    run.Calls().Forget();
+    return kFine;
+}
+
+std::string ListPossessions(SessionRunner &run, const Step &step) {
+    const Ledger &owners = run.Watch().Owners();
+    const std::string plugin = step.Count() > 0 ? step[0] : "";
+    const bool isKnown = plugin.empty() || (run.IsLoaded() ? SessionRunner::FindPlugin(plugin) != NO_PLUGIN_ID
+                                                           : owners.WasUnloaded(plugin));
+    if (!isKnown)
+        return run.IsLoaded() ? NoPlugin(plugin) : "no plugin of this name or signature was loaded: '" + plugin + "'";
+    if (run.IsLoaded())
+        PrintList("Owned:", owners.Owned(plugin));
+    else
+        PrintList("Left behind:", owners.LeftBehind(plugin));
+    return kFine;
+}
+
+std::string UnloadAll(SessionRunner &run, const Step & /*step*/) {
+    run.Unload();
+    return kFine;
+}
+
+} // namespace steps
+} // namespace host
