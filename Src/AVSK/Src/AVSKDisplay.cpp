@@ -12,6 +12,8 @@
 #include "AVSKResourceList.h"
 #include "AVSKScopedValue.h"
 
+#include "AVSK/AVSKPlugins.h"
+
 #include <vector>
 
 struct AVSKDrawCallbackRecord : AVSKResource_t<AVSKDrawCallbackRecord> {
@@ -462,7 +464,7 @@ void AVSKDisplayCleanupHook(int pluginID) {
     RemoveHotKeysOf(pluginID);
 }
 
-bool AVSKDisplayHolds(int pluginID) {
+bool DisplayHolds(int pluginID) {
     return gDrawCallbacks.Any(HeldBy(pluginID)) || gWindows.Any(HeldBy(pluginID)) ||
            HoldsKeySniffersOrHotKeys(pluginID);
 }
