@@ -662,12 +662,14 @@ void AVSKDisplayCleanupHook(int pluginID) {
     // Windows that a new one cut off stand in no walk, but still have storage.
     std::vector<AVSKWindowCallbackRecord *> cutOff;
     AVSKWindowCallbackRecord::ForEach([pluginID, &cutOff](AVSKWindowCallbackRecord *window) {
-        if (window->owner == pluginID && !window->is_removed())
+        if (window->owner == pluginID)
             cutOff.push_back(window);
     });
     for (AVSKWindowCallbackRecord *window : cutOff) {
+        window->owner = NO_PLUGIN_ID; // removed before and brought to the front, it is called again
         Forget(window);
-        gWindows.Remove(window);
+        if (!window->is_removed())
+            gWindows.Remove(window);
     }
     RemoveOwned(gHotKeys, pluginID);
 }
