@@ -15,6 +15,13 @@ void *HostCommand(int number);
 void *AnyHostMenu(); // as the input says; null if there is none
 int AnyHostItemID();
 
+// While a menu is cleared: how many renames its items may take at this depth of calls.
+struct Clearing {
+    int depth;
+    int renames; // left; -1 until the first tells the menu
+};
+extern Clearing *gClearing; // the innermost, or null
+
 // Completes one of the loads that were asked for; again, as the input says.
 void CompleteLoad();
 void CompleteAllLoads();
