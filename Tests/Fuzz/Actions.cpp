@@ -72,7 +72,7 @@ void Remove(Registration *r, Removes which, Call call) {
 }
 
 // Each loading of plugins costs many other calls: a run has a few.
-bool MayLoad() { return gFuzz.loads < 6 + gFuzz.actions / 40 && ++gFuzz.loads; }
+bool MayLoad() { return gFuzz.loads < 4 + gFuzz.actions / 100 && ++gFuzz.loads; }
 
 int AnyX() { return Draw().Below(16); }
 int AnyFlags() { return Draw().Below(3); }
@@ -244,18 +244,18 @@ void SetErrorCallback() {
     const bool wants = !Draw().Rarely(4);
     if (self)
         self->errorSet = wants;
-    AVSKSetErrorCallback(wants ? In<OnError>(self ? self->file : kProgram) : nullptr);
+    AVSKSetErrorCallback(wants ? ErrorCallback(self ? self->file : kProgram) : nullptr);
 }
 
 void EnumerateFeatures() {
     AVSKIsFeatureEnabled("no feature");
     if (Registration *r = Register(Kind::Feature))
-        AVSKEnumerateFeatures(In<OnFeature>(r->file), r);
+        AVSKEnumerateFeatures(Code<Kind::Feature>(*r), r);
 }
 
 bool CreateLoop(Registration &r) {
     r.a = Draw().Below(2);
-    const AVSKCreateFlightLoopParams params = {sizeof params, r.a, In<OnLoop>(r.file), &r};
+    const AVSKCreateFlightLoopParams params = {sizeof params, r.a, Code<Kind::Loop>(r), &r};
     r.removed = true; // not there while the host is asked for the time
     AVSKFlightLoopID loop = AVSKCreateFlightLoop(&params);
     r.removed = false;
@@ -267,7 +267,7 @@ bool CreateLoop(Registration &r) {
 
 bool RegisterLoop(Registration &r) {
     r.removed = true; // likewise
-    AVSKRegisterFlightLoopCallback(In<OnLoop>(r.file), AnyInterval(), &r);
+    AVSKRegisterFlightLoopCallback(Code<Kind::Loop>(r), AnyInterval(), &r);
     r.removed = false;
     return false;
 }
@@ -275,7 +275,7 @@ bool RegisterLoop(Registration &r) {
 void ChangeLoop() {
     if (Registration *r = Pick(Kind::Loop)) {
         AVSKScheduleFlightLoop(As<AVSKFlightLoopRecord>(r->handle), AnyInterval(), Draw().Below(2));
-        AVSKSetFlightLoopCallbackInterval(In<OnLoop>(r->file), AnyInterval(), Draw().Below(2), r);
+        AVSKSetFlightLoopCallbackInterval(Code<Kind::Loop>(*r), AnyInterval(), Draw().Below(2), r);
     }
 }
 
@@ -331,26 +331,26 @@ void UnregisterValues(Kind kind, bool underWay, Take take) {
 
 void RegisterDraw() {
     RegisterValues(Kind::Draw, gFuzz.drawHooks > 0,
-                   [](Registration &r) { return AVSKRegisterDrawCallback(In<OnDraw>(r.file), r.a, r.b, &r); });
+                   [](Registration &r) { return AVSKRegisterDrawCallback(Code<Kind::Draw>(r), r.a, r.b, &r); });
 }
 
 void UnregisterDraw() {
     UnregisterValues(Kind::Draw, gFuzz.drawHooks > 0,
-                     [](Registration &r) { return AVSKUnregisterDrawCallback(In<OnDraw>(r.file), r.a, r.b, &r); });
+                     [](Registration &r) { return AVSKUnregisterDrawCallback(Code<Kind::Draw>(r), r.a, r.b, &r); });
 }
 
 void RegisterSniffer() {
     RegisterValues(Kind::Sniffer, gFuzz.keyHooks > 0,
-                   [](Registration &r) { return AVSKRegisterKeySniffer(In<OnSniffer>(r.file), r.b, &r); });
+                   [](Registration &r) { return AVSKRegisterKeySniffer(Code<Kind::Sniffer>(r), r.b, &r); });
 }
 
 void UnregisterSniffer() {
     UnregisterValues(Kind::Sniffer, gFuzz.keyHooks > 0,
-                     [](Registration &r) { return AVSKUnregisterKeySniffer(In<OnSniffer>(r.file), r.b, &r); });
+                     [](Registration &r) { return AVSKUnregisterKeySniffer(Code<Kind::Sniffer>(r), r.b, &r); });
 }
 
 bool RegisterHotKey(Registration &r) {
-    r.handle = AVSKRegisterHotKey(AnyKey(), AnyFlags(), "a hot key", In<OnHotKey>(r.file), &r);
+    r.handle = AVSKRegisterHotKey(AnyKey(), AnyFlags(), "a hot key", Code<Kind::HotKey>(r), &r);
     r.count = r.handle != nullptr;
     return r.handle;
 }
@@ -388,8 +388,8 @@ Registration *Found(AVSKWindowID window) {
 bool CreateWindow(Registration &r) {
     const int left = AnyX();
     const int right = left + Draw().Below(12) - 1;
-    r.handle = AVSKCreateWindow(left, right, right, left, !Draw().Rarely(6), In<OnDrawWindow>(r.file),
-                                In<OnKey>(r.file), In<OnClick>(r.file), &r);
+    r.handle = AVSKCreateWindow(left, right, right, left, !Draw().Rarely(6), Code<Kind::Window>(r),
+                                Code<Kind::Window>(r), Code<Kind::Window>(r), &r);
     return r.handle;
 }
 
@@ -400,11 +400,11 @@ bool CreateWindowEx(Registration &r) {
                                            16,
                                            0,
                                            !Draw().Rarely(6),
-                                           In<OnDrawWindow>(r.file),
-                                           In<OnClick>(r.file),
-                                           In<OnKey>(r.file),
-                                           In<OnCursor>(r.file),
-                                           In<OnWheel>(r.file),
+                                           Code<Kind::Window>(r),
+                                           Code<Kind::Window>(r),
+                                           Code<Kind::Window>(r),
+                                           Code<Kind::Window>(r),
+                                           Code<Kind::Window>(r),
                                            &r};
     r.handle = AVSKCreateWindowEx(&params);
     const bool created = r.handle;
@@ -441,8 +441,8 @@ void MoveWindow() {
 
 bool CreateMenu(Registration &r) {
     auto *parent = Draw().Flag() ? HandleOf<AVSKMenuInfo_t>(Kind::Menu) : nullptr;
-    const int item = Draw().Below(3) - 1;
-    AVSKMenuID menu = AVSKCreateMenu("A menu", parent, item, Draw().Rarely(8) ? nullptr : In<OnMenu>(r.file), &r);
+    const AVSKMenuHandler_f handler = Code<Kind::Menu>(r);
+    AVSKMenuID menu = AVSKCreateMenu("A menu", parent, Draw().Below(3) - 1, Draw().Rarely(8) ? nullptr : handler, &r);
     r.handle = menu;
     if (menu)
         AVSKAppendMenuItem(menu, "An item", nullptr, 0);
@@ -485,7 +485,7 @@ void RegisterCommandHandler() {
         r->handle = command;
         r->b = Draw().Below(2);
     }
-    AVSKRegisterCommandHandler(r->handle, In<OnCommand>(r->file), r->b, r);
+    AVSKRegisterCommandHandler(r->handle, Code<Kind::Command>(*r), r->b, r);
     ++r->count;
 }
 
@@ -494,7 +494,7 @@ void UnregisterCommandHandler() {
     if (!r)
         return;
     const bool mine = r->owner == Self();
-    AVSKUnregisterCommandHandler(r->handle, In<OnCommand>(r->file), r->b, r);
+    AVSKUnregisterCommandHandler(r->handle, Code<Kind::Command>(*r), r->b, r);
     if (mine && r->count > 0 && --r->count == 0)
         MarkRemoved(*r);
 }
@@ -513,7 +513,7 @@ constexpr SharedName kShared[] = {
 bool Share(Registration &r) {
     r.a = Draw().Below(4);
     const SharedName &shared = kShared[r.a];
-    const bool taken = AVSKShareData(shared.name, shared.type, In<OnDataChanged>(r.file), &r) == 1;
+    const bool taken = AVSKShareData(shared.name, shared.type, Code<Kind::Shared>(r), &r) == 1;
     REQUIRE(taken || (kRules.nobodyCreatesNothing && r.owner == NO_PLUGIN_ID), "data cannot be shared");
     r.count = taken;
     return taken;
@@ -525,7 +525,7 @@ void Unshare() {
         return;
     const bool live = r->owner == Self() && r->count > 0 && StatusOf(*r) == Status::Live;
     const SharedName &shared = kShared[r->a];
-    const int answer = AVSKUnshareData(shared.name, shared.type, In<OnDataChanged>(r->file), r);
+    const int answer = AVSKUnshareData(shared.name, shared.type, Code<Kind::Shared>(*r), r);
     REQUIRE(answer || !live, "a subscription is not found");
     REQUIRE(!answer || r->owner == Self(), "a subscription of plugin %d ends for %d", r->owner, Self());
     if (answer)
@@ -568,8 +568,8 @@ void RegisterData() {
         r.a = number;
         r.removed = ref || r.owner == NO_PLUGIN_ID;
         r.handle = AVSKRegisterDataAccessor(name, AVSKDataTypeInt | AVSKDataTypeIntArray, Draw().Below(4) != 0,
-                                            In<OnReadInt>(r.file), In<OnWriteInt>(r.file), nullptr, nullptr, nullptr,
-                                            nullptr, In<OnReadInts>(r.file), In<OnWriteInts>(r.file), nullptr, nullptr,
+                                            Code<Kind::Data>(r), Code<Kind::Data>(r), nullptr, nullptr, nullptr,
+                                            nullptr, Code<Kind::Data>(r), Code<Kind::Data>(r), nullptr, nullptr,
                                             nullptr, nullptr, &r, &r);
         return r.handle != nullptr;
     });
@@ -614,7 +614,7 @@ void UseData() {
 }
 
 bool LoadAsync(Registration &r) {
-    AVSKLoadObjectAsync("an object", In<OnObject>(r.file), &r);
+    AVSKLoadObjectAsync("an object", Code<Kind::Load>(r), &r);
     return false;
 }
 
@@ -630,7 +630,7 @@ void UseScenery() {
     places[0].structSize = places[1].structSize = sizeof *places;
     AVSKDrawObjects(HandleOf<void>(Kind::Object), 2, places, 0, 0);
     if (Registration *r = Register(Kind::Feature))
-        AVSKLookupObjects("a path", 1, 2, In<OnFeature>(r->file), r);
+        AVSKLookupObjects("a path", 1, 2, Code<Kind::Feature>(*r), r);
 }
 
 char aircraft[] = "Aircraft/a/x.acf";
@@ -638,7 +638,7 @@ char aircraft[] = "Aircraft/a/x.acf";
 bool AcquirePlanes(Registration &r) {
     char *paths[] = {aircraft, aircraft, nullptr};
     r.count = 1; // withdrawn if it was not queued
-    if (!AVSKAcquirePlanes(Draw().Flag() ? paths : nullptr, In<OnPlanes>(r.file), &r))
+    if (!AVSKAcquirePlanes(Draw().Flag() ? paths : nullptr, Code<Kind::Planes>(r), &r))
         return false;
     REQUIRE(r.count == 1, "planes are offered to the plugin that has them");
     r.count = 0;
@@ -661,7 +661,7 @@ void UsePlanes() {
 bool ControlCamera(Registration &r) {
     if (!kRules.nobodyCreatesNothing || r.owner != NO_PLUGIN_ID)
         gFuzz.camera = &r;
-    AVSKControlCamera(Draw().Below(3), In<OnCamera>(r.file), &r);
+    AVSKControlCamera(Draw().Below(3), Code<Kind::Camera>(r), &r);
     return false;
 }
 
@@ -726,7 +726,7 @@ constexpr Choice kCalls[] = {
     {1, "unregister loop",
      [] {
          Remove(Pick(Kind::Loop), Removes::Anybodys,
-                [](Registration &r) { AVSKUnregisterFlightLoopCallback(In<OnLoop>(r.file), &r); });
+                [](Registration &r) { AVSKUnregisterFlightLoopCallback(Code<Kind::Loop>(r), &r); });
      }},
     {2, "change loop", ChangeLoop},
     {4, "register draw", RegisterDraw},
@@ -859,7 +859,7 @@ void ActAtTop() {
     if (!MayAct())
         return;
     const unsigned number = Draw().Byte();
-    if (number == 255)
+    if (number == 255 && Draw().Rarely(4))
         return Restart();
     if (number < 192)
         return gReports.Act(number);

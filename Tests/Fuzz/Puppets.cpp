@@ -34,18 +34,6 @@ Incarnation &EntryOf(const char *entry) {
 }
 
 void ActInEntry() { ActInCallback(8); }
-void Act() { ActInCallback(24); }
-
-const Registration &CheckWindow(AVSKWindowID window, void *refcon) {
-    const Registration &r = CheckCall(refcon, Kind::Window);
-    REQUIRE(window == r.handle, "a window is called as another");
-    return r;
-}
-
-int AnyAnswer() {
-    constexpr int answers[] = {1, 0, 1, 2, 1, 3, -1, 0};
-    return gFuzz.in.OneOf(answers);
-}
 
 // An exception object of a file.
 struct Own {
@@ -67,25 +55,13 @@ int OnStart(char *name, char *signature, char *description) {
     Incarnation &who = Begin(file);
     std::snprintf(name, AVSK_TEXT_SIZE, "Puppet %d", file);
     std::strcpy(description, "a puppet");
-    bool refused = false;
-    int signed_ = file;
     const int kind = gFuzz.in.Below(16);
-    if (kind == 13) // the signature of another
-        signed_ = gFuzz.in.Below(kPuppets);
-    if (kind == 14) // one of its own, or none
-        std::snprintf(signature, AVSK_TEXT_SIZE, "%.*s", gFuzz.in.Below(2) * 8, "own.name");
-    else
-        std::snprintf(signature, AVSK_TEXT_SIZE, "fuzz.%d", signed_);
-    refused = kind == 15;
-    try {
-        ActInEntry();
-    } catch (...) {
-        gFuzz.files[file].kept = true;
-        throw;
-    }
-    if (refused)
-        gFuzz.files[file].kept = true;
-    return who.accepted = !refused;
+    if (kind != 14) // 14: an empty signature, 13: perhaps that of another
+        std::snprintf(signature, AVSK_TEXT_SIZE, "fuzz.%d", kind == 13 ? gFuzz.in.Below(kPuppets) : file);
+    ActInEntry();
+    who.accepted = kind != 15;
+    gFuzz.files[file].kept |= !who.accepted;
+    return who.accepted;
 }
 
 void OnStop() {
@@ -153,7 +129,7 @@ struct Entry {
 };
 template <auto kTarget>
 void *EntryIn(int file) {
-    return reinterpret_cast<void *>(In<kTarget>(file));
+    return reinterpret_cast<void *>(OfFile<InFiles<kTarget>>(file));
 }
 constexpr Entry kEntries[] = {
     {"AVPluginStart", EntryIn<OnStart>},
@@ -258,7 +234,7 @@ void AVSKFetchDirectoryContents(const char *path, const char *pattern, std::vect
 
 // ---- Callbacks
 
-void OnError(const char *message) {
+static void OnError(const char *message) {
     ++gCounters.callbacks;
     TRACE("error of file %d: %s", gFuzz.file, message);
     const int id = AVSKGetMyID();
@@ -266,11 +242,12 @@ void OnError(const char *message) {
     REQUIRE(gFuzz.file == (who ? who->file : kProgram) && (who || id == AVSK_PLUGIN_AERIVO),
             "error of file %d for plugin %d: %s", gFuzz.file, id, message);
     REQUIRE(!who || (who->errorSet && !who->record->unloaded), "error of plugin %d, which wants none: %s", id, message);
-    Act();
+    ActInCallback(24);
 }
 
-float OnLoop(float, float total, int counter, void *refcon) {
-    const Registration &r = CheckCall(refcon, Kind::Loop);
+AVSKError_f ErrorCallback(int file) { return OfFile<InFiles<OnError>>(file); }
+
+void CheckLoop(const Registration &r, float total, int counter) {
     REQUIRE(!gFuzz.passes.empty(), "a flight loop is called outside a pass");
     const FlightPass &pass = gFuzz.passes.back();
     REQUIRE(r.a == pass.phase, "a flight loop of phase %d is called in a pass of %d", r.a, pass.phase);
@@ -278,118 +255,10 @@ float OnLoop(float, float total, int counter, void *refcon) {
     REQUIRE(std::memcmp(&total, &pass.now, sizeof total) == 0 || (std::isnan(total) && std::isnan(pass.now)),
             "a flight loop hears of the time %g at %g", total, pass.now);
     REQUIRE(counter == AVSKGetCycleNumber(), "a flight loop hears of pass %d in %d", counter, AVSKGetCycleNumber());
-    Act();
-    constexpr float intervals[] = {0, -1, 1, -1, 0.25F, -2, -0.5F, 1e30F, -1e30F, INFINITY, -INFINITY, NAN};
-    return gFuzz.in.OneOf(intervals);
 }
 
-int OnDraw(int phase, int isBefore, void *refcon) {
-    const Registration &r = CheckCall(refcon, Kind::Draw);
-    REQUIRE(gFuzz.drawHooks > 0, "a draw callback is called outside a pass");
-    REQUIRE(phase == r.a && isBefore == r.b, "a draw callback of %d/%d is called for %d/%d", r.a, r.b, phase, isBefore);
-    Act();
-    return AnyAnswer();
-}
-
-int OnSniffer(char, int, char, void *refcon) {
-    REQUIRE(gFuzz.keyHooks > 0, "a sniffer is called without a key");
-    CheckCall(refcon, Kind::Sniffer);
-    Act();
-    return AnyAnswer();
-}
-
-void OnDrawWindow(AVSKWindowID window, void *refcon) {
-    CheckWindow(window, refcon);
-    REQUIRE(gFuzz.drawHooks > 0, "a window is drawn outside a pass");
-    Act();
-}
-
-void OnKey(AVSKWindowID window, char, int, char, void *refcon, int losingFocus) {
-    const Registration &r = CheckCall(refcon, Kind::Window);
-    REQUIRE(losingFocus || window == r.handle, "a window is called as another");
-    REQUIRE(losingFocus || gFuzz.keyHooks > 0, "a window gets a key that was not pressed");
-    Act();
-}
-
-int OnClick(AVSKWindowID window, int, int, int status, void *refcon) {
-    CheckWindow(window, refcon);
-    REQUIRE(status >= AVSKMouseDown && status <= AVSKMouseUp, "mouse status %d", status);
-    Act();
-    return AnyAnswer();
-}
-
-int OnCursor(AVSKWindowID window, int, int, void *refcon) {
-    CheckWindow(window, refcon);
-    Act();
-    return gFuzz.in.Below(3);
-}
-
-int OnWheel(AVSKWindowID window, int, int, int, int, void *refcon) {
-    CheckWindow(window, refcon);
-    Act();
-    return gFuzz.in.Below(2);
-}
-
-void OnHotKey(void *refcon) {
-    REQUIRE(gFuzz.keyHooks > 0, "a hot key runs without a key");
-    CheckCall(refcon, Kind::HotKey);
-    Act();
-}
-
-void OnMenu(void *menuRef, void *) {
-    CheckCall(menuRef, Kind::Menu);
-    Act();
-}
-
-int OnCommand(AVSKCommandRef command, int phase, void *refcon) {
-    REQUIRE(command == CheckCall(refcon, Kind::Command).handle, "a handler of one command is called for another");
-    REQUIRE(phase >= AVSKCommandPhaseBegin && phase <= AVSKCommandPhaseEnd, "command phase %d", phase);
-    Act();
-    return AnyAnswer();
-}
-
-void OnDataChanged(void *refcon) {
-    CheckCall(refcon, Kind::Shared);
-    Act();
-}
-
-int OnReadInt(void *refcon) {
-    CheckCall(refcon, Kind::Data);
-    Act();
-    return AnyAnswer();
-}
-
-int OnReadInts(void *refcon, int *values, int offset, int max) {
-    if (values && max > 0)
-        values[0] = offset;
-    return OnReadInt(refcon);
-}
-
-void OnWriteInt(void *refcon, int) { OnReadInt(refcon); }
-void OnWriteInts(void *refcon, int *, int, int) { OnReadInt(refcon); }
-
-void OnObject(AVSKObjectRef, void *refcon) {
-    Registration &r = CheckCall(refcon, Kind::Load);
-    REQUIRE(!std::exchange(r.done, true), "an object is delivered twice");
-    Act();
-}
-
-void OnPlanes(void *refcon) {
-    REQUIRE(CheckCall(refcon, Kind::Planes).count-- > 0, "planes are offered to a plugin that does not wait");
-    Act();
-}
-
-int OnCamera(AVSKCameraPosition *position, int isLosingControl, void *refcon) {
-    const Registration &r = CheckCall(refcon, Kind::Camera);
+void CheckCamera(const Registration &r, const AVSKCameraPosition *position, int isLosingControl) {
     REQUIRE(&r == gFuzz.camera, "the camera is asked of a plugin without control");
     REQUIRE(AVSKIsCameraBeingControlled(nullptr), "the camera is asked of a plugin when nobody has control");
-    REQUIRE((position == nullptr) == (isLosingControl != 0), "losing control %d, with position %p", isLosingControl,
-            static_cast<void *>(position));
-    Act();
-    return gFuzz.in.Below(4) != 0;
-}
-
-void OnFeature(const char *, void *refcon) {
-    CheckCall(refcon, Kind::Feature);
-    Act();
+    REQUIRE(!position == (isLosingControl != 0), "losing control %d, with a position or none", isLosingControl);
 }

@@ -1,6 +1,6 @@
-// The puppets: plugins whose code lies in the program. Each of the callbacks
-// below exists once for each file, so that a call of code that is not mapped,
-// or is unmapped before the call returns, is a fault that is seen.
+// The puppets: plugins whose code lies in the program. Each function of them
+// exists once for each file, so that a call of code that is not mapped, or is
+// unmapped before the call returns, is a fault that is seen.
 #ifndef AVSK_FUZZ_PUPPETS_H
 #define AVSK_FUZZ_PUPPETS_H
 
@@ -8,6 +8,9 @@
 
 #include "AVSK/AVSK.h"
 
+#include <cmath>
+#include <tuple>
+#include <type_traits>
 #include <utility>
 
 // A call of a file's code.
@@ -23,6 +26,18 @@ class InFile {
     const int mapping;
 };
 
+// The function of a file among those of all files: kCalls::Call<file>.
+template <class Calls, int... kFiles>
+auto Select(int file, std::integer_sequence<int, kFiles...>) {
+    constexpr decltype(&Calls::template Call<0>) calls[] = {Calls::template Call<kFiles>...};
+    return calls[file];
+}
+template <class Calls>
+auto OfFile(int file) {
+    return Select<Calls>(file, std::make_integer_sequence<int, kPuppets + 1>());
+}
+
+// A function as that of each file.
 template <auto kTarget, class Pointer = decltype(kTarget)>
 struct InFiles;
 template <auto kTarget, class Result, class... Arguments>
@@ -32,40 +47,77 @@ struct InFiles<kTarget, Result (*)(Arguments...)> {
         const InFile call(kFile);
         return kTarget(arguments...);
     }
-    template <int... kFiles>
-    static constexpr auto Select(int file, std::integer_sequence<int, kFiles...>) {
-        constexpr Result (*const calls[])(Arguments...) = {Call<kFiles>...};
-        return calls[file];
-    }
 };
-// A function as that of a file.
-template <auto kTarget>
-auto In(int file) {
-    return InFiles<kTarget>::Select(file, std::make_integer_sequence<int, kPuppets + 1>());
+
+// What holds for every callback, and for those of a kind.
+void CheckLoop(const Registration &r, float total, int counter);
+void CheckCamera(const Registration &r, const AVSKCameraPosition *position, int isLosingControl);
+template <Kind kKind, class... Arguments>
+void Check(Registration &r, Arguments... arguments) {
+    const auto all = std::make_tuple(arguments...);
+    if constexpr (kKind == Kind::Loop)
+        CheckLoop(r, std::get<1>(all), std::get<2>(all));
+    if constexpr (kKind == Kind::Camera)
+        CheckCamera(r, std::get<0>(all), std::get<1>(all));
+    if constexpr (kKind == Kind::Draw)
+        REQUIRE(gFuzz.drawHooks > 0 && std::get<0>(all) == r.a && std::get<1>(all) == r.b,
+                "a draw callback of %d/%d is called for %d/%d", r.a, r.b, std::get<0>(all), std::get<1>(all));
+    if constexpr (kKind == Kind::Sniffer || kKind == Kind::HotKey)
+        REQUIRE(gFuzz.keyHooks > 0, "a %s runs without a key", NameOf(kKind));
+    if constexpr (kKind == Kind::Window) {
+        bool losingFocus = false; // the one that ends with a number
+        if constexpr (std::is_same_v<
+                          std::tuple_element_t<sizeof...(arguments) - 1, decltype(std::make_tuple(arguments...))>, int>)
+            losingFocus = std::get<sizeof...(arguments) - 1>(all) != 0;
+        REQUIRE(losingFocus || std::get<0>(all) == r.handle, "a window is called as another");
+        REQUIRE(sizeof...(arguments) != 2 || gFuzz.drawHooks > 0, "a window is drawn outside a pass");
+    }
+    if constexpr (kKind == Kind::Command)
+        REQUIRE(std::get<0>(all) == r.handle, "a handler of one command is called for another");
+    if constexpr (kKind == Kind::Load)
+        REQUIRE(!std::exchange(r.done, true), "an object is delivered twice");
+    if constexpr (kKind == Kind::Planes)
+        REQUIRE(r.count-- > 0, "planes are offered to a plugin that does not wait");
 }
 
-void OnError(const char *message);
-float OnLoop(float sinceLast, float total, int counter, void *refcon);
-int OnDraw(int phase, int isBefore, void *refcon);
-int OnSniffer(char key, int flags, char virtualKey, void *refcon);
-void OnDrawWindow(AVSKWindowID window, void *refcon);
-void OnKey(AVSKWindowID window, char key, int flags, char virtualKey, void *refcon, int losingFocus);
-int OnClick(AVSKWindowID window, int x, int y, int status, void *refcon);
-int OnCursor(AVSKWindowID window, int x, int y, void *refcon);
-int OnWheel(AVSKWindowID window, int x, int y, int wheel, int clicks, void *refcon);
-void OnHotKey(void *refcon);
-void OnMenu(void *menuRef, void *itemRef);
-int OnCommand(AVSKCommandRef command, int phase, void *refcon);
-void OnDataChanged(void *refcon);
-int OnReadInt(void *refcon);
-void OnWriteInt(void *refcon, int value);
-int OnReadInts(void *refcon, int *values, int offset, int max);
-void OnWriteInts(void *refcon, int *values, int offset, int count);
-void OnObject(AVSKObjectRef object, void *refcon);
-void OnPlanes(void *refcon);
-int OnCamera(AVSKCameraPosition *position, int isLosingControl, void *refcon);
-void OnFeature(const char *name, void *refcon);
+// A callback of a kind. Its refcon is its last argument of that type, a menu's its first.
+template <Kind kKind, class Result, class... Arguments>
+struct Callback {
+    template <int kFile>
+    static Result Call(Arguments... arguments) {
+        const InFile call(kFile);
+        void *refcon = nullptr;
+        const auto take = [&](auto argument) {
+            if constexpr (std::is_same_v<decltype(argument), void *>)
+                refcon = kKind == Kind::Menu && refcon ? refcon : argument;
+        };
+        (take(arguments), ...);
+        Check<kKind>(CheckCall(refcon, kKind), arguments...);
+        ActInCallback(24);
+        constexpr float intervals[] = {0, -1, 1, -1, 0.25F, -2, -0.5F, 1e30F, -1e30F, INFINITY, -INFINITY, NAN};
+        constexpr int answers[] = {1, 0, 1, 2, 1, 3, -1, 0};
+        if constexpr (std::is_same_v<Result, float>)
+            return gFuzz.in.OneOf(intervals);
+        else if constexpr (!std::is_void_v<Result>)
+            return gFuzz.in.OneOf(answers);
+    }
+};
 
+// The callbacks of a kind that a file has, of whatever type is wanted.
+template <Kind kKind>
+struct Code {
+    explicit Code(const Registration &r) : file(r.file) {}
+    template <class Result, class... Arguments>
+    using Function = Result (*)(Arguments...);
+    template <class Result, class... Arguments>
+    operator Function<Result, Arguments...>() const {
+        return OfFile<Callback<kKind, Result, Arguments...>>(file);
+    }
+    const int file;
+};
+
+// The error callback of a file.
+AVSKError_f ErrorCallback(int file);
 // Throws an object whose type and destructor are those of the file whose code runs.
 [[noreturn]] void ThrowOwn();
 
