@@ -295,8 +295,8 @@ void StDispatchCallback::ReturnPastUnloads(const int *top, int previous) {
             gDispatchedPlugin = NO_PLUGIN_ID;
         return;
     }
-    // An exception on its way out may be an object of one of these libraries.
-    if (std::uncaught_exceptions() > 0)
+    // An exception on its way out, or held until others are unloaded, may be of one of these libraries.
+    if (std::uncaught_exceptions() > 0 || LastCalls::AnyThrown())
         return;
     stack.unloadsWait = false;
     for (void *handle : std::exchange(gWaitingLibraries, {}))
