@@ -5,7 +5,6 @@
 #include "Puppets.h"
 
 #include "AVSKDispatch.h"
-#include "AVSKScopedValue.h"
 
 #include <algorithm>
 #include <cmath>
@@ -71,6 +70,11 @@ void Remove(Registration *r, Removes which, Call call) {
         MarkRemoved(*r);
 }
 
+template <Kind kKind, class T, auto kCall, Removes kWhich>
+void RemoveByHandle() {
+    Remove(PickLatest(kKind), kWhich, [](Registration &r) { kCall(As<T>(r.handle)); });
+}
+
 // Each loading of plugins costs many other calls: a run has a few.
 bool MayLoad() { return gFuzz.loads < 4 + gFuzz.actions / 100 && ++gFuzz.loads; }
 
@@ -133,7 +137,7 @@ void Pass() {
 }
 
 void DrawScreen(int code, int reflection) {
-    const Deeper drawing(gFuzz.drawHooks);
+    const AVSKScopedValue drawing(gFuzz.drawHooks, gFuzz.drawHooks + 1);
     Hook([=] { AVSKDoDrawingHook(code, reflection); });
 }
 
@@ -147,7 +151,7 @@ void Click() {
 }
 
 void PressKey() {
-    const Deeper pressing(gFuzz.keyHooks);
+    const AVSKScopedValue pressing(gFuzz.keyHooks, gFuzz.keyHooks + 1);
     Hook([key = AnyKey(), flags = AnyFlags()] { AVSKKeyPressHook(key, flags, key); });
 }
 
@@ -388,24 +392,14 @@ Registration *Found(AVSKWindowID window) {
 bool CreateWindow(Registration &r) {
     const int left = AnyX();
     const int right = left + Draw().Below(12) - 1;
-    r.handle = AVSKCreateWindow(left, right, right, left, !Draw().Rarely(6), Code<Kind::Window>(r),
-                                Code<Kind::Window>(r), Code<Kind::Window>(r), &r);
+    const Code<Kind::Window> code(r);
+    r.handle = AVSKCreateWindow(left, right, right, left, !Draw().Rarely(6), code, code, code, &r);
     return r.handle;
 }
 
 bool CreateWindowEx(Registration &r) {
-    const AVSKCreateWindowParams params = {sizeof params,
-                                           0,
-                                           16,
-                                           16,
-                                           0,
-                                           !Draw().Rarely(6),
-                                           Code<Kind::Window>(r),
-                                           Code<Kind::Window>(r),
-                                           Code<Kind::Window>(r),
-                                           Code<Kind::Window>(r),
-                                           Code<Kind::Window>(r),
-                                           &r};
+    const Code<Kind::Window> f(r);
+    const AVSKCreateWindowParams params = {sizeof params, 0, 16, 16, 0, !Draw().Rarely(6), f, f, f, f, f, &r};
     r.handle = AVSKCreateWindowEx(&params);
     const bool created = r.handle;
     if (Draw().Rarely(3))
@@ -567,10 +561,10 @@ void RegisterData() {
     Create(Kind::Data, [&](Registration &r) {
         r.a = number;
         r.removed = ref || r.owner == NO_PLUGIN_ID;
-        r.handle = AVSKRegisterDataAccessor(name, AVSKDataTypeInt | AVSKDataTypeIntArray, Draw().Below(4) != 0,
-                                            Code<Kind::Data>(r), Code<Kind::Data>(r), nullptr, nullptr, nullptr,
-                                            nullptr, Code<Kind::Data>(r), Code<Kind::Data>(r), nullptr, nullptr,
-                                            nullptr, nullptr, &r, &r);
+        const Code<Kind::Data> f(r);
+        r.handle =
+            AVSKRegisterDataAccessor(name, AVSKDataTypeInt | AVSKDataTypeIntArray, Draw().Below(4) != 0, f, f, nullptr,
+                                     nullptr, nullptr, nullptr, f, f, nullptr, nullptr, nullptr, nullptr, &r, &r);
         return r.handle != nullptr;
     });
 }
@@ -618,9 +612,9 @@ bool LoadAsync(Registration &r) {
     return false;
 }
 
-bool LoadObject(Registration &r) { return r.handle = AVSKLoadObject("an object"); }
+bool LoadObject(Registration &r) { return (r.handle = AVSKLoadObject("an object")); }
 
-bool CreateProbe(Registration &r) { return r.handle = AVSKCreateProbe(Draw().Below(2)); }
+bool CreateProbe(Registration &r) { return (r.handle = AVSKCreateProbe(Draw().Below(2))); }
 
 void UseScenery() {
     AVSKProbeInfo info = {};
@@ -718,11 +712,7 @@ constexpr Choice kCalls[] = {
     {1, "ask about plugin", AskAboutPlugin},
     {3, "create loop", [] { Create(Kind::Loop, CreateLoop); }},
     {2, "register loop", [] { Create(Kind::Loop, RegisterLoop); }},
-    {1, "destroy loop",
-     [] {
-         Remove(PickLatest(Kind::Loop), Removes::Own,
-                [](Registration &r) { AVSKDestroyFlightLoop(As<AVSKFlightLoopRecord>(r.handle)); });
-     }},
+    {1, "destroy loop", RemoveByHandle<Kind::Loop, AVSKFlightLoopRecord, AVSKDestroyFlightLoop, Removes::Own>},
     {1, "unregister loop",
      [] {
          Remove(Pick(Kind::Loop), Removes::Anybodys,
@@ -735,10 +725,7 @@ constexpr Choice kCalls[] = {
     {2, "unregister sniffer", UnregisterSniffer},
     {3, "register hot key", [] { Create(Kind::HotKey, RegisterHotKey); }},
     {1, "unregister hot key",
-     [] {
-         Remove(PickLatest(Kind::HotKey), Removes::Anybodys,
-                [](Registration &r) { AVSKUnregisterHotKey(As<AVSKHotKeyInfoRecord>(r.handle)); });
-     }},
+     RemoveByHandle<Kind::HotKey, AVSKHotKeyInfoRecord, AVSKUnregisterHotKey, Removes::Anybodys>},
     {1, "count hot keys", CountHotKeys},
     {1, "change hot key", ChangeHotKey},
     {3, "create window", [] { Create(Kind::Window, CreateWindow); }},
@@ -748,11 +735,7 @@ constexpr Choice kCalls[] = {
     {2, "bring to front", BringWindowToFront},
     {2, "move window", MoveWindow},
     {3, "create menu", [] { Create(Kind::Menu, CreateMenu); }},
-    {1, "destroy menu",
-     [] {
-         Remove(PickLatest(Kind::Menu), Removes::Own,
-                [](Registration &r) { AVSKDestroyMenu(As<AVSKMenuInfo_t>(r.handle)); });
-     }},
+    {1, "destroy menu", RemoveByHandle<Kind::Menu, AVSKMenuInfo_t, AVSKDestroyMenu, Removes::Own>},
     {1, "clear menu", ClearMenu},
     {3, "change menu", ChangeMenu},
     {3, "register handler", RegisterCommandHandler},
@@ -821,7 +804,7 @@ void ShareNames() {
 void ActInCallback(int throwsOneIn) {
     if (gFuzz.calm || gFuzz.depth >= kMaxDepth)
         return;
-    const Deeper deeper(gFuzz.depth);
+    const AVSKScopedValue deeper(gFuzz.depth, gFuzz.depth + 1);
     constexpr int counts[] = {0, 1, 1, 2, 2, 3, 4, 0};
     for (int count = Draw().OneOf(counts); count > 0 && MayAct(); --count) {
         const unsigned number = Draw().Byte();
@@ -844,7 +827,7 @@ void ActInCallback(int throwsOneIn) {
 void ActAsHost() {
     if (gFuzz.depth >= kMaxDepth || !MayAct())
         return;
-    const Deeper deeper(gFuzz.depth);
+    const AVSKScopedValue deeper(gFuzz.depth, gFuzz.depth + 1);
     try {
         if (kRules.livesInServices && Draw().Rarely(32))
             Restart();

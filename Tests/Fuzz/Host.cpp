@@ -45,7 +45,7 @@ void Service() {
         return;
     constexpr int pauses[] = {64, 32, 16, 8, 4, 2, 1, 0};
     gFuzz.quiet = gFuzz.in.OneOf(pauses);
-    const Deeper host(gFuzz.hostDepth);
+    const AVSKScopedValue host(gFuzz.hostDepth, gFuzz.hostDepth + 1);
     ActAsHost();
 }
 
@@ -167,7 +167,7 @@ void LoadObjectAsync(const char *path, void (*completion)(void *, void *), void 
     requests.push_back({completion, argument, false});
     if (gFuzz.calm)
         return;
-    const Deeper host(gFuzz.hostDepth);
+    const AVSKScopedValue host(gFuzz.hostDepth, gFuzz.hostDepth + 1);
     if (gFuzz.in.Rarely(4)) {
         try {
             Complete(requests.back());

@@ -7,6 +7,7 @@
 #include "Input.h"
 
 #include "AVSKLoader.h"
+#include "AVSKScopedValue.h"
 
 #include <deque>
 #include <memory>
@@ -131,7 +132,6 @@ struct Fuzz {
     int serial = 0;
     int file = kProgram; // whose code runs
     float now = 0;
-    int lowestUnusedID = 0;
     std::deque<Incarnation> incarnations;
     std::vector<Incarnation *> latest;       // by plugin ID
     std::vector<Incarnation *> watched;      // not known to be unloaded
@@ -199,18 +199,6 @@ class Pushed {
 
   private:
     std::vector<T> &list;
-};
-
-// Raises a number for a scope.
-class Deeper {
-  public:
-    explicit Deeper(int &counted) : number(counted) { ++number; }
-    ~Deeper() { --number; }
-    Deeper(const Deeper &) = delete;
-    Deeper &operator=(const Deeper &) = delete;
-
-  private:
-    int &number;
 };
 
 // What callbacks and the session do next; see Actions.cpp.

@@ -3,7 +3,6 @@
 #include "Puppets.h"
 
 #include "AVSKDispatch.h"
-#include "AVSKScopedValue.h"
 
 // The loader is a stand-in; the rest of its floor is as it is.
 #define AVSKLoadDLL SystemLoadDLL

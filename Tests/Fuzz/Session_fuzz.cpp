@@ -57,18 +57,13 @@ void CleanUpRest() {
     AVSKDontControlCamera();
     for (const int button : gFuzz.buttons)
         AVSKCommandButtonRelease(button);
-    for (int id = NO_PLUGIN_ID; id <= static_cast<int>(gFuzz.latest.size()); ++id) {
-        AVSKCommandCleanupHook(id);
-        AVSKDisplayCleanupHook(id);
-        AVSKProcessingCleanupHook(id);
-        AVSKCameraCleanupHook(id);
-        AVSKMenuCleanupHook(id);
-        AVSKPlaneCleanupHook(id);
-        if (id != AVSK_PLUGIN_AERIVO)
-            AVSKDataRefsCleanupHook(id);
-        AVSKSharedDataCleanupHook(id);
-        AVSKSceneryCleanupHook(id);
-    }
+    constexpr void (*hooks[])(int) = {AVSKCommandCleanupHook,  AVSKDisplayCleanupHook,    AVSKProcessingCleanupHook,
+                                      AVSKCameraCleanupHook,   AVSKMenuCleanupHook,       AVSKPlaneCleanupHook,
+                                      AVSKDataRefsCleanupHook, AVSKSharedDataCleanupHook, AVSKSceneryCleanupHook};
+    for (int id = NO_PLUGIN_ID; id <= static_cast<int>(gFuzz.latest.size()); ++id)
+        for (auto *const hook : hooks)
+            if (id != AVSK_PLUGIN_AERIVO || hook != AVSKDataRefsCleanupHook) // the library's own stay
+                hook(id);
     AVSKSetDispatchedPlugin(AVSK_PLUGIN_AERIVO);
     for (const Registration *each : gFuzz.of[static_cast<std::size_t>(Kind::Data)])
         AVSKUnregisterDataAccessor(static_cast<AVSKDataRef>(each->handle));
