@@ -444,9 +444,9 @@ bool CreateMenu(Registration &r) {
 }
 
 void ClearMenu() {
-    Clearing clearing = {gFuzz.depth, -1};
+    Clearing clearing = {HandleOf<AVSKMenuInfo_t>(Kind::Menu), gFuzz.depth, -1};
     const AVSKScopedValue nested(gClearing, &clearing);
-    AVSKClearAllMenuItems(HandleOf<AVSKMenuInfo_t>(Kind::Menu));
+    AVSKClearAllMenuItems(clearing.menu);
 }
 
 void ChangeMenu() {

@@ -17,6 +17,7 @@ struct HostItem {
 
 struct HostMenu {
     bool destroyed = false;
+    int removals = 0; // under way: the library's own books still have their items
     std::vector<HostItem> items;
     int Size() const { return static_cast<int>(items.size()); }
     HostItem *At(int index) { return index >= 0 && index < Size() ? &items[static_cast<std::size_t>(index)] : nullptr; }
@@ -107,11 +108,12 @@ void SetMenuItemName(void *menu, int index, const char *name, int) {
     if (HostItem *item = known.At(index))
         item->named = name && *name;
     if (gClearing && gClearing->depth == gFuzz.depth) {
-        // Removals under way may have told the host and not yet the library's own books.
         if (gClearing->renames < 0)
-            gClearing->renames = known.Size() + kMaxDepth;
+            gClearing->renames = known.Size() + known.removals;
         REQUIRE(!kRules.clearTakesWhatWasThere || gClearing->renames > 0, "clearing a menu follows what is appended");
         --gClearing->renames;
+        if (gFuzz.wildHost && gFuzz.in.Rarely(4))
+            AVSKAppendMenuItem(gClearing->menu, "Another item", nullptr, 0);
     }
     MenuService();
 }
@@ -121,7 +123,9 @@ void RemoveMenuItem(void *menu, int index) {
     REQUIRE(gFuzz.wildHost || known.At(index), "removeMenuItem of %d of %d", index, known.Size());
     if (known.At(index))
         known.items.erase(known.items.begin() + index);
+    ++known.removals;
     MenuService();
+    --Known(menu, "removeMenuItem").removals;
 }
 
 void DestroyMenu(void *menu) {

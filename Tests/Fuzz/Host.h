@@ -4,6 +4,7 @@
 #define AVSK_FUZZ_HOST_H
 
 #include "AVSK/AVSKHost.h"
+#include "AVSK/AVSKMenus.h"
 
 constexpr int kCommands = 4;
 
@@ -17,6 +18,7 @@ int AnyHostItemID();
 
 // While a menu is cleared: how many renames its items may take at this depth of calls.
 struct Clearing {
+    AVSKMenuID menu;
     int depth;
     int renames; // left; -1 until the first tells the menu
 };

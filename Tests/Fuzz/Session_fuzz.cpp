@@ -86,7 +86,7 @@ void StartLibrary() {
         ++gCounters.throws;
         whole = kRules.throwingEntryStopsNobody;
     }
-    if (whole && upheavals == gFuzz.upheavals)
+    if (whole && gFuzz.depth == 0 && upheavals == gFuzz.upheavals)
         CheckAfterStart();
 }
 
