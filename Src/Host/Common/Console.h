@@ -31,7 +31,10 @@ class Console {
     // Writes a line of the host's own to the log.
     void Note(const std::string &line) { Log("avsk: " + line + "\n"); }
 
-    // Shows how far the run is, if somebody watches and it takes a while.
+    // Why the file of the log is not complete; empty if it is or there is none.
+    std::string LogFault() const;
+
+    // Shows the progress of a run that takes longer, on a terminal with colours.
     void ShowProgress(int frame, int frames);
     void ClearProgress();
 
@@ -44,7 +47,8 @@ class Console {
     };
 
     bool mQuiet;
-    bool mWatched;
+    std::string mFileName;
+    int mFileError = 0;
     bool mShown = false;
     double mLastShown = 0;
     std::chrono::steady_clock::time_point mStarted = std::chrono::steady_clock::now();
