@@ -225,7 +225,7 @@ void WriteBacktrace(ucontext_t *context) {
     const void *instruction = context ? InstructionOf(*context) : nullptr;
     if (FileAt(instruction))
         WriteFramesOfOneFile(std::array{FrameAt(reinterpret_cast<std::uintptr_t>(instruction))});
-    WriteError("  The functions that called it are unknown: the stack is overwritten.\n");
+    WriteError("  The callers are unknown: the stack is overwritten.\n");
 }
 
 Stack StackOf(std::span<void *const> addresses) {

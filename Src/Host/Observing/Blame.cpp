@@ -43,7 +43,8 @@ const int kOverdue = SIGRTMAX - 3; // rarely used by others
 
 History gHistory;
 Blame *gBlame = nullptr;
-int gLastFrame = 0; // of the last Blame
+const int *gFrame = nullptr; // of the simulator; not read through the Blame, which may be overwritten
+int gLastFrame = 0;          // when the Blame ended
 pthread_t gMainThread;
 std::atomic<bool> gReporting = false;
 
@@ -120,7 +121,7 @@ void WriteHead(std::string_view head) {
 
 void WriteCalls(const Line &head) {
     WriteHead(head.Text());
-    WritePlace(gBlame ? gBlame->PresentFrame() : gLastFrame);
+    WritePlace(gFrame ? *gFrame : gLastFrame);
     gHistory.WriteOpen();
     gHistory.WriteLast();
 }
@@ -283,7 +284,7 @@ struct Blame::Handlers {
     Handlers &operator=(const Handlers &) = delete;
 };
 
-Blame::Blame(const int &frame, double timeout) : mFrame(frame) {
+Blame::Blame(const int &frame, double timeout) {
     [[maybe_unused]] static const int once = on_exit(OnExit, nullptr);
     if (__sanitizer_set_death_callback)
         __sanitizer_set_death_callback(OnSanitizersEnd);
@@ -291,6 +292,7 @@ Blame::Blame(const int &frame, double timeout) : mFrame(frame) {
     LearnStack();
     PrepareBacktrace();
     gBlame = this;
+    gFrame = &frame;
     mBefore = std::make_unique<Handlers>();
     if (timeout > 0)
         mWatchdog.emplace(timeout, kOverdue);
@@ -302,7 +304,8 @@ Blame::~Blame() {
     mWatchdog.reset(); // before the handler of its signal
     mBefore.reset();
     gBlame = nullptr;
-    gLastFrame = mFrame;
+    gLastFrame = *gFrame;
+    gFrame = nullptr;
 }
 
 void Blame::Begins(const Crossing &crossing) {

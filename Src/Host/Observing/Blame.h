@@ -29,13 +29,11 @@ class Blame : public crossings::Observer {
     void Begins(const crossings::Crossing &crossing) override;
     void Ends(const crossings::Crossing &crossing) override;
 
-    int PresentFrame() const { return mFrame; }
     bool IsOverdue() const { return mWatchdog && mWatchdog->IsOverdue(); }
     double Limit() const { return mWatchdog ? mWatchdog->Limit() : 0; }
 
   private:
     struct Handlers; // installs ours and restores the previous ones
-    const int &mFrame;
     std::unique_ptr<Handlers> mBefore;
     std::optional<Watchdog> mWatchdog;
     int mPluginDepth = -1; // depth of the outermost call of a plugin; -1: none

@@ -10,19 +10,25 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdint>
 #include <cstring>
 #include <exception>
 #include <span>
 #include <typeinfo>
 
-#include <execinfo.h>
+#include <unwind.h>
+
+// Of the linker: this program's code.
+// NOLINTNEXTLINE(bugprone-reserved-identifier)
+extern "C" const char __executable_start;
+extern "C" const char etext;
 
 namespace host {
 namespace {
 
 struct Throw {
     const void *exception = nullptr;
-    int depth = 0;
+    std::size_t count = 0;
     std::array<void *, 32> addresses{};
     Stack stack; // empty until the files are looked up
 };
@@ -30,11 +36,36 @@ struct Throw {
 std::array<Throw, 4> gThrows;
 unsigned gCount = 0;
 
-void Note(const void *exception) {
-    Throw &last = gThrows[gCount++ % gThrows.size()];
-    last.exception = exception;
-    last.depth = backtrace(last.addresses.data(), static_cast<int>(last.addresses.size()));
-    last.stack.count = 0;
+bool IsOfProgram(std::uintptr_t address) {
+    return address >= reinterpret_cast<std::uintptr_t>(&__executable_start) &&
+           address < reinterpret_cast<std::uintptr_t>(&etext);
+}
+
+struct Walk {
+    Throw &noted;
+    int bordersLeft; // this program's code lies at each border, and behind the outermost
+    bool wasProgram = true;
+};
+
+_Unwind_Reason_Code NoteFrame(_Unwind_Context *context, void *argument) {
+    auto &walk = *static_cast<Walk *>(argument);
+    const std::uintptr_t address = _Unwind_GetIP(context);
+    const bool isProgram = IsOfProgram(address);
+    if ((isProgram && !walk.wasProgram && walk.bordersLeft-- == 0) || walk.noted.count == walk.noted.addresses.size())
+        return _URC_END_OF_STACK;
+    walk.wasProgram = isProgram;
+    walk.noted.addresses[walk.noted.count++] = reinterpret_cast<void *>(address);
+    return _URC_NO_REASON;
+}
+
+// Follows the stack up to the host's own code only: plugins that throw and catch pay for each frame.
+void Note(const void *exception, int depth) {
+    Throw &noted = gThrows[gCount++ % gThrows.size()];
+    noted.exception = exception;
+    noted.count = 0;
+    noted.stack.count = 0;
+    Walk walk{noted, depth};
+    _Unwind_Backtrace(NoteFrame, &walk);
 }
 
 // The object that was passed to __cxa_throw.
@@ -50,7 +81,7 @@ const void *HandledException() {
 
 void KeepThrownStacks() {
     for (Throw &thrown : gThrows)
-        thrown.stack = StackOf({thrown.addresses.data(), static_cast<std::size_t>(thrown.depth)});
+        thrown.stack = StackOf({thrown.addresses.data(), thrown.count});
 }
 
 void WriteThrownStack() {
@@ -73,8 +104,9 @@ extern "C" __attribute__((visibility("default"), noreturn)) void __cxa_throw(voi
                                                                              void (*destructor)(void *)) {
     using Function = void (*)(void *, std::type_info *, void (*)(void *));
     static const auto next = reinterpret_cast<Function>(crossings::NextSymbol("__cxa_throw"));
-    if (crossings::AreObserved() && crossings::Innermost())
-        host::Note(exception);
+    const crossings::Crossing *call = crossings::AreObserved() ? crossings::Innermost() : nullptr;
+    if (call)
+        host::Note(exception, call->depth);
     next(exception, type, destructor);
     __builtin_unreachable();
 }
