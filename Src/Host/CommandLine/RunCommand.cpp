@@ -48,9 +48,10 @@ A picture shows what plugins draw through the interface: dark boxes, texts and n
 the menus, all opened. What they draw with OpenGL calls of their own is not seen here and is missing in it, as are
 scenery objects and aircraft.
 
-Exit status: 0 when all frames were run and all of a session came true, 1 when a step or an expectation of it failed or
-a budget was not kept, or an exception of a plugin ended the run early, 2 when the request cannot be met as it was made,
-3 when a plugin ended the run, by a signal, by exit() or by a call that took longer than --timeout.)";
+Exit status: 0 when all frames were run and all of a session came true, 1 when a step or an expectation of it failed, a
+budget was not kept, a filter or a budget named a plugin that was not there, a file could not be written completely, or
+an exception of a plugin ended the run early, 2 when the request cannot be met as it was made, 3 when
+a plugin ended the run, by a signal, by exit() or by a call that took longer than --timeout.)";
 
 // The number behind the last '@'; nothing if it is no frame of the run.
 std::optional<int> FrameOf(const std::string &text, int frames) {
