@@ -48,7 +48,8 @@ struct Value {
     };
 
     Kind kind = Kind::Nothing;
-    int length = -1; // of a text without a terminating zero; -1: it has one
+    bool isHandle = false; // of the library or the host
+    int length = -1;       // of a text without a terminating zero; -1: it has one
     union {
         int integer;
         AVSKWord word;

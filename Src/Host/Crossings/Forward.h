@@ -36,6 +36,12 @@ struct Start {
     int count;
 };
 
+template <class T>
+struct Handle {
+    explicit Handle(T *argument) : handle(argument) {}
+    T *handle;
+};
+
 // A copy of a structure with its callbacks replaced, and the original fields for
 // observers. A structure whose size the library will refuse is passed on unchanged.
 template <class T>
@@ -102,6 +108,10 @@ const T *Passed(const Structure<T> &structure) {
 }
 inline char *Passed(const Text &argument) { return argument.text; }
 inline const char *Passed(const Start &argument) { return argument.text; }
+template <class T>
+T *Passed(const Handle<T> &argument) {
+    return argument.handle;
+}
 
 template <class F>
 Value ValueOf(const Called<F> &called) {
@@ -110,6 +120,12 @@ Value ValueOf(const Called<F> &called) {
 template <class T>
 Value ValueOf(const Structure<T> &structure) {
     return structure.Shown();
+}
+template <class T>
+Value ValueOf(const Handle<T> &argument) {
+    Value value = ValueOf(argument.handle);
+    value.isHandle = true;
+    return value;
 }
 inline Value ValueOf(const Text &argument) { return ValueOf(static_cast<const char *>(argument.text)); }
 inline Value ValueOf(const Start &argument) {

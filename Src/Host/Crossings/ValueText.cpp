@@ -1,4 +1,4 @@
-// Values as text; see ValueText.h.
+// Values as text; see ValueText.h. Owns the pointer to the names of handles.
 #include "ValueText.h"
 
 #include "Symbols.h"
@@ -15,6 +15,8 @@
 
 namespace crossings {
 namespace {
+
+const HandleNames *gHandleNames = nullptr;
 
 // Words carry numbers and addresses alike; nothing is mapped below this one.
 constexpr AVSKWord kFirstAddress = 4096;
@@ -59,6 +61,13 @@ void AddText(Line &line, const char *text, int length) {
         line.Add("...");
 }
 
+void AddPointer(Line &line, const Value &value) {
+    if (!value.pointer)
+        return line.Add("null");
+    const std::string_view name = value.isHandle && gHandleNames ? gHandleNames->NameOf(value.pointer) : "";
+    return name.empty() ? line.AddHex(reinterpret_cast<std::uintptr_t>(value.pointer)) : line.Add(name);
+}
+
 void AddCharacter(Line &line, int character) {
     if (character < ' ' || character >= 0x7F)
         return line.Add(character);
@@ -68,6 +77,8 @@ void AddCharacter(Line &line, int character) {
 }
 
 } // namespace
+
+void SetHandleNames(const HandleNames *names) { gHandleNames = names; }
 
 bool ReadText(const char *text, int length, char *buffer, std::size_t size) {
     const std::size_t most = length < 0 ? size - 1 : std::min(size - 1, static_cast<std::size_t>(length));
@@ -101,7 +112,7 @@ void AddValue(Line &line, const Value &value) {
     case Value::Kind::Function:
         return value.pointer ? line.Add(SymbolAt(value.pointer)) : line.Add("null");
     case Value::Kind::Pointer:
-        return value.pointer ? line.AddHex(reinterpret_cast<std::uintptr_t>(value.pointer)) : line.Add("null");
+        return AddPointer(line, value);
     case Value::Kind::Structure:
         line.Add('{');
         AddValues(line, value.structure->fields, value.structure->values);

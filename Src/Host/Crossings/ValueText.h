@@ -22,7 +22,12 @@ class HandleNames {
     virtual std::string_view NameOf(const void *handle) const = 0;
 };
 
-// For a reader: texts in quotes and cut, functions by name, addresses in hexadecimal.
+// The names that AddValue() shows instead of addresses. Null for none; else they
+// must stay until replaced.
+void SetHandleNames(const HandleNames *names);
+
+// For a reader: texts in quotes and cut, functions and handles by name, other
+// addresses in hexadecimal.
 void AddValue(Line &line, const Value &value);
 // "name=value, name=value"
 void AddValues(Line &line, std::string_view names, std::span<const Value> values);

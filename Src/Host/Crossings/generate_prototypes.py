@@ -17,6 +17,7 @@ it is passed on or shown is wrapped:
     Text(text)                   a text, though its type is not const
     Start(text, count)           the first bytes of a text
     Structure(params)            a structure with callbacks in it
+    Handle(window)               a handle, which traces show by name
 
 usage: generate_prototypes.py OUTPUT HEADER...
 """
@@ -25,6 +26,11 @@ import re
 import sys
 
 STRUCTURES = ("const AVSKCreateWindowParams *", "const AVSKCreateFlightLoopParams *", "const AVSKHostCallbacks *")
+
+HANDLES = ("AVSKCommandRef", "AVSKDataRef", "AVSKFlightLoopID", "AVSKHotKeyID", "AVSKMenuID", "AVSKObjectRef",
+           "AVSKWindowID")
+# The host's table declares its handles as void *.
+HANDLES_OF_SERVICES = ("command", "menu", "object", "parent")
 
 
 def declarations(text):
@@ -69,6 +75,8 @@ def arguments(owner, parameters):
             wrapped.append(f"Called({name}, k_{owner}_{name})")
         elif parameter.type.endswith("_f"):
             wrapped.append(f"Called({name}, k_{parameter.type})")
+        elif parameter.type in HANDLES or (parameter.type == "void *" and name in HANDLES_OF_SERVICES):
+            wrapped.append(f"Handle({name})")
         elif parameter.type in STRUCTURES:
             wrapped.append(f"Structure({name})")
         elif (parameter.type, name) == ("char *", "text"):

@@ -3,15 +3,18 @@
 // of this one does not affect it.
 #include "Backtrace.h"
 
+#include "Fault.h"
 #include "History.h"
 
 #include <algorithm>
 #include <array>
 #include <cstdint>
 #include <cstdlib>
+#include <set>
 #include <span>
 #include <string>
 #include <string_view>
+#include <tuple>
 
 #include <csignal>
 #include <dlfcn.h>
@@ -27,18 +30,13 @@ using crossings::Line;
 
 namespace {
 
-constexpr std::size_t kShown = 32;
-constexpr unsigned kPatience = 5; // seconds for addr2line
+constexpr std::size_t kShown = std::tuple_size_v<decltype(Stack::frames)>;
+constexpr unsigned kPatience = 5;       // seconds for addr2line
+constexpr unsigned kWholePatience = 15; // seconds for a stack
 
-std::string &gProgram = *new std::string;    // the path of this program
-std::string &gSymbolizer = *new std::string; // the path of addr2line; empty without it
-
-struct Frame {
-    const char *file; // null: no file
-    std::uintptr_t offset;
-    bool isNamed;  // by its own symbol: in a stripped file addr2line names any symbol nearby
-    int times = 1; // how often it follows itself
-};
+std::string &gProgram = *new std::string;                   // the path of this program
+std::string &gSymbolizer = *new std::string;                // the path of addr2line; empty without it
+std::set<std::string> &gFiles = *new std::set<std::string>; // of stacks that are kept
 
 Frame FrameAt(std::uintptr_t address) {
     Dl_info info{};
@@ -155,6 +153,37 @@ std::span<void *const> FromContextOn(std::span<void *const> stack, const ucontex
     return begin == stack.end() ? stack : std::span<void *const>(begin, stack.end());
 }
 
+// The frames of a stack. Unless the first address is an instruction, all are
+// return addresses, which lie behind the call.
+Stack FramesOf(std::span<void *const> addresses, bool isFirstExact) {
+    Stack stack;
+    for (void *address : addresses) {
+        const Frame frame = FrameAt(reinterpret_cast<std::uintptr_t>(address) - (isFirstExact ? 0 : 1));
+        isFirstExact = false;
+        Frame *last = stack.count > 0 ? &stack.frames[stack.count - 1] : nullptr;
+        if (last && last->file == frame.file && last->offset == frame.offset)
+            ++last->times;
+        else if (stack.count < kShown)
+            stack.frames[stack.count++] = frame;
+        else
+            stack.isCut = true;
+    }
+    return stack;
+}
+
+void WriteInterruptedStack(ucontext_t *context) {
+    bool isExact = context != nullptr;
+    if (context && !FileAt(InstructionOf(*context))) {
+        ReturnFromNowhere(*context);
+        isExact = false;
+    }
+    static std::array<void *, 256> addresses;
+    const auto depth = static_cast<std::size_t>(backtrace(addresses.data(), static_cast<int>(addresses.size())));
+    Stack stack = FramesOf(FromContextOn({addresses.data(), depth}, context), isExact);
+    stack.isCut = depth == addresses.size();
+    WriteStack(stack);
+}
+
 } // namespace
 
 const char *FileAt(const void *address) { return FrameAt(reinterpret_cast<std::uintptr_t>(address)).file; }
@@ -176,34 +205,49 @@ void PrepareBacktrace() {
 }
 
 void WriteBacktrace(ucontext_t *context) {
-    bool isExact = context != nullptr; // other frames are return addresses, behind the call
-    if (context && !FileAt(InstructionOf(*context))) {
-        ReturnFromNowhere(*context);
-        isExact = false;
-    }
-    static std::array<void *, 256> stack;
-    const int depth = backtrace(stack.data(), static_cast<int>(stack.size()));
-    std::array<Frame, kShown> frames;
-    std::size_t count = 0;
     WriteError("The stack, the innermost function first:\n");
-    for (void *address : FromContextOn({stack.data(), static_cast<std::size_t>(depth)}, context)) {
-        const Frame frame = FrameAt(reinterpret_cast<std::uintptr_t>(address) - (isExact ? 0 : 1));
-        isExact = false;
-        if (count > 0 && frames[count - 1].file == frame.file && frames[count - 1].offset == frame.offset)
-            ++frames[count - 1].times;
-        else if (count < kShown)
-            frames[count++] = frame;
-        else
-            break;
+    // A child follows the stack: if the stack is overwritten, only the child faults.
+    const pid_t child = _Fork();
+    if (child == 0) {
+        for (const int signal : kFatalSignals)
+            std::signal(signal, SIG_DFL);
+        std::signal(SIGALRM, SIG_DFL);
+        sigset_t none;
+        sigemptyset(&none);
+        sigprocmask(SIG_SETMASK, &none, nullptr);
+        alarm(kWholePatience);
+        WriteInterruptedStack(context);
+        _exit(0);
     }
-    for (std::span<const Frame> left(frames.data(), count); !left.empty();) {
+    int status = 0;
+    if (child > 0 && waitpid(child, &status, 0) == child && status == 0)
+        return;
+    const void *instruction = context ? InstructionOf(*context) : nullptr;
+    if (FileAt(instruction))
+        WriteFramesOfOneFile(std::array{FrameAt(reinterpret_cast<std::uintptr_t>(instruction))});
+    WriteError("  The callers are unknown: the stack is overwritten.\n");
+}
+
+Stack StackOf(std::span<void *const> addresses) {
+    Stack stack = FramesOf(FromContextOn(addresses, nullptr), /*isFirstExact=*/false);
+    for (Frame &frame : std::span(stack.frames).first(stack.count)) {
+        char *path = frame.file ? realpath(frame.file, nullptr) : nullptr;
+        if (frame.file)
+            frame.file = gFiles.emplace(path ? path : frame.file).first->c_str();
+        std::free(path);
+    }
+    return stack;
+}
+
+void WriteStack(const Stack &stack) {
+    for (std::span<const Frame> left(stack.frames.data(), stack.count); !left.empty();) {
         const auto end = std::find_if(left.begin(), left.end(),
                                       [&left](const Frame &frame) { return frame.file != left.front().file; });
         const auto ofOneFile = static_cast<std::size_t>(end - left.begin());
         WriteFramesOfOneFile(left.first(ofOneFile));
         left = left.subspan(ofOneFile);
     }
-    if (depth == static_cast<int>(stack.size()))
+    if (stack.isCut)
         WriteError("  ... and more\n");
 }
 

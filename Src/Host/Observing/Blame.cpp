@@ -6,7 +6,10 @@
 #include "Backtrace.h"
 #include "Fault.h"
 #include "History.h"
+#include "Place.h"
+#include "Thrown.h"
 
+#include "Common/Terminal.h"
 #include "Crossings/Format.h"
 
 #include <array>
@@ -40,6 +43,8 @@ const int kOverdue = SIGRTMAX - 3; // rarely used by others
 
 History gHistory;
 Blame *gBlame = nullptr;
+const int *gFrame = nullptr; // of the simulator; not read through the Blame, which may be overwritten
+int gLastFrame = 0;          // when the Blame ended
 pthread_t gMainThread;
 std::atomic<bool> gReporting = false;
 
@@ -62,7 +67,7 @@ void AddCulprit(Line &line, const History::Call *call) {
     AddBehalf(line, *call);
 }
 
-void AddPlace(Line &line, const History::Call *call) {
+void AddTitleAndCaller(Line &line, const History::Call *call) {
     if (!call)
         return;
     line.Add(call->title.Text());
@@ -89,11 +94,34 @@ void FlushOutput() {
     _exit(kBlamedStatus);
 }
 
-void WriteCalls(const Line &head) {
-    if (isatty(STDERR_FILENO) == 1)
+void WritePlace(int frame) {
+    Line line;
+    if (frame > 0) {
+        line.Add("In frame ");
+        line.Add(frame);
+    } else {
+        line.Add("Before the first frame");
+    }
+    if (!Place().empty()) {
+        line.Add(", at ");
+        line.Add(Place());
+    }
+    line.Add('\n');
+    WriteError(line.Text());
+}
+
+void WriteHead(std::string_view head) {
+    if (HasColours(STDERR_FILENO))
         WriteError("\r\033[K"); // there may be a progress line
-    WriteError(head.Text());
+    WriteError(EmphasisBegin(Emphasis::Failure, STDERR_FILENO));
+    WriteError(head);
+    WriteError(EmphasisEnd(STDERR_FILENO));
     WriteError("\n");
+}
+
+void WriteCalls(const Line &head) {
+    WriteHead(head.Text());
+    WritePlace(gFrame ? *gFrame : gLastFrame);
     gHistory.WriteOpen();
     gHistory.WriteLast();
 }
@@ -133,9 +161,10 @@ void OnFault(int signal, siginfo_t *info, void *interrupted) {
     auto *context = static_cast<ucontext_t *>(interrupted);
     const auto *instruction = reinterpret_cast<const void *>(context->uc_mcontext.gregs[REG_EIP]);
     const History::Call *call = nullptr;
+    const bool isObserversFault = IsMainThread() && !crossings::AreObserved();
     if (IsMainThread() && IsStackFull(*info))
         call = gHistory.InnermostOfPlugins();
-    else if (IsMainThread() && crossings::AreObserved()) // else an observer itself faulted
+    else if (IsMainThread() && !isObserversFault)
         call = gHistory.Innermost();
     Line head;
     head.Add("avsk: ");
@@ -145,7 +174,13 @@ void OnFault(int signal, siginfo_t *info, void *interrupted) {
     AddCause(head, *info, instruction);
     if (call) {
         head.Add(" in ");
-        AddPlace(head, call);
+        AddTitleAndCaller(head, call);
+    } else if (isObserversFault && gHistory.Innermost()) {
+        head.Add(" while it observed ");
+        head.Add(gHistory.Innermost()->title.Text());
+        head.Add(" of ");
+        AddCulprit(head, gHistory.Innermost());
+        head.Add(", which may have corrupted memory");
     }
     Report(head, context);
 }
@@ -175,7 +210,7 @@ void OnOverdue(int /*signal*/, siginfo_t * /*info*/, void *interrupted) {
     head.Add(" did not return within ");
     head.Add(gBlame->Limit());
     head.Add(" s from ");
-    AddPlace(head, call);
+    AddTitleAndCaller(head, call);
     Report(head, static_cast<ucontext_t *>(interrupted));
 }
 
@@ -194,7 +229,7 @@ void OnExit(int status, void * /*unused*/) {
     head.Add(")");
     if (IsMainThread()) {
         head.Add(" in ");
-        AddPlace(head, gHistory.Innermost());
+        AddTitleAndCaller(head, gHistory.Innermost());
     }
     Report(head, nullptr);
 }
@@ -207,7 +242,7 @@ void OnSanitizersEnd() {
     head.Add("avsk: a sanitizer ended the run, in ");
     AddCulprit(head, gHistory.Innermost());
     head.Add(" in ");
-    AddPlace(head, gHistory.Innermost());
+    AddTitleAndCaller(head, gHistory.Innermost());
     WriteCalls(head);
 }
 
@@ -249,7 +284,7 @@ struct Blame::Handlers {
     Handlers &operator=(const Handlers &) = delete;
 };
 
-Blame::Blame(double timeout) {
+Blame::Blame(const int &frame, double timeout) {
     [[maybe_unused]] static const int once = on_exit(OnExit, nullptr);
     if (__sanitizer_set_death_callback)
         __sanitizer_set_death_callback(OnSanitizersEnd);
@@ -257,6 +292,7 @@ Blame::Blame(double timeout) {
     LearnStack();
     PrepareBacktrace();
     gBlame = this;
+    gFrame = &frame;
     mBefore = std::make_unique<Handlers>();
     if (timeout > 0)
         mWatchdog.emplace(timeout, kOverdue);
@@ -268,6 +304,8 @@ Blame::~Blame() {
     mWatchdog.reset(); // before the handler of its signal
     mBefore.reset();
     gBlame = nullptr;
+    gLastFrame = *gFrame;
+    gFrame = nullptr;
 }
 
 void Blame::Begins(const Crossing &crossing) {
@@ -281,6 +319,8 @@ void Blame::Begins(const Crossing &crossing) {
 
 void Blame::Ends(const Crossing &crossing) {
     gHistory.Ends(crossing);
+    if (crossing.depth == 0 && !crossing.returned)
+        KeepThrownStacks();
     const bool isPlugins = crossing.depth == mPluginDepth;
     if (isPlugins)
         mPluginDepth = -1;
@@ -290,17 +330,23 @@ void Blame::Ends(const Crossing &crossing) {
         mWatchdog->Restart(crossing.ended);
 }
 
-std::string ThrownBy() {
+void ReportException(std::string_view what) {
+    std::string head = "avsk: the run was broken off by an exception";
     const History::Call *call = gHistory.Thrown();
+    if (call) {
+        Line thrower;
+        AddCulprit(thrower, call);
+        thrower.Add(" in ");
+        AddTitleAndCaller(thrower, call);
+        head.append(" of ").append(thrower.Text());
+    }
+    std::fflush(stdout);
+    WriteHead(head.append(": ").append(what));
     if (!call)
-        return "";
-    Line line;
-    AddCulprit(line, call);
-    line.Add(" in ");
-    AddPlace(line, call);
-    return std::string(line.Text());
+        return;
+    WritePlace(gLastFrame);
+    gHistory.WriteLast();
+    WriteThrownStack();
 }
-
-void PrintLastCalls() { gHistory.WriteLast(); }
 
 } // namespace host

@@ -1,6 +1,6 @@
 // Reports a plugin that ends the run: by a signal, a call that takes too long, or
 // exit(). The report names the plugin and what it was doing; the process ends
-// with status 3. For an exception it remembers which plugin threw it.
+// with status 3. Exceptions are reported by main(), which then ends with status 1.
 #ifndef AVSK_HOST_OBSERVING_BLAME_H
 #define AVSK_HOST_OBSERVING_BLAME_H
 
@@ -10,7 +10,7 @@
 
 #include <memory>
 #include <optional>
-#include <string>
+#include <string_view>
 
 namespace host {
 
@@ -20,7 +20,8 @@ constexpr int kBlamedStatus = 3;
 class Blame : public crossings::Observer {
   public:
     // The seconds that one call into the library or a plugin may take; 0: no limit.
-    explicit Blame(double timeout);
+    // The frame's number is read when a report is written.
+    Blame(const int &frame, double timeout);
     ~Blame() override;
     Blame(const Blame &) = delete;
     Blame &operator=(const Blame &) = delete;
@@ -38,11 +39,10 @@ class Blame : public crossings::Observer {
     int mPluginDepth = -1; // depth of the outermost call of a plugin; -1: none
 };
 
-// Who threw the exception that has reached main(): "plugin 'Menu' in
-// AVSKMenuHandler_f OnPick"; empty if it ended no call. Also valid without a Blame.
-std::string ThrownBy();
-// Writes the last calls before it to standard error.
-void PrintLastCalls();
+// Reports the exception that is being handled: which plugin threw it, what it
+// says, the last calls, and the stack where it was thrown. Also valid without a
+// Blame, after the run.
+void ReportException(std::string_view what);
 
 } // namespace host
 

@@ -4,6 +4,7 @@
 #define AVSK_HOST_OBSERVING_OBSERVERS_H
 
 #include "Blame.h"
+#include "HandleBook.h"
 #include "Ledger.h"
 #include "ObservingOptions.h"
 #include "Profile.h"
@@ -31,12 +32,19 @@ class Observers {
     Profile &Times() { return mProfile; }
     const Profile &Times() const { return mProfile; }
 
-    // Print what the options ask for, before and after the plugins are unloaded.
-    void ReportLoaded() const;
-    void ReportUnloaded() const;
+    // Print what the options ask for. To be called after the last frame, and after
+    // the plugins are unloaded.
+    void ReportLoaded();
+    void ReportUnloaded();
+    // A line for each reason why the run failed that the observers know: a budget
+    // that was exceeded, a filter or budget for a plugin that was not there, a file
+    // that could not be written. To be called once, at the end.
+    std::vector<std::string> Failures();
 
   private:
+    const Simulator &mSimulator;
     const ObservingOptions mOptions;
+    HandleBook mHandles;
     Blame mBlame;
     Ledger mLedger;
     Profile mProfile;

@@ -27,8 +27,13 @@ class Profile : public crossings::Observer {
     void Begins(const crossings::Crossing &crossing) override;
     void Ends(const crossings::Crossing &crossing) override;
 
+    // Ends the last frame: unloading, which follows, has no budget.
+    void EndFrames();
+
     // A table; the plugin and callback with the most time come first.
-    std::vector<std::string> Table() const;
+    std::vector<std::string> Table();
+    // A line for each budget of a plugin that was never started.
+    std::vector<std::string> UnusedBudgets() const;
     // One line for each plugin that exceeded its budget: the worst frame, its
     // slowest callback, and how many frames exceeded it.
     std::vector<std::string> OverBudget() const;
@@ -66,6 +71,7 @@ class Profile : public crossings::Observer {
     std::map<AVSKPluginID, long> mCalls;
     std::vector<Time> mInner; // for each callback under way, the time of the callbacks that it caused
     int mFrame = 0;
+    bool mHasBudgets = true; // false while plugins are unloaded at the end
 };
 
 } // namespace host

@@ -8,6 +8,7 @@
 
 #include <cstdio>
 #include <memory>
+#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -30,19 +31,29 @@ std::unique_ptr<TraceWriter> MakeJsonWriter(std::FILE *file);
 
 class Trace : public crossings::Observer {
   public:
-    // JSON if the file's name ends in .json. Throws UsageError if it cannot be written.
+    // JSON if the file's name ends in .json. Throws UsageError if it cannot be
+    // written or a filter names a function that does not exist.
     explicit Trace(const TraceOptions &options);
     ~Trace() override;
 
     void Begins(const crossings::Crossing &crossing) override;
     void Ends(const crossings::Crossing &crossing) override;
 
+    // Closes the file. A line for each reason why the trace is not what was asked
+    // for: it could not be written, or a filter matched nothing.
+    std::vector<std::string> Finish();
+
   private:
     bool IsWanted(const crossings::Crossing &crossing) const;
+    void NoteNames(const crossings::Crossing &crossing);
 
     const TraceOptions mOptions;
-    std::unique_ptr<std::FILE, int (*)(std::FILE *)> mFile;
+    std::FILE *mFile; // null when it is closed
     std::unique_ptr<TraceWriter> mWriter;
+    std::set<std::string> mPlugins; // names of plugins that were started
+    // Patterns that match no function of the interface, and the names of callbacks that they may match.
+    std::vector<std::string> mUnknown;
+    std::set<std::string> mCallbacks;
     std::vector<const crossings::Crossing *> mShown; // those under way
 };
 

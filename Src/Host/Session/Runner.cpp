@@ -3,12 +3,16 @@
 
 #include "Forms.h"
 
+#include "Common/Terminal.h"
 #include "Common/UsageError.h"
+#include "Observing/Place.h"
 #include "Services/Lifetime.h"
 
 #include <cstdio>
 #include <utility>
 #include <variant>
+
+#include <unistd.h>
 
 namespace host {
 
@@ -40,11 +44,14 @@ void SessionRunner::Start() {
     for (const auto &[plugin, milliseconds] : mSetUp.budgets)
         mObservers->Times().SetBudget(plugin, milliseconds);
     Prepare(*mSimulator);
+    SetPlace(mName + ": loading the plugins");
     StartPlugins(*mSimulator);
     mLoaded = true;
 }
 
 void SessionRunner::Do(const Step &step) {
+    const std::string place = mName + ":" + std::to_string(step.line) + ": " + step.text;
+    SetPlace(place);
     std::string wrong;
     if (const auto *look = std::get_if<ExpectFunction *>(&step.form->function)) {
         ++mExpectations;
@@ -60,18 +67,19 @@ void SessionRunner::Do(const Step &step) {
         return;
     ++mFailed;
     wrong = mSimulator->console.WithoutRoot(wrong);
-    std::printf("%s:%d: %s: %s\n", mName.c_str(), step.line, step.text.c_str(), wrong.c_str());
+    std::printf("%s\n", Emphasised(Emphasis::Failure, place + ": " + wrong, STDOUT_FILENO).c_str());
     std::fflush(stdout);
 }
 
 int SessionRunner::Finish() {
+    SetPlace(mName + ": the end of the session");
     if (mLoaded)
         Unload();
     if (mObservers) {
         mObservers->ReportUnloaded();
-        for (const std::string &excess : mObservers->Times().OverBudget()) {
+        for (const std::string &failure : mObservers->Failures()) {
             ++mFailed;
-            std::printf("%s: budget: %s\n", mName.c_str(), excess.c_str());
+            std::printf("%s\n", Emphasised(Emphasis::Failure, mName + ": " + failure, STDOUT_FILENO).c_str());
         }
     }
     std::printf("%s: %d frames, %d steps, %d expectations, %d failed\n", mName.c_str(),
