@@ -4,10 +4,6 @@
 #include "AVSKPlatform.h"
 #include "World.h"
 
-#include <algorithm>
-#include <fstream>
-#include <tuple>
-
 #include <dlfcn.h>
 #include <unistd.h>
 
