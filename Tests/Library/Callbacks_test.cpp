@@ -135,7 +135,7 @@ class Callbacks : public ThreePlugins, public testing::WithParamInterface<Kind> 
         for (const int index : kind.remove ? std::vector{0, 1, 2} : std::vector{1})
             Create(kind.oldestFirst ? 2 - index : index);
     }
-    bool is(const char *name) const { return std::strcmp(kind.name, name) == 0; }
+    bool Is(const char *name) const { return std::strcmp(kind.name, name) == 0; }
     // What is expected of all three is expected of the one only.
     std::string Expected(const char *three, const char *one) const { return kind.remove ? three : one; }
 };
@@ -152,7 +152,7 @@ TEST_P(Callbacks, RemovedInAPassTheRestIsCalledAndNobodyWhoIsGone) {
             // From the back the previous is the record that the inner pass leaves the
             // cursor on, which the list does not survive: see ResourceList. A flight
             // loop is not called again in the same pass.
-            if (!kind.remove || (nested && (is("flight loops") || (is("windows drawn") && removed[0] == 2))))
+            if (!kind.remove || (nested && (Is("flight loops") || (Is("windows drawn") && removed[0] == 2))))
                 continue;
             SCOPED_TRACE(what + (nested ? ", and a pass inside" : ""));
             Arrange([&, &removed = removed, &next = next] {
@@ -179,6 +179,13 @@ TEST_P(Callbacks, AddedInAPassItIsCalledFromThenOnOrTheNext) {
         Create(index);
     EXPECT_EQ(DOES(kind.pass()), kind.added);
     EXPECT_EQ(DOES(kind.pass()), kind.addedNext);
+    Restart();
+    gCalled = [&, depth = 0](int) mutable { ++depth == 1 && !Is("flight loops") ? Create(2), kind.pass() : void(); };
+    for (const int index : {0, 1})
+        Create(index);
+    const std::string calls = DOES(kind.pass());
+    EXPECT_EQ(calls.substr(1, std::strlen(kind.addedNext) + 2),
+              Is("flight loops") ? "; 0" : Line("; ", kind.addedNext));
 }
 
 TEST_P(Callbacks, AnExceptionPassesThroughAndLeavesTheRestInOrder) {

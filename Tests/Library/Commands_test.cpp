@@ -1,8 +1,6 @@
 // Commands: who hears of them, and who holds them.
 #include "World.h"
 
-#include <array>
-
 namespace {
 
 const auto kPush = reinterpret_cast<AVSKCommandRef>(11);
@@ -74,28 +72,6 @@ TEST_F(Commands, AHandlerGoesByItsOwnersValuesAndOneAtATime) {
     EXPECT_EQ(Dispatch(1), "1: first; second; first");
     Unregister(a, 1, first);
     EXPECT_EQ(Dispatch(1), "1: second; first") << "the one called first went";
-}
-
-// The second of three handlers, after the host and before it.
-TEST_F(Commands, ADispatchInsideADispatchCallsThoseThatAreThere) {
-    for (const auto &[clears, now, next] : Table<bool, std::string, std::string>{
-             {false, "1: 1; 2; 1; 2; 3; 3", "1: 1; 2; 3"}, {true, "1: 1; 2; new", "1: new"}})
-        for (const int before : {0, 1}) {
-            std::map<int, void *> refcons;
-            for (const int i : before ? std::array{3, 2, 1} : std::array{1, 2, 3})
-                refcons[i] = Handle(a, before, [&, i, &clears = clears, acted = false](AVSKCommandRef, int) mutable {
-                    Note(std::to_string(i));
-                    if (i != 2 || std::exchange(acted, true))
-                        return 1;
-                    for (const auto &[number, refcon] : refcons)
-                        clears ? Unregister(a, before, refcon) : void();
-                    AVSKCommandHook(kPush, 1, 0, before);
-                    return clears ? Says(b, before, "new"), 1 : 1;
-                });
-            EXPECT_EQ(Dispatch(before), clears && before ? "1: 1; 2" : now);
-            EXPECT_EQ(Dispatch(before), next);
-            Restart();
-        }
 }
 
 // ---- Finding and creating

@@ -62,53 +62,44 @@ TEST_F(Outside, BrokenEntriesOfThePluginsFolderArePassedOver) {
     const auto openFiles = [] { return std::distance(fs::directory_iterator("/proc/self/fd"), {}); };
     const auto before = openFiles();
     const std::string cut = "dlerror:the file breaks off: copy it again\n", pipe = "dlerror:a pipe, not a library\n";
-    for (const auto &[name, like, said, failedSays, listingSays] : // in the log, on the console an error number
-         Table<std::string, std::string, std::string, bool, int>{{"x", "nowhere", "", false, 2},
-                                                                 {"x", "x", "", false, 40},
-                                                                 {"x", "../../Resources", "", false, 0},
-                                                                 {"x", ".", "", false, 0},
-                                                                 {"x", "file", "", false, 0},
-                                                                 {"x.avp", "nowhere", "", true, 2},
-                                                                 {"x.avp", "x.avp", "", true, 40},
-                                                                 {"x.avp", "file", "dlerror:", true, 0},
-                                                                 {"x.avp", "folder", "dlerror:", true, 0},
-                                                                 {"x.avp", "pipe", pipe, true, 0},
-                                                                 {"x.avp", "cut", cut, true, 0},
-                                                                 {"x.avp", "cut short", cut, true, 0},
-                                                                 {"x.avp", "/dev/null", "dlerror:", true, 0},
-                                                                 {"x.avp", "/dev/zero", "dlerror:", true, 0},
-                                                                 {"x.avp", "/bin/sh", "dlerror:", true, 0},
-                                                                 {"x/lin.avp", "lin.avp", "", false, 0},
-                                                                 {"x/lin.avp", "nowhere", "", false, 0},
-                                                                 {"x/lin.avp", "folder", "dlerror:", false, 0},
-                                                                 {"x/lin.avp", "pipe", pipe, false, 0},
-                                                                 {"x/lin.avp", "cut", cut, false, 0},
-                                                                 {"x/32", "32", "", false, 0},
-                                                                 {"x/32", "../m", "", false, 0}}) {
-        SCOPED_TRACE(Line(name, " like ", like));
-        // An empty file, a folder, a pipe, a cut copy, or a link to that.
-        const fs::path path = world.Path("Resources/plugins/") + name;
-        fs::create_directories(path.parent_path());
-        if (like == "file" || like == "pipe")
-            mknod(path.c_str(), 0600 | (like == "pipe" ? S_IFIFO : S_IFREG), 0);
-        else if (like.starts_with("cut")) {
-            fs::copy_file(good.path, path);
-            fs::resize_file(path, like == "cut" ? 5000 : 60); // in what is to be mapped; in the headers
-        } else
-            like == "folder" ? void(fs::create_directory(path)) : fs::create_symlink(like, path);
-        testing::internal::CaptureStdout();
-        world.Start();
-        EXPECT_EQ(testing::internal::GetCapturedStdout(),
-                  listingSays ? Line("name ", name, ", errno ", listingSays, "\n") : "");
-        EXPECT_EQ(AVSKCountPlugins(), 2);
-        EXPECT_TRUE(AVSKIsPluginEnabled(good.Id())) << "the good plugin beside it";
-        EXPECT_EQ(host.log.find("dlerror:"), said.empty() ? std::string::npos : host.log.find(said)) << host.log;
-        EXPECT_EQ(host.log.find("Failed: " + path.string()) != std::string::npos, failedSays) << host.log;
-        host.TakeLog();
-        world.Stop();
-        for (const char *made : {"x", "x.avp"})
-            fs::remove_all(world.Path("Resources/plugins/") + made);
-    }
+    for (const auto &[name, alike, said, failedSays, listingSays] : // in the log, on the console an error number
+         Table<std::string, Lines, std::string, bool, int>{
+             {"x", {"nowhere"}, "", false, 2},
+             {"x", {"x"}, "", false, 40},
+             {"x", {"../../Resources", ".", "file"}, "", false, 0},
+             {"x.avp", {"nowhere"}, "", true, 2},
+             {"x.avp", {"x.avp"}, "", true, 40},
+             {"x.avp", {"file", "folder", "/dev/null", "/dev/zero", "/bin/sh"}, "dlerror:", true, 0},
+             {"x.avp", {"pipe"}, pipe, true, 0},
+             {"x.avp", {"cut", "cut short"}, cut, true, 0},
+             {"x/lin.avp", {"lin.avp", "nowhere"}, "", false, 0},
+             {"x/lin.avp", {"folder"}, "dlerror:", false, 0},
+             {"x/32", {"32", "../m"}, "", false, 0}})
+        for (const std::string &like : alike) {
+            SCOPED_TRACE(Line(name, " like ", like));
+            // An empty file, a folder, a pipe, a cut copy, or a link to that.
+            const fs::path path = world.Path("Resources/plugins/") + name;
+            fs::create_directories(path.parent_path());
+            if (like == "file" || like == "pipe")
+                mknod(path.c_str(), 0600 | (like == "pipe" ? S_IFIFO : S_IFREG), 0);
+            else if (like.starts_with("cut")) {
+                fs::copy_file(good.path, path);
+                fs::resize_file(path, like == "cut" ? 5000 : 60); // in what is to be mapped; in the headers
+            } else
+                like == "folder" ? void(fs::create_directory(path)) : fs::create_symlink(like, path);
+            testing::internal::CaptureStdout();
+            world.Start();
+            EXPECT_EQ(testing::internal::GetCapturedStdout(),
+                      listingSays ? Line("name ", name, ", errno ", listingSays, "\n") : "");
+            EXPECT_EQ(AVSKCountPlugins(), 2);
+            EXPECT_TRUE(AVSKIsPluginEnabled(good.Id())) << "the good plugin beside it";
+            EXPECT_EQ(host.log.find("dlerror:"), said.empty() ? std::string::npos : host.log.find(said)) << host.log;
+            EXPECT_EQ(host.log.find("Failed: " + path.string()) != std::string::npos, failedSays) << host.log;
+            host.TakeLog();
+            world.Stop();
+            for (const char *made : {"x", "x.avp"})
+                fs::remove_all(world.Path("Resources/plugins/") + made);
+        }
     EXPECT_EQ(openFiles(), before);
 }
 

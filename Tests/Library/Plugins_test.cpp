@@ -3,7 +3,8 @@
 
 namespace {
 
-class Plugins : public InWorld {};
+class Registry : public InWorld {};
+class Plugins : public ThreePlugins {};
 
 std::string Info(int plugin) {
     char texts[4][AVSK_TEXT_SIZE];
@@ -14,7 +15,7 @@ std::string Info(int plugin) {
 
 // ---- Registry
 
-TEST_F(Plugins, TheHostHasItsSignatureInThePathAndNoneOfItsOwn) {
+TEST_F(Registry, TheHostHasItsSignatureInThePathAndNoneOfItsOwn) {
     world.StartQuietly();
     EXPECT_EQ(Info(0), "Aerivo|corvane.aerivo.aerivo||Aerivo flight simulator");
     EXPECT_EQ(AVSKFindPluginByPath("corvane.aerivo.aerivo"), 0);
@@ -27,12 +28,10 @@ TEST_F(Plugins, TheHostHasItsSignatureInThePathAndNoneOfItsOwn) {
 }
 
 TEST_F(Plugins, BadIDsAreHarmless) {
-    world.Install("A");
-    world.StartQuietly();
     EXPECT_EQ(AVSKGetNthPlugin(7), 7);
-    for (const int bad : {-1, -2, 2, 0x7fffffff}) {
+    for (const int bad : {-1, -2, 4, 0x7fffffff}) {
         AVSKDisablePlugin(bad);
-        AVSKSendMessageToPlugin(bad == NO_PLUGIN_ID ? 2 : bad, 1, nullptr);
+        AVSKSendMessageToPlugin(bad == NO_PLUGIN_ID ? 4 : bad, 1, nullptr);
         EXPECT_EQ(Line(AVSKIsPluginEnabled(bad), AVSKEnablePlugin(bad), Info(bad)), "00|||");
     }
     EXPECT_EQ(Take(), Lines());
@@ -43,11 +42,10 @@ TEST_F(Plugins, BadIDsAreHarmless) {
 // ---- Enabling
 
 TEST_F(Plugins, EntriesSeeTheFlagOffAndTheirOwnID) {
-    Puppet &a = world.Install("A");
     int answer = 7; // anything but 0 accepts
     a.disable = [] { EXPECT_EQ(AVSKIsPluginEnabled(AVSKGetMyID()), 0); };
     a.enable = [&] { return a.disable(), answer; };
-    world.StartQuietly();
+    Restart();
     EXPECT_EQ(DOES(AVSKEnablePlugin(1)), "1") << "enabled already";
     EXPECT_EQ(DOES_AS(a, AVSKDisablePlugin(1)), "disable A");
     EXPECT_EQ(DOES(AVSKDisablePlugin(1)), "");
@@ -61,7 +59,7 @@ TEST_F(Plugins, EntriesSeeTheFlagOffAndTheirOwnID) {
 
 // ---- Messages
 
-TEST_F(Plugins, ABroadcastReachesEverybodyInOrderTheSenderIncluded) {
+TEST_F(Registry, ABroadcastReachesEverybodyInOrderTheSenderIncluded) {
     world.Install("A");
     const Puppet &b = world.Install("B");
     world.Install("C");
@@ -74,9 +72,6 @@ TEST_F(Plugins, ABroadcastReachesEverybodyInOrderTheSenderIncluded) {
 }
 
 TEST_F(Plugins, MessagesNestAndRestoreTheCaller) {
-    const Puppet &a = world.Install("A");
-    Puppet &b = world.Install("B");
-    world.StartQuietly();
     b.message = [](int sender, int message, void *) {
         EXPECT_EQ(AVSKGetMyID(), 2);
         if (message < 3)
@@ -93,9 +88,6 @@ TEST_F(Plugins, MessagesNestAndRestoreTheCaller) {
 }
 
 TEST_F(Plugins, AnExceptionOfAnEntryPassesThroughAndRestoresTheCaller) {
-    world.Install("A");
-    Puppet &b = world.Install("B");
-    world.StartQuietly();
     b.disable = [] { throw 1; };
     EXPECT_THROW(AVSKDisablePlugin(2), int);
     b.enable = []() -> int { throw 1; };
@@ -106,7 +98,7 @@ TEST_F(Plugins, AnExceptionOfAnEntryPassesThroughAndRestoresTheCaller) {
 
 // ---- The registry changes inside calls
 
-TEST_F(Plugins, TheRegistryMayGrowInsideAnyEntry) {
+TEST_F(Registry, TheRegistryMayGrowInsideAnyEntry) {
     for (int i = 0; i < 60; ++i)
         world.InstallScenery(Line("s", i));
     Puppet &a = world.Install("A");
@@ -126,19 +118,16 @@ TEST_F(Plugins, TheRegistryMayGrowInsideAnyEntry) {
 }
 
 TEST_F(Plugins, WhatItStillDoesOnceUnloadedIsNobodys) {
-    Puppet &air = world.InstallAircraft("air");
     std::function<void()> complete;
     host.on.loadObjectAsync = [&](const char *, auto done, void *argument) {
         complete = [=] { done(argument, argument); };
     };
-    world.StartQuietly();
-    World::LoadAircraft();
     // Deeper than calls are counted.
     air.message = [&, depth = 0](int, int message, void *) mutable {
         if (message == 1)
-            ++depth < 1500 ? AVSKSendMessageToPlugin(1, 1, nullptr) : World::UnloadAircraft();
+            ++depth < 1500 ? AVSKSendMessageToPlugin(3, 1, nullptr) : World::UnloadAircraft();
     };
-    AVSKSendMessageToPlugin(1, 1, nullptr);
+    AVSKSendMessageToPlugin(3, 1, nullptr);
     EXPECT_FALSE(air.IsMapped());
     World::LoadAircraft();
     air.Run([&] {
@@ -156,9 +145,6 @@ TEST_F(Plugins, WhatItStillDoesOnceUnloadedIsNobodys) {
 }
 
 TEST_F(Plugins, ItsExceptionMayStillBeUsedAfterItWasUnloaded) {
-    const Puppet &air = world.InstallAircraft("air");
-    world.StartQuietly();
-    World::LoadAircraft();
     try {
         air.Run([&] { World::UnloadAircraft(), air.code.throwOwn(); });
         FAIL() << "nothing was thrown";
@@ -169,7 +155,7 @@ TEST_F(Plugins, ItsExceptionMayStillBeUsedAfterItWasUnloaded) {
     EXPECT_FALSE(air.IsMapped());
 }
 
-TEST_F(Plugins, StopIsCalledOnceThoughItEndsInUnloadingAgainOrAShutdown) {
+TEST_F(Registry, StopIsCalledOnceThoughItEndsInUnloadingAgainOrAShutdown) {
     Puppet &air = world.InstallAircraft("air");
     Puppet &a = world.Install("A");
     air.stop = World::UnloadAircraft;
@@ -193,8 +179,6 @@ TEST_F(Plugins, StopIsCalledOnceThoughItEndsInUnloadingAgainOrAShutdown) {
 
 // The disabling fails, so at its cleanup the window is still told, when command handlers were taken already.
 TEST_F(Plugins, WhatALastCallRegistersAnewIsTakenToo) {
-    Puppet &a = world.Install("A");
-    world.StartQuietly();
     CommandPlayer command = [](AVSKCommandRef, int) { return Note("handled"), 1; };
     NoticePlayer losing = [] { throw 1; };
     const auto key = [](AVSKWindowID, char, int, char, void *f, int) { (*static_cast<const NoticePlayer *>(f))(); };
@@ -202,12 +186,12 @@ TEST_F(Plugins, WhatALastCallRegistersAnewIsTakenToo) {
     a.Run([&] { AVSKTakeKeyboardFocus(AVSKCreateWindow(0, 1, 1, 0, 1, nullptr, key, nullptr, &losing)); });
     EXPECT_THROW(world.Stop(), int);
     AVSKCommandHook(&host, 1, 0, 1);
-    EXPECT_TRUE(TakeCalls().ends_with("stop A"));
+    EXPECT_TRUE(TakeCalls().ends_with("stop A; stop B; stop air"));
 }
 
 // ---- Reload
 
-TEST_F(Plugins, AReloadRunsAtTheEndOfThePassAndOnce) {
+TEST_F(Registry, AReloadRunsAtTheEndOfThePassAndOnce) {
     const Puppet &a = world.Install("A");
     world.InstallAircraft("air");
     world.InstallScenery("s");
@@ -231,8 +215,6 @@ TEST_F(Plugins, AReloadRunsAtTheEndOfThePassAndOnce) {
 // ---- Features
 
 TEST_F(Plugins, AnUnknownFeatureIsReportedInTheWordsOfTheEnablingCall) {
-    const Puppet &a = world.Install("A");
-    world.StartQuietly();
     const auto noting = [](const char *name, void *) { Note(Line(name, AVSKHasFeature(name))); };
     EXPECT_EQ(DOES(AVSKEnumerateFeatures(noting, nullptr)), "AVSK_WANTS_REFLECTIONS1; AVSK_USE_NATIVE_PATHS1");
     AVSKEnumerateFeatures(nullptr, nullptr);

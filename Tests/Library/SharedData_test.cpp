@@ -116,17 +116,4 @@ TEST_F(SharedData, ASubscriptionEndsByItsOwnersValuesAndOneAtATime) {
     EXPECT_EQ(DOES(AVSKSetDatavi(AVSKFindDataRef("v"), nullptr, 0, 0)), "A1") << "a write of nothing is told as well";
 }
 
-TEST_F(SharedData, AWriteInsideANotificationIsToldToAllAndSoIsWhoComesMeanwhile) {
-    Says(a, "first ");
-    NoticePlayer writes = [&, acted = false]() mutable {
-        Note("writes");
-        std::exchange(acted, true) ? void() : (Says(a, "new "), AVSKSetDatai(AVSKFindDataRef("x"), 3));
-    };
-    air.Run([&] { AVSKShareData("x", AVSKDataTypeInt, air.code.notified, &writes); });
-    Says(b, "last ");
-    EXPECT_EQ(Write(), "first 1; writes; first 1; writes; last 2; new 1; last 2");
-    AVSKDisablePlugin(2);
-    EXPECT_EQ(Write(), "first 1; writes; new 1");
-}
-
 } // namespace
