@@ -65,13 +65,19 @@ TEST_F(Commands, StopAtTheFirstHandlerThatAnswers0UnlessItsPluginIsDisabled) {
 
 TEST_F(Commands, AHandlerGoesByItsOwnersValuesAndOneAtATime) {
     void *const first = Says(a, 1, "first");
-    Says(a, 1, "second");
+    void *const second = Says(a, 1, "second");
     a.Run([&] { AVSKRegisterCommandHandler(kPush, a.code.command, 1, first); });
-    Unregister(b, 1, first);
+    b.Run([&] { AVSKUnregisterCommandHandler(kPush, a.code.command, 1, first); });
+    a.Run([&] { AVSKUnregisterCommandHandler(kPush, b.code.command, 1, first); });
     Unregister(a, 0, first);
     EXPECT_EQ(Dispatch(1), "1: first; second; first");
     Unregister(a, 1, first);
     EXPECT_EQ(Dispatch(1), "1: second; first") << "the one called first went";
+    Unregister(a, 1, first);
+    Unregister(a, 1, first);
+    EXPECT_EQ(Dispatch(1), "1: second");
+    Unregister(a, 1, second);
+    EXPECT_EQ(Dispatch(1), "1");
 }
 
 // ---- Finding and creating

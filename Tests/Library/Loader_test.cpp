@@ -362,4 +362,17 @@ TEST_F(Unloading, AnExceptionOfAStopCallKeepsLibrariesMappedWhileItIsHeld) {
     EXPECT_FALSE(b.IsMapped());
 }
 
+TEST_F(Unloading, ARefusedPluginThatEnabledItselfIsNotCalledThoughItsRecordStays) {
+    world.InstallScenery("s");
+    World::UnloadAircraft();
+    LoopPlayer loop = [](float, float, int) { return Note("called"), -1.0F; };
+    air.start = [&] {
+        AVSKEnablePlugin(AVSKGetMyID());
+        AVSKRegisterFlightLoopCallback(air.code.flightLoop, -1, &loop);
+        return world.LoadScenery(), 0;
+    };
+    World::LoadAircraft();
+    EXPECT_EQ(DOES(World::Pass(1)), "1");
+}
+
 } // namespace

@@ -102,6 +102,8 @@ TEST_F(SharedData, ASubscriptionEndsByItsOwnersValuesAndOneAtATime) {
     const AVSKDataChanged_f notified = a.code.notified;
     a.Run([&] { AVSKShareData("x", AVSKDataTypeInt, notified, refcon); });
     EXPECT_EQ(Unshare(b, refcon), 0);
+    EXPECT_EQ(b.Run([&] { return AVSKUnshareData("x", AVSKDataTypeInt, notified, refcon); }), 0);
+    EXPECT_EQ(Unshare(a, this), 0);
     EXPECT_EQ(Write(), "A1; A1");
     EXPECT_EQ(Unshare(a, refcon), 1);
     EXPECT_EQ(Write(), "A1");

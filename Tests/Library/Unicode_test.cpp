@@ -52,7 +52,7 @@ TEST(Unicode, WholeTextsAreConverted) {
         {"\xF0\x90\x80\xB0", {0xD800, 0xDC30}, "\xF0\x90\x80\x81"},
         {"\xEE\x80\x80", {0xE000}, "\xEE\x80\x80"},
         {"\xEF\xBF\xBF", {0xFFFF}, "\xEF\xBF\xBF"},
-        {"\xF4\x8F\xBF\xBF", {0xDBFF, 0xDFFF}, "?"},
+        {"\xF4\x8F\xBF\xBF", {0xDBFF, 0xDFFF}, "\xF0\x90\x80\x81"},
         {"\xE2\x82", {0x2080}, "\xE2\x82\x80"}}; // what is missing is zero
     for (const auto &[utf8, utf16, expected] : cases) {
         string_utf16 out = {1, 2};

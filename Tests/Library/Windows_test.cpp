@@ -325,4 +325,16 @@ TEST_F(Windows, DestroyedTheLosingWindowMayDestroyItselfAndHaveItsPluginUnloaded
     EXPECT_EQ(air.Id(), NO_PLUGIN_ID);
 }
 
+TEST_F(Windows, OneThatANewOneCutOffGoesWithItsPlugin) {
+    ActorOf(Create("back")).draw = [&] { return actors.size() < 3 ? Create("new"), 0 : 0; };
+    const AVSKWindowID window = CreateAs(air, "w");
+    ActorOf(window).losing = []() -> int { throw 1; }; // it cannot be disabled
+    Focus(window);
+    Drawn();
+    EXPECT_FALSE(Exists(window));
+    EXPECT_THROW(world.Stop(), int);
+    SetUp();
+    EXPECT_EQ(Key(), "1");
+}
+
 } // namespace
