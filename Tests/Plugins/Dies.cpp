@@ -77,7 +77,7 @@ const struct {
              {"thread", [] { std::thread(Write).join(); }},
              {"exit", [] { std::exit(0); }},
              {"smash", [] { Smash(64); }},
-             {"smashfar", [] { Smash(6000); }},
+             {"smashfar", [] { Smash(2500); }},
              {"registers", LoseStack},
              {"names", NameLong},
              {"rethrow", Caught},

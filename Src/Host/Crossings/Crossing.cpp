@@ -57,12 +57,19 @@ std::string NameFromPath(std::string_view path) {
     return std::string(name);
 }
 
+// Labels appear in lines of reports.
+std::string OneLine(std::string text) {
+    std::replace_if(
+        text.begin(), text.end(), [](char c) { return static_cast<unsigned char>(c) < ' '; }, '?');
+    return text;
+}
+
 // At the end of a start the library does not know the plugin's name yet, but the buffer holds it.
 void NoteName(const Crossing &start) {
     std::array<char, AVSK_TEXT_SIZE> name{};
     const auto *given = static_cast<const char *>(start["outName"].pointer);
     if (start.returned && start.result.integer != 0 && ReadText(given, -1, name.data(), name.size()) && name.front())
-        gLabels[start.plugin] = name.data();
+        gLabels[start.plugin] = OneLine(name.data());
 }
 
 } // namespace
@@ -134,7 +141,7 @@ const std::string &LabelOf(AVSKPluginID plugin) {
     AVSKGetPluginInfo(plugin, name.data(), path.data(), nullptr, nullptr);
     // The library answers the path while a plugin has not started.
     const bool hasName = name.front() && !std::string_view(name.data()).ends_with(".avp");
-    std::string label = hasName ? name.data() : NameFromPath(path.data());
+    std::string label = OneLine(hasName ? name.data() : NameFromPath(path.data()));
     static const std::string nobody = "nobody";
     return label.empty() ? nobody : gLabels[plugin] = std::move(label);
 }

@@ -117,15 +117,12 @@ struct Rule {
     constexpr Rule As(Effect other) const { return With(&Rule::effect, other); }
 
     template <class T>
-    constexpr Rule With(T Rule::*column, const T &value) const;
+    constexpr Rule With(T Rule::*column, const T &value) const {
+        Rule rule = *this;
+        rule.*column = value;
+        return rule;
+    }
 };
-
-template <class T>
-constexpr Rule Rule::With(T Rule::*column, const T &value) const {
-    Rule rule = *this;
-    rule.*column = value;
-    return rule;
-}
 
 constexpr Rule Gain(const char *function, Kind kind, const Parts &key, Describe what) {
     return {.function = function, .effect = Effect::Gain, .kind = kind, .key = key, .what = what};

@@ -1,5 +1,5 @@
-// The observers of the crossings that a run has: ledger, profile and blame, and
-// the trace if the command line asks for it. Sessions add a call log.
+// The observers of the crossings in a run: handle book, blame, ledger and profile,
+// and the trace if the command line asks for it. Sessions add a call log.
 #ifndef AVSK_HOST_OBSERVING_OBSERVERS_H
 #define AVSK_HOST_OBSERVING_OBSERVERS_H
 

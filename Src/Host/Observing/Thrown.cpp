@@ -11,7 +11,6 @@
 #include <algorithm>
 #include <array>
 #include <cstdint>
-#include <cstring>
 #include <exception>
 #include <span>
 #include <typeinfo>
@@ -71,10 +70,9 @@ void Note(const void *exception, int depth) {
 // The object that was passed to __cxa_throw.
 const void *HandledException() {
     const std::exception_ptr handled = std::current_exception();
-    const void *object = nullptr;
-    static_assert(sizeof handled == sizeof object, "an exception_ptr holds the address of the object and nothing else");
-    std::memcpy(&object, &handled, sizeof object);
-    return object;
+    static_assert(sizeof handled == sizeof(void *),
+                  "an exception_ptr holds the address of the object and nothing else");
+    return *reinterpret_cast<const void *const *>(&handled);
 }
 
 } // namespace

@@ -54,7 +54,7 @@ std::vector<std::string> UnknownFunctions(const std::vector<std::string> &patter
 } // namespace
 
 Trace::Trace(const TraceOptions &options)
-    : mOptions(options), mFile(nullptr), mPlugins{"host"}, mUnknown(UnknownFunctions(options.functions)) {
+    : mOptions(options), mPlugins{"host"}, mUnknown(UnknownFunctions(options.functions)) {
     mFile = std::fopen(options.file.c_str(), "w");
     if (!mFile)
         throw UsageError("--trace: cannot write '" + options.file + "' (" + std::strerror(errno) +

@@ -48,7 +48,7 @@ class Trace : public crossings::Observer {
     void NoteNames(const crossings::Crossing &crossing);
 
     const TraceOptions mOptions;
-    std::FILE *mFile; // null when it is closed
+    std::FILE *mFile = nullptr; // null when it is closed
     std::unique_ptr<TraceWriter> mWriter;
     std::set<std::string> mPlugins; // names of plugins that were started
     // Patterns that match no function of the interface, and the names of callbacks that they may match.
