@@ -1,4 +1,4 @@
-/* The plugin of the benchmarks. Each copy names itself by its own path, and
+/* The plugin of the benchmarks. Each copy uses its own path as its name, and
  * runs functions of the benchmark on its account. Loaded by the library, and
  * by the bare loops that the library is compared with. */
 #define _GNU_SOURCE /* dladdr */

@@ -1,8 +1,8 @@
-/* What the benchmarks and the copies of their plugin tell one another. */
+/* Shared by the benchmarks and the copies of their plugin. */
 #ifndef AVSK_BENCH_PLUGIN_H
 #define AVSK_BENCH_PLUGIN_H
 
-/* Messages. Every other one is only counted. */
+/* Messages. Any other message is only counted. */
 enum {
     /* Calls a function on the plugin's account; the parameter is a BenchTask. */
     kBenchRun = 1000,

@@ -38,7 +38,7 @@ void Register(Simulator &simulator, unsigned owner, AVSKCommandRef command, unsi
 // The phase of a command that is held, before the host acts.
 int Continue(AVSKCommandRef command) { return AVSKCommandHook(command, 0, 0, 1); }
 
-// Every batch is a number of phases, each of which asks every handler.
+// A batch is a number of phases; each phase calls every handler.
 template <class Phase>
 Side Phases(const Counters &counters, Phase phase) {
     return Side::Here(
@@ -92,7 +92,7 @@ void MeasureSilentPhase(Report &report) {
     for (unsigned i = 0; i < kCommands; ++i)
         Register(simulator, i, commands[2 * i], counters[i]);
     std::uint64_t answers = 0;
-    // What counts is phases; a call would be one too many.
+    // The unit is a phase. No handler may be called.
     report.Measure("command phase without handlers, 2000 commands with",
                    Side::Here(
                        kCommands,

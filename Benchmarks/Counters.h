@@ -1,5 +1,5 @@
-// How often each callback of a benchmark was called. Each counts for itself:
-// one counter for all would be a chain of stores to wait for.
+// Counts the calls of each callback of a benchmark. Each callback has its own
+// counter: a shared one would be a chain of dependent stores.
 #ifndef AVSK_BENCH_COUNTERS_H
 #define AVSK_BENCH_COUNTERS_H
 

@@ -1,4 +1,4 @@
-// Datarefs: reading one, finding one by name, and telling good handles from bad.
+// Datarefs: reading one, finding one by name, and validating handles.
 #include "Harness.h"
 #include "Simulator.h"
 
@@ -58,7 +58,7 @@ void CompareReading(Report &report) {
     };
     const Accessor accessor = {ReadOne, &one};
     const std::function<int()> function = [&one] { return ReadOne(&one); };
-    // One thread reads: the signal is spared its locks.
+    // Only one thread reads, so the signal works without locks.
     using Signal =
         boost::signals2::signal_type<int(), boost::signals2::keywords::mutex_type<boost::signals2::dummy_mutex>>::type;
     Signal signal;
@@ -98,7 +98,7 @@ void Shuffle(std::vector<T> &values) {
     std::shuffle(values.begin(), values.end(), random);
 }
 
-// Looks every name up once, in random order.
+// Looks up every name once, in random order.
 template <class Find>
 Side LookUps(const std::vector<std::string> &names, Find find) {
     const auto found = std::make_shared<std::uint64_t>(0);
@@ -113,7 +113,7 @@ Side LookUps(const std::vector<std::string> &names, Find find) {
         [found] { return *found; });
 }
 
-// Hashes and compares a const char * as it is.
+// Hashes and compares a const char * without a conversion.
 struct TextHash {
     using is_transparent = void;
     std::size_t operator()(std::string_view text) const { return std::hash<std::string_view>()(text); }

@@ -17,7 +17,7 @@ namespace {
 
 constexpr int kPlugins = 10;
 
-// Neighbours in a list belong to different plugins.
+// Adjacent records belong to different plugins.
 AVSKPluginID OwnerOf(unsigned index) { return 1 + static_cast<int>(index % kPlugins); }
 
 // ---- Draw passes
@@ -36,7 +36,7 @@ void RegisterDraws(Simulator &simulator, Counters &counters, int phase) {
         simulator.AsPlugin(OwnerOf(i), [&] { AVSKRegisterDrawCallback(CountDraw, phase, 1, &counters[i]); });
 }
 
-// As many passes as make a thousand calls. Each pass answers whether the host draws.
+// Runs enough passes for a thousand calls. Each pass returns whether the host draws.
 template <class Pass>
 Side DrawPasses(const Counters &counters, Pass pass) {
     const auto callbacks = static_cast<unsigned>(counters.size());
@@ -53,7 +53,7 @@ Side DrawPasses(const Counters &counters, Pass pass) {
         [&counters] { return Sum(counters); });
 }
 
-// Combines answers as the library does: an even one is a veto.
+// Combines results as the library does: an even result suppresses the host's drawing.
 struct Agreement {
     using result_type = int;
     template <class Iterator>
@@ -82,7 +82,7 @@ void CompareDrawing(Report &report) {
     for (unsigned &counter : bareCounters)
         bare.push_back({Opaque(&CountDraw), &counter});
 
-    // One thread draws: the signal is spared its locks.
+    // Only one thread draws, so the signal works without locks.
     using Signal = signals2::signal_type<int(int, int), signals2::keywords::combiner_type<Agreement>,
                                          signals2::keywords::mutex_type<signals2::dummy_mutex>>::type;
     Counters slotCounters(callbacks);
@@ -107,7 +107,7 @@ void MeasureSilentDrawing(Report &report) {
     Counters counters(1000);
     RegisterDraws(simulator, counters, kPhase);
     std::uint64_t answers = 0;
-    // What counts is passes; a call would be one too many.
+    // The unit is a pass. No callback may be called.
     report.Measure("draw pass nobody listens to, 1000 callbacks elsewhere",
                    Side::Here(
                        kPasses,
@@ -125,7 +125,7 @@ void MeasureSilentDrawing(Report &report) {
 constexpr unsigned kWindows = 500;
 constexpr int kTile = 20;    // pixels
 constexpr int kColumns = 25; // of tiles
-constexpr int kCursor = 7;   // a status of the host's
+constexpr int kCursor = 7;   // a status that the host defines
 
 void DrawNothing(AVSKWindowID /*window*/, void * /*refcon*/) {}
 void IgnoreKey(AVSKWindowID /*window*/, char /*key*/, int /*flags*/, char /*virtualKey*/, void * /*refcon*/,
@@ -141,7 +141,7 @@ int LeaveCursor(AVSKWindowID /*window*/, int /*x*/, int /*y*/, void *refcon) {
     return 0;
 }
 
-// What a search for the cursor cannot do without.
+// The least work that a search for the cursor needs.
 struct Rectangle {
     int left, top, right, bottom;
     AVSKHandleCursor_f cursor;
@@ -171,8 +171,8 @@ int AskRectangles(const std::vector<Rectangle> &rectangles, int x, int y) {
     return 0;
 }
 
-// The window that chooses is behind all others, so that a choice tells that
-// every window was looked at.
+// The window that chooses is behind all others, so that a choice proves that
+// every window was tested.
 template <class Ask>
 Side Searches(const Counters &counters, Ask ask) {
     return Side::Here(
@@ -184,7 +184,7 @@ Side Searches(const Counters &counters, Ask ask) {
         [&counters] { return counters[0] * std::uint64_t{kWindows}; });
 }
 
-// The last rectangle asked is the first window made.
+// The last rectangle tested is that of the window created first.
 std::vector<Rectangle> InTheOrderAsked(std::vector<Rectangle> rectangles) {
     std::reverse(rectangles.begin(), rectangles.end());
     return rectangles;
@@ -216,7 +216,7 @@ void CompareCursorAbove(Report &report) {
             rectangles.push_back(Tile(0, i == 0 ? ChooseCursor : LeaveCursor, counters[i]));
         return rectangles;
     };
-    // What counts is calls: here every window is asked.
+    // The unit is a call: here every window is called.
     const auto searches = [](const Counters &counters, auto ask) {
         return Side::Here(
             kWindows, [ask] { ask(kTile / 2, kTile / 2); }, [&counters] { return Sum(counters); });

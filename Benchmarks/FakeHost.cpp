@@ -56,7 +56,7 @@ AVSKHostCallbacks MakeTable() {
             t.getGPSDestinationType, t.getGPSDestination, t.showMessage, t.showProgress, t.beginCommand, t.endCommand,
             t.probeTerrain, t.findSymbol, t.measureString, t.removeMenuItem, t.drawObject, t.unloadObject,
             t.lookupObjects, t.loadDataFile, t.saveDataFile, t.loadObjectAsync);
-    // What the library keeps must be told apart.
+    // The library stores these results, so they must differ.
     t.createMenu = [](void *, int, const char *) { return lastMenu = NewHandle(); };
     t.appendMenuItem = [](void *, int, const char *, int) { return ++menuItems; };
     t.findCommand = [](const char *, const char *, int) { return NewHandle(); };

@@ -1,4 +1,4 @@
-// A host that does nothing, so that the library's own cost is what is measured.
+// A host whose services do nothing, so that only the library's own cost is measured.
 #ifndef AVSK_BENCH_FAKE_HOST_H
 #define AVSK_BENCH_FAKE_HOST_H
 

@@ -1,4 +1,4 @@
-// Folders: a long one listed page by page.
+// Folders: a large folder listed page by page.
 #include "Harness.h"
 #include "Simulator.h"
 
@@ -27,7 +27,7 @@ std::string MakeLongFolder(const PluginFolder &inside) {
 
 int ListByPages(const std::string &folder) {
     char names[kPage * 64];
-    char *indices[kPage + 1]; // one more for the null behind the last
+    char *indices[kPage + 1]; // one more for the terminating null
     int listed = 0;
     int total = 0;
     do {
@@ -51,7 +51,7 @@ int ListAtOnce(const std::string &folder) {
     return listed;
 }
 
-// One whole listing.
+// One complete listing.
 template <class List>
 Side Listings(const std::string &folder, std::uint64_t &listings, List list) {
     return Side::Here(

@@ -16,14 +16,14 @@
 
 namespace {
 
-// The processor time of this thread: what else runs on the machine does not count.
+// Returns the processor time of this thread, which excludes other load on the machine.
 double Now() {
     timespec time = {};
     clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
     return static_cast<double>(time.tv_sec) * 1e9 + static_cast<double>(time.tv_nsec);
 }
 
-// ---- A side in another process, asked and answered through two pipes
+// ---- A side in another process, controlled through two pipes
 
 [[noreturn]] void FailPipe(const char *what) {
     throw std::runtime_error(std::string("cannot ") + what + " the process of one side (" + std::strerror(errno) + ")");
@@ -48,7 +48,7 @@ struct Worker {
     Worker(const Worker &) = delete;
     Worker &operator=(const Worker &) = delete;
     ~Worker() {
-        close(ask); // the worker reads the end and leaves
+        close(ask); // the worker reads end of file and exits
         close(answer);
         if (process > 0)
             waitpid(process, nullptr, 0);
@@ -76,7 +76,7 @@ class Sampler {
     Sampler(const std::string &row, const char *label, const Side &measured)
         : name(row), which(label), side(measured) {}
 
-    // Finds how many batches fill the time of a sample, which also warms up.
+    // Finds how many batches fill a sample. This also warms up.
     void Calibrate(double sampleTime) {
         while (Take() < sampleTime && batches < (1U << 20))
             batches *= 2;
@@ -107,7 +107,7 @@ class Sampler {
     std::vector<double> times;
 };
 
-// Nanoseconds, or milliseconds with their unit where those would be many.
+// Formats nanoseconds, large values as milliseconds with the unit.
 std::string TimeText(double nanoseconds) {
     char text[24];
     if (nanoseconds < 1e5)
@@ -193,7 +193,7 @@ void Report::Compare(const std::string &name, double goal, const Side &ours, con
     left.Calibrate(sampleTime);
     right.Calibrate(sampleTime);
     for (int round = 0; round < rounds; ++round) {
-        // Neither side always comes first.
+        // Alternate which side is measured first.
         Sampler &first = round % 2 == 0 ? left : right;
         Sampler &second = round % 2 == 0 ? right : left;
         first.Keep();

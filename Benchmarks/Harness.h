@@ -1,6 +1,6 @@
 // Measures two ways of doing the same work in one run: calibrates, alternates
-// the two, and prints a row of medians. Each side tells how many calls really
-// happened, and a wrong number ends the run.
+// the two, and prints a row of medians. Each side counts the calls that really
+// happened; a wrong count ends the run.
 #ifndef AVSK_BENCH_HARNESS_H
 #define AVSK_BENCH_HARNESS_H
 
@@ -16,18 +16,18 @@ struct Options {
     bool strict = false;
 };
 
-// A benchmark that did not do the work it is timed for.
+// Thrown when a benchmark did not do the work that was timed.
 struct WrongCount : std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
-// What the rows add up to. Shared by the processes of a run.
+// Totals of the rows. Shared by the processes of a run.
 struct Totals {
     int rows;
     int over;
 };
 
-// Keeps the compiler from knowing where a value came from.
+// Hides the origin of a value from the optimiser.
 template <class T>
 T Opaque(T value) {
     asm volatile("" : "+r"(value));
@@ -45,13 +45,13 @@ class Side {
     unsigned callsPerBatch;
     std::function<Sample(unsigned batches)> take;
 
-    // run makes the calls of a batch; counted tells how many have happened
-    // ever; cleanUp, not timed, makes the next batch possible.
+    // run makes the calls of a batch; counted returns the number of calls so far;
+    // cleanUp, which is not timed, prepares the next batch.
     static Side Here(unsigned callsPerBatch, std::function<void()> run, std::function<std::uint64_t()> counted,
                      std::function<void()> cleanUp = {});
 
-    // The same in a process of its own, for two sides that each need the
-    // library in a state of their own. make runs there.
+    // The same in a separate process, for two sides that need the library in
+    // different states. make runs in that process.
     static Side Elsewhere(unsigned callsPerBatch, const std::function<Side()> &make);
 };
 
@@ -61,10 +61,10 @@ class Report {
 
     static void PrintHead();
 
-    // A row without a goal informs only.
+    // A row without a goal is informative only.
     static constexpr double kNoGoal = 0;
 
-    // The goal is the largest ratio of our time to the other's.
+    // The goal is the largest allowed ratio of our time to the other.
     void Compare(const std::string &name, double goal, const Side &ours, const Side &other);
     void Measure(const std::string &name, const Side &ours);
 

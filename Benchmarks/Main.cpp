@@ -1,5 +1,5 @@
-// The program: options, and one process for each comparison, since the
-// library's state is the process's.
+// The program: options, and one process for each comparison, since the library's
+// state is global to a process.
 #include "Harness.h"
 
 #include <cerrno>
@@ -63,7 +63,7 @@ Options ParseOptions(int argc, char **argv, const std::vector<Comparison> &compa
     return options;
 }
 
-// Returns whether the comparison went through.
+// Returns whether the comparison succeeded.
 bool RunInChild(const Comparison &comparison, const Options &options, Totals &totals) {
     std::fflush(stdout);
     const pid_t child = fork();
@@ -92,8 +92,8 @@ bool RunInChild(const Comparison &comparison, const Options &options, Totals &to
     return WIFEXITED(status) && WEXITSTATUS(status) == 0;
 }
 
-// Two processors of one machine may run at different speeds, and change them:
-// both sides of a comparison take their turns on the same one.
+// Processors of one machine may run at different and changing speeds, so both
+// sides of a comparison run on the same one.
 void StayOnOneProcessor() {
     cpu_set_t here;
     CPU_ZERO(&here);

@@ -1,4 +1,4 @@
-// Menus: appending to a long one, and what the host and its owner do with its items.
+// Menus: appending items to a long menu, and the calls of host and owner on its items.
 #include "FakeHost.h"
 #include "Harness.h"
 #include "Simulator.h"
@@ -30,7 +30,7 @@ struct LongMenu {
         hostMenu = FakeHostMenu();
     }
 
-    // Returns what the indices of the new items add up to.
+    // Returns the sum of the indices of the new items.
     std::uint64_t Append() {
         std::uint64_t indices = 0;
         simulator.AsPlugin(kOwner, [&] {
@@ -45,7 +45,7 @@ struct LongMenu {
     }
 };
 
-// Every item once, in the same random order in every run.
+// Visits every item once, in the same random order in every run.
 std::vector<int> RandomIndices() {
     std::vector<int> indices(kItems);
     std::iota(indices.begin(), indices.end(), 0);
@@ -73,7 +73,7 @@ void MeasureChecking(Report &report) {
     const std::vector<int> indices = RandomIndices();
     int check = AVSKMenuUnchecked;
     std::uint64_t checked = 0;
-    // The marks are counted as the host sees them, one less than a plugin does.
+    // The marks are summed as the host sees them, one less than the plugin's values.
     const auto countMarks = [&] {
         for (unsigned i = 0; i < kItems; ++i) {
             int mark = -1;

@@ -1,4 +1,4 @@
-// Plugins: telling all of them something, and starting them.
+// Plugins: broadcasting a message to all of them, and starting them.
 #include "FakeHost.h"
 #include "Harness.h"
 #include "Simulator.h"
@@ -11,7 +11,7 @@ namespace {
 
 // ---- Messages
 
-constexpr int kMessage = 2000; // nothing to the plugins but one more
+constexpr int kMessage = 2000; // the plugins only count it
 
 using Receiver = void (*)(AVSKPluginID sender, int message, void *parameter);
 
@@ -30,7 +30,7 @@ std::vector<Receiver> Receivers(const Simulator &simulator) {
 
 void CompareBroadcast(Report &report) {
     constexpr int kPlugins = 100;
-    constexpr unsigned kReceivers = kPlugins + 1; // plugin 0 hears it too
+    constexpr unsigned kReceivers = kPlugins + 1; // plugin 0 receives it too
     const Simulator simulator(kPlugins);
     const std::vector<Receiver> receivers = Receivers(simulator);
     const auto heard = [&receivers] {
@@ -73,7 +73,7 @@ Side StartsByLibrary(const PluginFolder &folder, std::uint64_t &started) {
         });
 }
 
-// What any loader of such plugins has to do, and nothing else.
+// The least work that a loader of such plugins needs.
 bool StartBare(const std::string &file, std::vector<void *> &handles) {
     void *handle = dlopen(file.c_str(), RTLD_NOW | RTLD_GLOBAL);
     if (!handle)

@@ -1,4 +1,4 @@
-// Flight loops: a pass that calls all of them, and one that calls none.
+// Flight loops: a pass that calls all loops, and one that calls none.
 #include "Counters.h"
 #include "Harness.h"
 #include "Simulator.h"
@@ -16,7 +16,7 @@ float CountCall(float /*sinceLast*/, float /*elapsed*/, int /*counter*/, void *r
     return -1.0F;
 }
 
-// Neighbours in the list belong to different plugins.
+// Adjacent records belong to different plugins.
 void CreateLoops(Simulator &simulator, Counters &counters, float interval) {
     for (unsigned i = 0; i < kLoops; ++i)
         simulator.AsPlugin(1 + static_cast<int>(i % kPlugins),
@@ -58,7 +58,7 @@ void MeasureIdlePass(Report &report) {
     Simulator simulator(kPlugins);
     Counters counters(kLoops);
     CreateLoops(simulator, counters, 0);
-    // What counts is loops passed over; a call would be one too many.
+    // The unit is a loop that is skipped. No loop may be called.
     report.Measure(
         "flight-loop pass, 1000 idle, each",
         Side::Here(

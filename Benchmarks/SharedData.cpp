@@ -1,4 +1,4 @@
-// Shared data: a write that subscribers hear of.
+// Shared data: a write that notifies subscribers.
 #include "Counters.h"
 #include "Harness.h"
 #include "Simulator.h"
@@ -15,7 +15,7 @@ constexpr int kSubscribers = 10;
 constexpr unsigned kWrites = 100; // in a batch
 constexpr char kName[] = "corvane/bench/shared";
 
-// The value written last stays, to be read back.
+// The value written last is read back.
 template <class Write, class Read>
 Side Writes(const Counters &counters, Write write, Read read) {
     return Side::Here(
@@ -38,7 +38,7 @@ void CompareSharedWrite(Report &report) {
                            [&] { AVSKShareData(kName, AVSKDataTypeInt, Count, &counters[static_cast<unsigned>(i)]); });
     const AVSKDataRef ref = AVSKFindDataRef(kName);
 
-    // One thread writes: the signal is spared its locks.
+    // Only one thread writes, so the signal works without locks.
     using Signal = signals2::signal_type<void(), signals2::keywords::mutex_type<signals2::dummy_mutex>>::type;
     Counters slotCounters(kSubscribers);
     Signal signal;

@@ -32,7 +32,7 @@ PluginFolder::PluginFolder(int plugins) : root(MakeTemporaryFolder()) {
             std::snprintf(name, sizeof name, "Bench%03d", i);
             const fs::path folder = fs::path(root) / "Resources/plugins" / name;
             fs::create_directories(folder);
-            // A copy: the linker takes two links to one file for the same library.
+            // A copy: the dynamic linker treats two links to one file as the same library.
             fs::copy_file(BENCH_PLUGIN_FILE, folder / "lin.avp");
             files.push_back(folder / "lin.avp");
         }

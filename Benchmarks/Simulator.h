@@ -18,7 +18,7 @@ class PluginFolder {
     PluginFolder(const PluginFolder &) = delete;
     PluginFolder &operator=(const PluginFolder &) = delete;
 
-    // As AVSKInitializePlugins() wants it.
+    // In the form that AVSKInitializePlugins() expects.
     const std::string &Root() const { return root; }
     // The plugins' files, in the order in which the library loads them.
     const std::vector<std::string> &Files() const { return files; }
@@ -28,8 +28,8 @@ class PluginFolder {
     std::vector<std::string> files;
 };
 
-// The library, started with a number of plugins, IDs 1 and up; shut down at
-// the end of the scope.
+// The library, started with a number of plugins with IDs from 1; shut down at the
+// end of the scope.
 class Simulator {
   public:
     explicit Simulator(int plugins);
@@ -39,7 +39,7 @@ class Simulator {
 
     const std::vector<std::string> &Files() const { return folder.Files(); }
 
-    // Calls something on a plugin's account.
+    // Calls a function on a plugin's account.
     template <class Function>
     void AsPlugin(AVSKPluginID plugin, Function function) {
         BenchTask task = {[](void *argument) { (*static_cast<Function *>(argument))(); }, &function};

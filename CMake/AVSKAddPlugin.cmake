@@ -1,8 +1,8 @@
 # avsk_add_plugin(TARGET SOURCES source... [FOLDER folder] [NAME name] [LOOSE])
 #
-# Builds a plugin the way the simulator wants it. FOLDER is a plugins folder
-# (by default <build>/plugins); the file lands in FOLDER/<NAME>/lin.avp, or
-# with LOOSE in FOLDER/<NAME>.avp. NAME is TARGET unless given.
+# Builds a plugin as the simulator needs it. FOLDER is a plugins folder, by
+# default <build>/plugins. The file is FOLDER/<NAME>/lin.avp or, with LOOSE,
+# FOLDER/<NAME>.avp. NAME is TARGET by default.
 #
 # Used by this tree and, through find_package(AVSK), by plugins outside it.
 function(avsk_add_plugin target)
@@ -22,10 +22,11 @@ function(avsk_add_plugin target)
 
   add_library(${target} MODULE ${arg_SOURCES})
   target_link_libraries(${target} PRIVATE AVSK::AVSK)
-  # Plugins share one symbol namespace: whatever is not hidden clashes with the
-  # next plugin's, and a unique symbol keeps the file mapped after its unload.
-  # The file is used as it was built, so it names no folder of this machine:
-  # the process it is loaded into has the library already.
+  # All plugins share one symbol namespace: symbols that are not hidden clash with
+  # those of other plugins, and a unique symbol keeps the file mapped after its
+  # unload.
+  # The process that loads the plugin has loaded the library already, so the file
+  # needs no run path, which would name a folder of this machine.
   set_target_properties(${target} PROPERTIES
     PREFIX "" SUFFIX ".avp" BUILD_WITH_INSTALL_RPATH ON
     C_VISIBILITY_PRESET hidden CXX_VISIBILITY_PRESET hidden VISIBILITY_INLINES_HIDDEN ON)

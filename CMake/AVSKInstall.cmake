@@ -1,6 +1,6 @@
-# What `cmake --install` lays out: headers, library, avsk, the CMake and
-# pkg-config packages, and the samples' sources. The folder can be moved as a
-# whole: everything in it finds the rest from where it is.
+# Installs headers, library, avsk, the CMake and pkg-config packages, and the
+# sources of the samples. The installed folder can be moved as a whole: all paths
+# in it are relative.
 include(CMakePackageConfigHelpers)
 
 set(AVSK_INSTALL_PACKAGE lib/cmake/AVSK)
@@ -18,7 +18,7 @@ install(EXPORT AVSKTargets NAMESPACE AVSK:: DESTINATION ${AVSK_INSTALL_PACKAGE})
 configure_package_config_file(CMake/AVSKConfig.cmake.in ${PROJECT_BINARY_DIR}/package/AVSKConfig.cmake
   INSTALL_DESTINATION ${AVSK_INSTALL_PACKAGE}
   PATH_VARS AVSK_INSTALL_SAMPLES)
-# The package itself sees to the 32 bits, so a 64-bit project may find it.
+# The package sets the 32-bit flags itself, so a 64-bit project may use it.
 write_basic_package_version_file(${PROJECT_BINARY_DIR}/package/AVSKConfigVersion.cmake
   COMPATIBILITY SameMajorVersion ARCH_INDEPENDENT)
 install(FILES

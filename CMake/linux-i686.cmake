@@ -3,7 +3,7 @@ set(CMAKE_SYSTEM_NAME Linux)
 set(CMAKE_SYSTEM_PROCESSOR i686)
 
 foreach(language C CXX)
-  # SSE arithmetic rounds each float where the source does; x87 keeps excess precision.
+  # SSE arithmetic rounds every result to its type; x87 keeps excess precision.
   set(CMAKE_${language}_FLAGS_INIT "-m32 -msse2 -mfpmath=sse")
 endforeach()
 set(CMAKE_TRY_COMPILE_PLATFORM_VARIABLES CMAKE_C_FLAGS_INIT CMAKE_CXX_FLAGS_INIT)

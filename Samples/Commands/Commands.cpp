@@ -1,5 +1,5 @@
-// Commands: makes a command of its own and holds it for a second, watches one
-// of the simulator's before and after it acts, and holds a joystick button.
+// Commands: creates a command and holds it for a second, handles a command of
+// the simulator before and after the simulator acts, and holds a joystick button.
 #include <AVSK/AVSK.h>
 
 #include <array>
@@ -9,12 +9,12 @@ namespace {
 
 constexpr int kBefore = 1;
 constexpr int kAfter = 0;
-constexpr int kButton = 1; // buttons are the simulator's; its reference host climbs with this one
+constexpr int kButton = 1; // the simulator defines the buttons; the reference host climbs with this one
 
-// One registration each, told apart by the refcon.
+// One per registration; the refcon tells them apart.
 struct Watch {
     const char *text;
-    int phases[3]; // how often begin, continue and end were heard
+    int phases[3]; // how often each of begin, continue and end was received
 };
 Watch gOwn{"wave, handled", {}};
 Watch gClimbBefore{"climb, before the simulator", {}};
@@ -34,10 +34,10 @@ int Heard(AVSKCommandRef /*command*/, int phase, void *refcon) {
                       watch.phases[AVSKCommandPhaseEnd]);
         AVSKDebugString(line.data());
     }
-    return 1; // 0 would keep the command from everybody behind us
+    return 1; // 0 would stop the command for later handlers
 }
 
-// What we begin is continued by itself, once a frame, and so is a button that is down.
+// The library continues a command that we began once a frame, and a button that is down.
 float Act(float /*sinceLastCall*/, float /*elapsed*/, int /*pass*/, void * /*refcon*/) {
     switch (++gStep) {
     case 1:
@@ -51,7 +51,7 @@ float Act(float /*sinceLastCall*/, float /*elapsed*/, int /*pass*/, void * /*ref
         AVSKCommandButtonRelease(kButton);
         return 1.0F;
     default:
-        AVSKCommandOnce(gWave); // begin and end, without a hold
+        AVSKCommandOnce(gWave); // begins and ends it at once
         return 0.0F;
     }
 }
@@ -63,7 +63,7 @@ int AVPluginStart(char *outName, char *outSignature, char *outDescription) {
     std::snprintf(outSignature, AVSK_TEXT_SIZE, "aerivo.samples.commands");
     std::snprintf(outDescription, AVSK_TEXT_SIZE, "Makes, holds and watches commands.");
 
-    // Users bind keys and buttons to it by its name; names that begin with "sim/" are the simulator's.
+    // Users bind keys and buttons to the name. Names that begin with "sim/" belong to the simulator.
     gWave = AVSKCreateCommand("aerivo/samples/wave", "Wave with the wings");
     AVSKRegisterCommandHandler(gWave, Heard, kBefore, &gOwn);
 
@@ -76,14 +76,14 @@ int AVPluginStart(char *outName, char *outSignature, char *outDescription) {
     return 1;
 }
 
-// A command that we hold is ended for us, and our handlers go. A button stays down, so it is let go here.
+// The library ends a command that we hold and removes our handlers. It does not release a button, so do that here.
 void AVPluginStop(void) {
     constexpr int kButtonIsDown = 2;
     if (gStep == kButtonIsDown)
         AVSKCommandButtonRelease(kButton);
 }
 
-// Nothing to do, but the log mentions each entry point that a plugin does not have.
+// These are empty: the log reports every entry point that a plugin lacks.
 int AVPluginEnable(void) { return 1; }
 void AVPluginDisable(void) {}
 void AVPluginReceiveMessage(AVSKPluginID /*sender*/, int /*message*/, void * /*parameter*/) {}

@@ -18,7 +18,7 @@ AVSKDataRef gLevelsRef = nullptr;
 int ReadCounter(void *) { return gCounter; }
 void WriteCounter(void *, int value) { gCounter = value; }
 
-// How many of `wanted` elements from `offset` on lie inside the array.
+// Returns how many of `wanted` elements, starting at `offset`, lie inside the array.
 int Clip(int offset, int wanted) {
     const int size = static_cast<int>(gLevels.size());
     if (offset < 0 || offset >= size || wanted <= 0)
@@ -26,7 +26,7 @@ int Clip(int offset, int wanted) {
     return std::min(wanted, size - offset);
 }
 
-// By custom a null buffer asks for the length.
+// By convention a null buffer asks for the length.
 int ReadLevels(void *, float *values, int offset, int max) {
     if (values == nullptr)
         return static_cast<int>(gLevels.size());
@@ -58,7 +58,7 @@ int AVPluginStart(char *outName, char *outSignature, char *outDescription) {
     return 1;
 }
 
-// Readers that keep the handles read 0 from here on, until somebody publishes the names again.
+// From here on readers that kept the handles read 0, until a plugin publishes the names again.
 void AVPluginStop(void) {
     char line[AVSK_TEXT_SIZE];
     std::snprintf(line, sizeof line, "DatarefOwner: the counter ends at %d\n", gCounter);
@@ -67,7 +67,7 @@ void AVPluginStop(void) {
     AVSKUnregisterDataAccessor(gLevelsRef);
 }
 
-// Nothing to do, but the log mentions each entry point that a plugin does not have.
+// These are empty: the log reports every entry point that a plugin lacks.
 int AVPluginEnable(void) { return 1; }
 void AVPluginDisable(void) {}
 void AVPluginReceiveMessage(AVSKPluginID /*sender*/, int /*message*/, void * /*parameter*/) {}

@@ -12,27 +12,27 @@ AVSKDataRef gLevels = nullptr;
 AVSKFlightLoopID gCountLoop = nullptr;
 AVSKFlightLoopID gReportLoop = nullptr;
 
-// The owner may be loaded after us, or not at all, so look when the value is
-// needed. Once found a handle stays: it comes back to life with its owner.
+// The owner may be loaded later, or not at all, so look the dataref up when it
+// is needed. A handle stays valid: it works again when its owner comes back.
 bool Ready(AVSKDataRef &ref, const char *name) {
     if (AVSKIsDataRefGood(ref) == 0)
         ref = AVSKFindDataRef(name);
     return ref != nullptr;
 }
 
-// Each frame: reads a value and writes it back one higher.
+// Each frame: increments a value.
 float Count(float /*sinceLastCall*/, float /*elapsed*/, int /*pass*/, void * /*refcon*/) {
     if (Ready(gCounter, "sample/counter"))
         AVSKSetDatai(gCounter, AVSKGetDatai(gCounter) + 1);
-    return -1.0F; // negative: passes. This is the next pass of this loop's phase, so the next frame.
+    return -1.0F; // negative: passes. The next pass of this loop's phase is in the next frame.
 }
 
-// Each second: fills the array and tells how things stand.
+// Each second: fills the array and logs the values.
 float Report(float sinceLastCall, float elapsed, int pass, void * /*refcon*/) {
     char line[AVSK_TEXT_SIZE];
     if (!Ready(gCounter, "sample/counter") || !Ready(gLevels, "sample/levels")) {
         AVSKDebugString("DatarefReader: nobody publishes sample/counter and sample/levels\n");
-        return 5.0F; // no hurry
+        return 5.0F; // try again later
     }
     std::array<float, 2> written{elapsed, sinceLastCall};
     AVSKSetDatavf(gLevels, written.data(), 1, static_cast<int>(written.size()));
@@ -62,7 +62,7 @@ int AVPluginStart(char *outName, char *outSignature, char *outDescription) {
     return 1;
 }
 
-// A new loop sleeps until it is scheduled.
+// A new loop is not called until it is scheduled.
 int AVPluginEnable(void) {
     AVSKScheduleFlightLoop(gCountLoop, -1.0F, 1);
     AVSKScheduleFlightLoop(gReportLoop, 1.0F, 1);
@@ -74,6 +74,6 @@ void AVPluginStop(void) {
     AVSKDestroyFlightLoop(gReportLoop);
 }
 
-// Nothing to do, but the log mentions each entry point that a plugin does not have.
+// These are empty: the log reports every entry point that a plugin lacks.
 void AVPluginDisable(void) {}
 void AVPluginReceiveMessage(AVSKPluginID /*sender*/, int /*message*/, void * /*parameter*/) {}

@@ -1,5 +1,5 @@
-// DrawPhases: draws before and after one phase of the frame, and counts. A key
-// sniffer switches both off and on: F9.
+// DrawPhases: draws before and after one phase of the frame and counts the
+// calls. A key sniffer for F9 turns both off and on.
 #include <AVSK/AVSK.h>
 
 #include <array>
@@ -8,16 +8,16 @@
 namespace {
 
 constexpr int kFont = 1;
-constexpr int kPhase = 50;   // the simulator's panel; the windows are drawn between it and the half after
-constexpr int kKeyDown = 4;  // flags are the simulator's: 1 shift, 2 control, 4 pressed
+constexpr int kPhase = 50;   // the simulator's panel; windows are drawn between the two halves of this phase
+constexpr int kKeyDown = 4;  // the simulator defines the flags: 1 shift, 2 control, 4 pressed
 constexpr char kKeyF9 = 120; // virtual key codes of F1 to F12 are 112 to 123
 constexpr int kLeft = 40;
 constexpr int kBottom = 60;
 
-// One registration each, told apart by the refcon.
+// One per registration; the refcon tells them apart.
 struct Half {
     const char *text;
-    int line; // from below
+    int line; // counted from the bottom
     int count;
 };
 Half gBefore{"before phase 50, beneath panel and windows", 1, 0};
@@ -32,10 +32,10 @@ int Draw(int /*phase*/, int /*isBefore*/, void *refcon) {
     AVSKGetFontDimensions(kFont, nullptr, &height, nullptr);
     std::snprintf(text.data(), text.size(), "DrawPhases: %d times %s", ++half.count, half.text);
     AVSKDrawString(colour.data(), kLeft, kBottom + half.line * height, text.data(), nullptr, kFont);
-    return 1; // before the phase 0 would keep the simulator from drawing its part
+    return 1; // before the phase, 0 would suppress the simulator's own drawing
 }
 
-// A callback that is not registered costs nothing, so hide by unregistering.
+// Only a registered callback costs time, so unregister it to hide the drawing.
 void Show(bool shown) {
     for (Half *half : {&gBefore, &gAfter}) {
         const int before = half == &gBefore ? 1 : 0;
@@ -47,13 +47,13 @@ void Show(bool shown) {
     gShown = shown;
 }
 
-// Sees every key before hot keys and windows do, so it takes one key only and leaves the others alone.
+// Receives every key before hot keys and windows, so it consumes one key and passes the others on.
 int Sniff(char /*key*/, int flags, char virtualKey, void * /*refcon*/) {
     if (virtualKey != kKeyF9)
         return 1;
     if ((flags & kKeyDown) != 0)
         Show(!gShown);
-    return 0; // the release is ours as well
+    return 0; // consume the release as well
 }
 
 } // namespace
@@ -63,8 +63,8 @@ int AVPluginStart(char *outName, char *outSignature, char *outDescription) {
     std::snprintf(outSignature, AVSK_TEXT_SIZE, "aerivo.samples.drawphases");
     std::snprintf(outDescription, AVSK_TEXT_SIZE, "Draws before and after the panel; F9 switches it.");
 
-    // The feature "AVSK_WANTS_REFLECTIONS" stays off: a text has no business in the mirror of a lake,
-    // and the counts are of frames.
+    // The feature "AVSK_WANTS_REFLECTIONS" stays off: the text must not appear in reflections, and the
+    // callbacks count frames.
     Show(true);
     constexpr int kBeforeWindows = 1;
     AVSKRegisterKeySniffer(Sniff, kBeforeWindows, nullptr);
@@ -78,7 +78,7 @@ void AVPluginStop(void) {
     AVSKDebugString(line.data());
 }
 
-// Nothing to do, but the log mentions each entry point that a plugin does not have.
+// These are empty: the log reports every entry point that a plugin lacks.
 int AVPluginEnable(void) { return 1; }
 void AVPluginDisable(void) {}
 void AVPluginReceiveMessage(AVSKPluginID /*sender*/, int /*message*/, void * /*parameter*/) {}

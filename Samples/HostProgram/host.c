@@ -11,7 +11,7 @@
 #include <stdlib.h>
 #include <string.h>
 
-/* Services are told everything; this host does not look at all of it. */
+/* Services receive more arguments than this host uses. */
 #pragma GCC diagnostic ignored "-Wunused-parameter"
 
 enum {
@@ -21,7 +21,7 @@ enum {
     kMaxCommands = 64,
     kMaxRoot = 400
 };
-typedef AVSKWord W; /* a word whose meaning is the host's */
+typedef AVSKWord W; /* an argument whose meaning the host defines */
 
 static char gRoot[kMaxRoot];
 static int gFrame, gFrames;
@@ -40,7 +40,7 @@ static int Nothing(void) { return 0; }
 static void *NoSymbol(const char *name) { return NULL; }
 static void Receive(AVSKPluginID from, int message, void *p) { printf("Host: message %d from %d\n", message, from); }
 
-/* ---- Drawing: all characters are 8 by 16 pixels, and what is drawn is printed */
+/* ---- Drawing: all characters are 8 by 16 pixels; drawn texts are printed */
 
 static void State(int a, int b, int c, int d, int e, int f, int g) {}
 static void Bind(int texture, int unit) {}
@@ -62,7 +62,7 @@ static void Camera(float *a, float *b, float *c, float *d, float *e, float *f, f
     *a = *b = *c = *d = *e = *f = *g = 0;
 }
 
-/* ---- Menus: handles and IDs count up, and nothing is shown */
+/* ---- Menus: handles and IDs are numbers that count up; nothing is shown */
 
 static void *CreateMenu(void *parent, int item, const char *name) {
     static char menus[256];
@@ -77,7 +77,7 @@ static void RenameItem(void *menu, int index, const char *name, int english) {}
 static void DestroyMenu(void *menu) {}
 static void RemoveItem(void *menu, int index) {}
 
-/* ---- Commands: a name each; the library hears of them before and after the host acts */
+/* ---- Commands: each is a name; the library is called before and after the host acts */
 
 static void *FindCommand(const char *name, const char *description, int create) {
     static char commands[kMaxCommands][AVSK_TEXT_SIZE];
@@ -90,14 +90,14 @@ static void *FindCommand(const char *name, const char *description, int create) 
     return NULL;
 }
 static void RunCommand(void *command, int begin, int end) {
-    if (AVSKCommandHook(command, begin, end, /*before=*/1)) /* else a plugin stopped it */
+    if (AVSKCommandHook(command, begin, end, /*before=*/1)) /* 0: a plugin stopped it */
         AVSKCommandHook(command, begin, end, /*before=*/0);
 }
 static void BeginCommand(void *command) { RunCommand(command, 1, 0); }
 static void ContinueCommand(void *command) { RunCommand(command, 0, 0); }
 static void EndCommand(void *command) { RunCommand(command, 0, 1); }
 
-/* ---- Aircraft, scenery, navigation: there is none of it, and these say so */
+/* ---- Aircraft, scenery, navigation: this host has none and gives neutral results */
 
 static void LoadModel(int index, const char *path, const char *name) {}
 static void GetModel(int index, char *path, char *name) { *path = *name = '\0'; }
@@ -114,7 +114,7 @@ static void NavAidInfo(int navAid, W a, W b, W c, W d, W e, W f, W g, W h, W i) 
 static void EntryInfo(int index, W a, W b, W c, W d, W e, W f) {}
 static void SetEntry(int index, W a, W b) {}
 static void SetEntryPlace(int index, float latitude, float longitude, W a) {}
-static void *CreateProbe(void) { return gRoot; } /* any pointer will do; it comes back in slot 60 */
+static void *CreateProbe(void) { return gRoot; } /* any non-null pointer; the library passes it to slot 60 */
 static int Probe(void *probe, const float *xyz, float *a, float *b, float *c, int *flag) { return 0; }
 static void *LoadObject(const char *path) { return NULL; }
 static void DrawObject(void *object, float x, float y, float z, float b, float a, float c, int light, int earth) {}
@@ -123,7 +123,7 @@ static int Lookup(const char *p, float lat, float lon, void (*found)(const char 
 static int DataFile(int type, const char *path) { return 0; }
 static void LoadAsync(const char *path, void (*done)(void *, void *), void *argument) { done(NULL, argument); }
 
-/* All 72 words. The library keeps the pointer, so the table lives as long as the process. */
+/* All 72 words. The library keeps the pointer, so the table must live as long as the process. */
 /* clang-format off */
 static const AVSKHostCallbacks kTable = {
     .version = 4, .sizeInBytes = sizeof kTable, .getScreenSize = ScreenSize, .getMouseLocation = Mouse,
@@ -155,7 +155,7 @@ static float ReadElapsed(void *refcon) { return Elapsed(); }
 static void RunFrame(void) {
     ++gFrame;
     AVSKEventHook(AVSKHostEventFrame, Elapsed(), 0, 0);
-    /* here the host steps its world and reports keys and clicks */
+    /* a real host steps its world here and reports keys and clicks */
     for (int code = kFirstCode; code <= kLastCode; ++code)
         AVSKDoDrawingHook(code, /*reflection=*/0); /* 1: the host draws its own part */
     AVSKEventHook(AVSKHostEventCommands, Elapsed(), 0, 0);

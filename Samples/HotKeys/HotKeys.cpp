@@ -1,5 +1,5 @@
-// HotKeys: registers two hot keys and shows those of all plugins in a table. A
-// click on a row gives that hot key the next function key.
+// HotKeys: registers two hot keys and shows the hot keys of all plugins in a
+// table. A click on a row moves that hot key to the next function key.
 #include <AVSK/AVSK.h>
 
 #include <array>
@@ -13,7 +13,8 @@ constexpr int kFont = 1;
 constexpr int kLeft = 480;
 constexpr int kTop = 500;
 constexpr int kColumns = 60;
-// Key flags are the simulator's. A hot key fires when all of them agree: at the press, without shift and control.
+// The simulator defines the key flags. A hot key runs when all flags are equal: here at the press, without shift and
+// control.
 constexpr int kShift = 1;
 constexpr int kControl = 2;
 constexpr int kKeyDown = 4;
@@ -53,7 +54,7 @@ Row Describe(AVSKHotKeyID hotKey) {
     return row;
 }
 
-// Asks for the hot keys of all plugins and makes the window as high as the table.
+// Reads the hot keys of all plugins and adjusts the height of the window to the table.
 void Read() {
     gRows.clear();
     const int count = AVSKCountHotKeys();
@@ -80,7 +81,7 @@ std::string KeyName(char key, int flags) {
 }
 
 void Draw(AVSKWindowID window, void * /*refcon*/) {
-    // Not in each frame: other plugins seldom change anything, and what we change ourselves is read at once.
+    // Not in each frame: other plugins rarely change their hot keys, and our own changes are read at once.
     constexpr float kStale = 1.0F;
     if (AVSKGetElapsedTime() - gReadAt > kStale)
         Read();
@@ -105,19 +106,19 @@ void Draw(AVSKWindowID window, void * /*refcon*/) {
     write("", "", ("counted " + std::to_string(gCounted)).c_str(), {0.6F, 0.8F, 1.0F});
 }
 
-// Of several hot keys with one combination the one registered last runs, alone; here nobody minds.
+// If several hot keys have one combination, only the one registered last runs. This sample accepts that.
 int Click(AVSKWindowID window, int /*x*/, int y, int status, void * /*refcon*/) {
     if (status != AVSKMouseDown)
         return 1;
     int top = 0;
     AVSKGetWindowGeometry(window, nullptr, &top, nullptr, nullptr);
-    // The baseline of a line is at its bottom, less what hangs below it.
+    // The baseline lies above the bottom of the line by the font's descent.
     const int index = (top - y - LineHeight() / 4) / LineHeight() - 1;
     if (index < 0 || index >= static_cast<int>(gRows.size()))
         return 1;
     const Row &row = gRows[static_cast<std::size_t>(index)];
     const bool another = row.key >= kKeyF1 && row.key < kKeyF12;
-    // Any plugin's may be changed. One that is gone since we asked is ignored.
+    // The hot keys of every plugin can be changed. A hot key that no longer exists is ignored.
     AVSKSetHotKeyCombination(row.hotKey, another ? static_cast<char>(row.key + 1) : kKeyF1, row.flags);
     Read();
     return 1;
@@ -151,13 +152,13 @@ int AVPluginStart(char *outName, char *outSignature, char *outDescription) {
     return 1;
 }
 
-// All plugins have started by now and have registered theirs.
+// All plugins have started and registered their hot keys.
 int AVPluginEnable(void) {
     Read();
     return 1;
 }
 
-// Hot keys and window go with us. Nothing to do, but the log mentions each entry point that a plugin does not have.
+// The library removes hot keys and window. This is empty: the log reports every entry point that a plugin lacks.
 void AVPluginStop(void) {}
 void AVPluginDisable(void) {}
 void AVPluginReceiveMessage(AVSKPluginID /*sender*/, int /*message*/, void * /*parameter*/) {}

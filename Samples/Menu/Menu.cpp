@@ -1,5 +1,5 @@
-// Menu: a submenu of "Plugins" with two items to check, a separator, and an
-// item that is disabled while there is nothing for it to do.
+// Menu: a submenu of "Plugins" with two items that can be checked, a separator,
+// and an item that is disabled while it has no effect.
 #include <AVSK/AVSK.h>
 
 #include <array>
@@ -11,14 +11,14 @@ struct Light {
     const char *name;
     bool byDefault;
     bool on;
-    int item; // the index that the menu gave it
+    int item; // its index in the menu
 };
 std::array<Light, 2> gLights{{{"Beacon", true, true, -1}, {"Landing light", false, false, -1}}};
 
 AVSKMenuID gMenu = nullptr;
 int gResetItem = -1;
 
-// The simulator asks for marks and greying when it shows the menu, so they are only noted here.
+// The simulator asks for check marks and enabled states when it shows the menu; these calls only store them.
 void ShowState() {
     bool changed = false;
     for (const Light &light : gLights) {
@@ -35,7 +35,7 @@ void Switch(Light &light, bool on) {
     AVSKDebugString(line.data());
 }
 
-// One handler for the menu. The item says what it is about with the reference it was appended with.
+// The menu has one handler. The reference with which the item was appended says which item it is.
 void Picked(void * /*menuRef*/, void *itemRef) {
     if (itemRef != nullptr) {
         auto &light = *static_cast<Light *>(itemRef);
@@ -54,21 +54,21 @@ int AVPluginStart(char *outName, char *outSignature, char *outDescription) {
     std::snprintf(outSignature, AVSK_TEXT_SIZE, "aerivo.samples.menu");
     std::snprintf(outDescription, AVSK_TEXT_SIZE, "A menu with check marks.");
 
-    // No parent: an item of this name is appended to "Plugins", and the menu hangs from it.
+    // Without a parent, an item of this name is appended to "Plugins" and opens the menu.
     gMenu = AVSKCreateMenu("Sample lights", nullptr, 0, Picked, nullptr);
     constexpr int kTranslate = 0;
     for (Light &light : gLights)
         light.item = AVSKAppendMenuItem(gMenu, light.name, &light, kTranslate);
-    AVSKAppendMenuSeparator(gMenu); // an item too: the next index is one higher
+    AVSKAppendMenuSeparator(gMenu); // counts as an item: the next index is one higher
     gResetItem = AVSKAppendMenuItem(gMenu, "Reset", nullptr, kTranslate);
     ShowState();
     return 1;
 }
 
-// The menu goes with us, and so does its item in "Plugins".
+// The library removes the menu and its item in "Plugins".
 void AVPluginStop(void) {}
 
-// Nothing to do, but the log mentions each entry point that a plugin does not have.
+// These are empty: the log reports every entry point that a plugin lacks.
 int AVPluginEnable(void) { return 1; }
 void AVPluginDisable(void) {}
 void AVPluginReceiveMessage(AVSKPluginID /*sender*/, int /*message*/, void * /*parameter*/) {}

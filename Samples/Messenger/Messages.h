@@ -1,5 +1,5 @@
-// What Ping and Pong agree on: signatures, message numbers and what the
-// parameter points to. Two plugins that talk share a header like this one.
+// Shared by Ping and Pong: signatures, message numbers and the type of the
+// parameter. Plugins that exchange messages share a header like this one.
 #pragma once
 
 namespace messenger {
@@ -7,13 +7,13 @@ namespace messenger {
 inline constexpr const char *kPingSignature = "aerivo.samples.ping";
 inline constexpr const char *kPongSignature = "aerivo.samples.pong";
 
-// Numbers are a matter between sender and receiver; 101 to 108 are the simulator's.
+// Sender and receiver choose the numbers; 101 to 108 belong to the simulator.
 enum Message {
     kServe = 2001,
     kReturn = 2002
 };
 
-// Plain data only: the two plugins may come from different compilers.
+// Plain data only: the plugins may be built by different compilers.
 struct Ball {
     int rally;
     float servedAt;

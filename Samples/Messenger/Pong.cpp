@@ -20,13 +20,13 @@ void AVPluginReceiveMessage(AVSKPluginID sender, int message, void *parameter) {
     std::snprintf(line, sizeof line, "MessengerPong: rally %d, returned\n", served->rally);
     AVSKDebugString(line);
 
-    // A copy, for the original is the sender's. The reply is received inside this call, which is
-    // itself inside Ping's.
+    // Reply with a copy, since the original belongs to the sender. Ping receives the reply inside this call,
+    // which is itself inside Ping's call.
     messenger::Ball ball = *served;
     AVSKSendMessageToPlugin(sender, messenger::kReturn, &ball);
 }
 
-// Nothing to do, but the log mentions each entry point that a plugin does not have.
+// These are empty: the log reports every entry point that a plugin lacks.
 void AVPluginStop(void) {}
 int AVPluginEnable(void) { return 1; }
 void AVPluginDisable(void) {}

@@ -1,4 +1,4 @@
-// OrbitCamera: after a second takes the camera once around the aeroplane, for
+// OrbitCamera: after a second, moves the camera once around the aeroplane, for
 // three seconds or until the user changes the view.
 #include <AVSK/AVSK.h>
 
@@ -18,22 +18,22 @@ AVSKDataRef gLatitude = nullptr;
 AVSKDataRef gLongitude = nullptr;
 AVSKDataRef gAltitude = nullptr;
 
-// Called before each picture with the simulator's own position, to be changed.
+// Called before each frame is drawn, with the simulator's own position, which it may change.
 int Orbit(AVSKCameraPosition *position, int isLosingControl, void * /*refcon*/) {
-    if (isLosingControl != 0) { // the view was changed, or we are disabled; there is no position now
+    if (isLosingControl != 0) { // the view was changed or we are being disabled; position is null
         AVSKDebugString("OrbitCamera: has lost the camera\n");
         return 0;
     }
     const float share = (AVSKGetElapsedTime() - gBegan) / kSeconds;
     if (share >= 1) {
         AVSKDebugString("OrbitCamera: once around, gives the camera back\n");
-        return 0; // we are not called again
+        return 0; // releases the camera
     }
     double x = 0;
     double y = 0;
     double z = 0;
     AVSKWorldToLocal(AVSKGetDatad(gLatitude), AVSKGetDatad(gLongitude), AVSKGetDataf(gAltitude), &x, &y, &z);
-    // x is east and z south, as in the simulator; the numbers behind the place are its pitch, heading, roll and zoom.
+    // x is east and z is south. The position is followed by pitch, heading, roll and zoom.
     const double angle = 2 * std::numbers::pi * share;
     position->f1 = static_cast<float>(x + kRadius * std::sin(angle));
     position->f2 = static_cast<float>(y + kAbove);
@@ -47,7 +47,7 @@ int Orbit(AVSKCameraPosition *position, int isLosingControl, void * /*refcon*/) 
 
 float Begin(float /*sinceLastCall*/, float elapsed, int /*pass*/, void * /*refcon*/) {
     gBegan = elapsed;
-    // This always succeeds: a plugin that had the camera loses it without being told. So ask before.
+    // This always succeeds, and a plugin that controls the camera loses it without a call. So check first.
     if (AVSKIsCameraBeingControlled(nullptr) != 0)
         return 1.0F;
     AVSKDebugString("OrbitCamera: takes the camera\n");
@@ -68,10 +68,10 @@ int AVPluginStart(char *outName, char *outSignature, char *outDescription) {
     return 1;
 }
 
-// The camera goes back by itself when we are disabled.
+// The library releases the camera when we are disabled.
 void AVPluginDisable(void) {}
 
-// Nothing to do, but the log mentions each entry point that a plugin does not have.
+// These are empty: the log reports every entry point that a plugin lacks.
 void AVPluginStop(void) {}
 int AVPluginEnable(void) { return 1; }
 void AVPluginReceiveMessage(AVSKPluginID /*sender*/, int /*message*/, void * /*parameter*/) {}

@@ -1,5 +1,5 @@
-// PlanesFirst: takes control of the other aircraft, flies one with a model of
-// its own, and releases them after two seconds.
+// PlanesFirst: takes control of the other aircraft, flies one with its own
+// model, and releases them after two seconds.
 #include <AVSK/AVSK.h>
 
 #include <array>
@@ -24,7 +24,7 @@ float Release(float /*sinceLastCall*/, float /*elapsed*/, int /*pass*/, void * /
     std::snprintf(line.data(), line.size(), "PlanesFirst: flew aircraft %d for %d frames, releases\n", kDrone, gFrames);
     AVSKDebugString(line.data());
     AVSKUnregisterFlightLoopCallback(Fly, nullptr);
-    AVSKReleasePlanes(); // all of them are the simulator's to fly again, and those that wait are called, in here
+    AVSKReleasePlanes(); // the simulator flies all of them again; waiting plugins are called inside this call
     return 0.0F;
 }
 
@@ -36,13 +36,13 @@ int AVPluginStart(char *outName, char *outSignature, char *outDescription) {
     std::snprintf(outDescription, AVSK_TEXT_SIZE, "Controls the other aircraft for two seconds.");
 
     gHeights = AVSKFindDataRef("sim/aircraft/y");
-    // A model that lies beside the plugin.
+    // A model in the plugin's folder.
     std::array<char, AVSK_TEXT_SIZE> folder{};
     AVSKGetPluginInfo(AVSKGetMyID(), nullptr, folder.data(), nullptr, nullptr);
     AVSKExtractFileAndPath(folder.data());
     std::string drone = std::string(folder.data()) + AVSKGetDirectorySeparator() + "Drone.acf";
 
-    // One path per aircraft, ended by null. The first stands for the user's aircraft and is not used.
+    // One path per aircraft, terminated by null. The first stands for the user's aircraft and is ignored.
     std::string none;
     std::array<char *, 3> paths{none.data(), drone.data(), nullptr};
     if (AVSKAcquirePlanes(paths.data(), nullptr, nullptr) == 0) {
@@ -58,10 +58,10 @@ int AVPluginStart(char *outName, char *outSignature, char *outDescription) {
     return 1;
 }
 
-// Control goes when we are disabled, if we still have it.
+// The library releases control when we are disabled.
 void AVPluginDisable(void) {}
 
-// Nothing to do, but the log mentions each entry point that a plugin does not have.
+// These are empty: the log reports every entry point that a plugin lacks.
 void AVPluginStop(void) {}
 int AVPluginEnable(void) { return 1; }
 void AVPluginReceiveMessage(AVSKPluginID /*sender*/, int /*message*/, void * /*parameter*/) {}

@@ -1,5 +1,5 @@
-// PlanesSecond: wants the other aircraft too, waits for whoever has them, and
-// takes them when they are free.
+// PlanesSecond: waits until the other aircraft are free, then takes control of
+// them.
 #include <AVSK/AVSK.h>
 
 #include <array>
@@ -7,7 +7,7 @@
 
 namespace {
 
-// The aircraft are free. Another plugin may have been quicker, so this may have to wait again.
+// The aircraft are free. Another plugin may already have taken them; then this one waits again.
 void Take(void * /*refcon*/) {
     if (AVSKAcquirePlanes(nullptr, Take, nullptr) == 0) {
         AVSKDebugString("PlanesSecond: waits\n");
@@ -31,15 +31,15 @@ int AVPluginStart(char *outName, char *outSignature, char *outDescription) {
     return 1;
 }
 
-// Not before: while we are disabled nobody would call us when our turn comes.
+// Not earlier: a disabled plugin is not called when the aircraft become free.
 int AVPluginEnable(void) {
     Take(nullptr);
     return 1;
 }
 
-// Control goes when we are disabled, and our place in the queue when we are unloaded.
+// The library releases control when we are disabled, and our place in the queue when we are unloaded.
 void AVPluginDisable(void) {}
 
-// Nothing to do, but the log mentions each entry point that a plugin does not have.
+// These are empty: the log reports every entry point that a plugin lacks.
 void AVPluginStop(void) {}
 void AVPluginReceiveMessage(AVSKPluginID /*sender*/, int /*message*/, void * /*parameter*/) {}

@@ -1,5 +1,5 @@
-// SharedDataA: writes a shared array each second, one number longer each time.
-// The array belongs to nobody: it works with B, without B, and before B is loaded.
+// SharedDataA: writes a shared array each second, one element longer each time.
+// No plugin owns the array: this works with B, without B, and before B is loaded.
 #include "Shared.h"
 
 #include <AVSK/AVSK.h>
@@ -12,7 +12,7 @@ namespace {
 AVSKDataRef gValue = nullptr;
 int gHeard = 0;
 
-// We hear our own writes as well.
+// We are notified of our own writes as well.
 void Changed(void * /*refcon*/) { ++gHeard; }
 
 float Write(float /*sinceLastCall*/, float elapsed, int /*pass*/, void * /*refcon*/) {
@@ -20,7 +20,7 @@ float Write(float /*sinceLastCall*/, float elapsed, int /*pass*/, void * /*refco
     const int length = AVSKGetDatavf(gValue, nullptr, 0, 0);
     if (length >= kLongest)
         return 0.0F;
-    // A write behind the end makes the array longer. It never gets shorter.
+    // A write past the end extends the array. It never becomes shorter.
     AVSKSetDatavf(gValue, &elapsed, length, 1);
     return 1.0F;
 }
@@ -32,11 +32,11 @@ int AVPluginStart(char *outName, char *outSignature, char *outDescription) {
     std::snprintf(outSignature, AVSK_TEXT_SIZE, "aerivo.samples.shareddataa");
     std::snprintf(outDescription, AVSK_TEXT_SIZE, "Writes an array that it shares with SharedDataB.");
 
-    // Whoever shares first makes the value; 0 means that somebody uses the name for another type.
+    // The first plugin that shares the name creates the value; 0 means that the name is in use with another type.
     if (AVSKShareData(shared::kName, AVSKDataTypeFloatArray, Changed, nullptr) == 0)
         return 0;
     gValue = AVSKFindDataRef(shared::kName);
-    // The one number of a new array is whatever the memory held.
+    // Initialise the array: a new one has a single element.
     float zero = 0;
     AVSKSetDatavf(gValue, &zero, 0, 1);
     AVSKRegisterFlightLoopCallback(Write, 1.0F, nullptr);
@@ -50,7 +50,7 @@ void AVPluginStop(void) {
     AVSKUnshareData(shared::kName, AVSKDataTypeFloatArray, Changed, nullptr);
 }
 
-// Nothing to do, but the log mentions each entry point that a plugin does not have.
+// These are empty: the log reports every entry point that a plugin lacks.
 int AVPluginEnable(void) { return 1; }
 void AVPluginDisable(void) {}
 void AVPluginReceiveMessage(AVSKPluginID /*sender*/, int /*message*/, void * /*parameter*/) {}

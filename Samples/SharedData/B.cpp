@@ -1,4 +1,4 @@
-// SharedDataB: hears of each write to the shared array and reads it there and then.
+// SharedDataB: is notified of each write to the shared array and reads it.
 #include "Shared.h"
 
 #include <AVSK/AVSK.h>
@@ -9,7 +9,7 @@
 namespace {
 
 void Changed(void * /*refcon*/) {
-    // Which part was written is not told. The first who shares makes the dataref, so it is there.
+    // The notification does not say which part was written. The dataref exists: sharing created it.
     std::array<float, 16> values{};
     const int count = AVSKGetDatavf(AVSKFindDataRef(shared::kName), values.data(), 0, static_cast<int>(values.size()));
     if (count <= 0)
@@ -29,10 +29,10 @@ int AVPluginStart(char *outName, char *outSignature, char *outDescription) {
     return AVSKShareData(shared::kName, AVSKDataTypeFloatArray, Changed, nullptr);
 }
 
-// Our subscription goes with us; the value stays.
+// The library removes our subscription; the value stays.
 void AVPluginStop(void) {}
 
-// Nothing to do, but the log mentions each entry point that a plugin does not have.
+// These are empty: the log reports every entry point that a plugin lacks.
 int AVPluginEnable(void) { return 1; }
 void AVPluginDisable(void) {}
 void AVPluginReceiveMessage(AVSKPluginID /*sender*/, int /*message*/, void * /*parameter*/) {}

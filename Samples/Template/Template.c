@@ -6,29 +6,29 @@
 
 #include <stdio.h>
 
-/* Loaded. Say who you are and register what you need; callbacks begin once you are enabled. */
+/* Called when the plugin is loaded. Fill in the texts and register callbacks; they are called once it is enabled. */
 int AVPluginStart(char *outName, char *outSignature, char *outDescription) {
     snprintf(outName, AVSK_TEXT_SIZE, "Template");
-    /* No other plugin may have this signature: yours begins with your organisation. */
+    /* The signature must be unique: begin it with your organisation. */
     snprintf(outSignature, AVSK_TEXT_SIZE, "aerivo.samples.template");
     snprintf(outDescription, AVSK_TEXT_SIZE, "The plugin to start from.");
     AVSKDebugString("Template: start\n");
     return 1; /* 0 refuses, and the plugin is unloaded */
 }
 
-/* About to be unloaded. Free what is yours; what you registered goes by itself. */
+/* Called before the plugin is unloaded. Free your own memory; the library removes what you registered. */
 void AVPluginStop(void) { AVSKDebugString("Template: stop\n"); }
 
-/* Every plugin has started by now, so this is the first place where others can be looked for. */
+/* Called when every plugin has started: the first place to look for other plugins. */
 int AVPluginEnable(void) {
     AVSKDebugString("Template: enable\n");
     return 1; /* 0 stays disabled */
 }
 
-/* No more callbacks until the next enable. */
+/* After this no callback is called until the next enable. */
 void AVPluginDisable(void) { AVSKDebugString("Template: disable\n"); }
 
-/* A message: from the simulator (sender 0) or from another plugin. */
+/* Receives a message from the simulator (sender 0) or from another plugin. */
 void AVPluginReceiveMessage(AVSKPluginID sender, int message, void *parameter) {
     char line[AVSK_TEXT_SIZE];
     (void)parameter;

@@ -1,5 +1,5 @@
-// TerrainObject: loads an object from its own folder while the simulator goes
-// on, and draws it on the ground, 500 metres east of the map's origin.
+// TerrainObject: loads an object from its own folder in the background and draws
+// it on the ground, 500 metres east of the map's origin.
 #include <AVSK/AVSK.h>
 
 #include <array>
@@ -8,7 +8,7 @@
 
 namespace {
 
-constexpr int kObjectsPhase = 5; // the simulator's terrain and what stands on it
+constexpr int kObjectsPhase = 5; // the simulator's terrain and objects
 constexpr float kEast = 500.0F;
 
 AVSKObjectRef gObject = nullptr;
@@ -18,12 +18,12 @@ int gDrawn = 0;
 void Say(const std::string &text) { AVSKDebugString(("TerrainObject: " + text + "\n").c_str()); }
 
 int Draw(int /*phase*/, int /*isBefore*/, void * /*refcon*/) {
-    // Each time anew: the ground comes and goes with the scenery, and a probe costs little.
+    // Probe in every frame: the ground changes with the scenery, and a probe is cheap.
     AVSKProbeInfo ground{};
     ground.structSize = sizeof ground;
     if (AVSKProbeTerrainXYZ(gProbe, kEast, 0, 0, &ground) != AVSKProbeHit)
         return 1;
-    // The triples are the simulator's: the first is the place that was hit.
+    // The simulator defines the triples: the first is the point on the ground.
     AVSKDrawInfo place{sizeof(AVSKDrawInfo), ground.triple1[0], ground.triple1[1], ground.triple1[2], 0, 0, 0};
     constexpr int kByDay = 0;
     constexpr int kUpright = 0;
@@ -36,7 +36,7 @@ int Draw(int /*phase*/, int /*isBefore*/, void * /*refcon*/) {
     return 1;
 }
 
-// May also be called before AVSKLoadObjectAsync has returned. From here on the object is ours.
+// May be called before AVSKLoadObjectAsync returns. From here on we own the object.
 void Loaded(AVSKObjectRef object, void * /*refcon*/) {
     if (object == nullptr) {
         Say("there is no Cairn.txt beside the plugin");
@@ -47,11 +47,11 @@ void Loaded(AVSKObjectRef object, void * /*refcon*/) {
     AVSKRegisterDrawCallback(Draw, kObjectsPhase, /*wantsBefore=*/0, nullptr);
 }
 
-// The folder this plugin was loaded from.
+// Returns the folder of this plugin.
 std::string OwnFolder() {
     std::array<char, AVSK_TEXT_SIZE> path{};
     AVSKGetPluginInfo(AVSKGetMyID(), nullptr, path.data(), nullptr, nullptr);
-    AVSKExtractFileAndPath(path.data()); // leaves the folder
+    AVSKExtractFileAndPath(path.data()); // keeps the folder only
     return path.data();
 }
 
@@ -67,10 +67,10 @@ int AVPluginStart(char *outName, char *outSignature, char *outDescription) {
     return 1;
 }
 
-// Object and probe go with us, and a load that is still under way is called off.
+// The library releases object and probe, and cancels a load that is still pending.
 void AVPluginStop(void) { Say("drew " + std::to_string(gDrawn) + " times"); }
 
-// Nothing to do, but the log mentions each entry point that a plugin does not have.
+// These are empty: the log reports every entry point that a plugin lacks.
 int AVPluginEnable(void) { return 1; }
 void AVPluginDisable(void) {}
 void AVPluginReceiveMessage(AVSKPluginID /*sender*/, int /*message*/, void * /*parameter*/) {}

@@ -1,5 +1,5 @@
-// Window: is dragged by its top strip, takes the keyboard focus when it is
-// clicked and echoes what is typed. Its size follows from the simulator's font.
+// Window: can be dragged by its top strip, takes the keyboard focus when clicked
+// and shows what is typed. The simulator's font determines its size.
 #include <AVSK/AVSK.h>
 
 #include <array>
@@ -8,10 +8,10 @@
 
 namespace {
 
-constexpr int kFont = 1; // fonts are the simulator's; this is a monospaced one
+constexpr int kFont = 1; // the simulator defines the fonts; this one is monospaced
 constexpr int kColumns = 44;
 constexpr int kLines = 6;
-constexpr int kKeyDown = 4; // flags are the simulator's too: 1 shift, 2 control, 4 pressed
+constexpr int kKeyDown = 4; // the simulator defines the flags: 1 shift, 2 control, 4 pressed
 constexpr char kEscape = 27;
 constexpr char kBackspace = 8;
 
@@ -27,7 +27,7 @@ struct Rect {
 AVSKWindowID gWindow = nullptr;
 bool gHasFocus = false;
 bool gDragged = false;
-int gGrabX = 0; // where the mouse holds the window, from its left top corner
+int gGrabX = 0; // position of the mouse at the press, relative to the top left corner
 int gGrabY = 0;
 std::string gTyped;
 
@@ -43,7 +43,7 @@ Rect Place() {
     return at;
 }
 
-// The coordinates of a window are the screen's, and y points upward: lines go down from the top.
+// A window has screen coordinates with y upward, so lines are placed downward from its top.
 void Draw(AVSKWindowID /*window*/, void * /*refcon*/) {
     const Rect at = Place();
     const CharSize font = FontSize();
@@ -57,7 +57,7 @@ void Draw(AVSKWindowID /*window*/, void * /*refcon*/) {
         y -= font.height;
     };
     AVSKDrawTranslucentDarkBox(at.left, at.top, at.right, at.bottom);
-    // No line can be drawn without OpenGL, but underscores join to one.
+    // Lines need OpenGL; a row of underscores looks like one.
     AVSKDrawString((gHasFocus ? bright : plain).data(), x, y, std::string(kColumns - 2, '_').data(), nullptr, kFont);
     write("Window", gHasFocus ? bright : plain);
     y -= font.height / 2;
@@ -67,11 +67,11 @@ void Draw(AVSKWindowID /*window*/, void * /*refcon*/) {
     write("> " + gTyped + (gHasFocus ? "_" : ""), bright);
 }
 
-// A press that is taken has drags and the release come here too, wherever the mouse goes.
+// After a consumed press the drags and the release arrive here too, wherever the mouse is.
 int Click(AVSKWindowID window, int x, int y, int status, void * /*refcon*/) {
     const Rect at = Place();
     if (status == AVSKMouseDown) {
-        // A click alone neither raises a window nor gives it the focus.
+        // The library neither raises a clicked window nor gives it the focus.
         AVSKBringWindowToFront(window);
         AVSKTakeKeyboardFocus(window);
         gHasFocus = true;
@@ -88,7 +88,7 @@ int Click(AVSKWindowID window, int x, int y, int status, void * /*refcon*/) {
     return 1;
 }
 
-// The focus window has every key to itself, releases included.
+// The window with the focus receives every key, including releases.
 void Key(AVSKWindowID /*window*/, char key, int flags, char virtualKey, void * /*refcon*/, int losingFocus) {
     if (losingFocus != 0) {
         gHasFocus = false;
@@ -97,7 +97,7 @@ void Key(AVSKWindowID /*window*/, char key, int flags, char virtualKey, void * /
     if ((flags & kKeyDown) == 0)
         return;
     if (virtualKey == kEscape)
-        AVSKTakeKeyboardFocus(nullptr); // comes back in here with losingFocus
+        AVSKTakeKeyboardFocus(nullptr); // calls this function again with losingFocus
     else if (virtualKey == kBackspace && !gTyped.empty())
         gTyped.pop_back();
     else if (key >= ' ' && key <= '~' && gTyped.size() < kColumns - 6)
@@ -124,13 +124,13 @@ int AVPluginStart(char *outName, char *outSignature, char *outDescription) {
     params.drawFunc = Draw;
     params.mouseClickFunc = Click;
     params.keyFunc = Key;
-    gWindow = AVSKCreateWindowEx(&params); // no cursor and no wheel function: those two may be null
+    gWindow = AVSKCreateWindowEx(&params); // without cursor and wheel function: these two may be null
     return 1;
 }
 
 void AVPluginStop(void) { AVSKDestroyWindow(gWindow); }
 
-// Nothing to do, but the log mentions each entry point that a plugin does not have.
+// These are empty: the log reports every entry point that a plugin lacks.
 int AVPluginEnable(void) { return 1; }
 void AVPluginDisable(void) {}
 void AVPluginReceiveMessage(AVSKPluginID /*sender*/, int /*message*/, void * /*parameter*/) {}

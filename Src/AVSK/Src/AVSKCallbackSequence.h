@@ -1,8 +1,9 @@
-// Callbacks in the order in which they were registered, for lists that are
-// called whole: command handlers, subscribers, plugins that wait.
+// Callbacks in the order of their registration: command handlers, subscribers
+// of shared data, plugins that wait for the aircraft.
 //
-// Items may be appended and erased while the sequence is being called. One
-// erased is not called any more; its place closes up when the last call is over.
+// Items may be appended and erased while the sequence is being called. An
+// erased item is not called any more. Its place is reclaimed when no call is
+// under way.
 #ifndef AVSK_CALLBACK_SEQUENCE_H
 #define AVSK_CALLBACK_SEQUENCE_H
 
@@ -17,7 +18,7 @@ class AVSKCallbackSequence {
 
     bool Empty() const { return entries.empty(); }
 
-    // Erases the oldest item, or with newest the last one, that satisfies pred.
+    // Erases the oldest item that satisfies pred, or the newest one, and tells whether there was one.
     template <class Pred>
     bool EraseOne(Pred pred, bool newest) {
         for (std::size_t i = 0; i < entries.size(); ++i) {
@@ -25,7 +26,7 @@ class AVSKCallbackSequence {
             if (entry.erased || !pred(entry.item))
                 continue;
             entry.erased = true;
-            CloseUp();
+            Reclaim();
             return true;
         }
         return false;
@@ -35,7 +36,7 @@ class AVSKCallbackSequence {
     void EraseAll(Pred pred) {
         for (Entry &entry : entries)
             entry.erased = entry.erased || pred(entry.item);
-        CloseUp();
+        Reclaim();
     }
 
     template <class Pred>
@@ -44,9 +45,8 @@ class AVSKCallbackSequence {
                            [&pred](const Entry &entry) { return !entry.erased && pred(entry.item); });
     }
 
-    // Call visit(item) for each item until it returns false, and tell whether
-    // it never did: from the oldest on, those appended meanwhile included; from
-    // the newest on without them.
+    // These two call visit(item) until it returns false, and return false then.
+    // FromOldest also visits items that are appended meanwhile; FromNewest does not.
     template <class Visit>
     bool FromOldest(Visit visit) {
         const Calls calls(*this);
@@ -65,7 +65,7 @@ class AVSKCallbackSequence {
         return true;
     }
 
-    // Calls visit(item) for each item there is now, from the oldest on.
+    // Calls visit(item) for each item, the oldest first, without those that are appended meanwhile.
     template <class Visit>
     void EachOfNow(Visit visit) {
         const Calls calls(*this);
@@ -84,20 +84,20 @@ class AVSKCallbackSequence {
         bool erased;
     };
 
-    // Calls under way, during which no item changes its place.
+    // While one exists, no item changes its place.
     struct Calls {
         explicit Calls(AVSKCallbackSequence &called) : sequence(called) { ++sequence.underWay; }
         ~Calls() {
             --sequence.underWay;
-            if (sequence.gaps) [[unlikely]]
-                sequence.CloseUp();
+            if (sequence.mustReclaim) [[unlikely]]
+                sequence.Reclaim();
         }
         Calls(const Calls &) = delete;
         Calls &operator=(const Calls &) = delete;
         AVSKCallbackSequence &sequence;
     };
 
-    // The item is copied: the call may have the storage grow.
+    // Copies the item, because the call may reallocate the entries.
     template <class Visit>
     bool VisitAt(std::size_t index, Visit &visit) {
         if (entries[index].erased)
@@ -106,9 +106,10 @@ class AVSKCallbackSequence {
         return visit(item);
     }
 
-    void CloseUp() {
-        gaps = underWay != 0;
-        if (!gaps)
+    // Takes the erased items out, now or when no call is under way.
+    void Reclaim() {
+        mustReclaim = underWay != 0;
+        if (!mustReclaim)
             entries.erase(
                 std::remove_if(entries.begin(), entries.end(), [](const Entry &entry) { return entry.erased; }),
                 entries.end());
@@ -116,7 +117,7 @@ class AVSKCallbackSequence {
 
     std::vector<Entry> entries;
     int underWay = 0;
-    bool gaps = false;
+    bool mustReclaim = false;
 };
 
 #endif

@@ -9,6 +9,7 @@
 #include "AVSKModules.h"
 #include "AVSKScopedValue.h"
 
+// Outside readers rely on these globals.
 int gIsControlled = 0;
 int gControlDuration = AVSKCameraUncontrolled;
 AVSKCameraControl_f gCurrentControlFunc = nullptr;
@@ -23,17 +24,37 @@ struct Controller {
     void *refcon;
     bool operator==(const Controller &) const = default;
 };
-Controller gLosing = {NO_PLUGIN_ID, nullptr, nullptr}; // who is being told that it loses control
+Controller gLosing = {NO_PLUGIN_ID, nullptr, nullptr}; // is being notified that it loses control
 
-// Tells the controller, but not again from inside that very call: a function
-// that disables its plugin would be told for ever.
-void TellLosingControl() {
+// Notifies the controller, except during that same notification: a function
+// that disables its plugin there would otherwise recurse forever.
+void NotifyControlLoss() {
     const Controller current = {gCurrentControlPlugin, gCurrentControlFunc, gCameraControlRef};
     if (!gCurrentControlFunc || gLosing == current)
         return;
-    const AVSKScopedValue telling(gLosing, current);
+    const AVSKScopedValue notifying(gLosing, current);
     if (const StDispatchCallback guard(gCurrentControlPlugin); guard())
         gCurrentControlFunc(nullptr, 1, gCameraControlRef);
+}
+
+// Lets the controller position the camera. One that declines or is disabled
+// loses control without a notification.
+int AskController(AVSKCameraPosition &position) {
+    const StDispatchCallback guard(gCurrentControlPlugin);
+    if (!guard()) {
+        gIsControlled = 0;
+        gCurrentControlPlugin = NO_PLUGIN_ID;
+        return 0;
+    }
+    const int keep = gCurrentControlFunc ? gCurrentControlFunc(&position, 0, gCameraControlRef) : 0;
+    if (!keep)
+        gIsControlled = 0;
+    return keep;
+}
+
+void ReleaseFrom(int pluginID) {
+    if (pluginID == gCurrentControlPlugin)
+        AVSKReleaseCameraInternal(1);
 }
 
 } // namespace
@@ -41,14 +62,9 @@ void TellLosingControl() {
 void AVSKReleaseCameraInternal(int force) {
     if (!gIsControlled || (!force && gControlDuration != AVSKCameraUntilViewChanges))
         return;
-    TellLosingControl();
+    NotifyControlLoss();
     gIsControlled = 0;
     gCurrentControlPlugin = NO_PLUGIN_ID;
-}
-
-static void ReleaseFrom(int pluginID) {
-    if (pluginID == gCurrentControlPlugin)
-        AVSKReleaseCameraInternal(1);
 }
 
 void AVSKControlCamera(int duration, AVSKCameraControl_f cameraFunc, void *refcon) {
@@ -77,15 +93,7 @@ int AVSKAdjustCamera(float *f1, float *f2, float *f3, float *f4, float *f5, floa
     if (!gIsControlled)
         return 1;
     AVSKCameraPosition position = {*f1, *f2, *f3, *f4, *f5, *f6, *f7};
-    int keep = 0;
-    if (const StDispatchCallback guard(gCurrentControlPlugin); guard()) {
-        keep = gCurrentControlFunc ? gCurrentControlFunc(&position, 0, gCameraControlRef) : 0;
-        if (!keep)
-            gIsControlled = 0; // it declined: it is not told that it loses control
-    } else {
-        gIsControlled = 0;
-        gCurrentControlPlugin = NO_PLUGIN_ID;
-    }
+    const int keep = AskController(position);
     if (keep) {
         *f1 = position.f1;
         *f2 = position.f2;

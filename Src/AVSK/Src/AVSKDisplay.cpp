@@ -1,19 +1,17 @@
-// Draw callbacks, key sniffers, windows and hot keys, and the routing of the
-// host's draw passes and input events to them. Owns gDrawCallbacks,
-// gKeyCallbacks, gListeners, gWindows, gHotKeys, gFocusWindow and gDragWindow;
-// called by plugins, by the host's hooks, and by the core when a plugin is
-// disabled or unloaded.
-#include "AVSK/AVSKDisplay.h"
+// Draw callbacks and windows, and the dispatch of the host's draw passes, mouse
+// and cursor events to them; AVSKDisplayKeys.cpp has the keyboard half. Owns
+// gDrawCallbacks, gListeners, gWindows, gFocusWindow and gDragWindow; called by
+// plugins, by the host's hooks, and by the core when a plugin is disabled or
+// unloaded.
+#include "AVSKDisplay.h"
 
 #include "AVSKDispatch.h"
 #include "AVSKFeatures.h"
 #include "AVSKHostTable.h"
 #include "AVSKModules.h"
-#include "AVSKPlatform.h"
 #include "AVSKResourceList.h"
 #include "AVSKScopedValue.h"
 
-#include <string>
 #include <vector>
 
 struct AVSKDrawCallbackRecord : AVSKResource_t<AVSKDrawCallbackRecord> {
@@ -30,63 +28,23 @@ struct AVSKDrawCallbackRecord : AVSKResource_t<AVSKDrawCallbackRecord> {
     AVSKDrawCallbackRecord &operator=(const AVSKDrawCallbackRecord &) = delete;
 };
 
-struct AVSKKeyCallbackRecord : AVSKResource_t<AVSKKeyCallbackRecord> {
-    AVSKKeySniffer_f callback = nullptr;
-    int owner = NO_PLUGIN_ID;
-    int beforeWindows = 0;
-    void *refcon = nullptr;
-};
-
-struct AVSKWindowCallbackRecord : AVSKResource_t<AVSKWindowCallbackRecord>, AVSKTracked<AVSKWindowCallbackRecord> {
-    int left = 0;
-    int top = 0;
-    int right = 0;
-    int bottom = 0;
-    int visible = 0;
-    AVSKDrawWindow_f drawFunc = nullptr;
-    AVSKHandleKey_f keyFunc = nullptr;
-    AVSKHandleMouseClick_f mouseClickFunc = nullptr;
-    AVSKHandleCursor_f cursorFunc = nullptr;
-    AVSKHandleMouseWheel_f mouseWheelFunc = nullptr;
-    int owner = NO_PLUGIN_ID;
-    void *refcon = nullptr;
-    int losingFocus = 0;                          // how deep its key function is being told so
-    AVSKWindowCallbackRecord *losingTo = nullptr; // as named in the innermost of these calls
-
-    bool IsHitBy(int x, int y) const { return visible && left <= x && x < right && bottom <= y && y < top; }
-};
-
-struct AVSKHotKeyInfoRecord : AVSKResource_t<AVSKHotKeyInfoRecord> {
-    int owner = NO_PLUGIN_ID;
-    char virtualKey = 0;
-    int flags = 0;
-    std::string description;
-    AVSKHotKey_f callback = nullptr;
-    void *refcon = nullptr;
-};
-
-// What is removed during a pass of these three is still found until the pass ends.
+// Look-ups find what was removed from these two until the pass is over. Outside
+// readers rely on the four globals.
 AVSKResourceList<AVSKDrawCallbackRecord> gDrawCallbacks(AVSKReclaim::AfterPass);
-AVSKResourceList<AVSKKeyCallbackRecord> gKeyCallbacks(AVSKReclaim::AfterPass);
-AVSKResourceList<AVSKWindowCallbackRecord> gWindows(AVSKReclaim::AfterPass); // the front first
-AVSKResourceList<AVSKHotKeyInfoRecord> gHotKeys;
-
-AVSKWindowCallbackRecord *gFocusWindow = nullptr; // gets the keys
-AVSKWindowCallbackRecord *gDragWindow = nullptr;  // holds the mouse
+AVSKResourceList<AVSKWindowCallbackRecord> gWindows(AVSKReclaim::AfterPass); // the front window first
+AVSKWindowCallbackRecord *gFocusWindow = nullptr;
+AVSKWindowCallbackRecord *gDragWindow = nullptr; // took the last press and gets drags and the release
 
 namespace {
 
-// A window's function that is told of a loss may cause the same loss again,
-// and would be told of that without end.
+// A window's function may cause the same loss, of focus or mouse, that it is
+// notified of. This bounds the recursion.
 constexpr int kDeepestLoss = 16;
 
 using WindowPin = AVSKResourceList<AVSKWindowCallbackRecord>::Pin;
 
-constexpr int kNotHandled = 1;
-constexpr int kConsumed = 0;
-
-// How many records each half of each phase has, so that a pass nobody listens
-// to costs nothing. The host draws no phase beyond these.
+// The number of records of each half of each phase: a half without any costs
+// one look. The host draws no phase beyond these.
 constexpr int kPhases = 103;
 int gListeners[kPhases][2] = {};
 
@@ -95,53 +53,16 @@ int *ListenersOf(int phase, int before) {
     return drawn ? &gListeners[phase][before] : nullptr;
 }
 
-template <class Record, class Pred>
-Record *Find(AVSKResourceList<Record> &list, Pred pred) {
-    for (Record &rec : list.AllRecords())
-        if (pred(rec))
-            return &rec;
-    return nullptr;
-}
-
-template <class Record, class Pred>
-int RemoveFirst(AVSKResourceList<Record> &list, Pred pred) {
-    for (Record &rec : list.AllRecords())
-        if (pred(rec)) {
-            list.Remove(&rec);
-            return 1;
-        }
-    return 0;
-}
-
-template <class Record>
-void RemoveOwned(AVSKResourceList<Record> &list, int pluginID) {
-    for (Record &rec : list.AllRecords())
-        if (rec.owner == pluginID)
-            list.Remove(&rec);
-}
-
-template <class Record>
-bool HoldsOwned(const AVSKResourceList<Record> &list, int pluginID) {
-    return list.Any([pluginID](const Record &rec) { return rec.owner == pluginID && !rec.is_removed(); });
-}
-
-// The one with these values, whoever owns it.
-auto Same(AVSKDrawCallback_f callback, int phase, int wantsBefore, void *refcon) {
+// Selects a draw callback by its values, whoever owns it.
+auto SameDrawCallback(AVSKDrawCallback_f callback, int phase, int wantsBefore, void *refcon) {
     return [=](const AVSKDrawCallbackRecord &rec) {
         return rec.callback == callback && rec.phase == phase && rec.wantsBefore == wantsBefore && rec.refcon == refcon;
     };
 }
 
-// The one with these values, whoever owns it.
-auto Same(AVSKKeySniffer_f callback, int beforeWindows, void *refcon) {
-    return [=](const AVSKKeyCallbackRecord &rec) {
-        return rec.callback == callback && rec.beforeWindows == beforeWindows && rec.refcon == refcon;
-    };
-}
-
 } // namespace
 
-// ---- Draw callbacks and key sniffers
+// ---- Draw callbacks
 
 AVSKDrawCallbackRecord::AVSKDrawCallbackRecord(AVSKDrawCallback_f function, int plugin, int ofPhase, int before,
                                                void *reference)
@@ -157,39 +78,24 @@ AVSKDrawCallbackRecord::~AVSKDrawCallbackRecord() {
 }
 
 int AVSKRegisterDrawCallback(AVSKDrawCallback_f callback, int phase, int wantsBefore, void *refcon) {
-    if (Find(gDrawCallbacks, Same(callback, phase, wantsBefore, refcon)))
+    if (gDrawCallbacks.FindFirst(SameDrawCallback(callback, phase, wantsBefore, refcon)))
         return 0;
     gDrawCallbacks.Add(new AVSKDrawCallbackRecord(callback, AVSKGetDispatchedPlugin(), phase, wantsBefore, refcon));
     return 1;
 }
 
 int AVSKUnregisterDrawCallback(AVSKDrawCallback_f callback, int phase, int wantsBefore, void *refcon) {
-    return RemoveFirst(gDrawCallbacks, Same(callback, phase, wantsBefore, refcon));
-}
-
-int AVSKRegisterKeySniffer(AVSKKeySniffer_f callback, int beforeWindows, void *refcon) {
-    if (Find(gKeyCallbacks, Same(callback, beforeWindows, refcon)))
-        return 0;
-    auto *sniffer = new AVSKKeyCallbackRecord;
-    sniffer->callback = callback;
-    sniffer->owner = AVSKGetDispatchedPlugin();
-    sniffer->beforeWindows = beforeWindows;
-    sniffer->refcon = refcon;
-    gKeyCallbacks.Add(sniffer);
-    return 1;
-}
-
-int AVSKUnregisterKeySniffer(AVSKKeySniffer_f callback, int beforeWindows, void *refcon) {
-    return RemoveFirst(gKeyCallbacks, Same(callback, beforeWindows, refcon));
+    return gDrawCallbacks.RemoveFirst(SameDrawCallback(callback, phase, wantsBefore, refcon));
 }
 
 // ---- Windows
 
 namespace {
 
-// The record at an address, dead ones included, or null.
+// The record at an address, dead ones included, or null. Outside readers rely
+// on the name.
 AVSKWindowCallbackRecord *AVSKWindowIsValid(const void *window) {
-    return Find(gWindows, [window](const AVSKWindowCallbackRecord &rec) { return &rec == window; });
+    return gWindows.FindFirst([window](const AVSKWindowCallbackRecord &rec) { return &rec == window; });
 }
 
 AVSKWindowID AddWindow(const AVSKCreateWindowParams &params) {
@@ -210,8 +116,8 @@ AVSKWindowID AddWindow(const AVSKCreateWindowParams &params) {
     return window;
 }
 
-// Takes the focus from a window, which hears of it, but not again from inside
-// that very call: there it would be told for ever.
+// Takes the focus from a window and notifies the window. During that
+// notification it only clears the focus: another one would recurse forever.
 void TakeFocusFrom(AVSKWindowCallbackRecord *window) {
     if (gFocusWindow != window)
         return;
@@ -221,12 +127,22 @@ void TakeFocusFrom(AVSKWindowCallbackRecord *window) {
         AVSKTakeKeyboardFocus(nullptr);
 }
 
-// Not of the very loss that it is being told of.
-bool MayBeTold(const AVSKWindowCallbackRecord &window, const AVSKWindowCallbackRecord *to) {
+// False while the window is being notified of this same loss, or when such
+// notifications nest too deeply.
+bool MayNotifyLoss(const AVSKWindowCallbackRecord &window, const AVSKWindowCallbackRecord *to) {
     return window.losingFocus == 0 || (window.losingTo != to && window.losingFocus < kDeepestLoss);
 }
 
-// Clears what points at a window that goes; no call is made.
+// Tells a window that it loses the focus to another. The other is named as the
+// caller named it, even if it is unknown.
+void NotifyFocusLoss(AVSKWindowCallbackRecord &window, AVSKWindowID to) {
+    const AVSKScopedValue depth(window.losingFocus, window.losingFocus + 1);
+    const AVSKScopedValue target(window.losingTo, to);
+    if (const StDispatchCallback guard(window.owner); guard() && window.keyFunc)
+        window.keyFunc(to, 0, 0, 0, window.refcon, 1);
+}
+
+// Takes focus and mouse from a window without notifying it.
 void Forget(const AVSKWindowCallbackRecord *window) {
     if (gFocusWindow == window)
         gFocusWindow = nullptr;
@@ -237,9 +153,9 @@ void Forget(const AVSKWindowCallbackRecord *window) {
 void Destroy(AVSKWindowCallbackRecord *window) {
     const WindowPin pin(gWindows);
     TakeFocusFrom(window);
-    if (window->linked) // still, after that call
+    if (window->IsLinked()) // the notification may have destroyed it
         gWindows.Remove(window);
-    Forget(window); // which the call may have given the focus again
+    Forget(window); // the notification may have given it the focus again
 }
 
 } // namespace
@@ -317,14 +233,9 @@ void AVSKTakeKeyboardFocus(AVSKWindowID window) {
     if (rec && !AVSKIsPluginEnabled(rec->owner))
         return;
     const WindowPin pin(gWindows);
-    if (AVSKWindowCallbackRecord *old = gFocusWindow; old && MayBeTold(*old, window)) {
-        const AVSKScopedValue depth(old->losingFocus, old->losingFocus + 1);
-        const AVSKScopedValue target(old->losingTo, window);
-        // The window that gets the focus is named as the caller named it.
-        if (const StDispatchCallback guard(old->owner); guard() && old->keyFunc)
-            old->keyFunc(window, 0, 0, 0, old->refcon, 1);
-    }
-    gFocusWindow = rec && !rec->is_removed() ? rec : nullptr;
+    if (AVSKWindowCallbackRecord *old = gFocusWindow; old && MayNotifyLoss(*old, window))
+        NotifyFocusLoss(*old, window);
+    gFocusWindow = rec && !rec->IsRemoved() ? rec : nullptr;
 }
 
 void AVSKBringWindowToFront(AVSKWindowID window) {
@@ -334,108 +245,17 @@ void AVSKBringWindowToFront(AVSKWindowID window) {
 
 int AVSKIsWindowInFront(AVSKWindowID window) {
     const AVSKWindowCallbackRecord *front =
-        Find(gWindows, [](const AVSKWindowCallbackRecord &rec) { return rec.visible != 0; });
+        gWindows.FindFirst([](const AVSKWindowCallbackRecord &rec) { return rec.visible != 0; });
     return front && front == window;
 }
 
-// ---- Hot keys
-//
-// The queries begin a walk and leave it open, and registering ends one that
-// nobody began: removals are deferred while a walk is open, and reclaimed when
-// the next one ends.
+// ---- Dispatch of draw passes
 
 namespace {
 
-// Begins a walk that stays open, and finds the record at an address, dead
-// ones included.
-AVSKHotKeyInfoRecord *AVSKValidateHotKey(const void *id) {
-    for (AVSKHotKeyInfoRecord *rec = gHotKeys.BeginIterate(); rec; rec = rec->get_next())
-        if (rec == id)
-            return rec;
-    return nullptr;
-}
-
-} // namespace
-
-AVSKHotKeyID AVSKRegisterHotKey(char virtualKey, int flags, const char *description, AVSKHotKey_f callback,
-                                void *refcon) {
-    auto *hotKey = new AVSKHotKeyInfoRecord;
-    hotKey->owner = AVSKGetDispatchedPlugin();
-    hotKey->virtualKey = virtualKey;
-    hotKey->flags = flags;
-    hotKey->description = description ? description : "";
-    hotKey->callback = callback;
-    hotKey->refcon = refcon;
-    gHotKeys.Add(hotKey);
-    gHotKeys.EndIterate();
-    return hotKey;
-}
-
-void AVSKUnregisterHotKey(AVSKHotKeyID hotKey) {
-    if (AVSKHotKeyInfoRecord *rec = AVSKValidateHotKey(hotKey))
-        gHotKeys.Remove(rec);
-    gHotKeys.EndIterate();
-}
-
-int AVSKCountHotKeys() {
-    int count = 0;
-    for (const AVSKHotKeyInfoRecord *rec = gHotKeys.BeginIterate(); rec; rec = rec->get_next())
-        ++count;
-    return count;
-}
-
-AVSKHotKeyID AVSKGetNthHotKey(int index) {
-    AVSKHotKeyInfoRecord *rec = gHotKeys.BeginIterate();
-    if (index < 0)
-        return nullptr;
-    while (rec && index-- > 0)
-        rec = rec->get_next();
-    return rec;
-}
-
-void AVSKGetHotKeyInfo(AVSKHotKeyID hotKey, char *outVirtualKey, int *outFlags, char *outDescription,
-                       AVSKPluginID *outPlugin) {
-    const AVSKHotKeyInfoRecord *rec = AVSKValidateHotKey(hotKey);
-    if (!rec)
-        return;
-    if (outVirtualKey)
-        *outVirtualKey = rec->virtualKey;
-    if (outFlags)
-        *outFlags = rec->flags;
-    if (outDescription)
-        strcpytrunc(outDescription, rec->description, AVSK_HOT_KEY_TEXT_SIZE);
-    if (outPlugin)
-        *outPlugin = rec->owner;
-}
-
-void AVSKSetHotKeyCombination(AVSKHotKeyID hotKey, char virtualKey, int flags) {
-    if (AVSKHotKeyInfoRecord *rec = AVSKValidateHotKey(hotKey)) {
-        rec->virtualKey = virtualKey;
-        rec->flags = flags;
-    }
-}
-
-int AVSKDispatchHotKey(char virtualKey, int flags) {
-    auto walk = gHotKeys.LiveRecords();
-    StDispatchCallback guard;
-    for (const AVSKHotKeyInfoRecord &rec : walk) {
-        if (rec.virtualKey != virtualKey || rec.flags != flags || !rec.callback)
-            continue;
-        if (guard.Enter(rec.owner)) {
-            rec.callback(rec.refcon);
-            walk.KeepOpen();
-            return 1;
-        }
-    }
-    return 0;
-}
-
-// ---- Routing of draw passes
-
-namespace {
-
-// Calls the callbacks of one half of a phase. The answers are combined bit by
-// bit: an even one keeps the host from drawing as 0 does.
+// Calls the callbacks of one half of a phase and combines their answers bit by
+// bit: any even answer keeps the host from drawing, as 0 does. Outside readers
+// rely on the name.
 [[gnu::always_inline]] inline int AVSKDispatchDrawingHook(int phase, int isBefore, int isReflection) {
     const int *const listeners = ListenersOf(phase, isBefore);
     int result = 1;
@@ -451,17 +271,17 @@ namespace {
     return result;
 }
 
-// What a draw code of the host dispatches, and what it is answered.
+// What a draw code of the host dispatches, and what the host gets as answer.
 struct DrawCode {
     int phase;
     bool half[2]; // after, before
-    bool windows; // ahead of the half after
-    bool asks;    // the half before says whether the host draws; else it draws in any case
+    bool windows; // drawn ahead of the half after
+    bool asks;    // the answer is that of the half before; otherwise it is 1
 };
 
-// The irregular ones match how the host has always drawn: 12 and 18 draw
-// nothing that could be left out, 19 and 20 stand around the windows, and the
-// phases of 21 to 26 are not in order.
+// The irregular entries match how the host has always drawn: codes 12 and 18
+// draw nothing that could be left out, 19 and 20 enclose the windows, and the
+// phases of 21 to 26 are not in ascending order.
 constexpr DrawCode Before(int phase) { return {phase, {false, true}, false, true}; }
 constexpr DrawCode After(int phase) { return {phase, {true, false}, false, false}; }
 constexpr DrawCode Both(int phase) { return {phase, {true, true}, false, true}; }
@@ -508,12 +328,12 @@ int AVSKDisplayDoDrawingHook(int hostDrawCode, int isReflection) {
     return answer;
 }
 
-// ---- Routing of mouse and keys
+// ---- Dispatch of mouse and cursor events
 
 namespace {
 
-// Offers a press to the windows under the mouse, the front one first. A click
-// neither raises a window nor moves the focus.
+// Offers a press to the windows under the mouse, front to back. A click neither
+// raises a window nor moves the focus.
 int OfferMouseDown(int x, int y) {
     StDispatchCallback guard;
     for (AVSKWindowCallbackRecord &window : gWindows.LiveRecords()) {
@@ -521,58 +341,31 @@ int OfferMouseDown(int x, int y) {
             continue;
         if (!guard.Enter(window.owner) || !window.mouseClickFunc(&window, x, y, AVSKMouseDown, window.refcon))
             continue;
-        if (!window.is_removed()) // by its own click
+        if (!window.IsRemoved()) // its function may have destroyed it
             gDragWindow = &window;
         return kConsumed;
     }
     return kNotHandled;
 }
 
-// Calls the window that holds the mouse, wherever it is and also while hidden.
+// Calls the drag window, wherever the mouse is and even if the window is hidden.
 int CallDragWindow(int x, int y, int status) {
     AVSKWindowCallbackRecord *window = gDragWindow;
     const StDispatchCallback guard(window->owner);
     if (!guard())
         return kNotHandled;
-    window->mouseClickFunc(window, x, y, status, window->refcon); // it took the press
+    window->mouseClickFunc(window, x, y, status, window->refcon); // not null: it took the press
     return kConsumed;
 }
 
-enum class Sniffers {
-    BeforeWindows,
-    AfterWindows
-};
-
-// Offers a key to one kind of sniffers; false when one of them consumed it.
-// The walk is never ended: removals from the list are deferred from the first
-// key press on.
-bool OfferToSniffers(Sniffers kind, char key, int flags, char virtualKey) {
-    auto walk = gKeyCallbacks.LiveRecords();
-    bool goesOn = true;
-    StDispatchCallback guard;
-    for (const AVSKKeyCallbackRecord &rec : walk) {
-        if ((rec.beforeWindows != 0) != (kind == Sniffers::BeforeWindows) || !rec.callback)
-            continue;
-        if (guard.Enter(rec.owner) && rec.callback(key, flags, virtualKey, rec.refcon) == 0) {
-            goesOn = false;
-            break;
-        }
-    }
-    walk.KeepOpen();
-    return goesOn;
-}
-
-// The focus window consumes whatever it is given; false if its plugin is not to be called.
-bool CallFocusWindow(char key, int flags, char virtualKey) {
-    AVSKWindowCallbackRecord *window = gFocusWindow;
-    if (!window)
-        return false;
-    const StDispatchCallback guard(window->owner);
-    if (!guard())
-        return false;
-    if (window->keyFunc)
-        window->keyFunc(window, key, flags, virtualKey, window->refcon, 0);
-    return true;
+// Sends the release to the drag window and clears it. The window's function may
+// have its plugin disabled, which releases the mouse again.
+int ReleaseDragWindow(int x, int y) {
+    static int releases = 0;
+    const AVSKScopedValue depth(releases, releases + 1);
+    const int result = releases <= kDeepestLoss ? CallDragWindow(x, y, AVSKMouseUp) : kNotHandled;
+    gDragWindow = nullptr;
+    return result;
 }
 
 } // namespace
@@ -582,35 +375,24 @@ int AVSKDisplayMouseClickHook(int x, int y, int mouseStatus) {
         return OfferMouseDown(x, y);
     if (!gDragWindow)
         return kNotHandled;
-    if (mouseStatus != AVSKMouseUp)
-        return CallDragWindow(x, y, mouseStatus);
-    // A window that is let go may have its plugin disabled, which lets it go once more.
-    static int releases = 0;
-    const AVSKScopedValue depth(releases, releases + 1);
-    const int result = releases <= kDeepestLoss ? CallDragWindow(x, y, mouseStatus) : kNotHandled;
-    gDragWindow = nullptr;
-    return result;
+    return mouseStatus == AVSKMouseUp ? ReleaseDragWindow(x, y) : CallDragWindow(x, y, mouseStatus);
 }
 
-void AVSKDisplayMouseDragHook() {
-    if (!gDragWindow)
-        return;
+namespace {
+
+// Reports a drag or a release at the position that the host answers.
+void ReportMouse(int status) {
     int x = 0;
     int y = 0;
     gHooks->getMouseLocation(&x, &y, 0);
-    AVSKDisplayMouseClickHook(x, y, AVSKMouseDrag);
+    AVSKDisplayMouseClickHook(x, y, status);
 }
 
-int AVSKDisplayKeyPressHook(char key, int flags, char virtualKey) {
-    if (!key && !flags && !virtualKey)
-        return kNotHandled;
-    if (!OfferToSniffers(Sniffers::BeforeWindows, key, flags, virtualKey))
-        return kConsumed;
-    if (AVSKDispatchHotKey(virtualKey, flags))
-        return kConsumed;
-    if (CallFocusWindow(key, flags, virtualKey))
-        return kConsumed;
-    return OfferToSniffers(Sniffers::AfterWindows, key, flags, virtualKey) ? kNotHandled : kConsumed;
+} // namespace
+
+void AVSKDisplayMouseDragHook() {
+    if (gDragWindow)
+        ReportMouse(AVSKMouseDrag);
 }
 
 int AVSKDisplayCursorHook(int x, int y) {
@@ -636,43 +418,51 @@ int AVSKDisplayScrollWheelHook(int x, int y, int wheel, int clicks) {
     return kNotHandled;
 }
 
-// ---- Plugins that go
+// ---- Teardown
 
 void AVSKDisplayDisableHook(int pluginID) {
     if (gFocusWindow && gFocusWindow->owner == pluginID)
         AVSKTakeKeyboardFocus(nullptr);
-    if (gDragWindow && gDragWindow->owner == pluginID) {
-        int x = 0;
-        int y = 0;
-        gHooks->getMouseLocation(&x, &y, 0);
-        AVSKDisplayMouseClickHook(x, y, AVSKMouseUp);
-    }
+    if (gDragWindow && gDragWindow->owner == pluginID)
+        ReportMouse(AVSKMouseUp);
 }
 
-void AVSKDisplayCleanupHook(int pluginID) {
-    RemoveOwned(gDrawCallbacks, pluginID);
-    RemoveOwned(gKeyCallbacks, pluginID);
+namespace {
+
+void DestroyWindowsOf(int pluginID) {
     for (AVSKWindowCallbackRecord &window : gWindows.AllRecords())
         if (window.owner == pluginID) {
             Destroy(&window);
-            // Brought to the front in the pass under way, it would come alive
-            // for a plugin that is loaded with the same ID.
+            // A plugin that is loaded during this pass may get the same ID. It
+            // would own this window if somebody brought it to the front.
             window.owner = NO_PLUGIN_ID;
         }
-    // Windows that a new one cut off stand in no walk, but still have storage.
+}
+
+// Windows that a new one cut off are in no walk, but still have storage.
+void RemoveCutOffWindowsOf(int pluginID) {
     std::vector<AVSKWindowCallbackRecord *> cutOff;
     AVSKWindowCallbackRecord::ForEach([pluginID, &cutOff](AVSKWindowCallbackRecord *window) {
-        if (window->owner == pluginID && !window->is_removed())
+        if (HeldBy(pluginID)(*window))
             cutOff.push_back(window);
     });
     for (AVSKWindowCallbackRecord *window : cutOff) {
         Forget(window);
         gWindows.Remove(window);
     }
-    RemoveOwned(gHotKeys, pluginID);
+}
+
+} // namespace
+
+void AVSKDisplayCleanupHook(int pluginID) {
+    gDrawCallbacks.RemoveAll(OwnedBy(pluginID));
+    RemoveKeySniffersOf(pluginID);
+    DestroyWindowsOf(pluginID);
+    RemoveCutOffWindowsOf(pluginID);
+    RemoveHotKeysOf(pluginID);
 }
 
 bool AVSKDisplayHolds(int pluginID) {
-    return HoldsOwned(gDrawCallbacks, pluginID) || HoldsOwned(gKeyCallbacks, pluginID) ||
-           HoldsOwned(gWindows, pluginID) || HoldsOwned(gHotKeys, pluginID);
+    return gDrawCallbacks.Any(HeldBy(pluginID)) || gWindows.Any(HeldBy(pluginID)) ||
+           HoldsKeySniffersOrHotKeys(pluginID);
 }

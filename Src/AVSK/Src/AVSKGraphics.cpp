@@ -1,5 +1,6 @@
-// The drawing services: each call reaches one host service as it is. No
-// globals, no checks, no dispatch context; called by plugins.
+// The drawing services: each function passes its arguments unchanged to one host
+// service, without checks and without a dispatch guard. Owns no globals; called
+// by plugins.
 #include "AVSK/AVSKGraphics.h"
 
 #include "AVSKHostTable.h"
@@ -8,7 +9,7 @@
 
 void AVSKGetScreenSize(int *outWidth, int *outHeight) { gHooks->getScreenSize(outWidth, outHeight); }
 
-// The flag tells the host that a plugin asks; the library's own calls pass 0.
+// The last argument tells the host that a plugin asks; the library's own calls pass 0.
 void AVSKGetMouseLocation(int *outX, int *outY) { gHooks->getMouseLocation(outX, outY, 1); }
 
 void AVSKSetGraphicsState(int a1, int a2, int a3, int a4, int a5, int a6, int a7) {

@@ -1,9 +1,10 @@
-// Menus: a record of each host menu, with the owner of every item, and the
-// translation between a plugin's numbering of its items and the host's. Owns
-// gMenus and gPluginMenu; called by plugins and by the host's menu hooks.
+// Menus: a record of each host menu with the owner of every item, and the
+// translation between a plugin's item indices and the host's. Owns gMenus and
+// gPluginMenu; called by plugins, by the host's menu hooks, and by the core
+// when a plugin is unloaded.
 //
-// Every call of the host could lead back in here and destroy the menu in
-// hand: it is looked up again before it is touched again.
+// Every call of a host service may re-enter this module and destroy the menu in
+// hand. After each such call the menu is looked up again.
 #include "AVSK/AVSKMenus.h"
 
 #include "AVSKDispatch.h"
@@ -18,7 +19,7 @@
 namespace {
 
 struct MenuItem {
-    int hostID; // under which the host reports picks
+    int hostID; // the host reports picks with it
     void *itemRef;
     int check;
     int enabled;
@@ -30,7 +31,7 @@ struct MenuItem {
 struct AVSKMenuInfo_t : AVSKTracked<AVSKMenuInfo_t> {
     void *hostMenu = nullptr;
     void *menuRef = nullptr;
-    std::vector<MenuItem> items; // by global index, the host's
+    std::vector<MenuItem> items; // by global index, which is the host's
     AVSKMenuHandler_f handler = nullptr;
     int owner = NO_PLUGIN_ID;
 
@@ -40,14 +41,17 @@ struct AVSKMenuInfo_t : AVSKTracked<AVSKMenuInfo_t> {
     void Erase(int index) { items.erase(items.begin() + index); }
 };
 
+// Outside readers rely on these globals.
 std::vector<AVSKMenuInfo_t *> &gMenus = *new std::vector<AVSKMenuInfo_t *>; // in order of creation
 AVSKMenuInfo_t *gPluginMenu = nullptr;
 
 namespace {
 
-// With an old host a record outlives its place in gMenus.
+// Does not search gMenus: with an old host a record outlives its place there.
 bool IsMenu(AVSKMenuID menu) { return AVSKMenuInfo_t::Exists(menu); }
 
+// Outside readers rely on the names of these two translations. Both return -1
+// if there is no such item.
 int AVSKItemPluginToGlobal(AVSKMenuInfo_t &menu, int pluginID, int pluginIndex) {
     int before = 0;
     for (int index = 0; index < menu.Count(); ++index)
@@ -71,8 +75,8 @@ MenuItem *ItemOf(AVSKMenuID menu, int index) {
     return global < 0 ? nullptr : &(*menu)[global];
 }
 
-// The host keeps the items, renamed to nothing, and reuses their places.
-void RenameAllToNothing(AVSKMenuID menu) {
+// The host keeps the renamed items and reuses their places.
+void RenameAllToEmpty(AVSKMenuID menu) {
     for (int index = 0; IsMenu(menu) && index < menu->Count(); ++index)
         gHooks->setMenuItemName(menu->hostMenu, index, "", 0);
 }
@@ -134,7 +138,7 @@ void AVSKDestroyMenu(AVSKMenuID menu) {
 void AVSKClearAllMenuItems(AVSKMenuID menu) {
     if (!IsMenu(menu) || menu->owner != AVSKGetDispatchedPlugin())
         return;
-    RenameAllToNothing(menu);
+    RenameAllToEmpty(menu);
     if (IsMenu(menu))
         menu->items.clear();
 }
@@ -194,7 +198,7 @@ int AVSKHandleMenuItemPick(int itemID) {
                 continue;
             if (!menu->handler || !item.enabled)
                 return 0;
-            // The handler may destroy the menu: nothing is touched after it.
+            // The handler may destroy the menu, so nothing of it is used afterwards.
             if (const StDispatchCallback guard(menu->owner); guard())
                 menu->handler(menu->menuRef, item.itemRef);
             return 0;
@@ -210,7 +214,7 @@ int AVSKHandleMenuItemCheck(void *hostMenu, int index, int *outCheck) {
         if (check < AVSKMenuNoCheck || check > AVSKMenuChecked)
             continue;
         if (outCheck)
-            *outCheck = check - 1; // the host counts from -1, no mark
+            *outCheck = check - 1; // the host's numbers begin with -1 for no mark
         return 0;
     }
     return 1;
@@ -229,19 +233,26 @@ int AVSKHandleMenuItemEnable(void *hostMenu, int index) {
     return 1;
 }
 
-void AVSKMenuCleanupHook(int pluginID) {
+namespace {
+
+// An old host keeps showing the menu, so its record stays in memory.
+void DestroyMenusOf(int pluginID) {
     const auto owned = [pluginID](const AVSKMenuInfo_t *menu) { return menu->owner == pluginID; };
     for (auto at = gMenus.begin(); (at = std::find_if(gMenus.begin(), gMenus.end(), owned)) != gMenus.end();) {
         AVSKMenuInfo_t *menu = *at;
-        RenameAllToNothing(menu);
+        RenameAllToEmpty(menu);
         if (IsMenu(menu))
             menu->handler = nullptr;
-        const bool hostForgets = AVSKHostHasFullTable(gHooks);
+        const bool hostDestroysMenus = AVSKHostHasFullTable(gHooks);
         DestroyHostMenu(menu);
         Unlist(menu);
-        if (hostForgets) // an old host goes on showing the menu, and the record stays for it
+        if (hostDestroysMenus)
             Free(menu);
     }
+}
+
+// Removes the last item first, so that the indices of the others stay right.
+void RemovePluginsMenuItemsOf(int pluginID) {
     AVSKMenuInfo_t *shared = gPluginMenu;
     for (int index = IsMenu(shared) ? shared->Count() - 1 : -1; index >= 0; --index)
         if (shared->Has(index) && (*shared)[index].owner == pluginID) {
@@ -249,6 +260,13 @@ void AVSKMenuCleanupHook(int pluginID) {
             if (shared->Has(index))
                 shared->Erase(index);
         }
+}
+
+} // namespace
+
+void AVSKMenuCleanupHook(int pluginID) {
+    DestroyMenusOf(pluginID);
+    RemovePluginsMenuItemsOf(pluginID);
 }
 
 bool AVSKMenuHolds(int pluginID) {

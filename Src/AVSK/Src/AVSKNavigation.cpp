@@ -1,5 +1,6 @@
-// The navigation database and the flight plan: each call reaches one host
-// service as it is. No globals, no checks; called by plugins.
+// The navigation database and the flight plan: each function passes its
+// arguments unchanged to one host service, without checks. Owns no globals;
+// called by plugins.
 #include "AVSK/AVSKNavigation.h"
 
 #include "AVSKHostTable.h"

@@ -23,11 +23,12 @@
 #include <string>
 #include <utility>
 
+// Outside readers rely on these globals and on gQueue.
 int gOwner = NO_PLUGIN_ID; // the plugin in control
-int gPlaneLimit = -1;      // active aircraft that it wants, -1 for no limit
-int gHostPlaneCount = -1;  // what the host last reported, -1 before that
+int gPlaneLimit = -1;      // the number of active aircraft that it wants, -1 for no limit
+int gHostPlaneCount = -1;  // the number that the host last reported, -1 before the first report
 std::map<int, std::string> &gRequestedPlanes = *new std::map<int, std::string>; // model paths by aircraft
-bool gIsSelfLoading = false; // the host loads a model because we asked for it
+bool gIsSelfLoading = false; // the host is loading a model that the library asked for
 
 namespace {
 
@@ -38,10 +39,10 @@ struct Waiting {
 };
 
 AVSKCallbackSequence<Waiting> &gQueue =
-    *new AVSKCallbackSequence<Waiting>; // plugins that wait for control, in order of asking
+    *new AVSKCallbackSequence<Waiting>; // plugins that wait for control, in the order of their requests
 
-// Those to whom control is being offered. They are taken out of the queue
-// first: one that asks again meanwhile waits for the next offer.
+// The plugins to which control is being offered. They leave the queue first: a
+// plugin that asks again during the offer waits for the next one.
 struct Offer {
     Offer() : waiting(std::exchange(gQueue, {})), outer(std::exchange(innermost, this)) {}
     ~Offer() { innermost = outer; }
@@ -68,6 +69,15 @@ void LoadModel(int index, const std::string &path, const char *fileName) {
     gHooks->loadAircraftModel(index, path.c_str(), fileName);
 }
 
+// The file name follows the last separator. In a path without a separator it
+// begins at the second character, as hosts have always been told.
+const char *FileNameIn(const std::string &path) {
+    std::size_t at = path.size();
+    while (at > 0 && path[at] != *AVSKGetDirectorySeparator())
+        --at;
+    return path.c_str() + std::min(at + 1, path.size());
+}
+
 void SetDisabledAI(int index, int disabled) {
     char name[64];
     std::snprintf(name, sizeof name, "sim/private/net_disables/ai_loc[%d]", index);
@@ -80,13 +90,7 @@ void AVSKSetUsersAircraft(const char *path) {
     if (!path)
         return;
     const std::string given = path;
-    const std::string converted = Converted(path);
-    // The file name is what follows the last separator; without one, by old
-    // habit, all but the first character.
-    std::size_t at = given.size();
-    while (at > 0 && given[at] != *AVSKGetDirectorySeparator())
-        --at;
-    LoadModel(0, converted, given.c_str() + std::min(at + 1, given.size()));
+    LoadModel(0, Converted(path), FileNameIn(given));
 }
 
 void AVSKPlaceUserAtAirport(const char *airport) { gHooks->placeUserAtAirport(airport); }

@@ -1,5 +1,6 @@
-// Flight loops. Owns gFlightLoops, gLastCallNumber and gLastCallTime; called
-// by plugins, and by the host's hooks once per pass.
+// Flight loops. Owns gFlightLoops, gLastCallNumber and gLastCallTime; called by
+// plugins, by the host's event hook once per pass, and by the core when a
+// plugin is unloaded.
 #include "AVSK/AVSKProcessing.h"
 
 #include "AVSKDispatch.h"
@@ -23,27 +24,29 @@ struct AVSKFlightLoopRecord : AVSKResource_t<AVSKFlightLoopRecord>, AVSKTracked<
     void *refcon = nullptr;
 };
 
+// Outside readers rely on these globals.
 AVSKResourceList<AVSKFlightLoopRecord> gFlightLoops;
 int gLastCallNumber = 0;       // the pass counter
-const float gLastCallTime = 0; // never advanced: plugins expect the total elapsed time from it
+const float gLastCallTime = 0; // never advanced: plugins expect the total elapsed time as second argument
 
 namespace {
 
-bool IsLoop(AVSKFlightLoopID loop) { return AVSKFlightLoopRecord::Exists(loop) && loop->linked; }
+bool IsLoop(AVSKFlightLoopID loop) { return AVSKFlightLoopRecord::Exists(loop) && loop->IsLinked(); }
 
 bool IsDue(const AVSKFlightLoopRecord &loop, float now) {
     if (loop.interval > 0) {
         const float due = loop.lastCallTime + loop.interval;
         return now >= due;
     }
-    // In double both sides are exact, also beyond the integers of a float.
+    // In double both sides are exact, also where float has no exact integers any more.
     if (loop.interval < 0)
         return static_cast<double>(gLastCallNumber) - loop.lastCallCycle >= -static_cast<double>(loop.interval);
     return false;
 }
 
-bool Matches(const AVSKFlightLoopRecord &loop, AVSKFlightLoop_f callback, const void *refcon) {
-    return loop.callback == callback && loop.refcon == refcon;
+// Selects the loops with this function and refcon, whoever owns them.
+auto SameLoop(AVSKFlightLoop_f callback, const void *refcon) {
+    return [=](const AVSKFlightLoopRecord &loop) { return loop.callback == callback && loop.refcon == refcon; };
 }
 
 void RunDueLoops(float now, int phase) {
@@ -104,7 +107,7 @@ void AVSKScheduleFlightLoop(AVSKFlightLoopID loop, float interval, int relativeT
     }
     if (relativeToNow) {
         const float now = AVSKGetElapsedTime();
-        if (!IsLoop(loop)) // the host's clock could lead back in here
+        if (!IsLoop(loop)) // the host's clock may have re-entered and destroyed it
             return;
         loop->lastCallTime = now;
     }
@@ -117,16 +120,13 @@ void AVSKRegisterFlightLoopCallback(AVSKFlightLoop_f callback, float interval, v
 }
 
 void AVSKUnregisterFlightLoopCallback(AVSKFlightLoop_f callback, void *refcon) {
-    for (AVSKFlightLoopRecord &loop : gFlightLoops.AllRecords())
-        if (Matches(loop, callback, refcon)) {
-            gFlightLoops.Remove(&loop);
-            return;
-        }
+    gFlightLoops.RemoveFirst(SameLoop(callback, refcon));
 }
 
 void AVSKSetFlightLoopCallbackInterval(AVSKFlightLoop_f callback, float interval, int relativeToNow, void *refcon) {
+    const auto matches = SameLoop(callback, refcon);
     for (AVSKFlightLoopRecord &loop : gFlightLoops.AllRecords())
-        if (Matches(loop, callback, refcon)) {
+        if (matches(loop)) {
             loop.interval = interval;
             if (relativeToNow)
                 loop.lastCallTime = AVSKGetElapsedTime();
@@ -145,12 +145,10 @@ int AVSKDoFlightLoopProcessing(float elapsedTime, int phase) {
 }
 
 void AVSKProcessingCleanupHook(int pluginID) {
-    for (AVSKFlightLoopRecord &loop : gFlightLoops.AllRecords())
-        if (loop.owner == pluginID)
-            gFlightLoops.Remove(&loop);
+    gFlightLoops.RemoveAll([pluginID](const AVSKFlightLoopRecord &loop) { return loop.owner == pluginID; });
 }
 
 bool AVSKProcessingHolds(int pluginID) {
     return gFlightLoops.Any(
-        [pluginID](const AVSKFlightLoopRecord &loop) { return loop.owner == pluginID && !loop.is_removed(); });
+        [pluginID](const AVSKFlightLoopRecord &loop) { return loop.owner == pluginID && !loop.IsRemoved(); });
 }

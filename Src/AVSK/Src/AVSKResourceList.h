@@ -1,14 +1,32 @@
-// The list that holds every callback a plugin registers, with removal that is
-// safe while the list is walked.
+// The intrusive list of the callbacks that plugins register. A callback may
+// add, move and remove any record, and walk the list itself, to any depth.
 //
-// A record removed during a walk stays linked, marked dead, until a walk ends;
-// then it is reclaimed: taken out of the list and out of every look-up. Its
-// storage lives on while any walk of the list is under way, and each walk
-// remembers where it would have gone on from a record that left under it. So
-// a callback may remove its own record, or any other, and may walk the list
-// itself, however deep.
+// A record that is removed during a walk is marked dead and stays linked.
+// Dead records are reclaimed when a walk ends: they are unlinked, and no
+// look-up finds them any more. Their storage is freed when no walk is under
+// way. A walk that stands on a reclaimed record remembers where to continue.
 //
-// Used by the modules that keep callbacks; it calls nobody.
+// Example: a pass over four flight loops has called A and stands on B. The
+// callback of B does all of the following.
+//
+//                      list                                   pass continues with
+//                      A <-> B <-> C <-> D                    C
+//   Remove(C)          A <-> B <-> C(dead) <-> D              D
+//   Remove(B)          A <-> B(dead) <-> C(dead) <-> D        D
+//   Add(E)             E <-> A <-> B(dead) <-> C(dead) <-> D  D
+//   walks the list     E <-> A <-> D                          D
+//   returns            E <-> A <-> D                          -
+//
+// The inner walk visits E, A and D, and its end reclaims B and C. The pass
+// still stands on B, whose storage is valid: it writes the result of the
+// callback there and continues with D. The end of the pass frees B and C.
+// With AVSKReclaim::AfterPass the inner walk reclaims nothing, and the end of
+// the pass reclaims and frees both.
+//
+// Outside readers rely on AVSKAddResource, AVSKRemoveResource and the names in
+// snake_case. All other functions are PascalCase, all other data camelCase.
+//
+// AVSKDisplay and AVSKProcessing keep such lists; AVSKMenus uses AVSKTracked.
 #ifndef AVSK_RESOURCE_LIST_H
 #define AVSK_RESOURCE_LIST_H
 
@@ -20,23 +38,18 @@ class AVSKResourceList;
 
 // The links of a record; T derives from AVSKResource_t<T>.
 template <class T>
-struct AVSKResource_t {
-    T *next = nullptr;
-    bool dead = false;
-    T *prev = nullptr;
-    T *dead_next = nullptr;
-    // In a list, dead or alive. A reclaimed record whose storage lives on is not.
-    bool linked = false;
-    // On the dead chain, which a record brought to the front after its removal does not leave.
-    bool chained = false;
-    // The last of those that an Add cut off: next does not point back.
-    bool cut = false;
-
+class AVSKResource_t {
+  public:
     T *get_next() const { return next; }
     T *get_prev() const { return prev; }
     bool is_dead() const { return dead; }
-    // Removed, though perhaps brought to the front since.
-    bool is_removed() const { return chained || !linked; }
+    // In a list, dead or alive. False for a reclaimed record whose storage is still kept.
+    bool IsLinked() const { return linked; }
+    // True also for a removed record that was brought to the front since.
+    bool IsRemoved() const { return chained || !linked; }
+
+  private:
+    friend class AVSKResourceList<T>;
 
     static void AVSKAddResource(T *&head, T *rec) {
         rec->prev = nullptr;
@@ -52,7 +65,6 @@ struct AVSKResource_t {
         head = rec;
     }
 
-    // Unlinks a record that is linked again at once.
     static void AVSKRemoveResource(T *&head, T *rec) {
         if (head == rec)
             head = rec->next;
@@ -65,7 +77,7 @@ struct AVSKResource_t {
     }
 
     // Marks a record for reclaiming. It is chained once, however often it is removed.
-    static void AVSKDeferResource(T *&dead_list, T *rec) {
+    static void Defer(T *&dead_list, T *rec) {
         rec->dead = true;
         if (rec->chained)
             return;
@@ -73,10 +85,18 @@ struct AVSKResource_t {
         rec->dead_next = dead_list;
         dead_list = rec;
     }
+
+    T *next = nullptr;
+    bool dead = false;
+    T *prev = nullptr;
+    T *dead_next = nullptr;
+    bool linked = false;
+    bool chained = false; // on the dead chain; bringing it to the front does not unchain it
+    bool cut = false;     // the last of the records that an Add cut off: its next does not point back
 };
 
-// A base that knows every object of a type that has storage, so that a stale
-// handle is told by its address alone.
+// A base that registers every object of a type, so that a stale handle is
+// detected by its address alone.
 template <class T>
 class AVSKTracked {
   public:
@@ -85,7 +105,7 @@ class AVSKTracked {
 
     static bool Exists(const T *object) { return object && all.count(object) != 0; }
 
-    // Calls visit for each; it must not make or destroy any.
+    // Calls visit for each object; visit must not create or destroy any.
     template <class Visit>
     static void ForEach(Visit visit) {
         for (const AVSKTracked *object : all)
@@ -101,10 +121,10 @@ class AVSKTracked {
     static inline std::unordered_set<const AVSKTracked *> &all = *new std::unordered_set<const AVSKTracked *>;
 };
 
-// When a list reclaims what was removed from it.
+// When a list reclaims removed records.
 enum class AVSKReclaim {
-    AtEveryEnd, // at the end of any walk, also of one inside another
-    AfterPass   // at the end of the outermost walk: a removed record is still found until then
+    AtEveryEnd, // at the end of every walk, nested ones included
+    AfterPass   // at the end of the outermost walk; look-ups find removed records until then
 };
 
 enum class AVSKWalkDirection {
@@ -124,30 +144,25 @@ class AVSKResourceList {
     class Range;
     class Pin;
 
-    T *head = nullptr; // a cursor: the first record, or the last after a walk from the back
-    T *dead_list = nullptr;
-    int iterate_depth = 0;
-    bool needs_clean = false;
-
     constexpr explicit AVSKResourceList(AVSKReclaim when = AVSKReclaim::AtEveryEnd) : reclaim(when) {}
     AVSKResourceList(const AVSKResourceList &) = delete;
     AVSKResourceList &operator=(const AVSKResourceList &) = delete;
 
-    // The list owns rec from here on. rec becomes the first record; if the
-    // cursor stands on the last record, those before that one are cut off.
+    // Takes ownership of rec and makes it the first record. If the cursor
+    // stands on the last record, the records before that one are cut off.
     void Add(T *rec) { T::AVSKAddResource(head, rec); }
 
     void Remove(T *rec) {
         if (iterate_depth != 0 || rec->chained) {
-            T::AVSKDeferResource(dead_list, rec);
+            T::Defer(dead_list, rec);
             needs_clean = true;
         } else {
             Reclaim(rec);
         }
     }
 
-    // Moves a record at once, also during a walk. One that was removed comes
-    // alive, but is reclaimed all the same when its time comes.
+    // Moves a record at once, also during a walk. A dead record becomes live,
+    // but the next reclaiming takes it all the same.
     void MoveToFront(T *rec) {
         for (Walk *walk = walks; walk; walk = walk->outer)
             walk->PassOver(rec);
@@ -155,6 +170,55 @@ class AVSKResourceList {
         T::AVSKAddResource(head, rec);
     }
 
+    // Ranges for range-based for. Each is one walk, which ends with the
+    // range's scope, also when an exception leaves it.
+    using LiveRange = Range<AVSKWalkDirection::Forward, AVSKWalkOver::LiveRecords>;
+    using LiveRangeFromBack = Range<AVSKWalkDirection::Backward, AVSKWalkOver::LiveRecords>;
+    using AllRange = Range<AVSKWalkDirection::Forward, AVSKWalkOver::AllRecords>;
+    LiveRange LiveRecords() { return LiveRange(*this); }
+    LiveRangeFromBack LiveRecordsFromBack() { return LiveRangeFromBack(*this); }
+    AllRange AllRecords() { return AllRange(*this); }
+
+    // These three walk all records, dead ones included.
+    template <class Pred>
+    T *FindFirst(Pred pred) {
+        for (T &rec : AllRecords())
+            if (pred(rec))
+                return &rec;
+        return nullptr;
+    }
+
+    template <class Pred>
+    bool RemoveFirst(Pred pred) {
+        for (T &rec : AllRecords())
+            if (pred(rec)) {
+                Remove(&rec);
+                return true;
+            }
+        return false;
+    }
+
+    template <class Pred>
+    void RemoveAll(Pred pred) {
+        for (T &rec : AllRecords())
+            if (pred(rec))
+                Remove(&rec);
+    }
+
+    // True if a record satisfies pred, dead ones included. This is not a walk:
+    // it moves no cursor and reclaims nothing.
+    template <class Pred>
+    bool Any(Pred pred) const {
+        const T *rec = head;
+        while (rec && rec->prev)
+            rec = rec->prev;
+        for (; rec; rec = rec->next)
+            if (pred(*rec))
+                return true;
+        return false;
+    }
+
+    // The bare begin and end of a walk, for walks that stay open by rule.
     T *BeginIterate() {
         Deepen();
         if (head && head->prev) [[unlikely]]
@@ -170,13 +234,9 @@ class AVSKResourceList {
         return head;
     }
 
-    void EndIterate() {
-        if (iterate_depth > 0) [[likely]]
-            --iterate_depth;
-        if (needs_clean && !(walks && reclaim == AVSKReclaim::AfterPass))
-            Clean();
-    }
+    void EndIterate() { EndWalk(false); }
 
+    // Reclaims all removed records. From outside only the tests call it.
     [[gnu::noinline]] void Clean() {
         while (T *rec = dead_list) {
             dead_list = rec->dead_next;
@@ -185,29 +245,18 @@ class AVSKResourceList {
         needs_clean = false;
     }
 
-    // Ranges for range-based for. Each is one walk: begun when the range is
-    // made and ended when it goes, also by an exception.
-    using LiveRange = Range<AVSKWalkDirection::Forward, AVSKWalkOver::LiveRecords>;
-    using LiveRangeFromBack = Range<AVSKWalkDirection::Backward, AVSKWalkOver::LiveRecords>;
-    using AllRange = Range<AVSKWalkDirection::Forward, AVSKWalkOver::AllRecords>;
-    LiveRange LiveRecords() { return LiveRange(*this); }
-    LiveRangeFromBack LiveRecordsFromBack() { return LiveRangeFromBack(*this); }
-    AllRange AllRecords() { return AllRange(*this); }
-
-    // Tells whether a record satisfies pred, dead ones included; without a walk and its effects.
-    template <class Pred>
-    bool Any(Pred pred) const {
-        const T *rec = head;
-        while (rec && rec->prev)
-            rec = rec->prev;
-        for (; rec; rec = rec->next)
-            if (pred(*rec))
-                return true;
-        return false;
-    }
+  protected:           // not private, because the tests of the list use head and iterate_depth
+    T *head = nullptr; // a cursor: the first record, or the last after a walk from the back
+    T *dead_list = nullptr;
+    int iterate_depth = 0;
+    bool needs_clean = false;
 
   private:
-    // Some walks never end, so the depth is bounded by hand.
+    static T *Beyond(AVSKWalkDirection direction, const T *rec) {
+        return direction == AVSKWalkDirection::Forward ? rec->next : rec->prev;
+    }
+
+    // Walks that stay open raise the depth for good: it must not overflow.
     void Deepen() {
         if (iterate_depth != INT_MAX) [[likely]]
             ++iterate_depth;
@@ -216,6 +265,20 @@ class AVSKResourceList {
     [[gnu::noinline]] void Rewind() {
         while (head->prev)
             head = head->prev;
+    }
+
+    void EndWalk(bool staysOpen) {
+        if (iterate_depth > 0) [[likely]]
+            --iterate_depth;
+        if (needs_clean || retired) [[unlikely]]
+            ReclaimAndFree(staysOpen);
+    }
+
+    [[gnu::noinline]] void ReclaimAndFree(bool staysOpen) {
+        const bool isPassOver = !walks;
+        if (needs_clean && (reclaim == AVSKReclaim::AfterPass ? isPassOver : !staysOpen))
+            Clean();
+        FreeRetired();
     }
 
     void Reclaim(T *rec) {
@@ -247,7 +310,7 @@ class AVSKResourceList {
 
     Walk *walks = nullptr; // under way, the innermost first
     int pins = 0;
-    T *retired = nullptr; // reclaimed, storage kept for the walks and pins
+    T *retired = nullptr; // reclaimed, with storage that walks or pins keep
     const AVSKReclaim reclaim;
 };
 
@@ -266,24 +329,21 @@ class AVSKResourceList<T>::Walk {
 
     ~Walk() {
         list.walks = outer;
-        if (list.iterate_depth > 0) [[likely]]
-            --list.iterate_depth;
-        if (list.needs_clean || list.retired) [[unlikely]]
-            CleanUp();
+        list.EndWalk(open);
     }
 
     T *Current() const { return current; }
     void StandOn(T *rec) { current = rec; }
 
-    // Whether the record that the walk stands on was reclaimed, and where to go on then.
+    // Whether the current record was reclaimed, and where the walk continues then.
     bool HasLeft() const { return left; }
     T *Resume() {
         left = false;
         return resume;
     }
 
-    // Has the walk never end for the list: its depth stays raised. The pass
-    // and its hold on storage end all the same.
+    // Leaves the list's depth raised when the walk ends. Reclaimed records are
+    // freed all the same.
     void KeepOpen() {
         if (!open)
             list.Deepen();
@@ -293,24 +353,18 @@ class AVSKResourceList<T>::Walk {
   private:
     friend class AVSKResourceList;
 
-    [[gnu::noinline]] void CleanUp() {
-        if (list.needs_clean && (list.reclaim == AVSKReclaim::AfterPass ? !outer : !open))
-            list.Clean();
-        list.FreeRetired();
-    }
-
-    T *Beyond(const T *rec) const { return direction == AVSKWalkDirection::Forward ? rec->next : rec->prev; }
-
-    void PassOver(T *rec) {
+    // A record is about to change its place: the walk does not continue with it.
+    void PassOver(const T *rec) {
         if (left && resume == rec)
-            resume = Beyond(rec);
+            resume = Beyond(direction, rec);
     }
 
-    void Leave(T *rec) {
+    // A record is about to be reclaimed.
+    void Leave(const T *rec) {
         PassOver(rec);
         if (!left && current == rec) {
             left = true;
-            resume = Beyond(rec);
+            resume = Beyond(direction, rec);
         }
     }
 
@@ -318,13 +372,13 @@ class AVSKResourceList<T>::Walk {
     Walk *const outer;
     const AVSKWalkDirection direction;
     T *current;
-    T *resume = nullptr; // where to go on if current left the list
-    bool left = false;
+    T *resume = nullptr; // where the walk continues if current was reclaimed
+    bool left = false;   // current was reclaimed
     bool open = false;
 };
 
-// Keeps the storage of records through a call that is not made from a walk.
-// Unlike a walk it defers no removal.
+// Keeps the storage of reclaimed records during a call that is made outside a
+// walk. Unlike a walk it defers no removal.
 template <class T>
 class [[nodiscard]] AVSKResourceList<T>::Pin {
   public:
@@ -367,16 +421,14 @@ class AVSKResourceList<T>::Range {
     void KeepOpen() { walk.KeepOpen(); }
 
   private:
-    static T *Beyond(const T *rec) { return direction == AVSKWalkDirection::Forward ? rec->next : rec->prev; }
-
     static T *Wanted(T *rec) {
         if constexpr (over == AVSKWalkOver::LiveRecords)
             while (rec && rec->dead)
-                rec = Beyond(rec);
+                rec = Beyond(direction, rec);
         return rec;
     }
 
-    void Step() { walk.StandOn(Wanted(walk.HasLeft() ? walk.Resume() : Beyond(walk.Current()))); }
+    void Step() { walk.StandOn(Wanted(walk.HasLeft() ? walk.Resume() : Beyond(direction, walk.Current()))); }
 
     Walk walk;
 };

@@ -1,7 +1,7 @@
-// Terrain probes and scenery objects: who owns which, and asynchronous loads
-// on their way to their plugins. Owns gProbes, gFreeProbes and gObjects;
-// called by plugins, by the host when a load completes, and by the core when
-// a plugin is unloaded.
+// Terrain probes and scenery objects: the owner of each, and the asynchronous
+// loads that the host has not completed. Owns gProbes, gFreeProbes and gObjects;
+// called by plugins, by the host when a load completes, and by the core when a
+// plugin is unloaded.
 #include "AVSK/AVSKScenery.h"
 
 #include "AVSKDelivery.h"
@@ -26,20 +26,21 @@ struct AVSKProbe_t {
 
 static_assert(sizeof(AVSKProbeInfo) == 44 && sizeof(AVSKDrawInfo) == 28, "layouts that plugins are compiled to");
 
+// Outside readers rely on these globals.
 std::set<AVSKProbe_t *> &gProbes = *new std::set<AVSKProbe_t *>;
-std::set<void *> &gFreeProbes = *new std::set<void *>; // host probes to use again; the host takes none back
+std::set<void *> &gFreeProbes = *new std::set<void *>; // host probes to reuse; the host cannot destroy one
 using ObjectsByPlugin = std::map<int, std::vector<void *>>;
-ObjectsByPlugin &gObjects = *new ObjectsByPlugin; // by plugin, as often as it loaded them
+ObjectsByPlugin &gObjects = *new ObjectsByPlugin; // by plugin; an object appears once for each load
 
 namespace {
 
-// Finds the first record of an object among a plugin's.
 std::vector<void *>::iterator FindObject(std::vector<void *> &objects, void *object) {
     return std::find(objects.begin(), objects.end(), object);
 }
 
-// One asynchronous load. The host knows it by a number that is not used
-// again: a completion reported twice must not reach a later load.
+// One asynchronous load. The host knows it by a number that is never reused, so
+// that a completion that is reported twice does not reach a later load. Outside
+// readers rely on the names of the class and its members.
 class AVSKObjectCompletion_t final : public AVSKDelivery {
   public:
     AVSKObjectCompletion_t(AVSKObjectLoaded_f function, void *reference) : callback(function), refcon(reference) {
@@ -49,8 +50,8 @@ class AVSKObjectCompletion_t final : public AVSKDelivery {
 
     void *Argument() const { return reinterpret_cast<void *>(number); }
 
-    // What the host calls when the load is over. One that it reports again,
-    // or never heard of, is ignored.
+    // The host calls this when the load is complete. An unknown number, or one
+    // that was reported before, is ignored.
     static void AsyncCB(void *objectRef, void *argument) {
         const auto found = expected.extract(reinterpret_cast<std::uintptr_t>(argument));
         if (found.empty())
@@ -65,14 +66,15 @@ class AVSKObjectCompletion_t final : public AVSKDelivery {
             gHooks->unloadObject(object); // null too: the host ignores it
             return;
         }
-        // The object is recorded after the call, also when it throws; if the
-        // plugin was unloaded from inside it, there is nobody to record it for.
+        // The plugin owns the object only after the call, also if the call throws.
         const Recording recording(pluginID, object);
         if (callback)
             callback(object, refcon);
     }
 
   private:
+    // Records the object for its plugin at the end of the scope, or unloads it
+    // if the plugin was unloaded meanwhile.
     class Recording {
       public:
         Recording(int id, void *loaded)
@@ -100,7 +102,7 @@ class AVSKObjectCompletion_t final : public AVSKDelivery {
     const std::uintptr_t number = ++last;
 
     static inline std::uintptr_t last = 0;
-    // Those that the host has not completed yet.
+    // The loads that the host has not completed.
     using Completions = std::map<std::uintptr_t, AVSKObjectCompletion_t *>;
     static inline Completions &expected = *new Completions;
 };
@@ -152,8 +154,8 @@ void AVSKLoadObjectAsync(const char *path, AVSKObjectLoaded_f callback, void *re
     auto *completion = new AVSKObjectCompletion_t(callback, refcon);
     AVSKQueueDelivery(completion);
     void *const argument = completion->Argument();
-    // The host may complete it in there, after which it is gone. The table of an
-    // old host ends before the service: with it the plugin waits for the object.
+    // The host may complete the load inside this call, which frees it. The table
+    // of an old host ends before the service; then the object is loaded at once.
     if (gHooks->sizeInBytes >= static_cast<int>(offsetof(AVSKHostCallbacks, loadObjectAsync) + sizeof(void *)))
         gHooks->loadObjectAsync(path, AVSKObjectCompletion_t::AsyncCB, argument);
     else
@@ -175,7 +177,7 @@ void AVSKDrawObjects(AVSKObjectRef object, int count, AVSKDrawInfo *infos, int l
     }
     for (int i = 0; infos && i < count; ++i) {
         const AVSKDrawInfo &info = infos[i];
-        // The host takes the second angle first.
+        // The host's service takes the second angle before the first.
         gHooks->drawObject(object, info.x, info.y, info.z, info.angle2, info.angle1, info.angle3, lighting,
                            earthRelative);
     }
@@ -198,7 +200,7 @@ int AVSKLookupObjects(const char *path, float latitude, float longitude, AVSKLib
 }
 
 void AVSKSceneryCleanupHook(int pluginID) {
-    const std::vector<AVSKProbe_t *> probes(gProbes.begin(), gProbes.end()); // the set shrinks meanwhile
+    const std::vector<AVSKProbe_t *> probes(gProbes.begin(), gProbes.end()); // a copy: destroying shrinks the set
     for (AVSKProbe_t *probe : probes)
         if (probe->owner == pluginID)
             AVSKDestroyProbe(probe);

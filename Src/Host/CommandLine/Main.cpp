@@ -21,7 +21,7 @@ bool OutputIsWhole() {
     return false;
 }
 
-// Plugins' exceptions pass through the library and end up in main.
+// Exceptions of plugins pass through the library and reach main.
 void ReportException(const std::string &what) {
     const std::string thrower = ThrownBy();
     std::fflush(stdout);

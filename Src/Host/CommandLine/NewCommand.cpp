@@ -37,7 +37,7 @@ constexpr std::size_t kLongestName = 60;
 bool IsLetter(char c) { return std::isalpha(static_cast<unsigned char>(c)) != 0; }
 bool IsWordCharacter(char c) { return c == '_' || std::isalnum(static_cast<unsigned char>(c)) != 0; }
 
-// The name becomes a folder, a source file and a CMake target.
+// The name is used for a folder, a source file and a CMake target.
 void CheckName(const std::string &name) {
     constexpr std::array<std::string_view, 11> kCMakesOwn{
         "ALL_BUILD", "AVSK", "RUN_TESTS", "ZERO_CHECK", "all", "clean", "depend", "help", "install", "package", "test"};
@@ -51,7 +51,7 @@ void CheckName(const std::string &name) {
         throw UsageError("new: the name '" + name + "' has a meaning of its own in CMake: choose another");
 }
 
-// For a shell; the placeholder too, which it would take for a file.
+// Quotes a word for a shell; also the placeholder, whose brackets a shell would interpret.
 std::string Quoted(const std::string &path) {
     const bool isPlain = std::all_of(path.begin(), path.end(),
                                      [](char c) { return IsWordCharacter(c) || c == '/' || c == '.' || c == '-'; });
@@ -63,7 +63,7 @@ std::string Quoted(const std::string &path) {
     return quoted + "'";
 }
 
-// The folder above the one this program is in, if it looks installed; else a placeholder.
+// The SDK's folder if this program is installed in one; otherwise a placeholder.
 std::string SdkPrefix() {
     std::error_code error;
     const fs::path program = fs::read_symlink("/proc/self/exe", error);
@@ -114,7 +114,7 @@ void MakeProject(const Request &request) {
         WriteFile(project / "README.md", Fill(kNewReadme, words));
         WriteFile(project / ".gitignore", kNewGitignore);
     } catch (...) {
-        fs::remove_all(project, error); // half a project would be in the way of the next try
+        fs::remove_all(project, error); // an incomplete project would block the next try
         throw;
     }
     const std::string folder = Quoted(project.string());

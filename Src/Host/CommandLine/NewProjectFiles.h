@@ -1,6 +1,6 @@
 // The files that `avsk new` writes, with @NAME@ for the plugin's name, @LANGUAGE@
-// and @EXTENSION@ for its language, and @PREFIX@ for where the SDK is. Used by
-// NewProject.cpp.
+// and @EXTENSION@ for its language, and @PREFIX@ for the folder of the SDK. Used
+// by NewCommand.cpp.
 #ifndef AVSK_HOST_COMMAND_LINE_NEW_PROJECT_FILES_H
 #define AVSK_HOST_COMMAND_LINE_NEW_PROJECT_FILES_H
 
@@ -79,7 +79,7 @@ void AVPluginReceiveMessage(AVSKPluginID sender, int message, void *parameter) {
 }
 )file";
 
-constexpr const char *kNewSourceCpp = R"file(// @NAME@: says hello, and each second how many frames there have been.
+constexpr const char *kNewSourceCpp = R"file(// @NAME@: logs a greeting, and each second the number of frames so far.
 #include <AVSK/AVSK.h>
 
 #include <cstdio>
@@ -98,29 +98,29 @@ float EachFrame(float /*sinceLastCall*/, float /*elapsed*/, int /*pass*/, void *
 
 } // namespace
 
-// Loaded. Say who you are and register what you need; callbacks begin once you are enabled.
+// Called when the plugin is loaded. Fill in the texts and register callbacks; they are called once the plugin is enabled.
 int AVPluginStart(char *outName, char *outSignature, char *outDescription) {
     std::snprintf(outName, AVSK_TEXT_SIZE, "@NAME@");
-    // No other plugin may have this signature: put your organisation in front.
+    // The signature must be unique: begin it with your organisation.
     std::snprintf(outSignature, AVSK_TEXT_SIZE, "example.@NAME@");
     std::snprintf(outDescription, AVSK_TEXT_SIZE, "Says hello and counts frames.");
     AVSKRegisterFlightLoopCallback(EachFrame, -1.0F, nullptr);
     return 1; // 0 refuses, and the plugin is unloaded
 }
 
-// About to be unloaded. Free what is yours; what you registered goes by itself.
+// Called before the plugin is unloaded. Free your own memory; the library removes what you registered.
 void AVPluginStop() {}
 
-// Every plugin has started by now, so this is the first place where others can be looked for.
+// Called when every plugin has started: the first place to look for other plugins.
 int AVPluginEnable() {
     AVSKDebugString("@NAME@: hello\n");
     return 1; // 0 stays disabled
 }
 
-// No more callbacks until the next enable.
+// After this no callback is called until the next enable.
 void AVPluginDisable() {}
 
-// A message: from the simulator (sender 0) or from another plugin.
+// Receives a message from the simulator (sender 0) or from another plugin.
 void AVPluginReceiveMessage(AVSKPluginID /*sender*/, int /*message*/, void * /*parameter*/) {}
 )file";
 

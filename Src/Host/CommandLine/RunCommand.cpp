@@ -38,21 +38,20 @@ constexpr const char *kRunExamples = R"(Examples:
   avsk run Samples/Menu/Menu.avs --root build/release/demo
       a session: picks items of a sample's menu and checks what comes of it
   avsk run --interactive --root build/release/demo --plugin Menu
-      the same by hand; 'help' lists the words, 'quit' ends. Where rlwrap is installed it gives history and completion
+      the same, typed; 'help' lists the words, 'quit' ends. With rlwrap installed there is history and completion
   avsk run --root sim --trace flight.json --trace-plugin Lights --profile --ps
-      what the plugin Lights called and was called for, where the time went, and what it forgot to give back
+      the calls of and to the plugin Lights, where the time went, and what it did not release
 
-Keys that no plugin takes: F4 shows the next view, F5 climbs, F6 descends and F7 flies straight on while held.
+Keys that no plugin consumes: F4 shows the next view, F5 climbs, F6 descends and F7 flies straight on while held.
 
-A picture shows what plugins draw through the interface: dark boxes, texts and numbers, windows made of these, and
-the menus, all opened. What they draw with OpenGL calls of their own is not seen here and is missing in it, as are
-scenery objects and aircraft.
+A picture shows what plugins draw through the interface: dark boxes, texts, numbers, windows made of these, and all
+menus opened. It does not show what plugins draw with their own OpenGL calls, scenery objects or aircraft.
 
-Exit status: 0 when all frames were run and all of a session came true, 1 when a step or an expectation of it failed or
-a budget was not kept, or an exception of a plugin ended the run early, 2 when the request cannot be met as it was made,
-3 when a plugin ended the run, by a signal, by exit() or by a call that took longer than --timeout.)";
+Exit status: 0 if all frames were run and every step and expectation of a session succeeded; 1 if one of them failed, a
+plugin exceeded a budget, or a plugin's exception ended the run; 2 if the request cannot be met as it was made; 3 if a
+plugin ended the run by a signal, by exit(), or by a call that took longer than --timeout.)";
 
-// The number behind the last '@'; nothing if it is no frame of the run.
+// The number after the last '@'; no value if it is not a frame of the run.
 std::optional<int> FrameOf(const std::string &text, int frames) {
     const char *end = text.data() + text.size();
     int frame = 0;
@@ -62,7 +61,7 @@ std::optional<int> FrameOf(const std::string &text, int frames) {
     return frame;
 }
 
-// Of KEY@FRAME. The last '@' counts, so '@' itself is a key too.
+// Parses KEY@FRAME. The last '@' separates.
 KeyPress ParseKey(const std::string &text, int frames) {
     constexpr int kF1 = 112;
     constexpr int kLastFunctionKey = 24;
@@ -87,7 +86,7 @@ KeyPress ParseKey(const std::string &text, int frames) {
     return {'\0', static_cast<char>(kF1 + number - 1), *frame};
 }
 
-// Of FILE.png or FILE.png@FRAME; the last frame is the default.
+// Parses FILE.png or FILE.png@FRAME; the default is the last frame.
 Screenshot ParseScreenshot(const std::string &text, int frames) {
     const std::string advice = ": write FILE.png or FILE.png@FRAME, with FRAME from 1 to " + std::to_string(frames);
     const std::string wrong = "--screenshot: '" + text + "' ";
@@ -121,7 +120,7 @@ struct Request {
     std::vector<std::string> keys;
 };
 
-// What a session says itself is refused beside one.
+// A session contains these itself, so they are refused together with one.
 void AddRunOnlyOptions(CLI::App &run, Request &request, CLI::Option *session, CLI::Option *interactive) {
     SimulatorOptions &simulator = request.options.simulator;
     const auto unlessSession = [&](CLI::Option *option) {

@@ -23,7 +23,7 @@ int RunFrames(SessionOptions options, bool report) {
     }
     const auto simulator = std::make_unique<Simulator>(std::move(options.simulator));
     if (!report)
-        simulator->console.Keep(simulator->options.root); // its lists do not name a temporary root
+        simulator->console.Keep(simulator->options.root); // keeps a temporary root out of the lists
     Observers observers(*simulator, options.observing);
     Prepare(*simulator);
     StartPlugins(*simulator);

@@ -40,7 +40,7 @@ void Console::Log(std::string_view original) {
     const std::string_view text = shown;
     if (mKeeps)
         mKept += text;
-    // Flushed at once: the last line before a plugin crashes is the one that is wanted.
+    // Flush at once: the last line before a plugin crashes matters most.
     if (mFile) {
         std::fwrite(text.data(), 1, text.size(), mFile.get());
         std::fflush(mFile.get());

@@ -1,5 +1,5 @@
-// Where the run is heard: the log, on standard output and in a file, and a
-// progress line on standard error. Used by the slots and by the frame loop.
+// Output of a run: the log, on standard output and in a file, and a progress
+// line on standard error. Used by the services and by the frame loop.
 #ifndef AVSK_HOST_COMMON_CONSOLE_H
 #define AVSK_HOST_COMMON_CONSOLE_H
 
@@ -13,25 +13,25 @@ namespace host {
 
 class Console {
   public:
-    // An empty file name keeps no file. Throws UsageError if the file cannot be written.
+    // With an empty name there is no log file. Throws UsageError if the file cannot be written.
     Console(bool quiet, const std::string &logFile);
     ~Console();
     Console(const Console &) = delete;
     Console &operator=(const Console &) = delete;
 
-    // Writes a text to the log as it is.
+    // Writes a text to the log unchanged.
     void Log(std::string_view text);
-    // From now on keeps what is logged, and shows a path, the run's own, as <root>/
-    // so that the log is the same wherever the run takes place.
+    // Starts to keep what is logged, for Kept(), and to write the given path as
+    // <root>/, so that the log does not depend on where the run takes place.
     void Keep(const std::string &root);
-    // What was logged since the last Forget().
+    // The text logged since the last Forget().
     const std::string &Kept() const { return mKept; }
     void Forget() { mKept.clear(); }
     std::string WithoutRoot(std::string_view text) const;
-    // Writes a line of the host's own to the log.
+    // Writes a line of the host to the log.
     void Note(const std::string &line) { Log("avsk: " + line + "\n"); }
 
-    // Shows how far the run is, if somebody watches and it takes a while.
+    // Shows the progress of a longer run if standard error is a terminal.
     void ShowProgress(int frame, int frames);
     void ClearProgress();
 

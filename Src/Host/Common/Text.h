@@ -1,4 +1,4 @@
-// Small helpers for the texts and paths that cross the table of services.
+// Helpers for texts and paths that the host's services receive and return.
 #ifndef AVSK_HOST_COMMON_TEXT_H
 #define AVSK_HOST_COMMON_TEXT_H
 
@@ -11,7 +11,7 @@
 
 namespace host {
 
-// Copies a text into a plugin's buffer, cut to its room and always ended. Null is left alone.
+// Copies a text into a buffer of a plugin: truncated to fit, always terminated. A null buffer is ignored.
 inline void CopyText(char *out, std::size_t room, std::string_view text) {
     if (!out)
         return;
@@ -20,7 +20,7 @@ inline void CopyText(char *out, std::size_t room, std::string_view text) {
     out[length] = '\0';
 }
 
-// Plugins name files absolutely or from the simulator's folder, whatever the current one is.
+// Plugins name files by an absolute path or relative to the simulator's folder, never to the working folder.
 inline std::string ResolvePath(std::string_view root, std::string_view path) {
     std::string resolved(path.starts_with('/') ? std::string_view() : root);
     return resolved.append(path);

@@ -1,4 +1,4 @@
-// Reads UTF-8 texts character by character, for measuring and drawing.
+// Decodes UTF-8, for measuring and drawing texts.
 #ifndef AVSK_HOST_COMMON_UTF8_H
 #define AVSK_HOST_COMMON_UTF8_H
 
@@ -7,8 +7,8 @@
 
 namespace host {
 
-// Takes the first character off a text, which must not be empty. Malformed
-// bytes give the replacement character, one for each.
+// Removes the first character from a text, which must not be empty, and returns
+// it. Each malformed byte gives one replacement character.
 inline char32_t TakeCharacter(std::string_view &text) {
     constexpr char32_t kReplacement = 0xFFFD;
     const auto first = static_cast<unsigned char>(text.front());

@@ -15,7 +15,7 @@ namespace {
 constexpr int kChannels = 3;
 
 unsigned char Mix(unsigned char below, float above, float opacity) {
-    const float light = above > 0 ? std::min(above, 1.0F) : 0; // plugins' colours may be no numbers at all
+    const float light = above > 0 ? std::min(above, 1.0F) : 0; // plugins may pass NaN
     const float value = static_cast<float>(below) * (1 - opacity) + light * 255 * opacity;
     return static_cast<unsigned char>(std::lround(value));
 }
@@ -47,7 +47,7 @@ void Canvas::Fill(int left, int top, int right, int bottom, Colour colour, float
 }
 
 int Canvas::Text(const Font &font, int x, int baseline, std::string_view text, Colour colour) {
-    // Plugins choose positions freely; far outside, sums would overflow and nothing shows.
+    // Far outside the picture nothing is visible, and sums of positions would overflow.
     constexpr int kFar = 1 << 24;
     x = std::clamp(x, -kFar, kFar);
     baseline = std::clamp(baseline, -kFar, kFar);

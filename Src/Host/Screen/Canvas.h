@@ -1,6 +1,6 @@
 // A picture of the screen, drawn by software. Coordinates are those of the
-// slots: pixels, y upward, a rectangle without its right column and top row.
-// What lies outside is cut off.
+// drawing services: pixels, y upward; a rectangle excludes its right column and
+// its top row. Drawing is clipped to the picture.
 #ifndef AVSK_HOST_SCREEN_CANVAS_H
 #define AVSK_HOST_SCREEN_CANVAS_H
 
@@ -22,7 +22,7 @@ class Canvas {
     Canvas(int width, int height); // black
 
     void Fill(int left, int top, int right, int bottom, Colour colour, float opacity = 1);
-    // A text on one line; answers where the next character would stand.
+    // Draws a text on one line and returns the x of the next character.
     int Text(const Font &font, int x, int baseline, std::string_view text, Colour colour);
 
     // False if the file cannot be written.

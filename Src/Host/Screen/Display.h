@@ -1,5 +1,5 @@
-// The screen: fonts for measuring, and in frames that are written to a file a
-// canvas behind the drawing slots.
+// The screen: fonts for measuring texts and, in frames that are written to a
+// file, the canvas on which the drawing services draw.
 #ifndef AVSK_HOST_SCREEN_DISPLAY_H
 #define AVSK_HOST_SCREEN_DISPLAY_H
 
@@ -28,15 +28,15 @@ class Display {
 
     const int width;
     const int height;
-    int mouseX; // rests in the middle until a session moves it
+    int mouseX; // in the middle until a session moves it
     int mouseY;
     Fonts fonts;
-    std::optional<Canvas> canvas; // only while a frame is drawn that will be written
+    std::optional<Canvas> canvas; // exists while a frame is drawn that will be written
     int lastTexture = 0;          // numbers handed out so far
 
-    // Begins a frame's drawing; a frame that is not written costs nothing.
+    // Begins the drawing of a frame. A frame that is not written has no canvas and costs nothing.
     void Begin(bool written);
-    // Draws what the simulator itself shows in a pass, with a line of status where that belongs.
+    // Draws the simulator's own part of a pass; the status line is drawn over the instruments.
     void DrawOwnPart(int drawCode, const std::string &status);
     // Draws the menu bar over everything and writes the picture. Throws std::runtime_error if that fails.
     void Write(const std::vector<ShownItem> &menuBar, const std::string &file);

@@ -1,5 +1,5 @@
-// Fonts: measuring and glyphs. Widths are whole pixels and the same for
-// measuring and drawing, so that a text fills exactly the width it was told.
+// Fonts: measuring and glyphs. Widths are whole pixels, the same for measuring
+// and drawing, so that a text fills exactly its measured width.
 #ifndef AVSK_HOST_SCREEN_FONT_H
 #define AVSK_HOST_SCREEN_FONT_H
 
@@ -46,8 +46,8 @@ class Font {
     mutable std::map<char32_t, Glyph> mGlyphs;
 };
 
-// The fonts plugins choose from: 0 is proportional, 1 monospace, 2 monospace
-// and large. Other numbers give 1.
+// The fonts that plugins can choose: 0 proportional, 1 monospace, 2 large
+// monospace. Any other number selects 1.
 class Fonts {
   public:
     Fonts();

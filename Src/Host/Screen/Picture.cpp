@@ -14,8 +14,8 @@ namespace {
 constexpr int kProportional = 0;
 constexpr int kMonospace = 1;
 
-constexpr int kTerrainPass = 2;     // the host's part of the scenery
-constexpr int kInstrumentPass = 19; // the host's part of what the windows lie on
+constexpr int kTerrainPass = 2;     // the simulator draws the scenery
+constexpr int kInstrumentPass = 19; // the simulator draws the instruments, below the windows
 
 constexpr Colour kWhite{1, 1, 1};
 
@@ -45,8 +45,8 @@ void DrawStatus(Canvas &canvas, const Font &font, int width, const std::string &
     canvas.Text(font, kMargin, kMargin / 2 + font.Height() - font.Ascent(), status, kWhite);
 }
 
-// The menus as they look with the pointer held on every item at once: each
-// submenu stands beside the item that opens it, or below the one before it.
+// Draws the menus with every submenu open: each stands beside the item that
+// opens it, or below the submenu before it.
 class MenuPainter {
   public:
     MenuPainter(Canvas &canvas, const Font &font, const Display &display)
@@ -95,7 +95,7 @@ class MenuPainter {
 
     int Baseline(int top) const { return top - (kRow - mFont.Height()) / 2 - mFont.Ascent(); }
 
-    // Draws a menu and those beneath it; answers where the lowest of them ends.
+    // Draws a menu and its submenus; returns the lowest y that they reach.
     int Panel(const std::vector<ShownItem> &items, int left, int top) {
         int width = 0;
         int height = 0;

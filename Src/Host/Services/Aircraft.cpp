@@ -1,4 +1,4 @@
-// The slots about aircraft, and the fleet behind them.
+// The services for aircraft, and the fleet behind them.
 #include "Aircraft.h"
 
 #include "Common/Text.h"
@@ -19,7 +19,7 @@ namespace {
 
 bool InFleet(int index) { return index >= 0 && index < Fleet::kCount; }
 
-// Nothing here shows aircraft. The answer says that it was not drawn.
+// This host draws no aircraft; the result says so.
 int DrawAircraft(AVSKWord, AVSKWord, AVSKWord, AVSKWord, AVSKWord, AVSKWord, AVSKWord, AVSKWord, AVSKWord) {
     Enter();
     return 1;
@@ -42,7 +42,7 @@ int CountAircraft() {
     return Fleet::kCount;
 }
 
-// Airports are known by their IDs in the navigation database.
+// Airports are named by their IDs in the navigation database.
 void PlaceUserAtAirport(const char *id) {
     constexpr double kHeight = 300; // metres above the ground
     Simulator &simulator = Enter();
@@ -95,7 +95,7 @@ void Fleet::Update(Simulator &simulator) {
     if (std::exchange(mController, controller) != controller || changed)
         ChooseModels(simulator);
 
-    // Messages about a load may request the next.
+    // A plugin may request the next load from the message about this one.
     const auto requested = std::exchange(mRequested, {});
     for (int i = 0; i < kCount; ++i) {
         const std::string &path = requested[static_cast<std::size_t>(i)];

@@ -1,5 +1,5 @@
-// The aircraft: the user's, index 0, and nineteen others, indices 1 to 19,
-// which the host flies in wide circles around the start until a plugin does.
+// The aircraft: the user's, index 0, and nineteen others, indices 1 to 19. The
+// host flies the others in wide circles around the start until a plugin takes over.
 #ifndef AVSK_HOST_SERVICES_AIRCRAFT_H
 #define AVSK_HOST_SERVICES_AIRCRAFT_H
 
@@ -19,7 +19,7 @@ class Fleet {
 
     explicit Fleet(const std::string &usersModel);
 
-    // Places in local metres. Published as datarefs.
+    // Positions in local metres. Published as datarefs.
     Numbers x{}, y{}, z{};
     std::array<int, kCount> otherPilot{}; // non-zero: the host does not fly that aircraft
 
@@ -33,10 +33,10 @@ class Fleet {
     // models, and has plugins choose those of the others when the number or
     // the plugin in control has changed.
     void Update(Simulator &simulator);
-    // Moves the aircraft that are simulated and the host's to fly.
+    // Moves the simulated aircraft that the host flies.
     void Step(double elapsed, const Aeroplane &users);
 
-    // Tells the library that the user's aircraft is there, or about to go. Without one nothing happens.
+    // Tells the library that the user's aircraft was loaded or will be unloaded. Does nothing without one.
     void ReportUsersAircraft(const Simulator &simulator, int event) const;
 
   private:

@@ -1,5 +1,5 @@
-// The camera and the slot that reads it; see HostCamera.h. Placed by
-// Simulator.cpp once a frame, its view changed by commands.
+// The camera and the service that reads it; see Camera.h. Simulator.cpp places
+// it once a frame; commands change the view.
 #include "Camera.h"
 
 #include "ServiceTable.h"
@@ -23,7 +23,7 @@ void ReadCameraPosition(float *f1, float *f2, float *f3, float *f4, float *f5, f
     Store(f7, used[6]);
 }
 
-// The aeroplane's place, so many metres behind and above it, looking ahead.
+// A position some metres behind and above the aeroplane, looking ahead.
 Camera::Position Behind(const Aeroplane &plane, double behind, double above, float pitch) {
     const LocalPoint here = ToLocal({plane.latitude, plane.longitude, plane.altitude});
     const double heading = plane.heading * std::numbers::pi / 180;
@@ -65,7 +65,7 @@ const char *Camera::ViewName() const {
 void Camera::ChangeView(Simulator &simulator, View view) {
     mView = view;
     simulator.console.Note(std::string("view: ") + ViewName());
-    // A plugin that has the camera until now lets go of it in here.
+    // A plugin that controls the camera may release it in this call.
     AVSKEventHook(AVSKHostEventViewChanged, simulator.Elapsed(), 0, 0);
 }
 
@@ -76,8 +76,8 @@ void Camera::NextView(Simulator &simulator) {
 
 void Camera::Place(const Aeroplane &aeroplane) {
     Position placed = PositionOf(mView, aeroplane);
-    // The library changes the numbers only if a plugin placed the camera. Until
-    // then plugins that read the camera get the last frame's.
+    // The library changes the numbers only if a plugin places the camera. Plugins
+    // that read the camera before that get the position of the last frame.
     AVSKCameraHook(&placed[0], &placed[1], &placed[2], &placed[3], &placed[4], &placed[5], &placed[6]);
     mUsed = placed;
 }

@@ -20,16 +20,16 @@ class Camera {
     // x, y, z in local metres; pitch (up), heading and roll in degrees; zoom, 1 for none.
     using Position = std::array<float, 7>;
 
-    // What the picture of this frame is taken from.
+    // The camera position of this frame.
     const Position &Used() const { return mUsed; }
     View CurrentView() const { return mView; }
     const char *ViewName() const;
 
     // Changes the view and reports it, also if it is the same one.
     void ChangeView(Simulator &simulator, View view);
-    // Goes round.
+    // Changes to the next view, after the last one to the first.
     void NextView(Simulator &simulator);
-    // Places the camera for a frame: by the view, then a plugin may move it.
+    // Places the camera for a frame: first by the view, then a plugin may move it.
     void Place(const Aeroplane &aeroplane);
 
   private:

@@ -1,11 +1,11 @@
-// The slots about commands, and the table behind them. The host's own are
+// The services for commands, and the table behind them. The host's own commands:
 //
 //     sim/flight/climb, sim/flight/descend    5 m/s while held
 //     sim/flight/level                        straight on while held, instead of the circle
 //     sim/view/next                           the next of the views below
 //     sim/view/tower, chase, cockpit          that view
 //
-// HostInput.cpp says which keys and buttons run them.
+// Input.cpp binds keys and buttons to them.
 #include "Commands.h"
 
 #include "ServiceTable.h"
@@ -88,7 +88,7 @@ void CommandTable::Run(void *command, CommandPhase phase) const {
     Command *known = Known(command);
     if (!known)
         return;
-    Command &running = *known; // handlers may create commands, which moves the table but not its entries
+    Command &running = *known; // handlers may create commands: the table moves, its entries do not
     const int begin = phase == CommandPhase::Begin;
     const int end = phase == CommandPhase::End;
     running.begun += begin - end;

@@ -1,4 +1,4 @@
-// The slots that load and save data files. Both types are plain text: a line
+// The services that load and save data files. Both types are plain text: a line
 // that names the format, then a line "seconds latitude longitude altitude
 // heading" for each point. A situation has one point, a track any number.
 #include "DataFiles.h"

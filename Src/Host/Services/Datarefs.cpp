@@ -11,7 +11,7 @@
 namespace host {
 namespace {
 
-// The accessors of one dataref; those left out are not served.
+// The accessors of one dataref; a null accessor is a type that it does not have.
 struct Accessors {
     AVSKGetDatai_f readInt = nullptr;
     AVSKSetDatai_f writeInt = nullptr;
@@ -42,7 +42,7 @@ double ReadDouble(void *refcon) { return *static_cast<double *>(refcon); }
 void WriteDouble(void *refcon, double value) { *static_cast<double *>(refcon) = value; }
 float ReadDoubleAsFloat(void *refcon) { return static_cast<float>(*static_cast<double *>(refcon)); }
 
-// A part of a fixed list, one number per aircraft.
+// Copies a range of a fixed list with one number per aircraft.
 int ReadFleet(void *refcon, float *values, int offset, int max) {
     const auto &all = *static_cast<Fleet::Numbers *>(refcon);
     if (!values)
@@ -74,13 +74,13 @@ void Datarefs::Publish(Simulator &simulator) {
     Register("sim/flight/altitude", {.readFloat = ReadDoubleAsFloat}, &plane.altitude);
     Register("sim/flight/heading", {.readFloat = ReadDoubleAsFloat}, &plane.heading);
 
-    // Where each aircraft is, in local metres. Written numbers stay where the host's pilot does not fly.
+    // Position of each aircraft, in local metres. The host overwrites those of the aircraft that it flies.
     Fleet &fleet = simulator.fleet;
     Register("sim/aircraft/x", {.readFloats = ReadFleet, .writeFloats = WriteFleet}, &fleet.x);
     Register("sim/aircraft/y", {.readFloats = ReadFleet, .writeFloats = WriteFleet}, &fleet.y);
     Register("sim/aircraft/z", {.readFloats = ReadFleet, .writeFloats = WriteFleet}, &fleet.z);
 
-    // The library writes these when a plugin takes an aircraft from the host's pilot.
+    // The library writes these when a plugin takes an aircraft over.
     for (int i = 1; i < Fleet::kCount; ++i) {
         const std::string name = "sim/private/net_disables/ai_loc[" + std::to_string(i) + "]";
         Register(name.c_str(), {.readInt = ReadInt, .writeInt = WriteInt},

@@ -11,11 +11,11 @@ struct Simulator;
 
 class Datarefs {
   public:
-    // Registers all of them. Called before the library is started, so that it
-    // and the first plugin find them. The simulator must stay where it is.
+    // Registers all of them, before the library is started, so that the library
+    // and the first plugin find them. The simulator must not move.
     void Publish(Simulator &simulator);
 
-    // When the library was built, as it says itself; empty if it did not.
+    // The build date that the library writes; empty if it wrote none.
     std::string Build() const;
 
   private:

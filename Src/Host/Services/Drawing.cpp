@@ -1,11 +1,11 @@
-// The slots about the screen: size, mouse, drawing, text, textures,
-// coordinates. How this host reads the arguments that are the host's to define:
+// The services for the screen: size, mouse, drawing, text, textures,
+// coordinates. The interface leaves the meaning of these arguments to the host:
 //
 //   colour     three floats from 0 to 1: red, green, blue; null is white
-//   x, y       of a text: its left end and its baseline
+//   x, y       left end and baseline of a text
 //   word wrap  greatest width of a line in pixels; null or 0 never breaks lines
-//   digits     at least so many before the point, filled with zeros
-//   show sign  non-zero: positive numbers get a plus
+//   digits     minimum number before the point, filled with zeros
+//   show sign  non-zero: positive numbers get a plus sign
 //   font       see Font.h
 #include "Screen/Display.h"
 
@@ -32,7 +32,7 @@ void GetMouseLocation(int *x, int *y, int /*fromPlugin*/) {
     Store(y, display.mouseY);
 }
 
-// State and textures matter to OpenGL calls only, and those are not seen here.
+// Graphics state and textures affect OpenGL calls only, which this host does not execute.
 void SetGraphicsState(int, int, int, int, int, int, int) { Enter(); }
 void BindTexture2d(int /*texture*/, int /*unit*/) { Enter(); }
 
@@ -42,7 +42,7 @@ void GenerateTextureNumbers(int *textures, int count) {
         textures[i] = ++display.lastTexture;
 }
 
-// None of the host's own textures exist; 0 is no texture.
+// This host has no textures of its own; 0 means no texture.
 int GetTexture(int /*texture*/) {
     Enter();
     return 0;
@@ -73,7 +73,7 @@ void DrawTranslucentDarkBox(int left, int top, int right, int bottom) {
 
 Colour ColourOf(const float *colour) { return colour ? Colour{colour[0], colour[1], colour[2]} : Colour{1, 1, 1}; }
 
-// Takes a line off a text: as many words as fit, at least one.
+// Removes one line from a text: as many words as fit, at least one.
 std::string_view TakeLine(const Font &font, std::string_view &text, int width) {
     std::size_t end = 0;
     while (end < text.size()) {
@@ -125,7 +125,7 @@ void GetFontDimensions(int font, int *charWidth, int *charHeight, int *digitsOnl
     Store(digitsOnly, 0);
 }
 
-// A text that ends before the count is measured to its end.
+// A text that is shorter than the count is measured to its end.
 float MeasureString(int font, const char *text, int count) {
     const Font &face = Enter().display.fonts[font];
     std::string_view rest = text ? text : std::string_view();

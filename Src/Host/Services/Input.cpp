@@ -1,15 +1,15 @@
-// The slots about keys and buttons, and what is bound to them.
+// The services for keys and buttons, and the commands bound to them.
 //
 // Keys. Flags are 1 shift, 2 control, 4 down, 8 up. Slot 21 presses a key for
-// two frames: of type 1 by its virtual key code, else by its character, whose
-// virtual key is that of its capital letter. Plugins see it before its
-// command. Slot 23 runs the command of a virtual key code and no plugin sees
-// a key. Bound are F4 next view, F5 climb, F6 descend, F7 level.
+// two frames: type 1 gives its virtual key code, any other type its character,
+// whose virtual key is that of the capital letter. Plugins see the key before
+// its command runs. Slot 23 runs the command of a virtual key code without a key
+// event. Bound keys: F4 next view, F5 climb, F6 descend, F7 level.
 //
-// Buttons. 1 climb, 2 descend, 3 next view; the others are there and do
-// nothing. Pass 0 tells edges: the first press of a button begins its
-// command, the release of the last ends it. Pass 1 tells which buttons are
-// down, and continues their commands, in each frame but the one they began in.
+// Buttons. 1 climb, 2 descend, 3 next view; other buttons do nothing. Pass 0
+// reports changes: the first press of a button begins its command, the last
+// release ends it. Pass 1 reports which buttons are down and continues their
+// commands, except in the frame in which they began.
 #include "Input.h"
 
 #include "ServiceTable.h"
@@ -88,12 +88,12 @@ void Input::LetGo(int press) {
     const Key key = *found;
     mKeys.erase(found);
     AVSKKeyPressHook(key.character, kUp | key.modifiers, key.virtualKey);
-    if (key.command) // it began, so it ends, whoever took the key's release
+    if (key.command) // it began, so it ends even if a plugin consumes the release
         mSimulator.commands.Run(key.command, CommandPhase::End);
 }
 
 void Input::StepKeys() {
-    // Handlers press keys in here, so the presses of this moment are gone through by name.
+    // Handlers may press keys here, so iterate over a copy of the presses of this moment.
     const std::vector<Key> keys = mKeys;
     for (const Key &key : keys) {
         const bool down =
@@ -171,7 +171,7 @@ Command *Input::Bound(char virtualKey) const {
 
 void Input::ChangeButton(int button, bool release, int pass) {
     constexpr int kEdge = 0;
-    Button &state = mButtons[button]; // stays where it is, whatever the command's handlers press
+    Button &state = mButtons[button]; // stays valid even if handlers press other buttons
     Command *command = FindBound(mSimulator.commands, kButtonBindings, button);
     const auto run = [&](CommandPhase phase) {
         state.lastFrame = mSimulator.frame;

@@ -12,14 +12,14 @@ struct Simulator;
 
 class Input {
   public:
-    // The simulator must stay where it is.
+    // The simulator must not move.
     explicit Input(Simulator &simulator) : mSimulator(simulator) {}
 
-    // Presses a key and lets it go some frames later. A key that is still down
-    // goes up first. If no plugin takes the press its command begins. The
-    // modifiers are the flags of shift and control.
+    // Presses a key and releases it some frames later. A key that is already down
+    // is released first. Its command begins unless a plugin consumes the press.
+    // The modifiers are the flags of shift and control.
     void PressKey(char character, char virtualKey, int frames, int modifiers = 0);
-    // Lets a key go before its time. False if it is not down.
+    // Releases a key early. False if it is not down.
     bool ReleaseKey(char virtualKey);
 
     // Begins a command that is held, or ends it. False if it is held already, or is not.
@@ -27,18 +27,18 @@ class Input {
     bool EndCommand(Command *command);
     bool Holds(const Command *command) const;
 
-    // The user's own finger on a button. False if it is there already, or is not.
+    // Presses or releases a button for the user. False if it is already in that state.
     bool HoldButton(int button);
     bool ReleaseButton(int button);
-    // Buttons that are down, the user's left out.
+    // Buttons that plugins hold down.
     std::vector<int> ButtonsDown() const;
 
-    // Once a frame: continues the commands of keys that are down, and lets go of those whose time is up.
+    // Once a frame: continues the commands of keys that are down, and releases keys whose time is over.
     void StepKeys();
     // The command bound to a key; null if there is none.
     Command *Bound(char virtualKey) const;
 
-    // One button of a list that the library passes; see HostInput.cpp.
+    // One button of a list that the library passes; see Input.cpp.
     void ChangeButton(int button, bool release, int pass);
 
   private:
@@ -47,7 +47,7 @@ class Input {
         char character;
         char virtualKey;
         int modifiers;
-        Command *command; // null if a plugin took the press, or none is bound
+        Command *command; // null if a plugin consumed the press or no command is bound
         int since;        // the frame in which it went down
         int until;        // the frame in which it goes up
     };

@@ -14,7 +14,7 @@
 namespace host {
 namespace {
 
-// The library keeps the pointer for ever.
+// The library keeps the pointer until the process ends.
 AVSKHostCallbacks gTable;
 
 } // namespace
@@ -41,7 +41,7 @@ void StartPlugins(Simulator &simulator) {
 void StopPlugins(Simulator &simulator) {
     simulator.fleet.ReportUsersAircraft(simulator, AVSKHostEventPlaneUnloaded);
     AVSKShutdownPlugins();
-    // Loads that are still under way: the library gives their objects back.
+    // The library returns the objects of loads that complete now.
     simulator.objects.CompleteAllLoads();
     if (const std::size_t kept = simulator.objects.Count(); kept > 0)
         simulator.console.Note(std::to_string(kept) + " objects were not given back: a fault of the library's");

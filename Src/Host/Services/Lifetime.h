@@ -1,5 +1,5 @@
-// Starts the library with the simulator's services and stops it again. Called
-// by Main.cpp and by sessions.
+// Starts the library with the simulator's services and stops it. Called by runs
+// and by sessions.
 #ifndef AVSK_HOST_SERVICES_LIFETIME_H
 #define AVSK_HOST_SERVICES_LIFETIME_H
 
@@ -7,11 +7,11 @@ namespace host {
 
 struct Simulator;
 
-// Makes the simulator the one that the slots find, and its table of services.
+// Makes this the simulator that the services use, and fills its table of services.
 void Prepare(Simulator &simulator);
 // Loads the plugins of all places. Throws UsageError if there are none.
 void StartPlugins(Simulator &simulator);
-// Unloads them and finishes what they left under way.
+// Unloads all plugins and completes the loads that they left pending.
 void StopPlugins(Simulator &simulator);
 
 } // namespace host

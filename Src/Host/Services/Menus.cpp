@@ -1,4 +1,4 @@
-// The slots about menus, and the tree behind them.
+// The services for menus, and the tree behind them.
 #include "Menus.h"
 
 #include "ServiceTable.h"
@@ -17,7 +17,7 @@ MenuItem *ItemAt(Menu &menu, int index) {
 
 std::string_view TextOf(const char *text) { return text ? text : std::string_view(); }
 
-// This host speaks English only, so the force-English flags change nothing.
+// This host has English texts only, so the force-English flags change nothing.
 
 void *CreateMenu(void *parent, int parentItem, const char *name) {
     MenuTree &menus = Enter().menus;

@@ -29,14 +29,14 @@ class MenuTree {
     // The menus of the bar, from left to right.
     const std::vector<Menu *> &Bar() const { return mBar; }
 
-    // A null parent is the bar. A menu under an item that does not exist is made and opens nowhere.
+    // A null parent is the bar. Under an item that does not exist the menu is created, but no item opens it.
     Menu *Create(Menu *parent, int parentItem, std::string_view name);
-    // Answers the new item's ID. An item with an empty name at the index gives
-    // its place to the new one; else those from the index on move down.
+    // Returns the ID of the new item. The new item replaces an item with an empty
+    // name at the index; otherwise the items from the index on move down.
     int Append(Menu &menu, int index, std::string_view name);
     static void Rename(Menu &menu, int index, std::string_view name);
     static void Remove(Menu &menu, int index);
-    // The item that opened it stays, and opens nothing.
+    // The item that opened it remains and opens nothing.
     void Destroy(Menu &menu);
 
     // The menu of a handle; null for a handle that is not one or no longer one.
@@ -46,7 +46,7 @@ class MenuTree {
     std::vector<ShownItem> Shown() const;
 
   private:
-    // Destroyed menus are kept aside: a stale handle must never name a new menu.
+    // Destroyed menus keep their storage: a stale handle must never equal that of a new menu.
     std::vector<std::unique_ptr<Menu>> mMenus;
     std::vector<std::unique_ptr<Menu>> mDestroyed;
     std::vector<Menu *> mBar;

@@ -1,6 +1,6 @@
-// The slots about the navigation database and the flight plan. Each pointer
-// may be null; a ref or index that does not exist answers -1, and leaves what
-// would describe it as it was. Types are those of NavData.h.
+// The services for the navigation database and the flight plan. Every pointer
+// may be null. A ref or index that does not exist gives -1 and leaves the
+// outputs unchanged. Types are those of NavData.h.
 //
 //   findNavAid      const char *nameFragment, const char *idFragment, both case-sensitive; float *latitude,
 //                   float *longitude: with both the nearest, else the first match; int *frequency; int types, 0 for all
@@ -24,7 +24,7 @@ namespace {
 constexpr std::size_t kIdRoom = 32;
 constexpr std::size_t kTextRoom = 256;
 
-// A word that is a pointer in this host.
+// An argument that is a pointer in this host.
 template <typename T>
 T *PointerOf(AVSKWord word) {
     return reinterpret_cast<T *>(word);
@@ -99,7 +99,7 @@ void SetEntryLatLon(int index, float latitude, float longitude, AVSKWord altitud
     Enter().flightPlan.SetPosition(index, latitude, longitude, static_cast<int>(altitude));
 }
 
-// An empty plan leads nowhere.
+// An empty plan has no destination.
 FlightPlan::Entry Destination() {
     const FlightPlan &plan = Enter().flightPlan;
     const FlightPlan::Entry *entry = plan.Find(plan.Destination());

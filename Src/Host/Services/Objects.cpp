@@ -1,9 +1,10 @@
-// The slots about scenery objects, and what is behind them.
+// The services for scenery objects.
 //
-// An object is any file that exists; paths are absolute or from the root. An
-// asynchronous load completes three frames later, when the run ends first
-// after the plugins are gone. A virtual path names a file in Resources/library,
-// or a folder there, all of whose files are choices, in alphabetical order.
+// Any file that exists is an object; paths are absolute or relative to the root.
+// An asynchronous load completes three frames later or, if the run ends before,
+// after the plugins were unloaded. A virtual path names a file in
+// Resources/library, or a folder there: all its files are choices, in
+// alphabetical order.
 #include "Objects.h"
 
 #include "Common/Text.h"
@@ -34,14 +35,14 @@ void LoadObjectAsync(const char *path, Objects::Completion completion, void *arg
 
 void UnloadObject(void *object) { Enter().objects.Unload(object); }
 
-// Objects are not shown, but counted.
+// Objects are counted, not drawn.
 void DrawObject(void *object, float, float, float, float, float, float, int, int) {
     Objects &objects = Enter().objects;
     if (objects.Known(object))
         ++objects.drawn;
 }
 
-// The library is the same everywhere, so the place makes no difference.
+// The object library is the same everywhere, so the position is ignored.
 int LookupObjects(const char *path, float /*latitude*/, float /*longitude*/, void (*enumerator)(const char *, void *),
                   void *reference) {
     const std::vector<std::string> files = Enter().objects.Lookup(path ? path : "");
@@ -79,7 +80,7 @@ void Objects::LoadLater(int frame, std::string_view path, Completion completion,
 void Objects::CompleteLoads(int frame) {
     if (mHeld)
         return;
-    // A completion may ask for the next load.
+    // A completion may request the next load.
     std::vector<Pending> due;
     const auto later = std::stable_partition(mPending.begin(), mPending.end(),
                                              [frame](const Pending &pending) { return pending.due <= frame; });

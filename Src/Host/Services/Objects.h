@@ -9,7 +9,7 @@
 
 namespace host {
 
-// A loaded object: this host keeps its file's name and shows nothing.
+// A loaded object: this host keeps its file name and draws nothing.
 struct Object {
     std::string path;
 };
@@ -21,7 +21,7 @@ class Objects {
     // Paths are relative to the root.
     explicit Objects(std::string root) : mRoot(std::move(root)) {}
 
-    // Null if there is no such file. Each load makes an object of its own.
+    // Null if there is no such file. Each load creates a separate object.
     Object *Load(std::string_view path);
     // An unknown handle is ignored.
     void Unload(void *object);
@@ -30,20 +30,20 @@ class Objects {
 
     long drawn = 0; // instances, in the whole run
 
-    // Asks for a load that is completed some frames later.
+    // Requests a load that completes some frames later.
     void LoadLater(int frame, std::string_view path, Completion completion, void *argument);
     // Completes the loads that are due by a frame.
     void CompleteLoads(int frame);
-    // Completes every load that is asked for.
+    // Completes every pending load.
     void CompleteAllLoads();
-    // From now on loads wait until they are finished by hand.
+    // From now on loads stay pending until FinishLoads().
     void HoldLoads() { mHeld = true; }
-    // Finishes by hand the loads of a file, or all if the path is empty: with
-    // the object, or without if they are to fail. Answers how many.
+    // Completes the pending loads of a file, or all if the path is empty, with
+    // an object or as failed. Returns their number.
     int FinishLoads(std::string_view path, bool fail);
     std::size_t CountPending() const { return mPending.size(); }
 
-    // The files that a virtual path stands for, from the root; see HostObjects.cpp.
+    // The files that a virtual path stands for, relative to the root; see Objects.cpp.
     std::vector<std::string> Lookup(std::string_view path) const;
 
   private:

@@ -1,7 +1,7 @@
-// The slots about terrain probes. A hit fills in three triples and a flag:
-// the place on the ground below or above the point, in local metres; the
-// ground's normal, of length 1; its velocity, which is zero; and 0 for dry. A
-// point beyond the terrain misses, and nothing is written.
+// The services for terrain probes. A hit writes three triples and a flag: the
+// point on the ground below or above the given one, in local metres; the normal
+// of the ground, of length 1; its velocity, which is zero; and 0 for dry ground.
+// A point outside the terrain is a miss and writes nothing.
 #include "Probes.h"
 
 #include "ServiceTable.h"

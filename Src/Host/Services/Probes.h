@@ -11,7 +11,7 @@ struct Probe {};
 
 class Probes {
   public:
-    // A probe lives as long as the host: there is no way to give one back.
+    // A probe lives as long as the host: the interface has no call that frees one.
     Probe *Create();
     bool Known(const void *probe) const;
     std::size_t Count() const { return mProbes.size(); }

@@ -1,4 +1,4 @@
-// Puts the table of services together and makes sure that no slot was forgotten.
+// Assembles the table of services and checks that no slot is empty.
 #include "ServiceTable.h"
 
 #include <array>
@@ -14,7 +14,7 @@ namespace {
 
 constexpr int kTableVersion = 4; // the first with all optional services: messages and progress
 
-// The library tests no slot for null: a hole would be a crash at the first call.
+// The library does not test slots for null: an empty slot would crash at its first call.
 void CheckComplete(const AVSKHostCallbacks &table) {
     const auto words = std::bit_cast<std::array<AVSKWord, AVSK_HOST_SLOTS>>(table);
     for (std::size_t slot = 0; slot < words.size(); ++slot) {

@@ -1,4 +1,4 @@
-// Fills the table of services, each group of slots from the file of its concern.
+// Fills the table of services; each source fills the slots of its own concern.
 #ifndef AVSK_HOST_SERVICES_SERVICE_TABLE_H
 #define AVSK_HOST_SERVICES_SERVICE_TABLE_H
 
@@ -6,7 +6,7 @@
 
 namespace host {
 
-// The complete table. Called once by Main.cpp.
+// Returns the complete table.
 AVSKHostCallbacks MakeTable();
 
 void FillAircraftSlots(AVSKHostCallbacks &table);

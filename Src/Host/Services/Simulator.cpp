@@ -1,4 +1,4 @@
-// The frame: what the simulator reports to the library, in order. See Simulator.h.
+// One frame: the hooks that the simulator calls, in order. See Simulator.h.
 #include "Simulator.h"
 
 #include "Common/UsageError.h"
@@ -54,7 +54,7 @@ void Simulator::ReportScenery() {
         AVSKEventHook(AVSKHostEventSceneryFolder, Elapsed(), 0, reinterpret_cast<AVSKWord>(folder.c_str()));
 }
 
-// The user's keys, which are those of the command line.
+// Presses the keys that the command line asked for.
 void Simulator::PressKeys() {
     constexpr double kSecondsDown = 0.5;
     input.StepKeys();

@@ -1,5 +1,4 @@
-// The simulator's whole state, and one frame of it. The slots reach it
-// through Enter().
+// The state of the simulator, and its frame. The services reach it through Enter().
 #ifndef AVSK_HOST_SERVICES_SIMULATOR_H
 #define AVSK_HOST_SERVICES_SIMULATOR_H
 
@@ -44,9 +43,9 @@ struct Simulator {
     NavData navData;
     FlightPlan flightPlan;
     Datarefs datarefs;
-    bool sceneryDue = false; // scenery folders are to be reported at the next frame
+    bool sceneryDue = false; // report the scenery folders in the next frame
 
-    // Seconds since the start: a clock of frames, so that every run is the same.
+    // Simulated seconds since the start, counted in frames, so that every run is the same.
     float Elapsed() const;
 
     // Runs the library's hooks for one frame.
@@ -63,14 +62,14 @@ struct Simulator {
     std::string Status() const;
 };
 
-// The table of services is plain C and its functions get no context word, so
-// they find the one simulator of the process here. Set by Prepare() of Lifetime.h.
+// The services are plain C functions without a context argument, so they find
+// the one simulator of the process here. Set by Prepare() of Lifetime.h.
 extern Simulator *gSimulator;
 
-// What each slot does first.
+// Every service calls this first.
 inline Simulator &Enter() { return *gSimulator; }
 
-// Writes through a plugin's pointer, which may be null.
+// Writes through a pointer of a plugin, which may be null.
 template <typename T>
 void Store(T *out, T value) {
     if (out)

@@ -1,4 +1,4 @@
-// Checks the folders that a simulator is made of; see SimulatorOptions.h.
+// Checks the folders of a simulator; see SimulatorOptions.h.
 #include "SimulatorOptions.h"
 
 #include "Common/UsageError.h"
@@ -31,8 +31,8 @@ std::string CheckedFolder(const std::string &folder, const std::string &option, 
     return text;
 }
 
-// The aircraft's model: the first .acf file of its folder. A folder of plugins
-// alone will do as well: the model is only a name here.
+// The model of an aircraft: the first .acf file of its folder. The folder needs
+// none, since this host never reads the model.
 std::string FindModel(const std::string &folder) {
     std::vector<std::string> names;
     std::error_code error;

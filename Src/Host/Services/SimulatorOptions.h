@@ -1,5 +1,5 @@
-// What a simulator is made of: its folders, its clock and screen, and the
-// keys and pictures that were asked for in advance.
+// Options of a simulator: folders, clock, screen, and the keys and pictures that
+// were requested in advance.
 #ifndef AVSK_HOST_SERVICES_SIMULATOR_OPTIONS_H
 #define AVSK_HOST_SERVICES_SIMULATOR_OPTIONS_H
 

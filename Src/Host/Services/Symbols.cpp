@@ -1,4 +1,4 @@
-// The slot that looks up functions of the host's own, and those functions:
+// The service that looks up functions of the host, and these functions:
 //
 //     int hostFrameNumber(void);                     the frame, 1 for the first
 //     float hostTerrainHeight(float x, float z);     metres, see Terrain.h

@@ -1,4 +1,4 @@
-// The slots about the simulator itself: log, clock, paths, versions, messages.
+// The services of the simulator itself: log, clock, paths, versions, messages.
 #include "Common/Text.h"
 #include "ServiceTable.h"
 #include "Simulator.h"
@@ -19,7 +19,7 @@ void DebugString(const char *text) {
         simulator.console.Log(text);
 }
 
-// No loudspeaker: what is said is read.
+// This host has no sound; speech goes to the log.
 void SpeakString(const char *text) {
     Simulator &simulator = Enter();
     if (text)
@@ -42,15 +42,15 @@ int GetLanguage() {
 }
 
 // There is nothing to read again. The folders are not reported a second time:
-// their plugins are still loaded, and starting them twice would ruin them.
+// their plugins are still loaded and would be started twice.
 int ReloadScenery() {
     Enter();
     return 1;
 }
 
-// Nobody is there to confirm, so the run goes on. The library shows this
-// message between unloading and loading all plugins: scenery plugins come back
-// when their folders are reported.
+// Nobody can confirm the message, so the run continues. The library shows it
+// between unloading and loading all plugins. The scenery folders are reported
+// again in the next frame, which loads their plugins.
 void ShowMessage(const char *line1, const char *line2, const char *line3, const char *line4) {
     Simulator &simulator = Enter();
     for (const char *line : {line1, line2, line3, line4}) {
@@ -66,7 +66,7 @@ void ShowProgress(const char *text) {
         simulator.console.Note(text);
 }
 
-// This host does nothing on request; messages to it show in a trace.
+// This host ignores messages; a trace shows them.
 void ReceiveMessage(AVSKPluginID /*sender*/, int /*message*/, void * /*parameter*/) {}
 
 } // namespace

@@ -1,5 +1,5 @@
-// The aeroplane that is flown: a slow circle at constant speed, so that the
-// values plugins read change the way real ones do.
+// The user's aeroplane. It flies a slow circle at constant speed, so that the
+// values that plugins read change as in a real flight.
 #ifndef AVSK_HOST_WORLD_AEROPLANE_H
 #define AVSK_HOST_WORLD_AEROPLANE_H
 
@@ -14,7 +14,7 @@ class Aeroplane {
     double climb = 0;                   // metres per second
     double turn = kTurn;                // degrees per second, to the right
 
-    // Flies on for some seconds.
+    // Advances the flight by some seconds.
     void Step(double seconds);
 
     static constexpr double kTurn = 3; // a full circle takes two minutes
@@ -23,8 +23,8 @@ class Aeroplane {
     static constexpr double kStartAltitude = 1200;
 };
 
-// Metres around the start: x east, y up, z south. The earth is flat here,
-// which is good enough for the few kilometres that are flown.
+// Metres around the start: x east, y up, z south. The earth is taken as flat,
+// which is accurate enough for a few kilometres.
 struct LocalPoint {
     double x, y, z;
 };

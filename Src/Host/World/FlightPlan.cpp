@@ -39,7 +39,8 @@ void FlightPlan::Clear(int index) {
     if (!Find(index))
         return;
     mEntries.erase(mEntries.begin() + index);
-    // What was shown and flown to stays so; in its own place comes the next one, or the last.
+    // The displayed entry and the destination stay the same entries. If one of
+    // them is removed, the next entry takes its place, or else the last.
     for (int *marked : {&mShown, &mDestination}) {
         if (*marked > index || *marked >= Count())
             *marked = std::max(*marked - 1, 0);

@@ -1,5 +1,4 @@
-// The flight plan: up to a hundred entries, of which one is shown and one is
-// flown to.
+// The flight plan: up to a hundred entries. One is displayed, one is the destination.
 #ifndef AVSK_HOST_WORLD_FLIGHT_PLAN_H
 #define AVSK_HOST_WORLD_FLIGHT_PLAN_H
 
@@ -15,7 +14,7 @@ class FlightPlan {
 
     struct Entry {
         int type = kNavUnknown;
-        int ref = NavData::kNone; // the navaid, if it is one
+        int ref = NavData::kNone; // the navaid; kNone for a position
         float latitude = 0, longitude = 0;
         int altitude = 0; // metres
     };
@@ -27,16 +26,16 @@ class FlightPlan {
     // Null if there is no such entry.
     const Entry *Find(int index) const;
 
-    // Behind the last entry the plan grows, with empty ones in between if need
-    // be. An index out of range and an unknown navaid change nothing.
+    // An index past the last entry extends the plan, with empty entries in
+    // between if needed. An index out of range or an unknown navaid changes nothing.
     void SetNavAid(const NavData &data, int index, int ref, int altitude);
     void SetPosition(int index, float latitude, float longitude, int altitude);
-    // Takes the entry out; those behind it move up.
+    // Removes the entry; later entries move up.
     void Clear(int index);
 
     int Shown() const { return mShown; }
     int Destination() const { return mDestination; }
-    // Ignored for an entry that is not there.
+    // Ignored if there is no such entry.
     void Show(int index);
     void FlyTo(int index);
 

@@ -35,7 +35,7 @@ constexpr Station kNdbs[] = {
     {"ME", "Marsh Outer", -24, 1, 389, 0},  {"OL", "Orra Outer", 7, 26, 402, 0},
 };
 
-// Nearly the square of the distance: the earth is flat around the start.
+// Approximates the squared distance: the earth is taken as flat around the start.
 double Distance2(const NavAid &navAid, float latitude, float longitude) {
     const LocalPoint a = ToLocal({navAid.latitude, navAid.longitude, 0});
     const LocalPoint b = ToLocal({latitude, longitude, 0});

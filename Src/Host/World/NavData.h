@@ -10,14 +10,14 @@
 
 namespace host {
 
-// Bits, so that a search can name several.
+// Bits, so that a search can combine types.
 enum NavAidType {
     kNavUnknown = 0,
     kNavAirport = 1,
     kNavVor = 2,
     kNavNdb = 4,
     kNavFix = 8,
-    kNavPosition = 16, // of a flight plan only: a position that is no navaid
+    kNavPosition = 16, // flight plans only: a position without a navaid
 };
 
 struct NavAid {
@@ -43,7 +43,7 @@ class NavData {
     int Last(int type) const;
     int Next(int ref) const;
 
-    // An absent condition is met by every navaid.
+    // A condition that is not set matches every navaid.
     struct Search {
         std::string_view nameFragment;
         std::string_view idFragment;

@@ -1,5 +1,4 @@
-// The hills; see Terrain.h. Asked by probes, the navigation data and the
-// camera.
+// The terrain; see Terrain.h. Used by probes, the navigation data and the camera.
 #include "Terrain.h"
 
 #include <cmath>

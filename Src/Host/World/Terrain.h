@@ -1,10 +1,10 @@
-// The ground: gentle hills between 20 and 100 metres high, everywhere dry.
+// The ground: hills between 20 and 100 metres high, without water.
 // At x east and z south of the start, in metres, it is
 //
 //     60 + 40 * sin(x / 900) * cos(z / 700)
 //
-// metres high, so that a plugin's arithmetic can be checked against it. It
-// ends 50 km from the start, to all four sides.
+// metres high, so that a plugin's arithmetic can be checked. The terrain ends
+// 50 km from the start on all four sides.
 #ifndef AVSK_HOST_WORLD_TERRAIN_H
 #define AVSK_HOST_WORLD_TERRAIN_H
 
@@ -18,7 +18,7 @@ struct Ground {
 
 inline constexpr double kTerrainExtent = 50'000;
 
-// Whether there is ground; false for what is not a number.
+// Tells whether there is terrain; false if a coordinate is NaN.
 bool IsOverTerrain(double x, double z);
 Ground GroundAt(double x, double z);
 
