@@ -4,7 +4,7 @@
 #include "SimpleRun.h"
 
 #include "Common/UsageError.h"
-#include "Session/Forms.h"
+#include "Session/Help.h"
 #include "Session/Rlwrap.h"
 #include "Session/RunSession.h"
 

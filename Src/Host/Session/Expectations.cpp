@@ -6,6 +6,7 @@
 #include "Runner.h"
 #include "Values.h"
 
+#include "Common/NearestName.h"
 #include "Common/Text.h"
 #include "Observing/DatarefValues.h"
 
@@ -50,10 +51,10 @@ const char *MarkOf(const FoundItem &found) {
 
 // ---- The words
 
-Finding Dataref(SessionRunner & /*run*/, const Step &step) {
+Finding Dataref(SessionRunner &run, const Step &step) {
     const auto [ref, index] = FindDataref(step[0]);
     if (!ref)
-        return {false, "nobody publishes it"};
+        return {false, "nobody publishes it" + DidYouMean(step[0], run.Datarefs().Published())};
     std::vector<std::string> seen = ReadDataref(ref);
     if (index) {
         if (*index >= std::ssize(seen))

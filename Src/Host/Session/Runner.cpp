@@ -18,10 +18,10 @@ SessionRunner::SessionRunner(SessionOptions options)
 SessionRunner::~SessionRunner() = default;
 
 void SessionRunner::Apply(const Step &step) {
-    const std::string wrong = std::get<SetUpFunction *>(step.form->function)(mSetUp, step);
-    if (!wrong.empty())
+    const Failure failure = std::get<SetUpFunction *>(step.form->function)(mSetUp, step);
+    if (!failure.why.empty())
         throw UsageError(mName + ":" + std::to_string(step.line) + ":" + std::to_string(step.words[0].column) + ": " +
-                         wrong);
+                         failure.why);
 }
 
 void SessionRunner::Start() {
@@ -37,6 +37,7 @@ void SessionRunner::Start() {
     mSimulator->console.Keep(mSetUp.options.simulator.root);
     mCalls = std::make_unique<CallLog>(*mSimulator);
     mObservers = std::make_unique<Observers>(*mSimulator, mSetUp.options.observing);
+    mDatarefs = std::make_unique<DatarefNames>();
     for (const auto &[plugin, milliseconds] : mSetUp.budgets)
         mObservers->Times().SetBudget(plugin, milliseconds);
     Prepare(*mSimulator);
@@ -45,22 +46,24 @@ void SessionRunner::Start() {
 }
 
 void SessionRunner::Do(const Step &step) {
-    std::string wrong;
+    Failure failure;
     if (const auto *look = std::get_if<ExpectFunction *>(&step.form->function)) {
         ++mExpectations;
         const Finding finding = (*look)(*this, step);
         const Finding::Answer wanted = step.negated ? Finding::Answer::No : Finding::Answer::Yes;
         if (finding.answer != wanted)
-            wrong = "seen: " + finding.seen;
+            failure = "seen: " + finding.seen;
     } else {
         ++mSteps;
-        wrong = std::get<StepFunction *>(step.form->function)(*this, step);
+        failure = std::get<StepFunction *>(step.form->function)(*this, step);
     }
-    if (wrong.empty())
+    if (failure.why.empty())
         return;
     ++mFailed;
-    wrong = mSimulator->console.WithoutRoot(wrong);
-    std::printf("%s:%d: %s: %s\n", mName.c_str(), step.line, step.text.c_str(), wrong.c_str());
+    const std::string column = failure.column > 0 ? ":" + std::to_string(failure.column) : "";
+    const std::string why = mSimulator->console.WithoutRoot(failure.why);
+    std::printf("%s:%d%s: frame %d: %s: %s\n", mName.c_str(), step.line, column.c_str(), mSimulator->frame,
+                step.text.c_str(), why.c_str());
     std::fflush(stdout);
 }
 

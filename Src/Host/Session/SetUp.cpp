@@ -15,8 +15,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-const std::string kFine;
-
 std::string NotFound(const char *what, const std::string &path) {
     return std::string("no ") + what + " '" + path + "': paths begin at the session's file, or at the root";
 }
@@ -54,32 +52,32 @@ void SetUp::Finish() {
 
 namespace {
 
-std::string Root(SetUp &setUp, const Step &step) {
+Failure Root(SetUp &setUp, const Step &step) {
     if (setUp.options.rootGiven)
-        return kFine; // the command line's root takes precedence
+        return {}; // the command line's root takes precedence
     const auto folder = setUp.FindFolder(step[0]);
     if (!folder)
         return NotFound("folder", step[0]);
     setUp.options.simulator.root = *folder;
     setUp.options.rootGiven = true;
-    return kFine;
+    return {};
 }
 
-std::string Plugin(SetUp &setUp, const Step &step) {
+Failure Plugin(SetUp &setUp, const Step &step) {
     const bool isPath = step[0].find('/') != std::string::npos;
     const auto found = isPath ? setUp.FindFile(step[0]) : step[0];
     if (!found)
         return NotFound("file", step[0]);
     setUp.options.plugins.push_back(*found);
-    return kFine;
+    return {};
 }
 
-std::string FramesPerSecond(SetUp &setUp, const Step &step) {
+Failure FramesPerSecond(SetUp &setUp, const Step &step) {
     setUp.options.simulator.fps = Number(step[0]);
-    return kFine;
+    return {};
 }
 
-std::string Screen(SetUp &setUp, const Step &step) {
+Failure Screen(SetUp &setUp, const Step &step) {
     constexpr int kMost = 8192; // a picture of it must fit into 32 bits of memory
     const std::vector<int> size = Integers(step[0]);
     for (const int side : size) {
@@ -88,28 +86,28 @@ std::string Screen(SetUp &setUp, const Step &step) {
     }
     setUp.options.simulator.screenWidth = size[0];
     setUp.options.simulator.screenHeight = size[1];
-    return kFine;
+    return {};
 }
 
-std::string Aircraft(SetUp &setUp, const Step &step) {
+Failure Aircraft(SetUp &setUp, const Step &step) {
     const auto folder = setUp.FindFolder(step[0]);
     if (!folder)
         return NotFound("folder", step[0]);
     setUp.aircraft = *folder;
-    return kFine;
+    return {};
 }
 
-std::string Scenery(SetUp &setUp, const Step &step) {
+Failure Scenery(SetUp &setUp, const Step &step) {
     const auto folder = setUp.FindFolder(step[0]);
     if (!folder)
         return NotFound("folder", step[0]);
     setUp.options.simulator.scenery.push_back(*folder);
-    return kFine;
+    return {};
 }
 
-std::string Budget(SetUp &setUp, const Step &step) {
+Failure Budget(SetUp &setUp, const Step &step) {
     setUp.budgets[step.Count() > 1 ? step[1] : ""] = Number(step[0]);
-    return kFine;
+    return {};
 }
 
 } // namespace
