@@ -52,6 +52,14 @@ void Console::Log(std::string_view original) {
     }
 }
 
+void Console::Show(const std::string &line) {
+    if (mQuiet)
+        return;
+    ClearProgress();
+    std::printf("avsk: %s\n", line.c_str());
+    std::fflush(stdout);
+}
+
 void Console::ShowProgress(int frame, int frames) {
     constexpr double kPatience = 1.0;
     constexpr double kBetween = 0.1;

@@ -14,10 +14,14 @@ DatarefNames::~DatarefNames() { crossings::RemoveObserver(*this); }
 
 void DatarefNames::Begins(const crossings::Crossing &crossing) {
     const std::string_view function = crossing.what.name;
-    if (function != "AVSKRegisterDataAccessor" && function != "AVSKShareData")
+    const bool isShared = function == "AVSKShareData";
+    if (!isShared && function != "AVSKRegisterDataAccessor")
         return;
-    if (const char *name = crossing["name"].text)
+    const char *name = crossing["name"].text;
+    if (name)
         mNames.emplace(name);
+    if (name && isShared)
+        mShared.emplace(name);
 }
 
 std::vector<std::string> DatarefNames::Published() const {

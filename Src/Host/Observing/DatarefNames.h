@@ -24,9 +24,12 @@ class DatarefNames : public crossings::Observer {
 
     // Those that are published now, sorted.
     std::vector<std::string> Published() const;
+    // Whether plugins share it, so that none of them owns it.
+    bool IsShared(const std::string &name) const { return mShared.contains(name); }
 
   private:
     std::set<std::string> mNames; // ever registered or shared
+    std::set<std::string> mShared;
 };
 
 } // namespace host

@@ -62,6 +62,7 @@ constexpr ParameterKind kKinds[] = {
     {"NAME", IsText, "a name"},
     {"PLUGIN", IsText, "a plugin's name or signature"},
     {"PATH", IsText, "a path"},
+    {"PATTERN", IsText, "a part of a name, or a pattern in which * is any text"},
     {"DIR", IsText, "a folder"},
     {"FILE", IsText, "a file"},
     {"COUNT", IsCount, "a whole number from 1 to 10000000"},

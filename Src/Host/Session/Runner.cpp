@@ -12,26 +12,20 @@
 
 namespace host {
 
-SessionRunner::SessionRunner(SessionOptions options)
-    : mName(options.file.empty() ? "input" : options.file), mSetUp(std::move(options)) {}
+SessionRunner::SessionRunner(SessionOptions options) : mSetUp(std::move(options)), mName(mSetUp.name) {}
 
 SessionRunner::~SessionRunner() = default;
 
 void SessionRunner::Apply(const Step &step) {
     const Failure failure = std::get<SetUpFunction *>(step.form->function)(mSetUp, step);
     if (!failure.why.empty())
-        throw UsageError(mName + ":" + std::to_string(step.line) + ":" + std::to_string(step.words[0].column) + ": " +
-                         failure.why);
+        throw UsageError(mSetUp.PlaceOf(step) + ": " + failure.why);
 }
 
 void SessionRunner::Start() {
     if (mSimulator)
         return;
-    try {
-        mSetUp.Finish();
-    } catch (const UsageError &error) {
-        throw UsageError(mName + ": " + error.what());
-    }
+    mSetUp.Finish();
     mSetUp.options.simulator.frames = 0; // the steps say how many
     mSimulator = std::make_unique<Simulator>(mSetUp.options.simulator);
     mSimulator->console.Keep(mSetUp.options.simulator.root);
@@ -77,6 +71,8 @@ int SessionRunner::Finish() {
             std::printf("%s: budget: %s\n", mName.c_str(), excess.c_str());
         }
     }
+    if (const std::string note = mSetUp.FilesNote(); !note.empty())
+        std::printf("%s: %s\n", mName.c_str(), note.c_str());
     std::printf("%s: %d frames, %d steps, %d expectations, %d failed\n", mName.c_str(),
                 mSimulator ? mSimulator->frame : 0, mSteps, mExpectations, mFailed);
     std::fflush(stdout);

@@ -42,8 +42,8 @@ class SessionRunner {
     void Unload();
 
   private:
-    std::string mName; // of the session, for messages
     SetUp mSetUp;
+    const std::string &mName; // of the session, for messages
     std::unique_ptr<Simulator> mSimulator;
     std::unique_ptr<CallLog> mCalls;
     std::unique_ptr<Observers> mObservers;

@@ -6,6 +6,9 @@
 #include "Step.h"
 #include "Values.h"
 
+#include "Common/Text.h"
+#include "Common/UsageError.h"
+
 #include <filesystem>
 #include <utility>
 #include <vector>
@@ -22,7 +25,12 @@ std::string NotFound(const char *what, const std::string &path) {
 } // namespace
 
 SetUp::SetUp(SessionOptions requested)
-    : options(std::move(requested)), mFolder(fs::path(options.file).parent_path().string()) {}
+    : options(std::move(requested)), name(options.file.empty() ? "input" : options.file),
+      mFolder(fs::path(options.file).parent_path().string()) {}
+
+std::string SetUp::PlaceOf(const Step &step) const {
+    return name + ":" + std::to_string(step.line) + ":" + std::to_string(step.words[0].column);
+}
 
 std::optional<std::string> SetUp::FindFile(const std::string &path) const {
     std::error_code error;
@@ -42,10 +50,41 @@ std::optional<std::string> SetUp::FindFolder(const std::string &path) const {
     return std::nullopt;
 }
 
+void SetUp::Choose(const std::string &plugin, const std::string &place) {
+    options.plugins.push_back(plugin);
+    mPlaces.emplace(plugin, place);
+}
+
 void SetUp::Finish() {
+    const std::string root = options.rootGiven ? options.simulator.root : "";
+    std::vector<std::string> faults;
+    for (const std::string &plugin : options.plugins) {
+        try {
+            LocatePlugin(root, plugin);
+        } catch (const UsageError &fault) {
+            const auto place = mPlaces.find(plugin);
+            faults.push_back((place == mPlaces.end() ? "--plugin: " : place->second + ": ") + fault.what());
+        }
+    }
+    if (!faults.empty())
+        throw UsageError(Join(faults, "\n"));
     if (!options.plugins.empty())
-        options.simulator.root = mRoot.Make(options.rootGiven ? options.simulator.root : "", options.plugins);
+        options.simulator.root = mRoot.Make(root, options.plugins, options.keptRoot);
+    else if (!options.keptRoot.empty())
+        throw UsageError("--keep-root: the session uses the real root, because it chooses no plugins: leave the "
+                         "option out, or choose plugins with 'plugin' or --plugin");
     CheckFolders(options.simulator, aircraft);
+}
+
+std::string SetUp::FilesNote() const {
+    const std::vector<std::string> files = mRoot.Exists() ? mRoot.WrittenFiles() : std::vector<std::string>();
+    if (mRoot.IsKept())
+        return "the root is kept in '" + options.keptRoot +
+               "'; files written there: " + (files.empty() ? "none" : Shortened(files));
+    if (files.empty())
+        return "";
+    return "files written into the temporary root were removed: " + Shortened(files) +
+           "; --keep-root DIR keeps such files";
 }
 
 // ---- The words
@@ -68,7 +107,7 @@ Failure Plugin(SetUp &setUp, const Step &step) {
     const auto found = isPath ? setUp.FindFile(step[0]) : step[0];
     if (!found)
         return NotFound("file", step[0]);
-    setUp.options.plugins.push_back(*found);
+    setUp.Choose(*found, setUp.PlaceOf(step));
     return {};
 }
 

@@ -10,6 +10,7 @@
 #include "Common/NearestName.h"
 #include "Common/Text.h"
 #include "Observing/DatarefValues.h"
+#include "Observing/Listings.h"
 
 #include "AVSK/AVSKHost.h"
 #include "AVSK/AVSKPlugins.h"
@@ -17,6 +18,7 @@
 #include <algorithm>
 #include <cctype>
 #include <cmath>
+#include <cstdio>
 #include <filesystem>
 
 #include <unistd.h>
@@ -298,6 +300,45 @@ Failure TakeScreenshot(SessionRunner &run, const Step &step) {
     return {};
 }
 
+Failure Get(SessionRunner &run, const Step &step) {
+    constexpr std::size_t kMost = 64;
+    const FoundDataref found = FindDataref(step[0]);
+    if (!found.ref)
+        return {NoDataref(run, step[0]), step.words[0].column};
+    std::vector<std::string> values = ReadDataref(found.ref);
+    if (found.index) {
+        if (*found.index >= std::ssize(values))
+            return {"it has " + std::to_string(values.size()) + " elements", step.words[0].column};
+        values = {values[static_cast<std::size_t>(*found.index)]};
+    }
+    const std::size_t more = values.size() - std::min(values.size(), kMost);
+    values.resize(values.size() - more);
+    std::printf("%s = %s%s (%s)\n", step[0].c_str(), Join(values, " ").c_str(),
+                more > 0 ? (" and " + std::to_string(more) + " others").c_str() : "", DatarefTypes(found.ref).c_str());
+    std::fflush(stdout);
+    return {};
+}
+
+Failure PrintDatarefs(SessionRunner &run, const Step &step) {
+    PrintList("Datarefs:", ListDatarefs(run.Datarefs(), run.Watch().Owners(), step.Count() > 0 ? step[0] : ""), "none");
+    return {};
+}
+
+Failure PrintWindows(SessionRunner &run, const Step & /*step*/) {
+    PrintList("Windows:", ListWindows(run.Watch().Owners()), "none");
+    return {};
+}
+
+Failure PrintMenus(SessionRunner &run, const Step & /*step*/) {
+    PrintList("Menus:", ListMenus(run.Sim().menus), "none");
+    return {};
+}
+
+Failure PrintCommands(SessionRunner &run, const Step & /*step*/) {
+    PrintList("Commands:", ListCommands(run.Sim().commands), "none");
+    return {};
+}
+
 Failure Mark(SessionRunner &run, const Step & /*step*/) {
     run.Sim().console.Forget();
     run.Calls().Forget();
@@ -359,7 +400,13 @@ std::span<const Form> StepForms() {
         {"disable", "PLUGIN", "disables a plugin", Disable},
         {"reload", "", "unloads and loads all plugins, in a frame", Reload},
         {"set", "NAME VALUE+", "writes a dataref: a number, numbers or a text; NAME[3] is an element", SetDataref},
-        {"screenshot", "FILE", "runs a frame and writes a picture of it to a .png file", TakeScreenshot},
+        {"get", "NAME", "prints the value of a dataref; NAME[3] is an element", Get},
+        {"datarefs", "[PATTERN]", "prints the datarefs whose names contain a text, or match a pattern with *",
+         PrintDatarefs},
+        {"windows", "", "prints the windows of plugins", PrintWindows},
+        {"menus", "", "prints the menus", PrintMenus},
+        {"commands", "", "prints the commands", PrintCommands},
+        {"screenshot", "FILE", "runs a frame and writes what the screen then shows to a .png file", TakeScreenshot},
         {"mark", "", "later 'expect log' and 'expect call' look back to this line only", Mark, kAlsoAfterUnload},
         {"ps", "[PLUGIN]", "prints what the plugins, or this one, own; after 'unload' what they left behind",
          ListPossessions, kAlsoAfterUnload},
