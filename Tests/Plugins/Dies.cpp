@@ -1,6 +1,7 @@
 // Ends in the way that the environment's AVSK_TEST_DIES names: at a hot key for
-// "abort", while it is loaded for "loading", else in its flight loop. Used by
-// Blame_test.cpp.
+// "abort", while it is loaded for "loading", else in its flight loop. For "file"
+// it lives and writes a file into the root. Used by Blame_test.cpp and
+// Session_test.cpp.
 #include "AVSK/AVSK.h"
 
 #include <cstdio>
@@ -47,6 +48,7 @@ const struct {
              {"thread", [] { std::thread(Write).join(); }},
              {"exit", [] { std::exit(0); }},
              {"throw", [] { throw std::runtime_error("enough"); }},
+             {"file", [] { AVSKSaveDataFile(/*situation*/ 1, "Notes.txt"); }},
              {"library", [] { AVSKGetPluginInfo(AVSKGetMyID(), kNoText, nullptr, nullptr, nullptr); }}};
 
 float Tick(float, float, int, void *) {
