@@ -60,6 +60,54 @@ TEST_F(SessionTest, SetStoresWhatTheTypeHoldsAndRefusesTheRest) {
     }
     messages.emplace_back(" 0 frames, 14 steps, 1 expectations, 14 failed\n");
     Expect(1, lines + "expect dataref sample/counter 0\n", messages);
+    Expect(
+        0,
+        "plugin DatarefOwner\nset sample/counter 1e2\nset sample/levels[1] 2.5 3\nexpect dataref sample/levels 0 2.5 "
+        "3 0\nget sample/levels[2]\nget sample/counter\n",
+        {"sample/levels[2] = 3 (float array)\nsample/counter = 100 (int)\n"});
+}
+
+TEST_F(SessionTest, AllWrongLinesAreReportedAndNothingRuns) {
+    Expect(2,
+           "\xEF\xBB\xBFplugin Menu\nroot nowhere\nframse 3\nlog \"x\"\nexpect frames\nexpect view cokpit\n"
+           "menu \"a\nscreen 9x99999\nunlaod\nexpect nothing left\nexpect no nothing left\n",
+           {":3:1: unknown word 'framse'; did you mean 'frames'?\n",
+            ":4:1: 'log' is an expectation: write 'expect [no] log TEXT'\n", ":5:8: 'frames' is no expectation",
+            ":6:13: expected 'tower' or 'chase' or 'cockpit', found 'cokpit': write 'expect [no] view ",
+            "; did you mean 'cockpit'?\n", ":7:6: this text does not end",
+            ":8:1: 'screen' belongs before the first step", ":9:1: unknown word 'unlaod'; did you mean 'unload'?\n",
+            ":11:1: there is no 'expect no nothing'"});
+    Expect(2, "plugin Mneu\nplugin Windw\nframes 1\n",
+           {"s.avs:1:8: no plugin 'Mneu' in ", "; did you mean 'Menu'?\navsk: ", "s.avs:2:8: no plugin 'Windw'"});
+    Expect(2, "plugin Menu\nframes 1\n", {"s.avs:1:8: no plugin 'Menu': no root was named"}, "");
+    Expect(2, "root " + world.Path("") + "\nplugin Menu\nscenery gone\nframes 1\n", {"s.avs:3:9: no folder 'gone'"},
+           "");
+}
+
+TEST_F(SessionTest, ThePromptExplainsWordsAndListsWhatThereIs) {
+    Expect(
+        1,
+        "help key\nhelp framse\nplugin Menu\nplugin Window\nframes 1\ndatarefs flight*TUDE\nwindows\nmenus\ncommands\n"
+        "get sim/flight/altitud\nexpect no owns Mneu hold\nreload\nexpect no log \"new plugin\"\n"
+        "expect call showMessage\nquit\n",
+        {"key KEY [shift|control]+\n", "one of   'shift' or 'control'; optional; can be repeated\n",
+         "no word 'framse'; did you mean 'frames'?\n", "Datarefs:\n  none\n",
+         "Windows:\n  Window  40,500,392,410 visible front\n", "    Sample lights\n      Beacon         checked\n",
+         "      Reset          disabled\n", "sim/flight/climb    Climb while held\n",
+         "input:10:5: frame 1: get sim/flight/altitud: nobody publishes 'sim/flight/altitud'; did you mean ",
+         "input:11: frame 1: expect no owns Mneu hold: seen: no plugin with the name or signature 'Mneu' is loaded; "
+         "did you mean 'Menu'?",
+         "input: 2 frames, 7 steps, 3 expectations, 2 failed\n"},
+        "--interactive --root " AVSK_TEST_DEMO);
+}
+
+TEST_F(SessionTest, FilesInTheRootAreExpectedReportedAndKept) {
+    const std::string root = "--root " AVSK_TEST_DIES_ROOT;
+    const std::string lines = "plugin Dies\nexpect no file Notes.txt\nframes 1\n"
+                              "expect file Notes.txt \"avsk situation\"\nexpect no file Notes.txt nothing\nunload\n"
+                              "expect file Notes.txt\n";
+    const std::string kept = world.Path("kept");
+    const std::string option = " --keep-root " + kept;
     Expect(0, lines,
            {"files written into the temporary root were removed: Notes.txt; --keep-root DIR keeps such files\n"}, root,
            "AVSK_TEST_DIES=file");

@@ -45,7 +45,7 @@ Finding Logged(SessionRunner &run, const Step &step) {
     const std::string &log = run.Sim().console.Kept();
     const std::size_t at = log.find(step[0]);
     if (at != std::string::npos) {
-        const std::size_t begin = log.rfind('\n', at) + 1; // 0 behind no line
+        const std::size_t begin = log.rfind('\n', at) + 1; // 0 if there is no earlier line
         return {true, "the line '" + log.substr(begin, log.find('\n', at) - begin) + "'"};
     }
     if (log.empty())
@@ -58,7 +58,7 @@ Finding Logged(SessionRunner &run, const Step &step) {
 Finding WindowThere(SessionRunner &run, const Step &step) {
     const AVSKPluginID plugin = FindPlugin(step[0]);
     if (plugin == NO_PLUGIN_ID)
-        return {false, NoPlugin(step[0])};
+        return Finding::Unknown(NoPlugin(step[0]));
     const bool hasPlace = step.Count() > 1 && step[1].find(',') != std::string::npos;
     const std::vector<int> wanted = hasPlace ? Integers(step[1]) : std::vector<int>();
     std::vector<std::string> seen;
@@ -130,7 +130,7 @@ Finding ViewShown(SessionRunner &run, const Step &step) {
 Finding Owns(SessionRunner &run, const Step &step) {
     const AVSKPluginID plugin = FindPlugin(step[0]);
     if (plugin == NO_PLUGIN_ID)
-        return {false, NoPlugin(step[0])};
+        return Finding::Unknown(NoPlugin(step[0]));
     std::vector<std::string> seen;
     bool found = false;
     for (const Possession &owned : run.Watch().Owners().OwnedBy(plugin, KindOf(step[1]).value())) {
