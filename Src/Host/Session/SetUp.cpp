@@ -107,6 +107,12 @@ Failure Plugin(SetUp &setUp, const Step &step) {
     const auto found = isPath ? setUp.FindFile(step[0]) : step[0];
     if (!found)
         return NotFound("file", step[0]);
+    try {
+        if (setUp.options.rootGiven) // else a later line may name it
+            LocatePlugin(setUp.options.simulator.root, *found);
+    } catch (const UsageError &fault) {
+        return fault.what();
+    }
     setUp.Choose(*found, setUp.PlaceOf(step));
     return {};
 }
