@@ -48,8 +48,9 @@ A picture shows what plugins draw through the interface: dark boxes, texts, numb
 menus opened. It does not show what plugins draw with their own OpenGL calls, scenery objects or aircraft.
 
 Exit status: 0 if all frames were run and every step and expectation of a session succeeded; 1 if one of them failed, a
-plugin exceeded a budget, or a plugin's exception ended the run; 2 if the request cannot be met as it was made; 3 if a
-plugin ended the run by a signal, by exit(), or by a call that took longer than --timeout.)";
+plugin exceeded a budget, a filter or a budget named a plugin that was not there, a file could not be written completely,
+or a plugin's exception ended the run; 2 if the request cannot be met as it was made; 3 if a plugin ended the run by a
+signal, by exit(), or by a call that took longer than --timeout.)";
 
 // The number after the last '@'; no value if it is not a frame of the run.
 std::optional<int> FrameOf(const std::string &text, int frames) {

@@ -1,6 +1,7 @@
 // A run of a number of frames; see SimpleRun.h.
 #include "SimpleRun.h"
 
+#include "Common/Terminal.h"
 #include "Observing/Observers.h"
 #include "Observing/Report.h"
 #include "Services/Lifetime.h"
@@ -12,6 +13,8 @@
 #include <string>
 #include <utility>
 #include <vector>
+
+#include <unistd.h>
 
 namespace host {
 
@@ -35,10 +38,10 @@ int RunFrames(SessionOptions options, bool report) {
     observers.ReportLoaded();
     StopPlugins(*simulator);
     observers.ReportUnloaded();
-    const std::vector<std::string> excesses = observers.Times().OverBudget();
-    for (const std::string &excess : excesses)
-        std::printf("budget: %s\n", excess.c_str());
-    return excesses.empty() ? 0 : 1;
+    const std::vector<std::string> failures = observers.Failures();
+    for (const std::string &failure : failures)
+        std::printf("%s\n", Emphasised(Emphasis::Failure, failure, STDOUT_FILENO).c_str());
+    return failures.empty() ? 0 : 1;
 }
 
 } // namespace host

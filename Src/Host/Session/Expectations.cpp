@@ -63,7 +63,7 @@ Finding WindowThere(SessionRunner &run, const Step &step) {
     const std::vector<int> wanted = hasPlace ? Integers(step[1]) : std::vector<int>();
     std::vector<std::string> seen;
     bool found = false;
-    for (const WindowState &window : WindowsOf(run.Watch().Owners(), plugin)) {
+    for (const WindowState &window : WindowsOf(run.Observing().Owners(), plugin)) {
         const bool isThere = std::equal(wanted.begin(), wanted.end(), window.place.begin());
         found = found || (isThere && (!step.Has("visible") || window.visible) &&
                           (!step.Has("hidden") || !window.visible) && (!step.Has("front") || window.front));
@@ -133,7 +133,7 @@ Finding Owns(SessionRunner &run, const Step &step) {
         return Finding::Unknown(NoPlugin(step[0]));
     std::vector<std::string> seen;
     bool found = false;
-    for (const Possession &owned : run.Watch().Owners().OwnedBy(plugin, KindOf(step[1]).value())) {
+    for (const Possession &owned : run.Observing().Owners().OwnedBy(plugin, KindOf(step[1]).value())) {
         seen.push_back("'" + owned.what + "'");
         found = found || step.Count() == 2 || owned.what.find(step[2]) != std::string::npos;
     }
@@ -142,7 +142,7 @@ Finding Owns(SessionRunner &run, const Step &step) {
 
 // A plugin that was never loaded leaves nothing behind either, which proves nothing.
 Finding Tidy(SessionRunner &run, const Step &step) {
-    const Ledger &owners = run.Watch().Owners();
+    const Ledger &owners = run.Observing().Owners();
     if (step.Count() > 0 && !owners.WasUnloaded(step[0]))
         return Finding::Unknown("no plugin of this name or signature was unloaded");
     const std::vector<std::string> left = owners.LeftBehind(step.Count() > 0 ? step[0] : "");
@@ -174,7 +174,7 @@ Finding NothingLeft(SessionRunner &run, const Step & /*step*/) {
         left.push_back("the pressed button " + std::to_string(button));
     if (simulator.objects.Count() > 0)
         left.push_back(std::to_string(simulator.objects.Count()) + " objects");
-    const Ledger &owners = run.Watch().Owners();
+    const Ledger &owners = run.Observing().Owners();
     for (const Possession &dataref : owners.StillThere(Kind::Dataref))
         left.push_back("the dataref '" + dataref.what + "'");
     if (const std::size_t windows = owners.StillThere(Kind::Window).size(); windows > 0)

@@ -3,12 +3,16 @@
 
 #include "Forms.h"
 
+#include "Common/Terminal.h"
 #include "Common/UsageError.h"
+#include "Observing/Place.h"
 #include "Services/Lifetime.h"
 
 #include <cstdio>
 #include <utility>
 #include <variant>
+
+#include <unistd.h>
 
 namespace host {
 
@@ -35,11 +39,13 @@ void SessionRunner::Start() {
     for (const auto &[plugin, milliseconds] : mSetUp.budgets)
         mObservers->Times().SetBudget(plugin, milliseconds);
     Prepare(*mSimulator);
+    SetPlace(mName + ": loading the plugins");
     StartPlugins(*mSimulator);
     mLoaded = true;
 }
 
 void SessionRunner::Do(const Step &step) {
+    SetPlace(mName + ":" + std::to_string(step.line) + ": " + step.text);
     Failure failure;
     if (const auto *look = std::get_if<ExpectFunction *>(&step.form->function)) {
         ++mExpectations;
@@ -55,20 +61,22 @@ void SessionRunner::Do(const Step &step) {
         return;
     ++mFailed;
     const std::string column = failure.column > 0 ? ":" + std::to_string(failure.column) : "";
-    const std::string why = mSimulator->console.WithoutRoot(failure.why);
-    std::printf("%s:%d%s: frame %d: %s: %s\n", mName.c_str(), step.line, column.c_str(), mSimulator->frame,
-                step.text.c_str(), why.c_str());
+    const std::string line = mName + ":" + std::to_string(step.line) + column + ": frame " +
+                             std::to_string(mSimulator->frame) + ": " + step.text + ": " +
+                             mSimulator->console.WithoutRoot(failure.why);
+    std::printf("%s\n", Emphasised(Emphasis::Failure, line, STDOUT_FILENO).c_str());
     std::fflush(stdout);
 }
 
 int SessionRunner::Finish() {
+    SetPlace(mName + ": the end of the session");
     if (mLoaded)
         Unload();
     if (mObservers) {
         mObservers->ReportUnloaded();
-        for (const std::string &excess : mObservers->Times().OverBudget()) {
+        for (const std::string &failure : mObservers->Failures()) {
             ++mFailed;
-            std::printf("%s: budget: %s\n", mName.c_str(), excess.c_str());
+            std::printf("%s\n", Emphasised(Emphasis::Failure, mName + ": " + failure, STDOUT_FILENO).c_str());
         }
     }
     if (const std::string note = mSetUp.FilesNote(); !note.empty())

@@ -35,7 +35,7 @@ class SessionRunner {
     // For steps and expectations.
     Simulator &Sim() { return *mSimulator; }
     CallLog &Calls() { return *mCalls; }
-    Observers &Watch() { return *mObservers; }
+    Observers &Observing() { return *mObservers; }
     DatarefNames &Datarefs() { return *mDatarefs; }
     bool IsLoaded() const { return mLoaded; }
     void RunFrames(int count);

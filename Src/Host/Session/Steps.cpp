@@ -320,12 +320,13 @@ Failure Get(SessionRunner &run, const Step &step) {
 }
 
 Failure PrintDatarefs(SessionRunner &run, const Step &step) {
-    PrintList("Datarefs:", ListDatarefs(run.Datarefs(), run.Watch().Owners(), step.Count() > 0 ? step[0] : ""), "none");
+    PrintList("Datarefs:", ListDatarefs(run.Datarefs(), run.Observing().Owners(), step.Count() > 0 ? step[0] : ""),
+              "none");
     return {};
 }
 
 Failure PrintWindows(SessionRunner &run, const Step & /*step*/) {
-    PrintList("Windows:", ListWindows(run.Watch().Owners()), "none");
+    PrintList("Windows:", ListWindows(run.Observing().Owners()), "none");
     return {};
 }
 
@@ -346,7 +347,7 @@ Failure Mark(SessionRunner &run, const Step & /*step*/) {
 }
 
 Failure ListPossessions(SessionRunner &run, const Step &step) {
-    const Ledger &owners = run.Watch().Owners();
+    const Ledger &owners = run.Observing().Owners();
     const std::string plugin = step.Count() > 0 ? step[0] : "";
     const bool isKnown =
         plugin.empty() || (run.IsLoaded() ? FindPlugin(plugin) != NO_PLUGIN_ID : owners.WasUnloaded(plugin));
