@@ -1,5 +1,6 @@
 // Ends in the way that AVSK_TEST_DIES names: in a hot key for "abort", while it is
-// loaded for "loading", else in its flight loop. Used by Blame_test.cpp.
+// loaded for "loading", else in its flight loop. For "file" it lives, and writes a
+// file into the root. Used by Blame_test.cpp and Session_test.cpp.
 #include "AVSK/AVSK.h"
 
 #include <cstdio>
@@ -82,6 +83,7 @@ const struct {
              {"names", NameLong},
              {"rethrow", Caught},
              {"throw", [] { throw std::runtime_error("enough"); }},
+             {"file", [] { AVSKSaveDataFile(/*situation*/ 1, "Notes.txt"); }},
              {"library", [] { AVSKGetPluginInfo(AVSKGetMyID(), kNoText, nullptr, nullptr, nullptr); }}};
 
 float Tick(float, float, int, void *) {

@@ -7,6 +7,8 @@
 
 #include <cstdio>
 #include <exception>
+#include <sstream>
+#include <string>
 
 namespace {
 
@@ -28,7 +30,9 @@ int main(int argc, char **argv) {
         const int status = job ? job() : 0;
         return OutputIsWhole() ? status : 1;
     } catch (const UsageError &error) {
-        std::fprintf(stderr, "avsk: %s\n", error.what());
+        std::istringstream lines(error.what());
+        for (std::string line; std::getline(lines, line);)
+            std::fprintf(stderr, "avsk: %s\n", line.c_str());
         return 2;
     } catch (const std::exception &error) { // of a plugin: they pass through the library
         ReportException(error.what());

@@ -4,7 +4,7 @@
 #include "SimpleRun.h"
 
 #include "Common/UsageError.h"
-#include "Session/Forms.h"
+#include "Session/Help.h"
 #include "Session/Rlwrap.h"
 #include "Session/RunSession.h"
 
@@ -153,6 +153,8 @@ int RunPlainly(Request &request) {
     SimulatorOptions &simulator = request.options.simulator;
     if (!request.options.plugins.empty())
         throw UsageError("--plugin: belongs to a session: name one, or say --interactive");
+    if (!request.options.keptRoot.empty())
+        throw UsageError("--keep-root: belongs to a session: name one, or say --interactive");
     CheckFolders(simulator, request.aircraft);
     for (const std::string &text : request.screenshots)
         simulator.screenshots.push_back(ParseScreenshot(text, simulator.frames));
@@ -188,6 +190,10 @@ void AddRunCommand(CLI::App &app, Job &job, char **argv) {
     interactive->excludes(session);
     run->add_flag("--words", request->words, "list the words of sessions");
     AddPlugins(*run, options.plugins, "of a session: load only this plugin; can be repeated");
+    run->add_option("--keep-root", options.keptRoot,
+                    "of a session that chooses plugins: make its root in this folder and keep it, with the files that "
+                    "plugins write there")
+        ->type_name("DIR");
     AddRunOnlyOptions(*run, *request, session, interactive);
     run->add_option("--log", options.simulator.logFile, "also write the log to this file")->type_name("FILE");
     run->add_flag("--quiet", options.simulator.quiet, "keep the log off standard output");

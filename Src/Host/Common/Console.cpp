@@ -60,6 +60,14 @@ std::string Console::LogFault() const {
     return "--log: '" + mFileName + "' is not complete: " + std::strerror(mFileError);
 }
 
+void Console::Show(const std::string &line) {
+    if (mQuiet)
+        return;
+    ClearProgress();
+    std::printf("avsk: %s\n", line.c_str());
+    std::fflush(stdout);
+}
+
 void Console::ShowProgress(int frame, int frames) {
     constexpr double kPatience = 1.0;
     constexpr double kBetween = 0.1;

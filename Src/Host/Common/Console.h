@@ -30,6 +30,8 @@ class Console {
     std::string WithoutRoot(std::string_view text) const;
     // Writes a line of the host to the log.
     void Note(const std::string &line) { Log("avsk: " + line + "\n"); }
+    // Shows the user a line that is no part of the log.
+    void Show(const std::string &line);
 
     // Why the log file is not complete; empty if it is complete or there is none.
     std::string LogFault() const;

@@ -56,6 +56,13 @@ const Prototype *FindService(std::string_view name) {
     return found == std::end(kServices) ? nullptr : *found;
 }
 
+std::vector<std::string> ServiceNames() {
+    std::vector<std::string> names;
+    for (const Prototype *service : kServices)
+        names.emplace_back(service->name);
+    return names;
+}
+
 int CountParameters(const Prototype &function) {
     const std::string_view names = function.parameters;
     return names.empty() ? 0 : 1 + static_cast<int>(std::count(names.begin(), names.end(), ','));

@@ -6,54 +6,30 @@
 #include "Runner.h"
 #include "Values.h"
 
+#include "Common/NearestName.h"
 #include "Common/Text.h"
 #include "Observing/DatarefValues.h"
+#include "Observing/Listings.h"
 
 #include "AVSK/AVSKCamera.h"
 #include "AVSK/AVSKDisplay.h"
-#include "AVSK/AVSKMenus.h"
 #include "AVSK/AVSKPlanes.h"
 #include "AVSK/AVSKPlugins.h"
 
 #include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
 
 namespace host {
 namespace {
 
-struct Rectangle {
-    int left, top, right, bottom;
-};
-
-AVSKWindowID WindowOf(const Possession &window) { return static_cast<AVSKWindowID>(const_cast<void *>(window.handle)); }
-
-Rectangle PlaceOf(AVSKWindowID window) {
-    Rectangle place{};
-    AVSKGetWindowGeometry(window, &place.left, &place.top, &place.right, &place.bottom);
-    return place;
-}
-
-std::string TextOf(const Rectangle &r) {
-    return std::to_string(r.left) + "," + std::to_string(r.top) + "," + std::to_string(r.right) + "," +
-           std::to_string(r.bottom);
-}
-
-bool Same(const Rectangle &place, const std::vector<int> &wanted) {
-    return std::vector<int>{place.left, place.top, place.right, place.bottom} == wanted;
-}
-
-const char *MarkOf(const FoundItem &found) {
-    int mark = -1;
-    if (AVSKCheckMenuHook(found.menu, found.index, &mark) != 0 || mark < 0)
-        return "unmarked";
-    return mark == 0 ? "unchecked" : "checked";
-}
-
 // ---- The words
 
-Finding Dataref(SessionRunner & /*run*/, const Step &step) {
+Finding Dataref(SessionRunner &run, const Step &step) {
     const auto [ref, index] = FindDataref(step[0]);
     if (!ref)
-        return {false, "nobody publishes it"};
+        return {false, "nobody publishes it" + DidYouMean(step[0], run.Datarefs().Published())};
     std::vector<std::string> seen = ReadDataref(ref);
     if (index) {
         if (*index >= std::ssize(seen))
@@ -69,7 +45,7 @@ Finding Logged(SessionRunner &run, const Step &step) {
     const std::string &log = run.Sim().console.Kept();
     const std::size_t at = log.find(step[0]);
     if (at != std::string::npos) {
-        const std::size_t begin = log.rfind('\n', at) + 1; // 0 behind no line
+        const std::size_t begin = log.rfind('\n', at) + 1; // 0 if there is no earlier line
         return {true, "the line '" + log.substr(begin, log.find('\n', at) - begin) + "'"};
     }
     if (log.empty())
@@ -82,20 +58,16 @@ Finding Logged(SessionRunner &run, const Step &step) {
 Finding WindowThere(SessionRunner &run, const Step &step) {
     const AVSKPluginID plugin = FindPlugin(step[0]);
     if (plugin == NO_PLUGIN_ID)
-        return {false, "no plugin of this name or signature"};
-    std::vector<int> wanted;
-    if (step.Count() > 1 && step[1].find(',') != std::string::npos)
-        wanted = Integers(step[1]);
+        return Finding::Unknown(NoPlugin(step[0]));
+    const bool hasPlace = step.Count() > 1 && step[1].find(',') != std::string::npos;
+    const std::vector<int> wanted = hasPlace ? Integers(step[1]) : std::vector<int>();
     std::vector<std::string> seen;
     bool found = false;
-    for (const Possession &owned : run.Observing().Owners().OwnedBy(plugin, Kind::Window)) {
-        AVSKWindowID window = WindowOf(owned);
-        const Rectangle place = PlaceOf(window);
-        const bool visible = AVSKGetWindowIsVisible(window) != 0;
-        const bool front = AVSKIsWindowInFront(window) != 0;
-        found = found || ((wanted.empty() || Same(place, wanted)) && (!step.Has("visible") || visible) &&
-                          (!step.Has("hidden") || !visible) && (!step.Has("front") || front));
-        seen.push_back(TextOf(place) + (visible ? " visible" : " hidden") + (front ? " front" : ""));
+    for (const WindowState &window : WindowsOf(run.Observing().Owners(), plugin)) {
+        const bool isThere = std::equal(wanted.begin(), wanted.end(), window.place.begin());
+        found = found || (isThere && (!step.Has("visible") || window.visible) &&
+                          (!step.Has("hidden") || !window.visible) && (!step.Has("front") || window.front));
+        seen.push_back(window.Text());
     }
     return {found, seen.empty() ? "no window of this plugin" : Join(seen)};
 }
@@ -104,7 +76,7 @@ Finding Item(SessionRunner &run, const Step &step) {
     const FoundItem found = FindItem(run.Sim().menus, step[0]);
     if (!found.menu)
         return {false, found.seen};
-    const std::string mark = MarkOf(found);
+    const std::string mark = MarkOf(*found.menu, found.index);
     const std::string state = AVSKMenuItemEnabled(found.menu, found.index) != 0 ? "enabled" : "disabled";
     const std::vector<std::string> wanted = step.From(1);
     const bool all = std::all_of(wanted.begin(), wanted.end(),
@@ -115,13 +87,39 @@ Finding Item(SessionRunner &run, const Step &step) {
 Finding PluginState(SessionRunner & /*run*/, const Step &step) {
     const AVSKPluginID plugin = FindPlugin(step[0]);
     if (plugin == NO_PLUGIN_ID)
-        return {false, "no plugin of this name or signature"};
+        return {false, NoPlugin(step[0])};
     const std::string state = AVSKIsPluginEnabled(plugin) != 0 ? "enabled" : "disabled";
     return {step.Count() == 1 || step[1] == state, state};
 }
 
 Finding Called(SessionRunner &run, const Step &step) {
     return {run.Calls().Contains(step[0], step.From(1)), run.Calls().Latest(step[0])};
+}
+
+// A path in the root, which is where plugins write their files.
+Finding File(SessionRunner &run, const Step &step) {
+    namespace fs = std::filesystem;
+    const fs::path path = ResolvePath(run.Sim().options.root, step[0]);
+    std::error_code error;
+    if (!fs::exists(path, error)) {
+        std::vector<std::string> names;
+        const fs::path folder = path.parent_path();
+        for (fs::directory_iterator entry(folder, error), end; !error && entry != end; entry.increment(error))
+            names.push_back(entry->path().filename().string());
+        std::sort(names.begin(), names.end());
+        return {false, error           ? "no folder '" + folder.string() + "'"
+                       : names.empty() ? "the folder is empty"
+                                       : "no such file; the folder has " + Shortened(names)};
+    }
+    std::ifstream file(path);
+    std::ostringstream text;
+    text << file.rdbuf();
+    if (fs::is_directory(path, error) || !file)
+        return Finding::Unknown(fs::is_directory(path, error) ? "a folder" : "a file that cannot be read");
+    if (step.Count() > 1 && text.str().find(step[1]) == std::string::npos)
+        return {false, "a file of " + std::to_string(text.str().size()) + " bytes without this text; it begins '" +
+                           text.str().substr(0, std::min<std::size_t>(text.str().find('\n'), 80)) + "'"};
+    return {true, "a file of " + std::to_string(text.str().size()) + " bytes"};
 }
 
 Finding ViewShown(SessionRunner &run, const Step &step) {
@@ -132,7 +130,7 @@ Finding ViewShown(SessionRunner &run, const Step &step) {
 Finding Owns(SessionRunner &run, const Step &step) {
     const AVSKPluginID plugin = FindPlugin(step[0]);
     if (plugin == NO_PLUGIN_ID)
-        return {false, "no plugin of this name or signature"};
+        return Finding::Unknown(NoPlugin(step[0]));
     std::vector<std::string> seen;
     bool found = false;
     for (const Possession &owned : run.Observing().Owners().OwnedBy(plugin, KindOf(step[1]).value())) {
@@ -142,7 +140,7 @@ Finding Owns(SessionRunner &run, const Step &step) {
     return {found, seen.empty() ? "no " + step[1] + " of this plugin" : Join(seen)};
 }
 
-// Of a plugin that was never there nothing is left either: that is no proof.
+// A plugin that was never loaded leaves nothing behind either, which proves nothing.
 Finding Tidy(SessionRunner &run, const Step &step) {
     const Ledger &owners = run.Observing().Owners();
     if (step.Count() > 0 && !owners.WasUnloaded(step[0]))
@@ -154,8 +152,7 @@ Finding Tidy(SessionRunner &run, const Step &step) {
     return {left.empty(), seen};
 }
 
-// The library gives back what it knows. Commands and probes are not looked at:
-// both stay for the host's life.
+// Commands and probes are not counted, because they stay until the host ends.
 Finding NothingLeft(SessionRunner &run, const Step & /*step*/) {
     const Simulator &simulator = run.Sim();
     std::vector<std::string> left;
@@ -200,6 +197,7 @@ std::span<const Form> ExpectationForms() {
         {"plugin", "PLUGIN [enabled|disabled]", "a plugin is loaded", PluginState},
         {"call", "SLOT [VALUE]+", "a host service was called with arguments that begin so; * is any", Called,
          kAlsoAfterUnload},
+        {"file", "PATH [TEXT]", "a file of the root exists, and contains a text", File, kAlsoAfterUnload},
         {"view", "tower|chase|cockpit", "this view is shown", ViewShown},
         {"owns", "PLUGIN KIND [TEXT]",
          "a plugin owns something of a kind, as 'ps' lists it, whose description contains a text", Owns},

@@ -2,7 +2,6 @@
 // them; see Forms.h.
 #include "Forms.h"
 
-#include <cstdio>
 #include <utility>
 
 namespace host {
@@ -27,12 +26,6 @@ const std::vector<Form> &SessionForms() {
         return all;
     }();
     return forms;
-}
-
-void PrintSessionWords() {
-    for (const Form &form : SessionForms())
-        std::printf("%-58s %s\n", form.Usage().c_str(), std::string(form.help).c_str());
-    std::fflush(stdout);
 }
 
 } // namespace host

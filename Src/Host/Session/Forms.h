@@ -32,9 +32,19 @@ struct Finding {
     static Finding Unknown(std::string why);
 };
 
-// Set-up lines and steps return what went wrong; empty if nothing did.
-using SetUpFunction = std::string(SetUp &setUp, const Step &step);
-using StepFunction = std::string(SessionRunner &run, const Step &step);
+// Why a step failed; empty if it did not.
+struct Failure {
+    std::string why;
+    int column = 0; // of the faulty word; 0 if no single word is faulty
+
+    Failure() = default;
+    Failure(std::string text) : why(std::move(text)) {}
+    Failure(const char *text) : why(text) {}
+    Failure(std::string text, int at) : why(std::move(text)), column(at) {}
+};
+
+using SetUpFunction = Failure(SetUp &setUp, const Step &step);
+using StepFunction = Failure(SessionRunner &run, const Step &step);
 using ExpectFunction = Finding(SessionRunner &run, const Step &step);
 
 // Where a word may stand. Set-up comes before the first step. All other words
@@ -76,8 +86,6 @@ std::span<const Form> ExpectationForms();
 
 // All of them.
 const std::vector<Form> &SessionForms();
-// Prints them on standard output.
-void PrintSessionWords();
 
 } // namespace host
 

@@ -3,6 +3,8 @@
 
 #include "Values.h"
 
+#include "Common/Text.h"
+#include "Crossings/Services.h"
 #include "Crossings/Words.h"
 #include "Observing/CallLog.h"
 #include "Observing/Possession.h"
@@ -44,11 +46,23 @@ bool IsValue(const Word &word) {
            (ReadNumber(text.substr(0, tilde)) && ReadNumber(text.substr(tilde + 1)));
 }
 
+std::vector<std::string> SplitAt(std::string_view text, std::string_view separators) {
+    std::vector<std::string> parts;
+    while (!text.empty()) {
+        if (const std::string_view part = crossings::TakeWord(text, separators); !part.empty())
+            parts.emplace_back(part);
+    }
+    return parts;
+}
+
+std::vector<std::string> KindNames() { return SplitAt(KindWords(), ", "); }
+
 constexpr ParameterKind kKinds[] = {
     {"TEXT", IsText, "a text"},
     {"NAME", IsText, "a name"},
     {"PLUGIN", IsText, "a plugin's name or signature"},
     {"PATH", IsText, "a path"},
+    {"PATTERN", IsText, "a part of a name, or a pattern in which * is any text"},
     {"DIR", IsText, "a folder"},
     {"FILE", IsText, "a file"},
     {"COUNT", IsCount, "a whole number from 1 to 10000000"},
@@ -57,9 +71,9 @@ constexpr ParameterKind kKinds[] = {
     {"POINT", IsPoint, "a point X,Y"},
     {"RECT", IsRectangle, "a rectangle LEFT,TOP,RIGHT,BOTTOM"},
     {"SIZE", IsSize, "a size WIDTHxHEIGHT"},
-    {"KEY", IsKey, "a key (a letter, a digit, F1 to F24, or a name such as Escape or \"Page Up\")"},
-    {"SLOT", IsSlot, "a host service, named as in AVSKHostCallbacks"},
-    {"KIND", IsPossession, "a kind of possession"},
+    {"KEY", IsKey, "a key (a letter, a digit, F1 to F24, or a name such as Escape or \"Page Up\")", KeyNames},
+    {"SLOT", IsSlot, "a host service, named as in AVSKHostCallbacks", crossings::ServiceNames},
+    {"KIND", IsPossession, "a kind of possession", KindNames},
     {"VALUE", IsValue, "a value (a text, a number, or NUMBER~TOLERANCE)"},
 };
 
@@ -78,23 +92,22 @@ const ParameterKind *FindKind(std::string_view mark) {
 bool Parameter::Accepts(const Word &word) const {
     if (kind)
         return kind->accepts(word);
-    std::string_view left = word.quoted ? "" : choices;
-    while (!left.empty()) {
-        if (crossings::TakeWord(left, "|") == word.text)
-            return true;
-    }
-    return false;
+    const std::vector<std::string> names = Names();
+    return !word.quoted && std::find(names.begin(), names.end(), word.text) != names.end();
+}
+
+std::vector<std::string> Parameter::Names() const {
+    if (kind)
+        return kind->names ? kind->names() : std::vector<std::string>();
+    return SplitAt(choices, "|");
 }
 
 std::string Parameter::Meaning() const {
-    if (kind && kind->accepts == IsPossession)
+    if (kind && kind->names == KindNames)
         return std::string(kind->meaning) + " (" + KindWords() + ")";
     if (kind)
         return std::string(kind->meaning);
-    std::string text = "'" + std::string(choices) + "'";
-    for (std::size_t at = 0; (at = text.find('|', at)) != std::string::npos; at += 6)
-        text.replace(at, 1, "' or '");
-    return text;
+    return "'" + Join(Names(), "' or '") + "'";
 }
 
 std::vector<Parameter> ParametersOf(std::string_view parameters) {

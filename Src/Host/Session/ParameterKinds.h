@@ -13,7 +13,8 @@ namespace host {
 struct ParameterKind {
     std::string_view mark; // in a form's parameters
     bool (*accepts)(const Word &word);
-    std::string_view meaning; // for a reader
+    std::string_view meaning;                      // for a reader
+    std::vector<std::string> (*names)() = nullptr; // all that are accepted, if these are names
 };
 
 // One parameter of a form.
@@ -25,6 +26,8 @@ struct Parameter {
 
     bool Accepts(const Word &word) const;
     std::string Meaning() const;
+    // All words that are accepted, if these are names.
+    std::vector<std::string> Names() const;
 };
 
 // Reads the parameters of a form.

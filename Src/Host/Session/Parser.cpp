@@ -6,6 +6,7 @@
 #include "Forms.h"
 #include "ParameterKinds.h"
 
+#include "Common/NearestName.h"
 #include "Common/UsageError.h"
 #include "Observing/CallLog.h"
 
@@ -82,36 +83,56 @@ Word SessionParser::TakeQuoted(std::string_view line, std::size_t &at) const {
     return word;
 }
 
-const Form &SessionParser::Find(const std::vector<Word> &words, std::size_t first, bool expectation, int end) const {
-    if (first == words.size())
-        Refuse(end, "say what is expected: 'avsk run --words' lists the words");
+const Form &SessionParser::Find(const Word &wanted, bool expectation) {
+    std::vector<std::string> names;
+    const Form *other = nullptr; // a step where an expectation belongs, or the reverse
     for (const Form &form : SessionForms()) {
-        if (!words[first].quoted && form.IsExpectation() == expectation && form.word == words[first].text)
+        const bool isWanted = !wanted.quoted && form.word == wanted.text;
+        if (form.IsExpectation() != expectation)
+            other = isWanted ? &form : other;
+        else if (isWanted)
             return form;
+        else
+            names.emplace_back(form.word);
     }
-    Refuse(words[first].column, "unknown word '" + words[first].text + "': 'avsk run --words' lists the words");
+    mUnsure = true;
+    if (other)
+        Refuse(wanted.column, "'" + wanted.text + "' is " + (expectation ? "no expectation" : "an expectation") +
+                                  ": write '" + other->Usage() + "'");
+    if (!expectation)
+        names.emplace_back("expect");
+    const std::string nearest = DidYouMean(wanted.text, names);
+    Refuse(wanted.column,
+           "unknown word '" + wanted.text + "'" + (nearest.empty() ? ": 'avsk run --words' lists the words" : nearest));
 }
 
 // Checks the parameters from left to right. An optional one is skipped if the word is not of its kind.
 void SessionParser::CheckParameters(const Form &form, const std::vector<Word> &words, int end) const {
     std::size_t at = 0;
-    std::string skipped; // what the last optional parameter would have been
+    std::string skipped;            // what the optional parameters at this place would have been
+    std::vector<std::string> names; // that they accept
     for (const Parameter &parameter : ParametersOf(form.parameters)) {
         if (at < words.size() && parameter.Accepts(words[at])) {
             do
                 ++at;
             while (parameter.repeated && at < words.size() && parameter.Accepts(words[at]));
+            skipped.clear();
+            names.clear();
         } else if (parameter.optional) {
-            skipped = parameter.Meaning();
+            skipped += (skipped.empty() ? "" : " or ") + parameter.Meaning();
+            const std::vector<std::string> more = parameter.Names();
+            names.insert(names.end(), more.begin(), more.end());
         } else {
             const std::string found = at < words.size() ? "found '" + words[at].text + "'" : "but the line ends";
             Refuse(at < words.size() ? words[at].column : end,
-                   "expected " + parameter.Meaning() + ", " + found + ": write '" + form.Usage() + "'");
+                   "expected " + parameter.Meaning() + ", " + found + ": write '" + form.Usage() + "'" +
+                       (at < words.size() ? DidYouMean(words[at].text, parameter.Names()) : ""));
         }
     }
     if (at < words.size())
         Refuse(words[at].column, (skipped.empty() ? "expected nothing more" : "expected " + skipped) + ", found '" +
-                                     words[at].text + "': write '" + form.Usage() + "'");
+                                     words[at].text + "': write '" + form.Usage() + "'" +
+                                     DidYouMean(words[at].text, names));
 }
 
 void SessionParser::CheckOrder(const Form &form, bool negated, int column) {
@@ -123,14 +144,16 @@ void SessionParser::CheckOrder(const Form &form, bool negated, int column) {
         Refuse(column, word + " belongs before the first step: the plugins are loaded by then");
     if (mUnloaded && !has(kAlsoAfterUnload) && !has(kOnlyAfterUnload))
         Refuse(column, word + " needs loaded plugins: move it before 'unload'");
-    if (!mUnloaded && has(kOnlyAfterUnload))
+    if (!mUnloaded && !mUnsure && has(kOnlyAfterUnload))
         Refuse(column, word + " belongs after 'unload'");
     mBegun = mBegun || !form.IsSetUp();
     mUnloaded = mUnloaded || has(kUnloads);
 }
 
 std::optional<Step> SessionParser::Read(std::string_view line) {
-    ++mLine;
+    constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+    if (++mLine == 1 && line.starts_with(kByteOrderMark))
+        line.remove_prefix(kByteOrderMark.size());
     std::vector<Word> words = Split(line);
     if (words.empty())
         return std::nullopt;
@@ -139,15 +162,17 @@ std::optional<Step> SessionParser::Read(std::string_view line) {
     const bool expectation = !words[0].quoted && words[0].text == "expect";
     const bool negated = expectation && words.size() > 1 && !words[1].quoted && words[1].text == "no";
     const std::size_t first = expectation ? (negated ? 2 : 1) : 0;
-    const Form &form = Find(words, first, expectation, end);
+    if (first == words.size())
+        Refuse(end, "expected a word after 'expect': 'avsk run --words' lists the words");
+    const Form &form = Find(words[first], expectation);
     const std::string_view text = line.substr(static_cast<std::size_t>(column) - 1);
     words.erase(words.begin(), words.begin() + static_cast<std::ptrdiff_t>(first) + 1);
+    CheckOrder(form, negated, column);
     CheckParameters(form, words, end);
     Step step{&form, mLine, std::string(text.substr(0, text.find_last_not_of(kBlanks) + 1)), negated, std::move(words)};
     if (form.parameters.starts_with("SLOT") && static_cast<int>(step.Count()) - 1 > CallLog::CountArguments(step[0]))
         Refuse(step.words.back().column,
                "too many arguments: " + step[0] + " has " + std::to_string(CallLog::CountArguments(step[0])));
-    CheckOrder(form, negated, column);
     return step;
 }
 

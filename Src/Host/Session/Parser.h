@@ -26,7 +26,7 @@ class SessionParser {
     [[noreturn]] void Refuse(int column, const std::string &why) const;
     std::vector<Word> Split(std::string_view line) const;
     Word TakeQuoted(std::string_view line, std::size_t &at) const;
-    const Form &Find(const std::vector<Word> &words, std::size_t first, bool expectation, int end) const;
+    const Form &Find(const Word &wanted, bool expectation);
     void CheckParameters(const Form &form, const std::vector<Word> &words, int end) const;
     void CheckOrder(const Form &form, bool negated, int column);
 
@@ -34,6 +34,7 @@ class SessionParser {
     int mLine = 0;
     bool mBegun = false;    // a step or an expectation was read
     bool mUnloaded = false; // 'unload' was read
+    bool mUnsure = false;   // a refused line may have been 'unload'
 };
 
 } // namespace host

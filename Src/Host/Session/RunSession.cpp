@@ -2,9 +2,11 @@
 #include "RunSession.h"
 
 #include "Forms.h"
+#include "Help.h"
 #include "Parser.h"
 #include "Runner.h"
 
+#include "Common/Text.h"
 #include "Common/UsageError.h"
 
 #include <cerrno>
@@ -13,6 +15,8 @@
 #include <filesystem>
 #include <fstream>
 #include <iostream>
+#include <optional>
+#include <sstream>
 #include <string>
 #include <utility>
 #include <vector>
@@ -24,8 +28,18 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// The whole file is checked before anything runs.
-std::vector<Step> ReadSession(const std::string &file) {
+// Runs an action and adds the fault that it throws to the list.
+template <typename Action>
+void Collect(std::vector<std::string> &faults, Action action) {
+    try {
+        action();
+    } catch (const UsageError &fault) {
+        faults.emplace_back(fault.what());
+    }
+}
+
+// The lines of a file that are right; the faults of the others.
+std::vector<Step> ReadSession(const std::string &file, std::vector<std::string> &faults) {
     std::ifstream stream(file);
     std::error_code error;
     if (!stream || fs::is_directory(file, error))
@@ -35,20 +49,26 @@ std::vector<Step> ReadSession(const std::string &file) {
     SessionParser parser(file);
     std::vector<Step> steps;
     for (std::string line; std::getline(stream, line);) {
-        if (auto step = parser.Read(line))
-            steps.push_back(std::move(*step));
+        Collect(faults, [&] {
+            if (auto step = parser.Read(line))
+                steps.push_back(std::move(*step));
+        });
     }
-    if (steps.empty() || steps.back().form->IsSetUp())
+    if (faults.empty() && (steps.empty() || steps.back().form->IsSetUp()))
         throw UsageError(file + ":1:1: this session has no step and no expectation: add some after the set-up");
     return steps;
 }
 
+// Nothing runs if a line is wrong. All wrong lines are reported at once.
 int RunFile(SessionRunner &run, const std::string &file) {
-    const std::vector<Step> steps = ReadSession(file);
+    std::vector<std::string> faults;
+    const std::vector<Step> steps = ReadSession(file, faults);
     for (const Step &step : steps) {
         if (step.form->IsSetUp())
-            run.Apply(step);
+            Collect(faults, [&] { run.Apply(step); });
     }
+    if (!faults.empty())
+        throw UsageError(Join(faults, "\n"));
     run.Start();
     for (const Step &step : steps) {
         if (!step.form->IsSetUp())
@@ -68,11 +88,15 @@ int RunInput(SessionRunner &run) {
     };
     ask();
     for (std::string line; std::getline(std::cin, line); ask()) {
-        if (line == "quit")
+        std::istringstream words(line);
+        std::string first;
+        std::string second;
+        words >> first >> second;
+        if (first == "quit")
             break;
-        if (line == "help") {
-            PrintSessionWords();
-            line.clear(); // it counts
+        if (first == "help") {
+            second.empty() ? PrintSessionWords() : PrintWord(second);
+            line.clear(); // for the parser, which counts the lines
         }
         std::optional<Step> step;
         try {

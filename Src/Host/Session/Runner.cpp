@@ -16,31 +16,26 @@
 
 namespace host {
 
-SessionRunner::SessionRunner(SessionOptions options)
-    : mName(options.file.empty() ? "input" : options.file), mSetUp(std::move(options)) {}
+SessionRunner::SessionRunner(SessionOptions options) : mSetUp(std::move(options)), mName(mSetUp.name) {}
 
 SessionRunner::~SessionRunner() = default;
 
 void SessionRunner::Apply(const Step &step) {
-    const std::string wrong = std::get<SetUpFunction *>(step.form->function)(mSetUp, step);
-    if (!wrong.empty())
-        throw UsageError(mName + ":" + std::to_string(step.line) + ":" + std::to_string(step.words[0].column) + ": " +
-                         wrong);
+    const Failure failure = std::get<SetUpFunction *>(step.form->function)(mSetUp, step);
+    if (!failure.why.empty())
+        throw UsageError(mSetUp.PlaceOf(step) + ": " + failure.why);
 }
 
 void SessionRunner::Start() {
     if (mSimulator)
         return;
-    try {
-        mSetUp.Finish();
-    } catch (const UsageError &error) {
-        throw UsageError(mName + ": " + error.what());
-    }
+    mSetUp.Finish();
     mSetUp.options.simulator.frames = 0; // the steps say how many
     mSimulator = std::make_unique<Simulator>(mSetUp.options.simulator);
     mSimulator->console.Keep(mSetUp.options.simulator.root);
     mCalls = std::make_unique<CallLog>(*mSimulator);
     mObservers = std::make_unique<Observers>(*mSimulator, mSetUp.options.observing);
+    mDatarefs = std::make_unique<DatarefNames>();
     for (const auto &[plugin, milliseconds] : mSetUp.budgets)
         mObservers->Times().SetBudget(plugin, milliseconds);
     Prepare(*mSimulator);
@@ -50,24 +45,26 @@ void SessionRunner::Start() {
 }
 
 void SessionRunner::Do(const Step &step) {
-    const std::string place = mName + ":" + std::to_string(step.line) + ": " + step.text;
-    SetPlace(place);
-    std::string wrong;
+    SetPlace(mName + ":" + std::to_string(step.line) + ": " + step.text);
+    Failure failure;
     if (const auto *look = std::get_if<ExpectFunction *>(&step.form->function)) {
         ++mExpectations;
         const Finding finding = (*look)(*this, step);
         const Finding::Answer wanted = step.negated ? Finding::Answer::No : Finding::Answer::Yes;
         if (finding.answer != wanted)
-            wrong = "seen: " + finding.seen;
+            failure = "seen: " + finding.seen;
     } else {
         ++mSteps;
-        wrong = std::get<StepFunction *>(step.form->function)(*this, step);
+        failure = std::get<StepFunction *>(step.form->function)(*this, step);
     }
-    if (wrong.empty())
+    if (failure.why.empty())
         return;
     ++mFailed;
-    wrong = mSimulator->console.WithoutRoot(wrong);
-    std::printf("%s\n", Emphasised(Emphasis::Failure, place + ": " + wrong, STDOUT_FILENO).c_str());
+    const std::string column = failure.column > 0 ? ":" + std::to_string(failure.column) : "";
+    const std::string line = mName + ":" + std::to_string(step.line) + column + ": frame " +
+                             std::to_string(mSimulator->frame) + ": " + step.text + ": " +
+                             mSimulator->console.WithoutRoot(failure.why);
+    std::printf("%s\n", Emphasised(Emphasis::Failure, line, STDOUT_FILENO).c_str());
     std::fflush(stdout);
 }
 
@@ -82,6 +79,8 @@ int SessionRunner::Finish() {
             std::printf("%s\n", Emphasised(Emphasis::Failure, mName + ": " + failure, STDOUT_FILENO).c_str());
         }
     }
+    if (const std::string note = mSetUp.FilesNote(); !note.empty())
+        std::printf("%s: %s\n", mName.c_str(), note.c_str());
     std::printf("%s: %d frames, %d steps, %d expectations, %d failed\n", mName.c_str(),
                 mSimulator ? mSimulator->frame : 0, mSteps, mExpectations, mFailed);
     std::fflush(stdout);

@@ -7,6 +7,7 @@
 #include "Step.h"
 
 #include "Observing/CallLog.h"
+#include "Observing/DatarefNames.h"
 #include "Observing/Observers.h"
 #include "Services/Simulator.h"
 
@@ -35,16 +36,18 @@ class SessionRunner {
     Simulator &Sim() { return *mSimulator; }
     CallLog &Calls() { return *mCalls; }
     Observers &Observing() { return *mObservers; }
+    DatarefNames &Datarefs() { return *mDatarefs; }
     bool IsLoaded() const { return mLoaded; }
     void RunFrames(int count);
     void Unload();
 
   private:
-    std::string mName; // of the session, for messages
     SetUp mSetUp;
+    const std::string &mName; // of the session, for messages
     std::unique_ptr<Simulator> mSimulator;
     std::unique_ptr<CallLog> mCalls;
     std::unique_ptr<Observers> mObservers;
+    std::unique_ptr<DatarefNames> mDatarefs;
     bool mLoaded = false;
     int mSteps = 0;
     int mExpectations = 0;

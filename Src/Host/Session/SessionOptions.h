@@ -16,6 +16,7 @@ struct SessionOptions {
     std::string file;                 // the session; empty if it is typed
     bool rootGiven = false;           // a root was named
     std::vector<std::string> plugins; // to load; empty: all plugins of the root
+    std::string keptRoot;             // folder for the root of chosen plugins; empty: a temporary one
 };
 
 } // namespace host

@@ -6,6 +6,9 @@
 #include "Step.h"
 #include "Values.h"
 
+#include "Common/Text.h"
+#include "Common/UsageError.h"
+
 #include <filesystem>
 #include <utility>
 #include <vector>
@@ -15,8 +18,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-const std::string kFine;
-
 std::string NotFound(const char *what, const std::string &path) {
     return std::string("no ") + what + " '" + path + "': paths begin at the session's file, or at the root";
 }
@@ -24,7 +25,12 @@ std::string NotFound(const char *what, const std::string &path) {
 } // namespace
 
 SetUp::SetUp(SessionOptions requested)
-    : options(std::move(requested)), mFolder(fs::path(options.file).parent_path().string()) {}
+    : options(std::move(requested)), name(options.file.empty() ? "input" : options.file),
+      mFolder(fs::path(options.file).parent_path().string()) {}
+
+std::string SetUp::PlaceOf(const Step &step) const {
+    return name + ":" + std::to_string(step.line) + ":" + std::to_string(step.words[0].column);
+}
 
 std::optional<std::string> SetUp::FindFile(const std::string &path) const {
     std::error_code error;
@@ -44,42 +50,79 @@ std::optional<std::string> SetUp::FindFolder(const std::string &path) const {
     return std::nullopt;
 }
 
+void SetUp::Choose(const std::string &plugin, const std::string &place) {
+    options.plugins.push_back(plugin);
+    mPlaces.emplace(plugin, place);
+}
+
 void SetUp::Finish() {
+    const std::string root = options.rootGiven ? options.simulator.root : "";
+    std::vector<std::string> faults;
+    for (const std::string &plugin : options.plugins) {
+        try {
+            LocatePlugin(root, plugin);
+        } catch (const UsageError &fault) {
+            const auto place = mPlaces.find(plugin);
+            faults.push_back((place == mPlaces.end() ? "--plugin: " : place->second + ": ") + fault.what());
+        }
+    }
+    if (!faults.empty())
+        throw UsageError(Join(faults, "\n"));
     if (!options.plugins.empty())
-        options.simulator.root = mRoot.Make(options.rootGiven ? options.simulator.root : "", options.plugins);
+        options.simulator.root = mRoot.Make(root, options.plugins, options.keptRoot);
+    else if (!options.keptRoot.empty())
+        throw UsageError("--keep-root: the session uses the real root, because it chooses no plugins: leave the "
+                         "option out, or choose plugins with 'plugin' or --plugin");
     CheckFolders(options.simulator, aircraft);
+}
+
+std::string SetUp::FilesNote() const {
+    const std::vector<std::string> files = mRoot.Exists() ? mRoot.WrittenFiles() : std::vector<std::string>();
+    if (mRoot.IsKept())
+        return "the root is kept in '" + options.keptRoot +
+               "'; files written there: " + (files.empty() ? "none" : Shortened(files));
+    if (files.empty())
+        return "";
+    return "files written into the temporary root were removed: " + Shortened(files) +
+           "; --keep-root DIR keeps such files";
 }
 
 // ---- The words
 
 namespace {
 
-std::string Root(SetUp &setUp, const Step &step) {
+Failure Root(SetUp &setUp, const Step &step) {
     if (setUp.options.rootGiven)
-        return kFine; // the command line's root takes precedence
+        return {}; // the command line's root takes precedence
     const auto folder = setUp.FindFolder(step[0]);
     if (!folder)
         return NotFound("folder", step[0]);
     setUp.options.simulator.root = *folder;
     setUp.options.rootGiven = true;
-    return kFine;
+    return {};
 }
 
-std::string Plugin(SetUp &setUp, const Step &step) {
+Failure Plugin(SetUp &setUp, const Step &step) {
     const bool isPath = step[0].find('/') != std::string::npos;
     const auto found = isPath ? setUp.FindFile(step[0]) : step[0];
     if (!found)
         return NotFound("file", step[0]);
-    setUp.options.plugins.push_back(*found);
-    return kFine;
+    try {
+        if (setUp.options.rootGiven) // else a later line may name it
+            LocatePlugin(setUp.options.simulator.root, *found);
+    } catch (const UsageError &fault) {
+        return fault.what();
+    }
+    setUp.Choose(*found, setUp.PlaceOf(step));
+    return {};
 }
 
-std::string FramesPerSecond(SetUp &setUp, const Step &step) {
+Failure FramesPerSecond(SetUp &setUp, const Step &step) {
     setUp.options.simulator.fps = Number(step[0]);
-    return kFine;
+    return {};
 }
 
-std::string Screen(SetUp &setUp, const Step &step) {
+Failure Screen(SetUp &setUp, const Step &step) {
     constexpr int kMost = 8192; // a picture of it must fit into 32 bits of memory
     const std::vector<int> size = Integers(step[0]);
     for (const int side : size) {
@@ -88,28 +131,28 @@ std::string Screen(SetUp &setUp, const Step &step) {
     }
     setUp.options.simulator.screenWidth = size[0];
     setUp.options.simulator.screenHeight = size[1];
-    return kFine;
+    return {};
 }
 
-std::string Aircraft(SetUp &setUp, const Step &step) {
+Failure Aircraft(SetUp &setUp, const Step &step) {
     const auto folder = setUp.FindFolder(step[0]);
     if (!folder)
         return NotFound("folder", step[0]);
     setUp.aircraft = *folder;
-    return kFine;
+    return {};
 }
 
-std::string Scenery(SetUp &setUp, const Step &step) {
+Failure Scenery(SetUp &setUp, const Step &step) {
     const auto folder = setUp.FindFolder(step[0]);
     if (!folder)
         return NotFound("folder", step[0]);
     setUp.options.simulator.scenery.push_back(*folder);
-    return kFine;
+    return {};
 }
 
-std::string Budget(SetUp &setUp, const Step &step) {
+Failure Budget(SetUp &setUp, const Step &step) {
     setUp.budgets[step.Count() > 1 ? step[1] : ""] = Number(step[0]);
-    return kFine;
+    return {};
 }
 
 } // namespace

@@ -1,21 +1,24 @@
 // The step words of a session: each does what a user, the world or the
 // simulator does. The table at the end lists them.
+#include "DatarefWriting.h"
 #include "Forms.h"
 #include "LoadedPlugins.h"
 #include "MenuPaths.h"
 #include "Runner.h"
 #include "Values.h"
 
+#include "Common/NearestName.h"
 #include "Common/Text.h"
 #include "Observing/DatarefValues.h"
+#include "Observing/Listings.h"
 
-#include "AVSK/AVSKDataAccess.h"
 #include "AVSK/AVSKHost.h"
 #include "AVSK/AVSKPlugins.h"
 
 #include <algorithm>
 #include <cctype>
 #include <cmath>
+#include <cstdio>
 #include <filesystem>
 
 #include <unistd.h>
@@ -24,7 +27,7 @@ namespace host {
 namespace {
 
 constexpr int kForever = 1 << 30; // frames: until the key is released
-const std::string kFine;
+const Failure kFine;
 
 void MoveMouse(Simulator &simulator, int x, int y) {
     simulator.display.mouseX = x;
@@ -57,64 +60,62 @@ void PressKey(SessionRunner &run, const Step &step, int frames) {
                              (step.Has("shift") ? kShift : 0) | (step.Has("control") ? kControl : 0));
 }
 
-std::string NoCommand(const std::string &name) {
-    return "there is no command '" + name +
-           "': plugins create theirs when they start, the host's are sim/flight/... "
-           "and sim/view/...";
+std::string NoCommand(SessionRunner &run, const std::string &name) {
+    std::vector<std::string> names;
+    for (const auto &command : run.Sim().commands.All())
+        names.push_back(command->name);
+    const std::string nearest = DidYouMean(name, names);
+    return "no command '" + name + "'" + (nearest.empty() ? ": 'commands' lists them" : nearest);
 }
 
-std::string FinishLoads(SessionRunner &run, const Step &step, bool fail) {
+Failure FinishLoads(SessionRunner &run, const Step &step, bool fail) {
     const int finished = run.Sim().objects.FinishLoads(step.Count() > 1 ? step[1] : "", fail);
     return finished > 0 ? kFine : "no such load is under way";
 }
 
-template <typename T>
-std::vector<T> NumbersFrom(const std::vector<std::string> &texts) {
-    std::vector<T> numbers;
-    numbers.reserve(texts.size());
-    for (const std::string &text : texts)
-        numbers.push_back(static_cast<T>(Number(text)));
-    return numbers;
+std::string NoDataref(SessionRunner &run, const std::string &name) {
+    const std::string nearest = DidYouMean(name, run.Datarefs().Published());
+    return "nobody publishes '" + name + "'" + (nearest.empty() ? ": 'datarefs' lists all datarefs" : nearest);
 }
 
 // ---- The words
 
-std::string Frames(SessionRunner &run, const Step &step) {
+Failure Frames(SessionRunner &run, const Step &step) {
     run.RunFrames(Integer(step[0]));
-    return kFine;
+    return {};
 }
 
-std::string Seconds(SessionRunner &run, const Step &step) {
+Failure Seconds(SessionRunner &run, const Step &step) {
     run.RunFrames(static_cast<int>(std::clamp(std::round(Number(step[0]) * run.Sim().options.fps), 1.0, 1e9)));
-    return kFine;
+    return {};
 }
 
-std::string Move(SessionRunner &run, const Step &step) {
+Failure Move(SessionRunner &run, const Step &step) {
     MoveMouse(run.Sim(), step[0]);
     AVSKCursorHook(run.Sim().display.mouseX, run.Sim().display.mouseY);
-    return kFine;
+    return {};
 }
 
-std::string Press(SessionRunner &run, const Step & /*step*/) {
+Failure Press(SessionRunner &run, const Step & /*step*/) {
     ChangeMouseButton(run.Sim(), 1);
-    return kFine;
+    return {};
 }
 
-std::string Release(SessionRunner &run, const Step & /*step*/) {
+Failure Release(SessionRunner &run, const Step & /*step*/) {
     ChangeMouseButton(run.Sim(), 0);
-    return kFine;
+    return {};
 }
 
-std::string Click(SessionRunner &run, const Step &step) {
+Failure Click(SessionRunner &run, const Step &step) {
     MoveMouse(run.Sim(), step[0]);
     ChangeMouseButton(run.Sim(), 1);
     run.RunFrames(1);
     ChangeMouseButton(run.Sim(), 0);
-    return kFine;
+    return {};
 }
 
 // The library asks where the mouse is once a frame.
-std::string Drag(SessionRunner &run, const Step &step) {
+Failure Drag(SessionRunner &run, const Step &step) {
     constexpr int kFrames = 4;
     const std::vector<int> from = Integers(step[0]);
     const std::vector<int> to = Integers(step[1]);
@@ -128,32 +129,32 @@ std::string Drag(SessionRunner &run, const Step &step) {
         run.RunFrames(1);
     }
     ChangeMouseButton(run.Sim(), 0);
-    return kFine;
+    return {};
 }
 
-std::string Wheel(SessionRunner &run, const Step &step) {
+Failure Wheel(SessionRunner &run, const Step &step) {
     MoveMouse(run.Sim(), step[0]);
     AVSKScrollWheelHook(run.Sim().display.mouseX, run.Sim().display.mouseY, step.Count() > 2 ? Integer(step[2]) : 0,
                         Integer(step[1]));
-    return kFine;
+    return {};
 }
 
-std::string TypeKey(SessionRunner &run, const Step &step) {
+Failure TypeKey(SessionRunner &run, const Step &step) {
     PressKey(run, step, 1);
     run.RunFrames(1);
-    return kFine;
+    return {};
 }
 
-std::string KeyDown(SessionRunner &run, const Step &step) {
+Failure KeyDown(SessionRunner &run, const Step &step) {
     PressKey(run, step, kForever);
-    return kFine;
+    return {};
 }
 
-std::string KeyUp(SessionRunner &run, const Step &step) {
+Failure KeyUp(SessionRunner &run, const Step &step) {
     return run.Sim().input.ReleaseKey(static_cast<char>(KeyCode(step[0]))) ? kFine : "this key is not down";
 }
 
-std::string Type(SessionRunner &run, const Step &step) {
+Failure Type(SessionRunner &run, const Step &step) {
     constexpr int kShift = 1;
     for (const char c : step[0]) {
         const auto character = static_cast<unsigned char>(c);
@@ -161,51 +162,51 @@ std::string Type(SessionRunner &run, const Step &step) {
                                  std::isupper(character) ? kShift : 0);
         run.RunFrames(1);
     }
-    return kFine;
+    return {};
 }
 
-std::string PickMenu(SessionRunner &run, const Step &step) {
+Failure PickMenu(SessionRunner &run, const Step &step) {
     const FoundItem found = FindItem(run.Sim().menus, step[0]);
     if (!found.menu)
         return "no such item; there is " + found.seen;
     if (AVSKMenuItemEnabled(found.menu, found.index) == 0)
         return "the item is disabled: it cannot be picked";
     AVSKMenuHook(found.menu->items[static_cast<std::size_t>(found.index)].id);
-    return kFine;
+    return {};
 }
 
-std::string RunCommand(SessionRunner &run, const Step &step) {
+Failure RunCommand(SessionRunner &run, const Step &step) {
     Command *command = run.Sim().commands.Find(step[0]);
     if (!command)
-        return NoCommand(step[0]);
+        return NoCommand(run, step[0]);
     if (!run.Sim().input.HoldCommand(command))
         return "the command is held already: end it first";
     run.Sim().input.EndCommand(command);
-    return kFine;
+    return {};
 }
 
-std::string BeginCommand(SessionRunner &run, const Step &step) {
+Failure BeginCommand(SessionRunner &run, const Step &step) {
     Command *command = run.Sim().commands.Find(step[0]);
     if (!command)
-        return NoCommand(step[0]);
+        return NoCommand(run, step[0]);
     return run.Sim().input.HoldCommand(command) ? kFine : "the command is held already";
 }
 
-std::string EndCommand(SessionRunner &run, const Step &step) {
+Failure EndCommand(SessionRunner &run, const Step &step) {
     Command *command = run.Sim().commands.Find(step[0]);
     if (!command)
-        return NoCommand(step[0]);
+        return NoCommand(run, step[0]);
     return run.Sim().input.EndCommand(command) ? kFine : "the command is not held by 'begin'";
 }
 
-std::string Button(SessionRunner &run, const Step &step) {
+Failure Button(SessionRunner &run, const Step &step) {
     const int button = Integer(step[0]);
     if (step.Has("press"))
         return run.Sim().input.HoldButton(button) ? kFine : "the button is down already";
     return run.Sim().input.ReleaseButton(button) ? kFine : "the button is not down";
 }
 
-std::string ChangeView(SessionRunner &run, const Step &step) {
+Failure ChangeView(SessionRunner &run, const Step &step) {
     Camera &camera = run.Sim().camera;
     if (step[0] == "next")
         camera.NextView(run.Sim());
@@ -213,10 +214,10 @@ std::string ChangeView(SessionRunner &run, const Step &step) {
         camera.ChangeView(run.Sim(), step[0] == "chase"     ? View::Chase
                                      : step[0] == "cockpit" ? View::Cockpit
                                                             : View::Tower);
-    return kFine;
+    return {};
 }
 
-std::string Load(SessionRunner &run, const Step &step) {
+Failure Load(SessionRunner &run, const Step &step) {
     const int index = step.Count() > 2 ? Integer(step[2]) : 0;
     const std::string file = ResolvePath(run.Sim().options.root, step[1]);
     std::error_code error;
@@ -226,30 +227,30 @@ std::string Load(SessionRunner &run, const Step &step) {
         return "no file '" + file + "'";
     run.Sim().fleet.Request(index, step[1]);
     run.RunFrames(1);
-    return kFine;
+    return {};
 }
 
-std::string ReportScenery(SessionRunner &run, const Step & /*step*/) {
+Failure ReportScenery(SessionRunner &run, const Step & /*step*/) {
     if (run.Sim().options.scenery.empty())
         return "there is no scenery: name a folder in the set-up";
     run.Sim().ReportScenery();
-    return kFine;
+    return {};
 }
 
-std::string Crash(SessionRunner &run, const Step & /*step*/) {
+Failure Crash(SessionRunner &run, const Step & /*step*/) {
     AVSKEventHook(AVSKHostEventBroadcast101, run.Sim().Elapsed(), 0, 0);
-    return kFine;
+    return {};
 }
 
-std::string HoldLoads(SessionRunner &run, const Step & /*step*/) {
+Failure HoldLoads(SessionRunner &run, const Step & /*step*/) {
     run.Sim().objects.HoldLoads();
-    return kFine;
+    return {};
 }
 
-std::string CompleteLoads(SessionRunner &run, const Step &step) { return FinishLoads(run, step, /*fail=*/false); }
-std::string FailLoads(SessionRunner &run, const Step &step) { return FinishLoads(run, step, /*fail=*/true); }
+Failure CompleteLoads(SessionRunner &run, const Step &step) { return FinishLoads(run, step, /*fail=*/false); }
+Failure FailLoads(SessionRunner &run, const Step &step) { return FinishLoads(run, step, /*fail=*/true); }
 
-std::string SendMessage(SessionRunner & /*run*/, const Step &step) {
+Failure SendMessage(SessionRunner & /*run*/, const Step &step) {
     constexpr AVSKPluginID kEverybody = -1;
     const bool all = step[0] == "all";
     const AVSKPluginID plugin = all ? kEverybody : FindPlugin(step[0]);
@@ -257,58 +258,38 @@ std::string SendMessage(SessionRunner & /*run*/, const Step &step) {
         return NoPlugin(step[0]);
     std::string text = step.Count() > 2 ? step[2] : "";
     AVSKSendMessageToPlugin(plugin, Integer(step[1]), step.Count() > 2 ? text.data() : nullptr);
-    return kFine;
+    return {};
 }
 
-std::string Enable(SessionRunner & /*run*/, const Step &step) {
+Failure Enable(SessionRunner & /*run*/, const Step &step) {
     const AVSKPluginID plugin = FindPlugin(step[0]);
     if (plugin == NO_PLUGIN_ID)
         return NoPlugin(step[0]);
     return AVSKEnablePlugin(plugin) != 0 ? kFine : "the plugin refused";
 }
 
-std::string Disable(SessionRunner & /*run*/, const Step &step) {
+Failure Disable(SessionRunner & /*run*/, const Step &step) {
     const AVSKPluginID plugin = FindPlugin(step[0]);
     if (plugin == NO_PLUGIN_ID)
         return NoPlugin(step[0]);
     AVSKDisablePlugin(plugin);
-    return kFine;
+    return {};
 }
 
-std::string Reload(SessionRunner &run, const Step & /*step*/) {
+Failure Reload(SessionRunner &run, const Step & /*step*/) {
     AVSKReloadPlugins();
     run.RunFrames(1);
-    return kFine;
+    return {};
 }
 
-std::string SetDataref(SessionRunner & /*run*/, const Step &step) {
-    const auto [ref, index] = FindDataref(step[0]);
-    const int offset = index.value_or(0);
-    if (!ref)
-        return "nobody publishes it";
-    if (AVSKCanWriteDataRef(ref) == 0)
-        return "it cannot be written";
-    const int types = AVSKGetDataRefTypes(ref);
-    const int count = static_cast<int>(step.Count()) - 1;
-    const double number = Number(step[1]);
-    if ((types & AVSKDataTypeData) != 0 && step.words[1].quoted)
-        AVSKSetDatab(ref, std::string(step[1]).data(), offset, static_cast<int>(step[1].size()));
-    else if ((types & AVSKDataTypeFloatArray) != 0)
-        AVSKSetDatavf(ref, NumbersFrom<float>(step.From(1)).data(), offset, count);
-    else if ((types & AVSKDataTypeIntArray) != 0)
-        AVSKSetDatavi(ref, NumbersFrom<int>(step.From(1)).data(), offset, count);
-    else if (count > 1 || step.words[1].quoted)
-        return "it takes one number";
-    else if ((types & AVSKDataTypeDouble) != 0)
-        AVSKSetDatad(ref, number);
-    else if ((types & AVSKDataTypeFloat) != 0)
-        AVSKSetDataf(ref, static_cast<float>(number));
-    else
-        AVSKSetDatai(ref, static_cast<int>(number));
-    return kFine;
+Failure SetDataref(SessionRunner &run, const Step &step) {
+    const FoundDataref target = FindDataref(step[0]);
+    if (!target.ref)
+        return {NoDataref(run, step[0]), step.words[0].column};
+    return WriteDataref(target, step);
 }
 
-std::string TakeScreenshot(SessionRunner &run, const Step &step) {
+Failure TakeScreenshot(SessionRunner &run, const Step &step) {
     const std::string folder = std::filesystem::path(step[0]).parent_path().string();
     if (!step[0].ends_with(".png") || access(folder.empty() ? "." : folder.c_str(), W_OK) != 0)
         return "cannot write there: name a .png file in a folder that exists and is writable";
@@ -316,16 +297,56 @@ std::string TakeScreenshot(SessionRunner &run, const Step &step) {
         return "cannot read the font '" + missing + "': install the package fonts-dejavu-core";
     run.Sim().options.screenshots = {{step[0], run.Sim().frame + 1}};
     run.RunFrames(1);
-    return kFine;
+    return {};
 }
 
-std::string Mark(SessionRunner &run, const Step & /*step*/) {
+Failure Get(SessionRunner &run, const Step &step) {
+    constexpr std::size_t kMost = 64;
+    const FoundDataref found = FindDataref(step[0]);
+    if (!found.ref)
+        return {NoDataref(run, step[0]), step.words[0].column};
+    std::vector<std::string> values = ReadDataref(found.ref);
+    if (found.index) {
+        if (*found.index >= std::ssize(values))
+            return {"it has " + std::to_string(values.size()) + " elements", step.words[0].column};
+        values = {values[static_cast<std::size_t>(*found.index)]};
+    }
+    const std::size_t more = values.size() - std::min(values.size(), kMost);
+    values.resize(values.size() - more);
+    std::printf("%s = %s%s (%s)\n", step[0].c_str(), Join(values, " ").c_str(),
+                more > 0 ? (" and " + std::to_string(more) + " others").c_str() : "", DatarefTypes(found.ref).c_str());
+    std::fflush(stdout);
+    return {};
+}
+
+Failure PrintDatarefs(SessionRunner &run, const Step &step) {
+    PrintList("Datarefs:", ListDatarefs(run.Datarefs(), run.Observing().Owners(), step.Count() > 0 ? step[0] : ""),
+              "none");
+    return {};
+}
+
+Failure PrintWindows(SessionRunner &run, const Step & /*step*/) {
+    PrintList("Windows:", ListWindows(run.Observing().Owners()), "none");
+    return {};
+}
+
+Failure PrintMenus(SessionRunner &run, const Step & /*step*/) {
+    PrintList("Menus:", ListMenus(run.Sim().menus), "none");
+    return {};
+}
+
+Failure PrintCommands(SessionRunner &run, const Step & /*step*/) {
+    PrintList("Commands:", ListCommands(run.Sim().commands), "none");
+    return {};
+}
+
+Failure Mark(SessionRunner &run, const Step & /*step*/) {
     run.Sim().console.Forget();
     run.Calls().Forget();
-    return kFine;
+    return {};
 }
 
-std::string ListPossessions(SessionRunner &run, const Step &step) {
+Failure ListPossessions(SessionRunner &run, const Step &step) {
     const Ledger &owners = run.Observing().Owners();
     const std::string plugin = step.Count() > 0 ? step[0] : "";
     const bool isKnown =
@@ -336,12 +357,12 @@ std::string ListPossessions(SessionRunner &run, const Step &step) {
         PrintList("Owned:", owners.Owned(plugin));
     else
         PrintList("Left behind:", owners.LeftBehind(plugin));
-    return kFine;
+    return {};
 }
 
-std::string UnloadAll(SessionRunner &run, const Step & /*step*/) {
+Failure UnloadAll(SessionRunner &run, const Step & /*step*/) {
     run.Unload();
-    return kFine;
+    return {};
 }
 
 } // namespace
@@ -380,7 +401,13 @@ std::span<const Form> StepForms() {
         {"disable", "PLUGIN", "disables a plugin", Disable},
         {"reload", "", "unloads and loads all plugins, in a frame", Reload},
         {"set", "NAME VALUE+", "writes a dataref: a number, numbers or a text; NAME[3] is an element", SetDataref},
-        {"screenshot", "FILE", "runs a frame and writes a picture of it to a .png file", TakeScreenshot},
+        {"get", "NAME", "prints the value of a dataref; NAME[3] is an element", Get},
+        {"datarefs", "[PATTERN]", "prints the datarefs whose names contain a text, or match a pattern with *",
+         PrintDatarefs},
+        {"windows", "", "prints the windows of plugins", PrintWindows},
+        {"menus", "", "prints the menus", PrintMenus},
+        {"commands", "", "prints the commands", PrintCommands},
+        {"screenshot", "FILE", "runs a frame and writes what the screen then shows to a .png file", TakeScreenshot},
         {"mark", "", "later 'expect log' and 'expect call' look back to this line only", Mark, kAlsoAfterUnload},
         {"ps", "[PLUGIN]", "prints what the plugins, or this one, own; after 'unload' what they left behind",
          ListPossessions, kAlsoAfterUnload},

@@ -9,7 +9,6 @@
 #include <cctype>
 #include <charconv>
 #include <cmath>
-#include <string>
 
 namespace host {
 namespace {
@@ -20,6 +19,14 @@ std::optional<T> Read(std::string_view text) {
     const char *end = text.data() + text.size();
     const auto [stop, error] = std::from_chars(text.data(), end, value);
     return error == std::errc() && stop == end ? std::optional(value) : std::nullopt;
+}
+
+constexpr int kKeyCodes = 256;
+
+// Empty if there is no such key.
+std::string_view KeyName(int code) {
+    const char *name = AVSKGetVirtualKeyDescription(static_cast<char>(code));
+    return name ? name : "";
 }
 
 } // namespace
@@ -56,17 +63,24 @@ std::vector<int> Integers(std::string_view text) {
 }
 
 int KeyCode(std::string_view name) {
-    constexpr int kCodes = 256;
     const auto same = [](char a, char b) {
         return std::tolower(static_cast<unsigned char>(a)) == std::tolower(static_cast<unsigned char>(b));
     };
-    for (int code = 1; code < kCodes; ++code) {
-        const char *known = AVSKGetVirtualKeyDescription(static_cast<char>(code));
-        const std::string_view text = known ? known : "";
-        if (!text.empty() && std::equal(text.begin(), text.end(), name.begin(), name.end(), same))
+    for (int code = 1; code < kKeyCodes; ++code) {
+        const std::string_view known = KeyName(code);
+        if (!known.empty() && std::equal(known.begin(), known.end(), name.begin(), name.end(), same))
             return code;
     }
     return 0;
+}
+
+std::vector<std::string> KeyNames() {
+    std::vector<std::string> names;
+    for (int code = 1; code < kKeyCodes; ++code) {
+        if (const std::string_view known = KeyName(code); !known.empty())
+            names.emplace_back(known);
+    }
+    return names;
 }
 
 } // namespace host

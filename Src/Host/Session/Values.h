@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <optional>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -22,6 +23,7 @@ std::vector<int> Integers(std::string_view text); // X,Y or L,T,R,B or WxH
 
 // A virtual key code by the library's name of the key, in any case; 0 if there is none.
 int KeyCode(std::string_view name);
+std::vector<std::string> KeyNames();
 
 } // namespace host
 
