@@ -54,7 +54,7 @@ const char *NameOf(Kind kind) {
 }
 
 Incarnation *IncarnationOf(int id) {
-    const PluginRecord *record = AVSKPluginAt(id);
+    const PluginRecord *record = PluginAt(id);
     for (auto at = gFuzz.incarnations.rbegin(); record && at != gFuzz.incarnations.rend(); ++at)
         if ((*at)->record.get() == record)
             return at->get();
@@ -156,7 +156,7 @@ void CheckQuiet() {
             REQUIRE(!record.enabled, "plugin %d of file %d is unloaded and enabled", each->id, each->index);
             continue;
         }
-        REQUIRE(AVSKPluginAt(each->id) == &record, "plugin %d of file %d left the registry without being unloaded",
+        REQUIRE(PluginAt(each->id) == &record, "plugin %d of file %d left the registry without being unloaded",
                 each->id, each->index);
         REQUIRE(each->enabled == record.enabled, "plugin %d of file %d: enabled is %d, its calls say %d", each->id,
                 each->index, record.enabled, each->enabled);
@@ -165,9 +165,8 @@ void CheckQuiet() {
 
 void CheckAfterShutdown() {
     REQUIRE(AVSKCountPlugins() == 0, "%d plugins are left after the shutdown", AVSKCountPlugins());
-    constexpr bool (*holds[])(int) = {AVSKCommandHolds,  AVSKDisplayHolds,    AVSKProcessingHolds,
-                                      AVSKCameraHolds,   AVSKMenuHolds,       AVSKPlaneHolds,
-                                      AVSKDataRefsHolds, AVSKSharedDataHolds, AVSKSceneryHolds};
+    constexpr bool (*holds[])(int) = {CommandsHold, DisplayHolds, ProcessingHolds, CameraHolds, MenusHold,
+                                      PlanesHold,   DataRefsHold, SharedDataHolds, SceneryHolds};
     for (const auto &each : gFuzz.incarnations) {
         REQUIRE(each->record->unloaded, "plugin %d of file %d was not unloaded by the shutdown", each->id, each->index);
         const bool inherited =

@@ -7,7 +7,7 @@
 #include "Input.h"
 #include "Puppet.h"
 
-#include "AVSKLoader.h"
+#include "AVSKLoaderRegistry.h"
 
 #include <memory>
 #include <string>

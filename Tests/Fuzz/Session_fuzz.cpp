@@ -4,6 +4,7 @@
 #include "Model.h"
 
 #include "AVSKDispatch.h"
+#include "AVSKLoader.h"
 #include "AVSKModules.h"
 
 #include <cerrno>

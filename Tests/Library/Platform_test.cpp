@@ -1,6 +1,7 @@
 // Libraries, symbols, folders and the two text functions.
 #include "AVSKDispatch.h"
 #include "AVSKErrors.h"
+#include "AVSKLoader.h"
 #include "AVSKPlatform.h"
 #include "World.h"
 

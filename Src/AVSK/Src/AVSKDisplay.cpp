@@ -462,7 +462,7 @@ void AVSKDisplayCleanupHook(int pluginID) {
     RemoveHotKeysOf(pluginID);
 }
 
-bool AVSKDisplayHolds(int pluginID) {
+bool DisplayHolds(int pluginID) {
     return gDrawCallbacks.Any(HeldBy(pluginID)) || gWindows.Any(HeldBy(pluginID)) ||
            HoldsKeySniffersOrHotKeys(pluginID);
 }

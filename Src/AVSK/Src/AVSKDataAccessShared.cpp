@@ -1,5 +1,5 @@
-// Shared data: values that the library keeps for several plugins, as datarefs
-// that are nobody's. Owns gSharedData; called by plugins.
+// Shared data: values that the library stores for several plugins and publishes
+// as datarefs of the host. Owns gSharedData; called by plugins.
 #include "AVSK/AVSKDataAccess.h"
 
 #include "AVSKCallbackSequence.h"
@@ -24,7 +24,7 @@ struct AVSKSharedDataSubscriber {
     }
 };
 
-// One value. Never freed: its dataref outlives every sharer.
+// One value. Never freed, because its dataref outlives the plugins that share it.
 struct AVSKSharedDataRecord {
     std::string name;
     int type;
@@ -55,7 +55,7 @@ AVSKSharedDataRecord *FindShared(const char *name) {
     return nullptr;
 }
 
-// Everybody hears of every write, also the writer.
+// Notifies every subscriber of a write, the writer included.
 void Notify(AVSKSharedDataRecord &record) {
     StDispatchCallback guard;
     record.subscribers.EachOfNow([&guard](const AVSKSharedDataSubscriber &subscriber) {
@@ -79,8 +79,8 @@ void SetScalar(void *refcon, T value) {
     Notify(record);
 }
 
-// Copies out what lies inside the value. Behind its end there is less than
-// nothing, and the answer says so; before its beginning there is nothing.
+// Copies elements and returns their count. Past the end of the value the count
+// is negative; a negative offset gives 0.
 int GetElements(void *refcon, int elementSize, void *values, int offset, int max) {
     const auto &record = *static_cast<const AVSKSharedDataRecord *>(refcon);
     const int count = record.size / elementSize;
@@ -94,8 +94,8 @@ int GetElements(void *refcon, int elementSize, void *values, int offset, int max
     return copied;
 }
 
-// Grows the value to hold what is written; it never shrinks. What would lie
-// before it, or cannot be held, is not written.
+// Grows the value as needed; it never shrinks. A negative offset or count, or a
+// size above 2 GiB, writes nothing.
 void SetElements(void *refcon, int elementSize, const void *values, int offset, int count) {
     auto &record = *static_cast<AVSKSharedDataRecord *>(refcon);
     if (offset < 0 || count < 0 || (count > 0 && !values))
@@ -107,7 +107,7 @@ void SetElements(void *refcon, int elementSize, const void *values, int offset, 
         auto *grown = static_cast<unsigned char *>(std::realloc(record.buffer, static_cast<std::size_t>(needed)));
         if (!grown) // unreachable: only without memory
             return; // unreachable: only without memory
-        // A gap shows nothing of what lay in memory before.
+        // A gap reads as zeros.
         std::memset(grown + record.size, 0, static_cast<std::size_t>(needed - record.size));
         record.buffer = grown;
         record.size = static_cast<int>(needed);
@@ -117,7 +117,7 @@ void SetElements(void *refcon, int elementSize, const void *values, int offset, 
     Notify(record);
 }
 
-// The accessors of the datarefs, one pair per type, of which a record has its own.
+// The accessors of the datarefs: one pair per type.
 
 int AVSKSharedDataGeti(void *refcon) { return GetScalar<int>(refcon); }
 
@@ -155,8 +155,8 @@ void AVSKSharedDataSetb(void *refcon, void *bytes, int offset, int count) {
     SetElements(refcon, 1, bytes, offset, count);
 }
 
-// The record's dataref, with accessors for its type only. It is the host's,
-// so that it stays readable whichever plugins are enabled.
+// Registers the dataref, with the accessors of its type only. The host owns it,
+// so it is readable whichever plugins are enabled.
 void Publish(AVSKSharedDataRecord &record) {
     const StDispatchCallback asHost(AVSK_PLUGIN_AERIVO);
     const auto is = [&record](int type) { return record.type == type; };
@@ -214,7 +214,7 @@ void AVSKSharedDataCleanupHook(int pluginID) {
             [pluginID](const AVSKSharedDataSubscriber &each) { return each.owner == pluginID; });
 }
 
-bool AVSKSharedDataHolds(int pluginID) {
+bool SharedDataHolds(int pluginID) {
     for (const AVSKSharedDataRecord *record : gSharedData)
         if (record->subscribers.Any(
                 [pluginID](const AVSKSharedDataSubscriber &each) { return each.owner == pluginID; }))

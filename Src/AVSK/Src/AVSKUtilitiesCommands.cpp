@@ -1,7 +1,7 @@
-// Commands: who holds which down, and the handlers called before and after
-// the host acts on one. The commands themselves are the host's. Owns
+// Commands: which plugin holds which command, and the handlers called before
+// and after the host acts on one. The commands themselves are the host's. Owns
 // gPreHooks, gPostHooks, gCommandMap and gHeldChanges; called by plugins and by
-// the host's command hook and frame event.
+// the hooks of commands and of the frame.
 #include "AVSK/AVSKUtilities.h"
 
 #include "AVSKCallbackSequence.h"
@@ -9,6 +9,8 @@
 #include "AVSKErrors.h"
 #include "AVSKHostTable.h"
 #include "AVSKModules.h"
+
+#include "AVSK/AVSKPlugins.h"
 
 #include <cstring>
 #include <map>
@@ -28,17 +30,16 @@ struct AVSKCommandCB_t {
     }
 };
 
-// Entries stay for good, also when their last handler goes: a dispatch may
-// stand on one.
+// Entries are never removed, even without handlers: a dispatch may be using one.
 using HandlerMap = std::unordered_map<AVSKCommandRef, AVSKCallbackSequence<AVSKCommandCB_t>>;
 HandlerMap &gPreHooks = *new HandlerMap;  // called newest first
 HandlerMap &gPostHooks = *new HandlerMap; // called oldest first
 
 using HeldCommands = std::map<int, std::set<AVSKCommandRef>>;
 HeldCommands &gCommandMap = *new HeldCommands; // by plugin
-unsigned gHeldChanges = 0;                     // counts changes of gCommandMap
+unsigned gHeldChanges = 0;                     // changes of gCommandMap
 
-HandlerMap &HooksOf(int before) { return before ? gPreHooks : gPostHooks; }
+HandlerMap &HandlersOf(int before) { return before ? gPreHooks : gPostHooks; }
 
 int PhaseOf(int begin, int end) {
     if (end)
@@ -46,8 +47,8 @@ int PhaseOf(int begin, int end) {
     return begin ? AVSKCommandPhaseBegin : AVSKCommandPhaseContinue;
 }
 
-// Continues the commands that a plugin holds, in their order. A plugin that
-// hears of one may begin and end others: then the place is looked up again.
+// Continues the commands that a plugin holds, in their order. The host may call
+// plugins, which begin and end commands; then the position is looked up again.
 void ContinueHeld(int plugin) {
     auto held = gCommandMap.find(plugin);
     auto at = held->second.begin();
@@ -71,7 +72,7 @@ void ContinueHeld(int plugin) {
 AVSKCommandRef AVSKFindCommand(const char *name) { return gHooks->findCommand(name, nullptr, 0); }
 
 AVSKCommandRef AVSKCreateCommand(const char *name, const char *description) {
-    // A complaint, not a refusal: plugins in use rely on such commands.
+    // Reported but not refused: plugins in use rely on such commands.
     if (name && std::strncmp(name, "sim/", 4) == 0) {
         AVSKSendError("Plugin is illegally registering a command with the prefix sim/");
         AVSKLogPluginWarning("It is illegal to register a command starting with sim/");
@@ -97,19 +98,20 @@ void AVSKCommandOnce(AVSKCommandRef command) {
 }
 
 void AVSKRegisterCommandHandler(AVSKCommandRef command, AVSKCommandHandler_f handler, int before, void *refcon) {
-    HooksOf(before)[command].Append({handler, AVSKGetDispatchedPlugin(), refcon});
+    HandlersOf(before)[command].Append({handler, AVSKGetDispatchedPlugin(), refcon});
 }
 
 void AVSKUnregisterCommandHandler(AVSKCommandRef command, AVSKCommandHandler_f handler, int before, void *refcon) {
     const AVSKCommandCB_t wanted = {handler, AVSKGetDispatchedPlugin(), refcon};
-    // The one that is called first goes.
-    HooksOf(before)[command].EraseOne([&wanted](const AVSKCommandCB_t &each) { return each == wanted; }, before != 0);
+    // Of equal handlers, the one called first is removed.
+    HandlersOf(before)[command].EraseOne([&wanted](const AVSKCommandCB_t &each) { return each == wanted; },
+                                         before != 0);
 }
 
 int AVSKDispatchCommandHook(AVSKCommandRef command, int begin, int end, int before) {
-    HandlerMap &hooks = HooksOf(before);
-    const auto found = hooks.find(command);
-    if (found == hooks.end())
+    HandlerMap &handlers = HandlersOf(before);
+    const auto found = handlers.find(command);
+    if (found == handlers.end())
         return 1;
     const int phase = PhaseOf(begin, end);
     StDispatchCallback guard;
@@ -135,14 +137,14 @@ void AVSKCommandCleanupHook(int pluginID) {
         gHooks->endCommand(command);
     gCommandMap.erase(pluginID);
     ++gHeldChanges;
-    for (HandlerMap *hooks : {&gPreHooks, &gPostHooks})
-        for (auto &[command, handlers] : *hooks)
+    for (HandlerMap *map : {&gPreHooks, &gPostHooks})
+        for (auto &[command, handlers] : *map)
             handlers.EraseAll([pluginID](const AVSKCommandCB_t &each) { return each.plugin == pluginID; });
 }
 
-bool AVSKCommandHolds(int pluginID) {
-    for (const HandlerMap *hooks : {&gPreHooks, &gPostHooks})
-        for (const auto &[command, handlers] : *hooks)
+bool CommandsHold(int pluginID) {
+    for (const HandlerMap *map : {&gPreHooks, &gPostHooks})
+        for (const auto &[command, handlers] : *map)
             if (handlers.Any([pluginID](const AVSKCommandCB_t &each) { return each.plugin == pluginID; }))
                 return true;
     return false;
