@@ -12,6 +12,8 @@
 #include "AVSKResourceList.h"
 #include "AVSKScopedValue.h"
 
+#include "AVSK/AVSKPlugins.h"
+
 #include <vector>
 
 struct AVSKDrawCallbackRecord : AVSKResource_t<AVSKDrawCallbackRecord> {
