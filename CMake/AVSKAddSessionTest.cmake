@@ -1,18 +1,25 @@
 # avsk_add_session_test(TEST SESSION file [ROOT folder] [PLUGINS target...] [STATUS n] [EXPECT text])
 #
-# A ctest that runs a session with avsk. PLUGINS are targets of
-# avsk_add_plugin() that the session is to load. ROOT is the simulator's
-# folder, for a session that names plugins of it. The test passes if two runs
-# end with STATUS, 0 unless it is given, print the same bytes, and among them
-# the text after EXPECT.
+# Adds a ctest that runs a session with avsk. PLUGINS are targets of
+# avsk_add_plugin() to load. ROOT is the simulator's folder, for a session that
+# names plugins of it. The test passes if two runs end with STATUS, by default 0,
+# and print the same bytes, which contain the text after EXPECT.
 set(AVSK_SESSION_TEST_SCRIPT ${CMAKE_CURRENT_LIST_DIR}/AVSKSessionTest.cmake)
 
 function(avsk_add_session_test test)
   cmake_parse_arguments(arg "" "SESSION;ROOT;STATUS;EXPECT" "PLUGINS" ${ARGN})
+  if(arg_UNPARSED_ARGUMENTS)
+    list(JOIN arg_UNPARSED_ARGUMENTS " " unknown)
+    message(FATAL_ERROR "avsk_add_session_test(${test}): unknown words '${unknown}': "
+      "there are SESSION, ROOT, PLUGINS, STATUS and EXPECT")
+  endif()
   if(NOT arg_SESSION)
     message(FATAL_ERROR "avsk_add_session_test(${test}): name the session's file after SESSION")
   endif()
   cmake_path(ABSOLUTE_PATH arg_SESSION)
+  if(NOT EXISTS ${arg_SESSION} OR IS_DIRECTORY ${arg_SESSION})
+    message(FATAL_ERROR "avsk_add_session_test(${test}): no file '${arg_SESSION}': name the session after SESSION")
+  endif()
   if(NOT arg_STATUS)
     set(arg_STATUS 0)
   endif()

@@ -1,6 +1,7 @@
-# Runs the command after "--" twice and checks its exit status, that both runs
-# print the same, and that EXPECT is in it. The body of the tests of
-# avsk_add_session_test(), and of the one of the smallest host.
+# Runs the command after "--" twice. Fails unless both runs end with STATUS and
+# print the same text, which contains EXPECT. The tests of
+# avsk_add_session_test() and of the host program run it.
+cmake_policy(VERSION 3.20) # without policies, if() takes quoted words for variables
 math(EXPR last "${CMAKE_ARGC} - 1")
 set(command "")
 set(begun FALSE)
@@ -12,19 +13,22 @@ foreach(i RANGE ${last})
   endif()
 endforeach()
 
-foreach(run first second)
+foreach(run IN ITEMS first second)
   execute_process(COMMAND ${command} RESULT_VARIABLE status OUTPUT_VARIABLE ${run} ERROR_VARIABLE ${run})
   if(run STREQUAL "first")
     message("${first}")
   endif()
-  if(NOT status STREQUAL "${STATUS}")
-    message(FATAL_ERROR "it ended with '${status}', not with ${STATUS}: the lines above say why")
+  if(NOT "${status}" STREQUAL "${STATUS}")
+    if(run STREQUAL "second")
+      message("${second}")
+    endif()
+    message(FATAL_ERROR "the ${run} run ended with '${status}' instead of ${STATUS}: the lines above say why")
   endif()
 endforeach()
-if(NOT first STREQUAL second)
-  message(FATAL_ERROR "a second run printed something else:\n${second}")
+if(NOT "${first}" STREQUAL "${second}")
+  message(FATAL_ERROR "the second run printed something else:\n${second}")
 endif()
 string(FIND "${first}" "${EXPECT}" place)
 if(place EQUAL -1)
-  message(FATAL_ERROR "nothing above says '${EXPECT}'")
+  message(FATAL_ERROR "the lines above do not contain '${EXPECT}'")
 endif()

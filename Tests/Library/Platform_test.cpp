@@ -5,10 +5,6 @@
 #include "AVSKPlatform.h"
 #include "World.h"
 
-#include <algorithm>
-#include <fstream>
-#include <tuple>
-
 #include <dlfcn.h>
 #include <unistd.h>
 

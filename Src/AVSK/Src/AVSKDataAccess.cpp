@@ -1,6 +1,6 @@
 // Datarefs: the index of names, the pool of records, whose addresses are the
 // handles, and typed reads and writes. Owns gDataRefs, gNames, gDataBlock,
-// gDataPages, gDataFree and gDataCount; called by plugins, the host and the
+// gDataPages, gDataFree, gDataCount and gOwned; called by plugins, the host and the
 // library. Shared data is in AVSKDataAccessShared.cpp.
 #include "AVSKDataAccess.h"
 
@@ -21,8 +21,8 @@ int gDataCount = 0;
 
 namespace {
 
-// A hash table with open addressing; records are never removed. gDataRefs, which
-// is ordered, gives the order of cleaning up.
+// A hash table with open addressing; records are never removed. gDataRefs has the
+// same records in the order of their names.
 class NameIndex {
   public:
     AVSKData_t *Find(std::string_view name) const {
@@ -119,14 +119,37 @@ DataPage *PageOf(const void *handle) {
     return &page;
 }
 
-void SetOwner(AVSKData_t *record, int owner) {
+// The first dataref of each owner, by plugin ID. The others follow in the records.
+std::vector<AVSKData_t *> &gOwned = *new std::vector<AVSKData_t *>;
+
+AVSKData_t *FirstOwned(int owner) {
+    return static_cast<std::size_t>(owner) < gOwned.size() ? gOwned[static_cast<std::size_t>(owner)] : nullptr;
+}
+
+void TakeOwner(AVSKData_t *record, int owner) {
     record->owner = owner;
-    DataPage *page = PageOf(record);
-    const std::uint32_t bit = 1U << SlotOf(AddressOf(record));
     if (owner == NO_PLUGIN_ID)
-        page->owned &= ~bit;
+        return;
+    PageOf(record)->owned |= 1U << SlotOf(AddressOf(record));
+    const auto index = static_cast<std::size_t>(owner);
+    if (index >= gOwned.size())
+        gOwned.resize(index + 1);
+    record->previousOwned = nullptr;
+    record->nextOwned = gOwned[index];
+    if (record->nextOwned)
+        record->nextOwned->previousOwned = record;
+    gOwned[index] = record;
+}
+
+void DropOwner(AVSKData_t *record) {
+    if (record->nextOwned)
+        record->nextOwned->previousOwned = record->previousOwned;
+    if (record->previousOwned)
+        record->previousOwned->nextOwned = record->nextOwned;
     else
-        page->owned |= bit;
+        gOwned[static_cast<std::size_t>(record->owner)] = record->nextOwned;
+    PageOf(record)->owned &= ~(1U << SlotOf(AddressOf(record)));
+    record->owner = NO_PLUGIN_ID;
 }
 
 void AllocDataBlock() {
@@ -231,7 +254,7 @@ AVSKDataRef AVSKRegisterDataAccessor(const char *name, int types, int writable, 
     record->writeData = writeData;
     record->readRefcon = readRefcon;
     record->writeRefcon = writeRefcon;
-    SetOwner(record, AVSKGetDispatchedPlugin());
+    TakeOwner(record, AVSKGetDispatchedPlugin());
     return record;
 }
 
@@ -241,8 +264,8 @@ void AVSKUnregisterDataAccessor(AVSKDataRef ref) {
         AVSKSendError("Dataref is illegal and cannot be unregistered.");
     else if (record->owner != AVSKGetDispatchedPlugin())
         AVSKSendError("Dataref is not owned by you - you cannot unregsiter.");
-    else
-        SetOwner(record, NO_PLUGIN_ID);
+    else if (record->owner != NO_PLUGIN_ID)
+        DropOwner(record);
 }
 
 int AVSKCanWriteDataRef(AVSKDataRef ref) {
@@ -261,17 +284,11 @@ int AVSKGetDataRefTypes(AVSKDataRef ref) {
 }
 
 void AVSKDataRefsCleanupHook(int pluginID) {
-    for (const auto &[name, record] : gDataRefs)
-        if (record->owner == pluginID)
-            SetOwner(record, NO_PLUGIN_ID);
+    while (AVSKData_t *record = FirstOwned(pluginID))
+        DropOwner(record);
 }
 
-bool DataRefsHold(int pluginID) {
-    for (const auto &[name, record] : gDataRefs)
-        if (record->owner == pluginID)
-            return true;
-    return false;
-}
+bool DataRefsHold(int pluginID) { return FirstOwned(pluginID) != nullptr; }
 
 int AVSKGetDatai(AVSKDataRef ref) { return Read(ref, &AVSKData_t::readInt); }
 

@@ -31,6 +31,10 @@ struct AVSKData_t {
     AVSKSetDatab_f writeData = nullptr;
     void *readRefcon = nullptr;
     void *writeRefcon = nullptr;
+
+    // The owner's other datarefs.
+    AVSKData_t *nextOwned = nullptr;
+    AVSKData_t *previousOwned = nullptr;
 };
 
 constexpr int kDataBlockRecords = 32;

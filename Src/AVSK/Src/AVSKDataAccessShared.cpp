@@ -1,5 +1,6 @@
 // Shared data: values that the library stores for several plugins and publishes
-// as datarefs of the host. Owns gSharedData; called by plugins.
+// as datarefs of the host. Owns gSharedData, gSharedNames and gSubscribers; called
+// by plugins.
 #include "AVSK/AVSKDataAccess.h"
 
 #include "AVSKCallbackSequence.h"
@@ -12,6 +13,8 @@
 #include <cstdlib>
 #include <cstring>
 #include <string>
+#include <string_view>
+#include <unordered_map>
 #include <vector>
 
 namespace {
@@ -26,16 +29,21 @@ struct AVSKSharedDataSubscriber {
     }
 };
 
+using Subscribers = AVSKOwnedSequences<AVSKSharedDataSubscriber, &AVSKSharedDataSubscriber::owner>;
+
 // One value. Never freed, because its dataref outlives the plugins that share it.
 struct AVSKSharedDataRecord {
     std::string name;
     int type;
     unsigned char *buffer;
     int size; // of the buffer, in bytes
-    AVSKCallbackSequence<AVSKSharedDataSubscriber> subscribers;
+    Subscribers::Sequence subscribers;
 };
 
 std::vector<AVSKSharedDataRecord *> &gSharedData = *new std::vector<AVSKSharedDataRecord *>; // in order of creation
+using SharedNames = std::unordered_map<std::string_view, AVSKSharedDataRecord *>;
+SharedNames &gSharedNames = *new SharedNames; // the same records; the keys are their names
+Subscribers &gSubscribers = *new Subscribers; // of all records
 
 int InitialSize(int type) {
     switch (type) {
@@ -51,10 +59,8 @@ int InitialSize(int type) {
 int AVSK_TMIN(int a, int b) { return b < a ? b : a; }
 
 AVSKSharedDataRecord *FindShared(const char *name) {
-    for (AVSKSharedDataRecord *record : gSharedData)
-        if (record->name == name)
-            return record;
-    return nullptr;
+    const auto found = gSharedNames.find(name);
+    return found == gSharedNames.end() ? nullptr : found->second;
 }
 
 // Notifies every subscriber of a write, the writer included.
@@ -194,10 +200,11 @@ int AVSKShareData(const char *name, int type, AVSKDataChanged_f callback, void *
             MemoryExhausted();
         record = new AVSKSharedDataRecord{name, type, buffer, size, {}};
         gSharedData.push_back(record);
+        gSharedNames.emplace(record->name, record);
         Publish(*record);
     }
     if (callback)
-        record->subscribers.Append({callback, refcon, AVSKGetDispatchedPlugin()});
+        gSubscribers.Append(record->subscribers, {callback, refcon, AVSKGetDispatchedPlugin()});
     return 1;
 }
 
@@ -207,21 +214,9 @@ int AVSKUnshareData(const char *name, int type, AVSKDataChanged_f callback, void
     AVSKSharedDataRecord *record = FindShared(name);
     if (!record || record->type != type)
         return 0;
-    const AVSKSharedDataSubscriber wanted = {callback, refcon, AVSKGetDispatchedPlugin()};
-    return record->subscribers.EraseOne([&wanted](const AVSKSharedDataSubscriber &each) { return each == wanted; },
-                                        false);
+    return gSubscribers.EraseOne(record->subscribers, {callback, refcon, AVSKGetDispatchedPlugin()}, /*newest=*/false);
 }
 
-void AVSKSharedDataCleanupHook(int pluginID) {
-    for (AVSKSharedDataRecord *record : gSharedData)
-        record->subscribers.EraseAll(
-            [pluginID](const AVSKSharedDataSubscriber &each) { return each.owner == pluginID; });
-}
+void AVSKSharedDataCleanupHook(int pluginID) { gSubscribers.EraseAllOf(pluginID); }
 
-bool SharedDataHolds(int pluginID) {
-    for (const AVSKSharedDataRecord *record : gSharedData)
-        if (record->subscribers.Any(
-                [pluginID](const AVSKSharedDataSubscriber &each) { return each.owner == pluginID; }))
-            return true;
-    return false;
-}
+bool SharedDataHolds(int pluginID) { return gSubscribers.Holds(pluginID); }

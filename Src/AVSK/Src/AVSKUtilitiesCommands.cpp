@@ -31,9 +31,11 @@ struct AVSKCommandCB_t {
 };
 
 // Entries are never removed, even without handlers: a dispatch may be using one.
-using HandlerMap = std::unordered_map<AVSKCommandRef, AVSKCallbackSequence<AVSKCommandCB_t>>;
+using Handlers = AVSKOwnedSequences<AVSKCommandCB_t, &AVSKCommandCB_t::plugin>;
+using HandlerMap = std::unordered_map<AVSKCommandRef, Handlers::Sequence>;
 HandlerMap &gPreHooks = *new HandlerMap;  // called newest first
 HandlerMap &gPostHooks = *new HandlerMap; // called oldest first
+Handlers &gHandlers = *new Handlers;      // of both maps
 
 using HeldCommands = std::map<int, std::set<AVSKCommandRef>>;
 HeldCommands &gCommandMap = *new HeldCommands; // by plugin
@@ -98,14 +100,12 @@ void AVSKCommandOnce(AVSKCommandRef command) {
 }
 
 void AVSKRegisterCommandHandler(AVSKCommandRef command, AVSKCommandHandler_f handler, int before, void *refcon) {
-    HandlersOf(before)[command].Append({handler, AVSKGetDispatchedPlugin(), refcon});
+    gHandlers.Append(HandlersOf(before)[command], {handler, AVSKGetDispatchedPlugin(), refcon});
 }
 
 void AVSKUnregisterCommandHandler(AVSKCommandRef command, AVSKCommandHandler_f handler, int before, void *refcon) {
-    const AVSKCommandCB_t wanted = {handler, AVSKGetDispatchedPlugin(), refcon};
     // Of equal handlers, the one called first is removed.
-    HandlersOf(before)[command].EraseOne([&wanted](const AVSKCommandCB_t &each) { return each == wanted; },
-                                         before != 0);
+    gHandlers.EraseOne(HandlersOf(before)[command], {handler, AVSKGetDispatchedPlugin(), refcon}, before != 0);
 }
 
 int AVSKDispatchCommandHook(AVSKCommandRef command, int begin, int end, int before) {
@@ -137,15 +137,7 @@ void AVSKCommandCleanupHook(int pluginID) {
         gHooks->endCommand(command);
     gCommandMap.erase(pluginID);
     ++gHeldChanges;
-    for (HandlerMap *map : {&gPreHooks, &gPostHooks})
-        for (auto &[command, handlers] : *map)
-            handlers.EraseAll([pluginID](const AVSKCommandCB_t &each) { return each.plugin == pluginID; });
+    gHandlers.EraseAllOf(pluginID);
 }
 
-bool CommandsHold(int pluginID) {
-    for (const HandlerMap *map : {&gPreHooks, &gPostHooks})
-        for (const auto &[command, handlers] : *map)
-            if (handlers.Any([pluginID](const AVSKCommandCB_t &each) { return each.plugin == pluginID; }))
-                return true;
-    return false;
-}
+bool CommandsHold(int pluginID) { return gHandlers.Holds(pluginID); }

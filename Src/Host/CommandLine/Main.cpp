@@ -7,6 +7,7 @@
 
 #include <cstdio>
 #include <exception>
+#include <sstream>
 #include <string>
 
 namespace {
@@ -21,16 +22,6 @@ bool OutputIsWhole() {
     return false;
 }
 
-// Exceptions of plugins pass through the library and reach main.
-void ReportException(const std::string &what) {
-    const std::string thrower = ThrownBy();
-    std::fflush(stdout);
-    std::fprintf(stderr, "avsk: the run was broken off by an exception%s%s: %s\n", thrower.empty() ? "" : " of ",
-                 thrower.c_str(), what.c_str());
-    if (!thrower.empty())
-        PrintLastCalls();
-}
-
 } // namespace
 
 int main(int argc, char **argv) {
@@ -39,12 +30,14 @@ int main(int argc, char **argv) {
         const int status = job ? job() : 0;
         return OutputIsWhole() ? status : 1;
     } catch (const UsageError &error) {
-        std::fprintf(stderr, "avsk: %s\n", error.what());
+        std::istringstream lines(error.what());
+        for (std::string line; std::getline(lines, line);)
+            std::fprintf(stderr, "avsk: %s\n", line.c_str());
         return 2;
-    } catch (const std::exception &error) {
+    } catch (const std::exception &error) { // of a plugin: they pass through the library
         ReportException(error.what());
     } catch (...) {
-        ReportException("its type is unknown");
+        ReportException("its type is not derived from std::exception");
     }
     return 1;
 }

@@ -4,9 +4,9 @@
 #include "SimpleRun.h"
 
 #include "Common/UsageError.h"
-#include "Session/Prompt.h"
-#include "Session/Runner.h"
-#include "Session/Session.h"
+#include "Session/Help.h"
+#include "Session/Rlwrap.h"
+#include "Session/RunSession.h"
 
 #include <CLI/CLI.hpp>
 
@@ -48,8 +48,9 @@ A picture shows what plugins draw through the interface: dark boxes, texts, numb
 menus opened. It does not show what plugins draw with their own OpenGL calls, scenery objects or aircraft.
 
 Exit status: 0 if all frames were run and every step and expectation of a session succeeded; 1 if one of them failed, a
-plugin exceeded a budget, or a plugin's exception ended the run; 2 if the request cannot be met as it was made; 3 if a
-plugin ended the run by a signal, by exit(), or by a call that took longer than --timeout.)";
+plugin exceeded a budget, a filter or a budget named a plugin that was not there, a file could not be written completely,
+or a plugin's exception ended the run; 2 if the request cannot be met as it was made; 3 if a plugin ended the run by a
+signal, by exit(), or by a call that took longer than --timeout.)";
 
 // The number after the last '@'; no value if it is not a frame of the run.
 std::optional<int> FrameOf(const std::string &text, int frames) {
@@ -152,6 +153,8 @@ int RunPlainly(Request &request) {
     SimulatorOptions &simulator = request.options.simulator;
     if (!request.options.plugins.empty())
         throw UsageError("--plugin: belongs to a session: name one, or say --interactive");
+    if (!request.options.keptRoot.empty())
+        throw UsageError("--keep-root: belongs to a session: name one, or say --interactive");
     CheckFolders(simulator, request.aircraft);
     for (const std::string &text : request.screenshots)
         simulator.screenshots.push_back(ParseScreenshot(text, simulator.frames));
@@ -166,7 +169,7 @@ int Do(Request &request, char **argv) {
         return 0;
     }
     if (request.interactive)
-        EditLines(argv);
+        RestartUnderRlwrap(argv);
     if (request.interactive || !request.options.file.empty())
         return RunSession(std::move(request.options)); // its folders may be named in the session
     return RunPlainly(request);
@@ -187,6 +190,10 @@ void AddRunCommand(CLI::App &app, Job &job, char **argv) {
     interactive->excludes(session);
     run->add_flag("--words", request->words, "list the words of sessions");
     AddPlugins(*run, options.plugins, "of a session: load only this plugin; can be repeated");
+    run->add_option("--keep-root", options.keptRoot,
+                    "of a session that chooses plugins: make its root in this folder and keep it, with the files that "
+                    "plugins write there")
+        ->type_name("DIR");
     AddRunOnlyOptions(*run, *request, session, interactive);
     run->add_option("--log", options.simulator.logFile, "also write the log to this file")->type_name("FILE");
     run->add_flag("--quiet", options.simulator.quiet, "keep the log off standard output");

@@ -1,11 +1,12 @@
 // A run of a number of frames; see SimpleRun.h.
 #include "SimpleRun.h"
 
+#include "Common/Terminal.h"
 #include "Observing/Observers.h"
 #include "Observing/Report.h"
 #include "Services/Lifetime.h"
 #include "Services/Simulator.h"
-#include "Session/ChosenRoot.h"
+#include "Session/TemporaryRoot.h"
 
 #include <cstdio>
 #include <memory>
@@ -13,10 +14,12 @@
 #include <utility>
 #include <vector>
 
+#include <unistd.h>
+
 namespace host {
 
 int RunFrames(SessionOptions options, bool report) {
-    ChosenRoot chosen; // must outlive the plugins
+    TemporaryRoot chosen; // must outlive the plugins
     if (!options.plugins.empty()) {
         options.simulator.root = chosen.Make(options.rootGiven ? options.simulator.root : "", options.plugins);
         CheckFolders(options.simulator, /*aircraft=*/"");
@@ -35,10 +38,10 @@ int RunFrames(SessionOptions options, bool report) {
     observers.ReportLoaded();
     StopPlugins(*simulator);
     observers.ReportUnloaded();
-    const std::vector<std::string> excesses = observers.Times().OverBudget();
-    for (const std::string &excess : excesses)
-        std::printf("budget: %s\n", excess.c_str());
-    return excesses.empty() ? 0 : 1;
+    const std::vector<std::string> failures = observers.Failures();
+    for (const std::string &failure : failures)
+        std::printf("%s\n", Emphasised(Emphasis::Failure, failure, STDOUT_FILENO).c_str());
+    return failures.empty() ? 0 : 1;
 }
 
 } // namespace host

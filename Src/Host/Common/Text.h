@@ -7,6 +7,7 @@
 #include <cstring>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace host {
 
@@ -23,6 +24,24 @@ inline void CopyText(char *out, std::size_t room, std::string_view text) {
 inline std::string ResolvePath(std::string_view root, std::string_view path) {
     std::string resolved(path.starts_with('/') ? std::string_view() : root);
     return resolved.append(path);
+}
+
+// The texts with a separator between them.
+inline std::string Join(const std::vector<std::string> &texts, std::string_view separator = ", ") {
+    std::string joined;
+    for (const std::string &text : texts)
+        joined.append(joined.empty() ? "" : separator).append(text);
+    return joined;
+}
+
+// The texts between commas; of many only the first ones and the number of the others.
+inline std::string Shortened(std::vector<std::string> texts, std::size_t most = 12) {
+    if (texts.size() > most) {
+        const std::string others = std::to_string(texts.size() - most) + " others";
+        texts.resize(most);
+        texts.push_back(others);
+    }
+    return Join(texts);
 }
 
 } // namespace host

@@ -4,12 +4,15 @@
 
 #include "Crossing.h"
 
+#include <string>
 #include <string_view>
+#include <vector>
 
 namespace crossings {
 
-// A slot of the host's table, named as in AVSKHostCallbacks; null if there is none.
+// The prototype of a slot, by its name in AVSKHostCallbacks; null if there is none.
 const Prototype *FindService(std::string_view name);
+std::vector<std::string> ServiceNames();
 int CountParameters(const Prototype &function);
 
 } // namespace crossings

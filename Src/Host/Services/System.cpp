@@ -53,10 +53,12 @@ int ReloadScenery() {
 // again in the next frame, which loads their plugins.
 void ShowMessage(const char *line1, const char *line2, const char *line3, const char *line4) {
     Simulator &simulator = Enter();
+    std::string text = "message box:";
     for (const char *line : {line1, line2, line3, line4}) {
         if (line && *line)
-            simulator.console.Note(line);
+            text += std::string(" ") + line;
     }
+    simulator.console.Show(text);
     simulator.sceneryDue = true;
 }
 

@@ -1,16 +1,24 @@
-// What the steps of a session do, each by the simulator's own way: the user's
-// hands, the world and the host. See Forms.cpp for their words.
+// The step words of a session: each does what a user, the world or the
+// simulator does. The table at the end lists them.
+#include "DatarefWriting.h"
+#include "Forms.h"
+#include "LoadedPlugins.h"
+#include "MenuPaths.h"
 #include "Runner.h"
+#include "Values.h"
 
+#include "Common/NearestName.h"
 #include "Common/Text.h"
+#include "Observing/DatarefValues.h"
+#include "Observing/Listings.h"
 
-#include "AVSK/AVSKDataAccess.h"
 #include "AVSK/AVSKHost.h"
 #include "AVSK/AVSKPlugins.h"
 
 #include <algorithm>
 #include <cctype>
 #include <cmath>
+#include <cstdio>
 #include <filesystem>
 
 #include <unistd.h>
@@ -18,8 +26,8 @@
 namespace host {
 namespace {
 
-constexpr int kForever = 1 << 30; // frames: until the key is let go
-const std::string kFine;
+constexpr int kForever = 1 << 30; // frames: until the key is released
+const Failure kFine;
 
 void MoveMouse(Simulator &simulator, int x, int y) {
     simulator.display.mouseX = x;
@@ -27,7 +35,7 @@ void MoveMouse(Simulator &simulator, int x, int y) {
 }
 
 void MoveMouse(Simulator &simulator, const std::string &point) {
-    const std::vector<int> place = IntegersOf(point);
+    const std::vector<int> place = Integers(point);
     MoveMouse(simulator, place[0], place[1]);
 }
 
@@ -47,79 +55,71 @@ char CharacterOf(const std::string &key, int code) {
 void PressKey(SessionRunner &run, const Step &step, int frames) {
     constexpr int kShift = 1;
     constexpr int kControl = 2;
-    const int code = KeyOf(step[0]);
+    const int code = KeyCode(step[0]);
     run.Sim().input.PressKey(CharacterOf(step[0], code), static_cast<char>(code), frames,
                              (step.Has("shift") ? kShift : 0) | (step.Has("control") ? kControl : 0));
 }
 
-std::string NoCommand(const std::string &name) {
-    return "there is no command '" + name +
-           "': plugins create theirs when they start, the host's are sim/flight/... "
-           "and sim/view/...";
+std::string NoCommand(SessionRunner &run, const std::string &name) {
+    std::vector<std::string> names;
+    for (const auto &command : run.Sim().commands.All())
+        names.push_back(command->name);
+    const std::string nearest = DidYouMean(name, names);
+    return "no command '" + name + "'" + (nearest.empty() ? ": 'commands' lists them" : nearest);
 }
 
-std::string NoPlugin(const std::string &name) {
-    return "no plugin of this name or signature is loaded: '" + name + "'";
-}
-
-std::string FinishLoads(SessionRunner &run, const Step &step, bool fail) {
+Failure FinishLoads(SessionRunner &run, const Step &step, bool fail) {
     const int finished = run.Sim().objects.FinishLoads(step.Count() > 1 ? step[1] : "", fail);
     return finished > 0 ? kFine : "no such load is under way";
 }
 
-template <typename T>
-std::vector<T> NumbersFrom(const std::vector<std::string> &texts) {
-    std::vector<T> numbers;
-    numbers.reserve(texts.size());
-    for (const std::string &text : texts)
-        numbers.push_back(static_cast<T>(NumberOf(text)));
-    return numbers;
+std::string NoDataref(SessionRunner &run, const std::string &name) {
+    const std::string nearest = DidYouMean(name, run.Datarefs().Published());
+    return "nobody publishes '" + name + "'" + (nearest.empty() ? ": 'datarefs' lists all datarefs" : nearest);
 }
 
-} // namespace
+// ---- The words
 
-namespace steps {
-
-std::string Frames(SessionRunner &run, const Step &step) {
-    run.RunFrames(static_cast<int>(NumberOf(step[0])));
-    return kFine;
+Failure Frames(SessionRunner &run, const Step &step) {
+    run.RunFrames(Integer(step[0]));
+    return {};
 }
 
-std::string Seconds(SessionRunner &run, const Step &step) {
-    run.RunFrames(static_cast<int>(std::clamp(std::round(NumberOf(step[0]) * run.Sim().options.fps), 1.0, 1e9)));
-    return kFine;
+Failure Seconds(SessionRunner &run, const Step &step) {
+    run.RunFrames(static_cast<int>(std::clamp(std::round(Number(step[0]) * run.Sim().options.fps), 1.0, 1e9)));
+    return {};
 }
 
-std::string Move(SessionRunner &run, const Step &step) {
+Failure Move(SessionRunner &run, const Step &step) {
     MoveMouse(run.Sim(), step[0]);
     AVSKCursorHook(run.Sim().display.mouseX, run.Sim().display.mouseY);
-    return kFine;
+    return {};
 }
 
-std::string Press(SessionRunner &run, const Step & /*step*/) {
+Failure Press(SessionRunner &run, const Step & /*step*/) {
     ChangeMouseButton(run.Sim(), 1);
-    return kFine;
+    return {};
 }
 
-std::string Release(SessionRunner &run, const Step & /*step*/) {
+Failure Release(SessionRunner &run, const Step & /*step*/) {
     ChangeMouseButton(run.Sim(), 0);
-    return kFine;
+    return {};
 }
 
-std::string Click(SessionRunner &run, const Step &step) {
+Failure Click(SessionRunner &run, const Step &step) {
     MoveMouse(run.Sim(), step[0]);
     ChangeMouseButton(run.Sim(), 1);
     run.RunFrames(1);
     ChangeMouseButton(run.Sim(), 0);
-    return kFine;
+    return {};
 }
 
 // The library asks where the mouse is once a frame.
-std::string Drag(SessionRunner &run, const Step &step) {
+Failure Drag(SessionRunner &run, const Step &step) {
     constexpr int kFrames = 4;
-    const std::vector<int> from = IntegersOf(step[0]);
-    const std::vector<int> to = IntegersOf(step[1]);
-    const int frames = step.Count() > 2 ? static_cast<int>(NumberOf(step[2])) : kFrames;
+    const std::vector<int> from = Integers(step[0]);
+    const std::vector<int> to = Integers(step[1]);
+    const int frames = step.Count() > 2 ? Integer(step[2]) : kFrames;
     MoveMouse(run.Sim(), step[0]);
     ChangeMouseButton(run.Sim(), 1);
     for (int i = 1; i <= frames; ++i) {
@@ -129,33 +129,32 @@ std::string Drag(SessionRunner &run, const Step &step) {
         run.RunFrames(1);
     }
     ChangeMouseButton(run.Sim(), 0);
-    return kFine;
+    return {};
 }
 
-std::string Wheel(SessionRunner &run, const Step &step) {
+Failure Wheel(SessionRunner &run, const Step &step) {
     MoveMouse(run.Sim(), step[0]);
-    AVSKScrollWheelHook(run.Sim().display.mouseX, run.Sim().display.mouseY,
-                        step.Count() > 2 ? static_cast<int>(NumberOf(step[2])) : 0,
-                        static_cast<int>(NumberOf(step[1])));
-    return kFine;
+    AVSKScrollWheelHook(run.Sim().display.mouseX, run.Sim().display.mouseY, step.Count() > 2 ? Integer(step[2]) : 0,
+                        Integer(step[1]));
+    return {};
 }
 
-std::string TypeKey(SessionRunner &run, const Step &step) {
+Failure TypeKey(SessionRunner &run, const Step &step) {
     PressKey(run, step, 1);
     run.RunFrames(1);
-    return kFine;
+    return {};
 }
 
-std::string KeyDown(SessionRunner &run, const Step &step) {
+Failure KeyDown(SessionRunner &run, const Step &step) {
     PressKey(run, step, kForever);
-    return kFine;
+    return {};
 }
 
-std::string KeyUp(SessionRunner &run, const Step &step) {
-    return run.Sim().input.ReleaseKey(static_cast<char>(KeyOf(step[0]))) ? kFine : "this key is not down";
+Failure KeyUp(SessionRunner &run, const Step &step) {
+    return run.Sim().input.ReleaseKey(static_cast<char>(KeyCode(step[0]))) ? kFine : "this key is not down";
 }
 
-std::string Type(SessionRunner &run, const Step &step) {
+Failure Type(SessionRunner &run, const Step &step) {
     constexpr int kShift = 1;
     for (const char c : step[0]) {
         const auto character = static_cast<unsigned char>(c);
@@ -163,51 +162,51 @@ std::string Type(SessionRunner &run, const Step &step) {
                                  std::isupper(character) ? kShift : 0);
         run.RunFrames(1);
     }
-    return kFine;
+    return {};
 }
 
-std::string PickMenu(SessionRunner &run, const Step &step) {
+Failure PickMenu(SessionRunner &run, const Step &step) {
     const FoundItem found = FindItem(run.Sim().menus, step[0]);
     if (!found.menu)
-        return "no such item; there is " + found.there;
+        return "no such item; there is " + found.seen;
     if (AVSKMenuItemEnabled(found.menu, found.index) == 0)
         return "the item is disabled: it cannot be picked";
     AVSKMenuHook(found.menu->items[static_cast<std::size_t>(found.index)].id);
-    return kFine;
+    return {};
 }
 
-std::string RunCommand(SessionRunner &run, const Step &step) {
+Failure RunCommand(SessionRunner &run, const Step &step) {
     Command *command = run.Sim().commands.Find(step[0]);
     if (!command)
-        return NoCommand(step[0]);
+        return NoCommand(run, step[0]);
     if (!run.Sim().input.HoldCommand(command))
         return "the command is held already: end it first";
     run.Sim().input.EndCommand(command);
-    return kFine;
+    return {};
 }
 
-std::string BeginCommand(SessionRunner &run, const Step &step) {
+Failure BeginCommand(SessionRunner &run, const Step &step) {
     Command *command = run.Sim().commands.Find(step[0]);
     if (!command)
-        return NoCommand(step[0]);
+        return NoCommand(run, step[0]);
     return run.Sim().input.HoldCommand(command) ? kFine : "the command is held already";
 }
 
-std::string EndCommand(SessionRunner &run, const Step &step) {
+Failure EndCommand(SessionRunner &run, const Step &step) {
     Command *command = run.Sim().commands.Find(step[0]);
     if (!command)
-        return NoCommand(step[0]);
+        return NoCommand(run, step[0]);
     return run.Sim().input.EndCommand(command) ? kFine : "the command is not held by 'begin'";
 }
 
-std::string Button(SessionRunner &run, const Step &step) {
-    const int button = static_cast<int>(NumberOf(step[0]));
+Failure Button(SessionRunner &run, const Step &step) {
+    const int button = Integer(step[0]);
     if (step.Has("press"))
         return run.Sim().input.HoldButton(button) ? kFine : "the button is down already";
     return run.Sim().input.ReleaseButton(button) ? kFine : "the button is not down";
 }
 
-std::string ChangeView(SessionRunner &run, const Step &step) {
+Failure ChangeView(SessionRunner &run, const Step &step) {
     Camera &camera = run.Sim().camera;
     if (step[0] == "next")
         camera.NextView(run.Sim());
@@ -215,11 +214,11 @@ std::string ChangeView(SessionRunner &run, const Step &step) {
         camera.ChangeView(run.Sim(), step[0] == "chase"     ? View::Chase
                                      : step[0] == "cockpit" ? View::Cockpit
                                                             : View::Tower);
-    return kFine;
+    return {};
 }
 
-std::string Load(SessionRunner &run, const Step &step) {
-    const int index = step.Count() > 2 ? static_cast<int>(NumberOf(step[2])) : 0;
+Failure Load(SessionRunner &run, const Step &step) {
+    const int index = step.Count() > 2 ? Integer(step[2]) : 0;
     const std::string file = ResolvePath(run.Sim().options.root, step[1]);
     std::error_code error;
     if (index >= Fleet::kCount)
@@ -228,94 +227,69 @@ std::string Load(SessionRunner &run, const Step &step) {
         return "no file '" + file + "'";
     run.Sim().fleet.Request(index, step[1]);
     run.RunFrames(1);
-    return kFine;
+    return {};
 }
 
-std::string ReportScenery(SessionRunner &run, const Step & /*step*/) {
+Failure ReportScenery(SessionRunner &run, const Step & /*step*/) {
     if (run.Sim().options.scenery.empty())
         return "there is no scenery: name a folder in the set-up";
     run.Sim().ReportScenery();
-    return kFine;
+    return {};
 }
 
-std::string Crash(SessionRunner &run, const Step & /*step*/) {
+Failure Crash(SessionRunner &run, const Step & /*step*/) {
     AVSKEventHook(AVSKHostEventBroadcast101, run.Sim().Elapsed(), 0, 0);
-    return kFine;
+    return {};
 }
 
-std::string HoldLoads(SessionRunner &run, const Step & /*step*/) {
+Failure HoldLoads(SessionRunner &run, const Step & /*step*/) {
     run.Sim().objects.HoldLoads();
-    return kFine;
+    return {};
 }
 
-std::string CompleteLoads(SessionRunner &run, const Step &step) { return FinishLoads(run, step, /*fail=*/false); }
-std::string FailLoads(SessionRunner &run, const Step &step) { return FinishLoads(run, step, /*fail=*/true); }
+Failure CompleteLoads(SessionRunner &run, const Step &step) { return FinishLoads(run, step, /*fail=*/false); }
+Failure FailLoads(SessionRunner &run, const Step &step) { return FinishLoads(run, step, /*fail=*/true); }
 
-std::string SendMessage(SessionRunner & /*run*/, const Step &step) {
+Failure SendMessage(SessionRunner & /*run*/, const Step &step) {
     constexpr AVSKPluginID kEverybody = -1;
     const bool all = step[0] == "all";
-    const AVSKPluginID plugin = all ? kEverybody : SessionRunner::FindPlugin(step[0]);
+    const AVSKPluginID plugin = all ? kEverybody : FindPlugin(step[0]);
     if (!all && plugin == NO_PLUGIN_ID)
         return NoPlugin(step[0]);
     std::string text = step.Count() > 2 ? step[2] : "";
-    AVSKSendMessageToPlugin(plugin, static_cast<int>(NumberOf(step[1])), step.Count() > 2 ? text.data() : nullptr);
-    return kFine;
+    AVSKSendMessageToPlugin(plugin, Integer(step[1]), step.Count() > 2 ? text.data() : nullptr);
+    return {};
 }
 
-std::string Enable(SessionRunner & /*run*/, const Step &step) {
-    const AVSKPluginID plugin = SessionRunner::FindPlugin(step[0]);
+Failure Enable(SessionRunner & /*run*/, const Step &step) {
+    const AVSKPluginID plugin = FindPlugin(step[0]);
     if (plugin == NO_PLUGIN_ID)
         return NoPlugin(step[0]);
     return AVSKEnablePlugin(plugin) != 0 ? kFine : "the plugin refused";
 }
 
-std::string Disable(SessionRunner & /*run*/, const Step &step) {
-    const AVSKPluginID plugin = SessionRunner::FindPlugin(step[0]);
+Failure Disable(SessionRunner & /*run*/, const Step &step) {
+    const AVSKPluginID plugin = FindPlugin(step[0]);
     if (plugin == NO_PLUGIN_ID)
         return NoPlugin(step[0]);
     AVSKDisablePlugin(plugin);
-    return kFine;
+    return {};
 }
 
-std::string Reload(SessionRunner &run, const Step & /*step*/) {
+Failure Reload(SessionRunner &run, const Step & /*step*/) {
     AVSKReloadPlugins();
     run.RunFrames(1);
-    return kFine;
+    return {};
 }
 
-std::string SetDataref(SessionRunner & /*run*/, const Step &step) {
-    AVSKDataRef ref = AVSKFindDataRef(step[0].c_str());
-    std::string name = step[0];
-    int offset = 0;
-    if (const std::size_t open = name.rfind('['); !ref && open != std::string::npos && name.ends_with(']')) {
-        offset = static_cast<int>(NumberOf(std::string_view(name).substr(open + 1, name.size() - open - 2)));
-        ref = AVSKFindDataRef(name.substr(0, open).c_str());
-    }
-    if (!ref || AVSKIsDataRefGood(ref) == 0)
-        return "nobody publishes it";
-    if (AVSKCanWriteDataRef(ref) == 0)
-        return "it cannot be written";
-    const int types = AVSKGetDataRefTypes(ref);
-    const int count = static_cast<int>(step.Count()) - 1;
-    const double number = NumberOf(step[1]);
-    if ((types & AVSKDataTypeData) != 0 && step.words[1].quoted)
-        AVSKSetDatab(ref, std::string(step[1]).data(), offset, static_cast<int>(step[1].size()));
-    else if ((types & AVSKDataTypeFloatArray) != 0)
-        AVSKSetDatavf(ref, NumbersFrom<float>(step.From(1)).data(), offset, count);
-    else if ((types & AVSKDataTypeIntArray) != 0)
-        AVSKSetDatavi(ref, NumbersFrom<int>(step.From(1)).data(), offset, count);
-    else if (count > 1 || step.words[1].quoted)
-        return "it takes one number";
-    else if ((types & AVSKDataTypeDouble) != 0)
-        AVSKSetDatad(ref, number);
-    else if ((types & AVSKDataTypeFloat) != 0)
-        AVSKSetDataf(ref, static_cast<float>(number));
-    else
-        AVSKSetDatai(ref, static_cast<int>(number));
-    return kFine;
+Failure SetDataref(SessionRunner &run, const Step &step) {
+    const FoundDataref target = FindDataref(step[0]);
+    if (!target.ref)
+        return {NoDataref(run, step[0]), step.words[0].column};
+    return WriteDataref(target, step);
 }
 
-std::string TakeScreenshot(SessionRunner &run, const Step &step) {
+Failure TakeScreenshot(SessionRunner &run, const Step &step) {
     const std::string folder = std::filesystem::path(step[0]).parent_path().string();
     if (!step[0].ends_with(".png") || access(folder.empty() ? "." : folder.c_str(), W_OK) != 0)
         return "cannot write there: name a .png file in a folder that exists and is writable";
@@ -323,33 +297,123 @@ std::string TakeScreenshot(SessionRunner &run, const Step &step) {
         return "cannot read the font '" + missing + "': install the package fonts-dejavu-core";
     run.Sim().options.screenshots = {{step[0], run.Sim().frame + 1}};
     run.RunFrames(1);
-    return kFine;
+    return {};
 }
 
-std::string Mark(SessionRunner &run, const Step & /*step*/) {
+Failure Get(SessionRunner &run, const Step &step) {
+    constexpr std::size_t kMost = 64;
+    const FoundDataref found = FindDataref(step[0]);
+    if (!found.ref)
+        return {NoDataref(run, step[0]), step.words[0].column};
+    std::vector<std::string> values = ReadDataref(found.ref);
+    if (found.index) {
+        if (*found.index >= std::ssize(values))
+            return {"it has " + std::to_string(values.size()) + " elements", step.words[0].column};
+        values = {values[static_cast<std::size_t>(*found.index)]};
+    }
+    const std::size_t more = values.size() - std::min(values.size(), kMost);
+    values.resize(values.size() - more);
+    std::printf("%s = %s%s (%s)\n", step[0].c_str(), Join(values, " ").c_str(),
+                more > 0 ? (" and " + std::to_string(more) + " others").c_str() : "", DatarefTypes(found.ref).c_str());
+    std::fflush(stdout);
+    return {};
+}
+
+Failure PrintDatarefs(SessionRunner &run, const Step &step) {
+    PrintList("Datarefs:", ListDatarefs(run.Datarefs(), run.Observing().Owners(), step.Count() > 0 ? step[0] : ""),
+              "none");
+    return {};
+}
+
+Failure PrintWindows(SessionRunner &run, const Step & /*step*/) {
+    PrintList("Windows:", ListWindows(run.Observing().Owners()), "none");
+    return {};
+}
+
+Failure PrintMenus(SessionRunner &run, const Step & /*step*/) {
+    PrintList("Menus:", ListMenus(run.Sim().menus), "none");
+    return {};
+}
+
+Failure PrintCommands(SessionRunner &run, const Step & /*step*/) {
+    PrintList("Commands:", ListCommands(run.Sim().commands), "none");
+    return {};
+}
+
+Failure Mark(SessionRunner &run, const Step & /*step*/) {
     run.Sim().console.Forget();
     run.Calls().Forget();
-    return kFine;
+    return {};
 }
 
-std::string ListPossessions(SessionRunner &run, const Step &step) {
-    const Ledger &owners = run.Watch().Owners();
+Failure ListPossessions(SessionRunner &run, const Step &step) {
+    const Ledger &owners = run.Observing().Owners();
     const std::string plugin = step.Count() > 0 ? step[0] : "";
-    const bool isKnown = plugin.empty() || (run.IsLoaded() ? SessionRunner::FindPlugin(plugin) != NO_PLUGIN_ID
-                                                           : owners.WasUnloaded(plugin));
+    const bool isKnown =
+        plugin.empty() || (run.IsLoaded() ? FindPlugin(plugin) != NO_PLUGIN_ID : owners.WasUnloaded(plugin));
     if (!isKnown)
         return run.IsLoaded() ? NoPlugin(plugin) : "no plugin of this name or signature was loaded: '" + plugin + "'";
     if (run.IsLoaded())
         PrintList("Owned:", owners.Owned(plugin));
     else
         PrintList("Left behind:", owners.LeftBehind(plugin));
-    return kFine;
+    return {};
 }
 
-std::string UnloadAll(SessionRunner &run, const Step & /*step*/) {
+Failure UnloadAll(SessionRunner &run, const Step & /*step*/) {
     run.Unload();
-    return kFine;
+    return {};
 }
 
-} // namespace steps
+} // namespace
+
+std::span<const Form> StepForms() {
+    static constexpr Form kForms[] = {
+        {"frames", "COUNT", "runs so many frames", Frames},
+        {"seconds", "NUMBER", "runs the frames of so many simulated seconds", Seconds},
+        {"move", "POINT", "moves the mouse; y points upward", Move},
+        {"press", "", "presses the mouse button", Press},
+        {"release", "", "releases the mouse button", Release},
+        {"click", "POINT", "moves the mouse, presses the button, runs a frame, releases the button", Click},
+        {"drag", "POINT POINT [COUNT]", "drags from the first point to the second in so many frames; the default is 4",
+         Drag},
+        {"wheel", "POINT INTEGER [INTEGER]", "turns the wheel by so many clicks; then the wheel's number, 0 by default",
+         Wheel},
+        {"key", "KEY [shift|control]+", "presses a key, runs a frame, releases the key", TypeKey},
+        {"keydown", "KEY [shift|control]+", "presses a key and holds it", KeyDown},
+        {"keyup", "KEY", "releases a held key", KeyUp},
+        {"type", "TEXT", "presses the key of each character, one frame each", Type},
+        {"menu", "PATH", "picks a menu item, for example \"Plugins/Lights/Beacon\"", PickMenu},
+        {"command", "NAME", "begins and ends a command", RunCommand},
+        {"begin", "NAME", "begins a command and holds it: each frame continues it", BeginCommand},
+        {"end", "NAME", "ends a held command", EndCommand},
+        {"button", "COUNT press|release", "presses or releases a joystick button", Button},
+        {"view", "tower|chase|cockpit|next", "changes the view", ChangeView},
+        {"load", "aircraft FILE [COUNT]", "loads the model of the user's aircraft, or of another, in a frame", Load},
+        {"report", "scenery", "reports the scenery folders of the set-up again", ReportScenery},
+        {"crash", "", "reports that the aircraft crashed: broadcasts message 101", Crash},
+        {"hold", "loads", "makes asynchronous loads wait for 'complete' or 'fail'", HoldLoads},
+        {"complete", "loads [FILE]", "completes the waiting loads, or those of one file", CompleteLoads},
+        {"fail", "loads [FILE]", "lets the waiting loads fail, or those of one file", FailLoads},
+        {"message", "PLUGIN INTEGER [TEXT]", "sends a message to a plugin or to 'all', with the text or null",
+         SendMessage},
+        {"enable", "PLUGIN", "enables a plugin", Enable},
+        {"disable", "PLUGIN", "disables a plugin", Disable},
+        {"reload", "", "unloads and loads all plugins, in a frame", Reload},
+        {"set", "NAME VALUE+", "writes a dataref: a number, numbers or a text; NAME[3] is an element", SetDataref},
+        {"get", "NAME", "prints the value of a dataref; NAME[3] is an element", Get},
+        {"datarefs", "[PATTERN]", "prints the datarefs whose names contain a text, or match a pattern with *",
+         PrintDatarefs},
+        {"windows", "", "prints the windows of plugins", PrintWindows},
+        {"menus", "", "prints the menus", PrintMenus},
+        {"commands", "", "prints the commands", PrintCommands},
+        {"screenshot", "FILE", "runs a frame and writes what the screen then shows to a .png file", TakeScreenshot},
+        {"mark", "", "later 'expect log' and 'expect call' look back to this line only", Mark, kAlsoAfterUnload},
+        {"ps", "[PLUGIN]", "prints what the plugins, or this one, own; after 'unload' what they left behind",
+         ListPossessions, kAlsoAfterUnload},
+        {"unload", "", "unloads all plugins", UnloadAll, kUnloads},
+    };
+    return kForms;
+}
+
 } // namespace host

@@ -1,6 +1,6 @@
 /**
  * AVSK.h: the whole plugin interface in one include. The host interface
- * (AVSKHost.h) is for programs that embed the library and is not part of it.
+ * (AVSKHost.h) is for programs that embed the library and is not included.
  */
 #ifndef AVSK_H
 #define AVSK_H

@@ -1,5 +1,5 @@
 /**
- * AVSKCamera.h: the camera, which one plugin at a time may place.
+ * AVSKCamera.h: the camera position, and control of it by one plugin at a time.
  */
 #ifndef AVSK_CAMERA_H
 #define AVSK_CAMERA_H
@@ -10,17 +10,17 @@
 extern "C" {
 #endif
 
-/** How long control of the camera is asked for. */
+/** How long a plugin controls the camera. */
 typedef enum AVSKCameraControlDuration {
-    /** Nobody has control; never asked for. */
+    /** No plugin controls the camera. Not a value to pass. */
     AVSKCameraUncontrolled = 0,
     /** Until the user changes the view. */
     AVSKCameraUntilViewChanges = 1,
-    /** Until the plugin gives it up. */
+    /** Until the plugin gives up control. */
     AVSKCameraForever = 2
 } AVSKCameraControlDuration;
 
-/** Where the camera is: seven numbers in the simulator's order, the first three a place. */
+/** A camera position: seven numbers in the host's order. The first three are a place. */
 typedef struct AVSKCameraPosition {
     float f1;
     float f2;
@@ -32,39 +32,59 @@ typedef struct AVSKCameraPosition {
 } AVSKCameraPosition;
 
 /**
- * Places the camera, once per update.
+ * Positions the camera. Called once per camera update, and once when the
+ * plugin loses control because the view changes or the plugin is disabled or
+ * unloaded. The function is not called when another plugin takes control, nor
+ * after AVSKDontControlCamera().
  *
- * @param position         in and out: where the camera is, and is to be. Null with losing control.
- * @param isLosingControl  1 if control goes, else 0.
- * @param refcon           what was given to AVSKControlCamera().
- * @return 1 to place the camera; 0 to end control, after which it is not called again.
+ * @param position         in: the host's position; out: the position to use. Owned by the library,
+ *                         valid during the call. Null if isLosingControl is 1.
+ * @param isLosingControl  1 if the plugin loses control, else 0.
+ * @param refcon           the refcon given to AVSKControlCamera().
+ * @return 1 to use the position; 0 to end control, after which the function is not called again.
+ *         Ignored if isLosingControl is 1.
+ *
+ * [callback, plugin enabled]
  */
 typedef int (*AVSKCameraControl_f)(AVSKCameraPosition *position, int isLosingControl, void *refcon);
 
 /**
- * Takes control of the camera for the calling plugin. A plugin that had it is not told.
+ * Takes control of the camera for the calling plugin. This always succeeds. A
+ * plugin that had control is not notified.
  *
- * @param duration    one of AVSKCameraControlDuration.
- * @param cameraFunc  called at each update. Null ends control at the first.
- * @param refcon      passed to it, may be null.
+ * @param duration    one of AVSKCameraControlDuration; not checked.
+ * @param cameraFunc  called at each camera update. With null, control ends at the first update.
+ * @param refcon      passed to cameraFunc, may be null.
+ *
+ * [main thread, any time]
  */
 AVSK_API void AVSKControlCamera(int duration, AVSKCameraControl_f cameraFunc, void *refcon);
 
-/** Ends control of the camera, whoever has it, without a call. */
+/**
+ * Ends control of the camera by any plugin. The plugin is not notified.
+ *
+ * [main thread, any time]
+ */
 AVSK_API void AVSKDontControlCamera(void);
 
 /**
- * Asks whether a plugin controls the camera.
+ * Tells whether a plugin controls the camera.
  *
- * @param outDuration  receives how long it asked for, if so; may be null.
- * @return 1 or 0.
+ * @param outDuration  receives the duration that the plugin asked for. Written only if the result
+ *                     is 1. May be null.
+ * @return 1 if a plugin controls the camera, else 0.
+ *
+ * [main thread, any time]
  */
 AVSK_API int AVSKIsCameraBeingControlled(int *outDuration);
 
 /**
- * Asks where the camera is. Control is not needed.
+ * Reads the camera position. Control is not needed. Forwards to the host
+ * service readCameraPosition.
  *
- * @param outPosition  receives it; null is ignored.
+ * @param outPosition  receives the position. Null is ignored.
+ *
+ * [main thread, initialized]
  */
 AVSK_API void AVSKReadCameraPosition(AVSKCameraPosition *outPosition);
 

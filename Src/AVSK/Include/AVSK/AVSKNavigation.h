@@ -1,9 +1,10 @@
 /**
- * AVSKNavigation.h: the simulator's navigation database and flight plan.
+ * AVSKNavigation.h: the host's navigation database and flight plan.
  *
- * Each call reaches one service of the simulator with the arguments as they
- * are, bit for bit, and returns its answer. Refs, types and indices are the
- * simulator's numbers; the library tests none of them.
+ * Each function forwards to one host service and returns its result. The
+ * library checks no argument. Navaid references, navaid types and entry
+ * indices are the host's numbers; the host decides what it does with an
+ * unknown one.
  */
 #ifndef AVSK_NAVIGATION_H
 #define AVSK_NAVIGATION_H
@@ -14,101 +15,199 @@
 extern "C" {
 #endif
 
-/** Names a navaid, airport or fix: a number of the simulator's. */
+/** Identifies a navaid, airport or fix: a number of the host's. */
 typedef int AVSKNavRef;
 
-/** Asks for the first navaid. @return the navaid. */
+/**
+ * Returns the first navaid. Forwards to the host service getFirstNavAid.
+ *
+ * @return the navaid.
+ *
+ * [main thread, initialized]
+ */
 AVSK_API AVSKNavRef AVSKGetFirstNavAid(void);
 
 /**
- * Asks for the navaid after another.
+ * Returns the navaid after another one. Forwards to the host service
+ * getNextNavAid.
  *
- * @param navAid  the other.
+ * @param navAid  the other navaid.
  * @return the navaid.
+ *
+ * [main thread, initialized]
  */
 AVSK_API AVSKNavRef AVSKGetNextNavAid(AVSKNavRef navAid);
 
 /**
- * Asks for the first navaid of a type.
+ * Returns the first navaid of a type. Forwards to the host service
+ * findFirstNavAidOfType.
  *
  * @param type  the type.
  * @return the navaid.
+ *
+ * [main thread, initialized]
  */
 AVSK_API AVSKNavRef AVSKFindFirstNavAidOfType(int type);
 
 /**
- * Asks for the last navaid of a type.
+ * Returns the last navaid of a type. Forwards to the host service
+ * findLastNavAidOfType.
  *
  * @param type  the type.
  * @return the navaid.
+ *
+ * [main thread, initialized]
  */
 AVSK_API AVSKNavRef AVSKFindLastNavAidOfType(int type);
 
 /**
- * Searches for a navaid.
+ * Searches for a navaid. Forwards to the host service findNavAid.
  *
- * @param a1,a2,a3,a4,a5,a6  six words whose meaning is the simulator's.
+ * @param a1  a word whose meaning is the host's.
+ * @param a2  a word whose meaning is the host's.
+ * @param a3  a word whose meaning is the host's.
+ * @param a4  a word whose meaning is the host's.
+ * @param a5  a word whose meaning is the host's.
+ * @param a6  a word whose meaning is the host's.
  * @return the navaid.
+ *
+ * [main thread, initialized]
  */
 AVSK_API AVSKNavRef AVSKFindNavAid(AVSKWord a1, AVSKWord a2, AVSKWord a3, AVSKWord a4, AVSKWord a5, AVSKWord a6);
 
 /**
- * Describes a navaid.
+ * Describes a navaid. Forwards to the host service getNavAidInfo.
  *
- * @param navAid                        the navaid.
- * @param a2,a3,a4,a5,a6,a7,a8,a9,a10   nine words whose meaning is the simulator's.
+ * @param navAid  the navaid.
+ * @param a2      a word whose meaning is the host's.
+ * @param a3      a word whose meaning is the host's.
+ * @param a4      a word whose meaning is the host's.
+ * @param a5      a word whose meaning is the host's.
+ * @param a6      a word whose meaning is the host's.
+ * @param a7      a word whose meaning is the host's.
+ * @param a8      a word whose meaning is the host's.
+ * @param a9      a word whose meaning is the host's.
+ * @param a10     a word whose meaning is the host's.
+ *
+ * [main thread, initialized]
  */
 AVSK_API void AVSKGetNavAidInfo(AVSKNavRef navAid, AVSKWord a2, AVSKWord a3, AVSKWord a4, AVSKWord a5, AVSKWord a6,
                                 AVSKWord a7, AVSKWord a8, AVSKWord a9, AVSKWord a10);
 
-/** Counts the entries of the flight plan. @return their number. */
+/**
+ * Counts the entries of the flight plan. Forwards to the host service
+ * countFMSEntries.
+ *
+ * @return the number of entries.
+ *
+ * [main thread, initialized]
+ */
 AVSK_API int AVSKCountFMSEntries(void);
 
-/** Asks which entry is shown. @return its index. */
+/**
+ * Returns the displayed entry. Forwards to the host service
+ * getDisplayedFMSEntry.
+ *
+ * @return the entry's index.
+ *
+ * [main thread, initialized]
+ */
 AVSK_API int AVSKGetDisplayedFMSEntry(void);
 
-/** Asks which entry is flown to. @return its index. */
+/**
+ * Returns the destination entry. Forwards to the host service
+ * getDestinationFMSEntry.
+ *
+ * @return the entry's index.
+ *
+ * [main thread, initialized]
+ */
 AVSK_API int AVSKGetDestinationFMSEntry(void);
 
-/** Shows an entry. @param index its index. */
+/**
+ * Displays an entry. Forwards to the host service setDisplayedFMSEntry.
+ *
+ * @param index  the entry's index.
+ *
+ * [main thread, initialized]
+ */
 AVSK_API void AVSKSetDisplayedFMSEntry(int index);
 
-/** Flies to an entry. @param index its index. */
+/**
+ * Makes an entry the destination. Forwards to the host service
+ * setDestinationFMSEntry.
+ *
+ * @param index  the entry's index.
+ *
+ * [main thread, initialized]
+ */
 AVSK_API void AVSKSetDestinationFMSEntry(int index);
 
 /**
- * Describes an entry.
+ * Describes an entry. Forwards to the host service getFMSEntryInfo.
  *
- * @param index              its index.
- * @param a2,a3,a4,a5,a6,a7  six words whose meaning is the simulator's.
+ * @param index  the entry's index.
+ * @param a2     a word whose meaning is the host's.
+ * @param a3     a word whose meaning is the host's.
+ * @param a4     a word whose meaning is the host's.
+ * @param a5     a word whose meaning is the host's.
+ * @param a6     a word whose meaning is the host's.
+ * @param a7     a word whose meaning is the host's.
+ *
+ * [main thread, initialized]
  */
 AVSK_API void AVSKGetFMSEntryInfo(int index, AVSKWord a2, AVSKWord a3, AVSKWord a4, AVSKWord a5, AVSKWord a6,
                                   AVSKWord a7);
 
 /**
- * Sets an entry.
+ * Sets an entry. Forwards to the host service setFMSEntryInfo.
  *
- * @param index  its index.
- * @param a2,a3  two words whose meaning is the simulator's.
+ * @param index  the entry's index.
+ * @param a2     a word whose meaning is the host's.
+ * @param a3     a word whose meaning is the host's.
+ *
+ * [main thread, initialized]
  */
 AVSK_API void AVSKSetFMSEntryInfo(int index, AVSKWord a2, AVSKWord a3);
 
 /**
- * Sets an entry to a position.
+ * Sets an entry to a position. Forwards to the host service setFMSEntryLatLon.
  *
- * @param index               its index.
- * @param latitude,longitude  the position.
- * @param a4                  a word whose meaning is the simulator's.
+ * @param index      the entry's index.
+ * @param latitude   the latitude, in the host's unit.
+ * @param longitude  the longitude, in the host's unit.
+ * @param a4         a word whose meaning is the host's.
+ *
+ * [main thread, initialized]
  */
 AVSK_API void AVSKSetFMSEntryLatLon(int index, float latitude, float longitude, AVSKWord a4);
 
-/** Clears an entry. @param index its index. */
+/**
+ * Clears an entry. Forwards to the host service clearFMSEntry.
+ *
+ * @param index  the entry's index.
+ *
+ * [main thread, initialized]
+ */
 AVSK_API void AVSKClearFMSEntry(int index);
 
-/** Asks for the type of the GPS destination. @return the navaid type. */
+/**
+ * Returns the type of the GPS destination. Forwards to the host service
+ * getGPSDestinationType.
+ *
+ * @return the navaid type.
+ *
+ * [main thread, initialized]
+ */
 AVSK_API int AVSKGetGPSDestinationType(void);
 
-/** Asks for the GPS destination. @return the navaid. */
+/**
+ * Returns the GPS destination. Forwards to the host service getGPSDestination.
+ *
+ * @return the navaid.
+ *
+ * [main thread, initialized]
+ */
 AVSK_API AVSKNavRef AVSKGetGPSDestination(void);
 
 #ifdef __cplusplus

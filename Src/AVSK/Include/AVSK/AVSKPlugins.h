@@ -1,10 +1,6 @@
 /**
- * AVSKPlugins.h: the entry points a plugin exports, and how plugins find,
- * ask about, enable and message one another.
- *
- * Everything here runs on the simulator's main thread. "The calling plugin"
- * is the plugin whose entry point or callback the library is inside of at the
- * time of the call; outside of any, it is the simulator (ID 0).
+ * AVSKPlugins.h: the entry points that a plugin exports, and the functions by
+ * which plugins find, describe, enable and message each other.
  */
 #ifndef AVSK_PLUGINS_H
 #define AVSK_PLUGINS_H
@@ -15,117 +11,156 @@
 extern "C" {
 #endif
 
-/* Entry points, defined by the plugin. Only AVPluginStart is required. */
+/* ---- Entry points, defined by the plugin. Only AVPluginStart is required. */
 
 /**
- * Starts the plugin. Called once, right after its file was loaded, before it is enabled.
+ * Starts the plugin. Called once, after its file was loaded and before the plugin
+ * is enabled.
  *
- * What the plugin registers here belongs to it; callbacks begin once it is
- * enabled. A plugin that refuses is unloaded without a stop call, so give
- * back what you registered before you refuse.
+ * What the plugin registers in this call belongs to it. Its callbacks are called
+ * once it is enabled. A plugin that refuses to start gets no stop call, and what
+ * it registered is not removed: unregister it before returning 0.
  *
- * @param outName         256 bytes for the display name, zero-terminated. Not cleared beforehand.
- * @param outSignature    256 bytes for a signature that no other plugin has, by custom
- *                        "organisation.project.plugin". Must not be empty. The plugin
- *                        that was loaded first with a signature wins.
- * @param outDescription  256 bytes for a sentence about the plugin.
- * @return non-zero to accept, 0 to refuse to start.
+ * @param outName         a buffer of 256 bytes for the display name, zero-terminated; an empty text
+ *                        at first.
+ * @param outSignature    a buffer of 256 bytes for a signature that is different from every other
+ *                        plugin's, by convention "organisation.project.plugin"; an empty text at
+ *                        first. A plugin whose signature is empty or in use is unloaded.
+ * @param outDescription  a buffer of 256 bytes for a sentence about the plugin; an empty text at
+ *                        first.
+ * @return non-zero to start, 0 to refuse.
+ *
+ * [callback, any state]
  */
 AVSK_API int AVPluginStart(char *outName, char *outSignature, char *outDescription);
 
 /**
- * Ends the plugin, just before it is unloaded. Called whether or not the
- * plugin is enabled. What it still owns is torn down afterwards.
+ * Stops the plugin. Called once, just before the plugin is unloaded, whether or
+ * not it is enabled. After this call the library removes everything that the
+ * plugin still owns.
+ *
+ * [callback, any state]
  */
 AVSK_API void AVPluginStop(void);
 
 /**
- * Asks the plugin to begin its work.
+ * Enables the plugin. Called while it is disabled: AVSKIsPluginEnabled() of its
+ * own ID returns 0 during the call. When the call returns non-zero, the plugin
+ * becomes enabled and its callbacks are called.
  *
- * AVSKIsPluginEnabled() of its own ID is still 0 in here.
+ * @return non-zero to become enabled, 0 to stay disabled.
  *
- * @return non-zero to accept; 0 leaves the plugin loaded and disabled.
+ * [callback, any state]
  */
 AVSK_API int AVPluginEnable(void);
 
 /**
- * Tells the plugin that it gets no more callbacks until it is enabled again.
- * Its focus, mouse capture, camera and aircraft control are already gone, and
- * AVSKIsPluginEnabled() of its own ID is 0.
+ * Notifies the plugin that it was disabled. No callback is called until it is
+ * enabled again. It no longer has the keyboard focus, the mouse, the camera or
+ * the other aircraft, and AVSKIsPluginEnabled() of its own ID returns 0.
+ *
+ * [callback, any state]
  */
 AVSK_API void AVPluginDisable(void);
 
 /**
- * Receives a message, inside the sender's call. Disabled plugins hear nothing.
+ * Receives a message, inside the sender's call.
  *
- * @param sender     the plugin that sent it; 0 for the simulator.
- * @param message    what it is about. 101 to 108 are the simulator's.
- * @param parameter  agreed between sender and receiver, may be null.
+ * @param sender     the plugin that sent the message; 0 for the host.
+ * @param message    the message's number. 101 to 108 are the host's.
+ * @param parameter  agreed between sender and receiver, may be null. The sender owns what it points
+ *                   to; it is valid during the call.
+ *
+ * [callback, plugin enabled]
  */
 AVSK_API void AVPluginReceiveMessage(AVSKPluginID sender, int message, void *parameter);
 
-/** Called with one English sentence about a misuse of the interface. The text is static. */
+/* ---- Callbacks */
+
+/**
+ * Receives an error: a misuse of the interface by the plugin that set the
+ * callback. Called inside the offending call.
+ *
+ * @param message  one English sentence; owned by the library, valid for the life of the process.
+ *
+ * [callback, any state]
+ */
 typedef void (*AVSKError_f)(const char *message);
 
 /**
- * Called once per feature by AVSKEnumerateFeatures().
+ * Receives the name of one feature. Called inside AVSKEnumerateFeatures().
  *
- * @param name       the feature's name, a static text.
- * @param reference  what the caller of AVSKEnumerateFeatures() passed.
+ * @param name       the feature's name; owned by the library, valid for the life of the process.
+ * @param reference  the reference given to AVSKEnumerateFeatures().
+ *
+ * [callback, any state]
  */
 typedef void (*AVSKFeatureEnumerator_f)(const char *name, void *reference);
 
+/* ---- Plugins */
+
 /**
- * Tells the calling plugin who it is.
+ * Returns the ID of the calling plugin.
  *
- * @return the calling plugin's ID; -1 in code that runs on after its plugin was unloaded
- *         from inside its own callback.
+ * @return the ID; 0 outside of every entry point and callback; -1 in a callback of a plugin that was
+ *         unloaded during that callback.
+ *
+ * [main thread, any time]
  */
 AVSK_API AVSKPluginID AVSKGetMyID(void);
 
 /**
  * Counts the plugins.
  *
- * @return the number of plugins known, the simulator and disabled plugins included.
+ * @return the number of plugins, the host and disabled plugins included.
+ *
+ * [main thread, any time]
  */
 AVSK_API int AVSKCountPlugins(void);
 
 /**
- * Names the plugin at an index. IDs are indices: the index is returned as it is, unchecked.
+ * Returns the ID of the plugin at an index. IDs are indices, so the index is
+ * returned unchanged.
  *
- * @param index  from 0 to AVSKCountPlugins() - 1.
+ * @param index  from 0 to AVSKCountPlugins() - 1; not checked.
  * @return the index.
+ *
+ * [main thread, any time]
  */
 AVSK_API AVSKPluginID AVSKGetNthPlugin(int index);
 
 /**
- * Finds a plugin by its file.
+ * Finds a plugin by its path.
  *
- * @param path  UTF-8, compared byte for byte with the full path the plugin was loaded from.
- *              Null finds nothing. The simulator's is "corvane.aerivo.aerivo".
- * @return the first plugin with that path, else -1.
+ * @param path  the full path from which the plugin was loaded, UTF-8, compared byte for byte. The
+ *              host's path is "corvane.aerivo.aerivo". Null finds nothing.
+ * @return the first plugin with that path; -1 if there is none.
+ *
+ * [main thread, any time]
  */
 AVSK_API AVSKPluginID AVSKFindPluginByPath(const char *path);
 
 /**
  * Finds a plugin by its signature.
  *
- * @param signature  compared byte for byte. Null finds nothing. The simulator has an empty one.
- * @return the first plugin with that signature, else -1.
+ * @param signature  compared byte for byte. The host's signature is empty. Null finds nothing.
+ * @return the first plugin with that signature; -1 if there is none.
+ *
+ * [main thread, any time]
  */
 AVSK_API AVSKPluginID AVSKFindPluginBySignature(const char *signature);
 
 /**
- * Describes a plugin.
+ * Describes a plugin. Each text is UTF-8, cut to 255 bytes and zero-terminated.
+ * The texts are empty if no plugin has the ID.
  *
- * Each text is cut to 255 bytes and zero-terminated. An ID that is not in use
- * gets empty texts.
+ * @param plugin          the plugin, any number.
+ * @param outName         a buffer of 256 bytes, receives the display name; may be null.
+ * @param outPath         a buffer of 256 bytes, receives the full path; may be null.
+ * @param outSignature    a buffer of 256 bytes, receives the signature; may be null.
+ * @param outDescription  a buffer of 256 bytes, receives the description; may be null.
  *
- * @param plugin          the plugin to describe.
- * @param outName         256 bytes for its display name, or null.
- * @param outPath         256 bytes for its file's full path, or null.
- * @param outSignature    256 bytes for its signature, or null.
- * @param outDescription  256 bytes for its description, or null.
+ * [main thread, any time]
  */
 AVSK_API void AVSKGetPluginInfo(AVSKPluginID plugin, char *outName, char *outPath, char *outSignature,
                                 char *outDescription);
@@ -133,98 +168,126 @@ AVSK_API void AVSKGetPluginInfo(AVSKPluginID plugin, char *outName, char *outPat
 /**
  * Tells whether a plugin is enabled.
  *
- * @param plugin  any number.
- * @return 1 if that plugin is enabled, 0 if it is not or does not exist.
+ * @param plugin  the plugin, any number.
+ * @return 1 if the plugin is enabled, else 0; 0 if no plugin has the ID.
+ *
+ * [main thread, any time]
  */
 AVSK_API int AVSKIsPluginEnabled(AVSKPluginID plugin);
 
 /**
- * Enables a plugin: calls its AVPluginEnable and hands it the results that
- * arrived while it was disabled, newest first. On an enabled plugin only the
- * second happens. The simulator (ID 0) cannot be enabled or disabled.
+ * Enables a plugin: calls its AVPluginEnable, then delivers the results that
+ * arrived while it was disabled, the newest first. If the plugin is enabled
+ * already, only results are delivered. Nothing happens to the host (ID 0).
  *
- * @param plugin  any number.
- * @return 1 if the plugin is enabled afterwards, else 0.
+ * @param plugin  the plugin, any number.
+ * @return 1 if the plugin is enabled after the call, else 0; 0 for the host.
+ *
+ * [main thread, any time]
  */
 AVSK_API int AVSKEnablePlugin(AVSKPluginID plugin);
 
 /**
- * Disables a plugin: takes the keyboard focus, the mouse, the camera and the
- * aircraft from it, then calls its AVPluginDisable. What it registered stays,
- * silent. A disabled or unknown plugin and the simulator are left alone.
+ * Disables a plugin: takes the keyboard focus, the mouse, the camera and the other
+ * aircraft from it, then calls its AVPluginDisable. Its registrations stay, but
+ * its callbacks are not called. Nothing happens to the host, a disabled plugin
+ * or an unknown ID.
  *
- * @param plugin  any number; a plugin may disable itself.
+ * @param plugin  the plugin, any number. A plugin may disable itself.
+ *
+ * [main thread, any time]
  */
 AVSK_API void AVSKDisablePlugin(AVSKPluginID plugin);
 
 /**
- * Asks for every plugin to be unloaded and loaded afresh. It happens at the
- * end of the next flight-loop pass, so it is safe in any callback; asking
- * twice reloads once. Scenery plugins return when their scenery is reported again.
+ * Requests that all plugins are unloaded and loaded again. This happens at the
+ * end of the next flight-loop pass. Two requests cause one reload. Scenery
+ * plugins are loaded when the host reports their scenery again.
+ *
+ * [main thread, any time]
  */
 AVSK_API void AVSKReloadPlugins(void);
 
 /**
- * Sends a message, which is received before the call returns. Plugins that
- * are disabled or have no AVPluginReceiveMessage are passed over.
+ * Sends a message. The receiver handles it before the call returns. Plugins that
+ * are disabled or have no AVPluginReceiveMessage are skipped.
  *
- * @param target     the receiver; -1 for everybody in order of ID, the simulator and the
- *                   sender included. An ID that is not in use is ignored.
- * @param message    what it is about.
- * @param parameter  passed on as it is; must stay valid until the call returns.
+ * @param target     the receiver; -1 for all plugins in the order of their IDs, the host and the
+ *                   sender included. An ID that no plugin has is ignored.
+ * @param message    the message's number.
+ * @param parameter  passed on unchanged, may be null; must stay valid until the call returns.
+ *
+ * [main thread, any time]
  */
 AVSK_API void AVSKSendMessageToPlugin(AVSKPluginID target, int message, void *parameter);
 
+/* ---- Features */
+
 /**
- * Tells whether the library knows a feature.
+ * Tells whether the library has a feature. With "AVSK_WANTS_REFLECTIONS" the
+ * plugin's draw callbacks are also called in passes that draw reflections; with
+ * "AVSK_USE_NATIVE_PATHS" its paths are not converted.
  *
- * @param name  compared exactly; null is unknown. "AVSK_WANTS_REFLECTIONS" has draw
- *              callbacks called in reflection passes too, "AVSK_USE_NATIVE_PATHS" leaves
- *              paths unconverted.
- * @return 1 if it does, else 0.
+ * @param name  the feature's name, compared byte for byte. Null is unknown.
+ * @return 1 if the library has the feature, else 0.
+ *
+ * [main thread, any time]
  */
 AVSK_API int AVSKHasFeature(const char *name);
 
 /**
  * Reads the calling plugin's setting of a feature.
  *
- * @param name  a known name. Another one is reported to the error callback, with a
- *              message that names AVSKEnableFeature.
+ * @param name  the feature's name. If it is unknown or null, the error callback receives
+ *              "Illegal feature name passed to AVSKEnableFeature", which names the other function.
  * @return the value stored last, at first 0; 0 for an unknown name.
+ *
+ * [main thread, any time]
  */
 AVSK_API int AVSKIsFeatureEnabled(const char *name);
 
 /**
- * Switches a feature for the calling plugin only. It takes effect at its next use.
+ * Sets a feature for the calling plugin only. The setting takes effect when the
+ * library next reads it.
  *
- * @param name    a known name. Another one is reported to the error callback:
+ * @param name    the feature's name. If it is unknown or null, the error callback receives
  *                "Illegal feature name passed to AVSKEnableFeature".
- * @param enable  stored as it is; any value but 0 means on.
+ * @param enable  0 to switch the feature off, non-zero to switch it on; stored unchanged.
+ *
+ * [main thread, any time]
  */
 AVSK_API void AVSKEnableFeature(const char *name, int enable);
 
 /**
- * Lists the features the library knows, in a fixed order.
+ * Lists the features of the library in a fixed order.
  *
  * @param callback   called once per feature before the call returns. Null lists nothing.
- * @param reference  passed to the callback.
+ * @param reference  passed to the callback, may be null.
+ *
+ * [main thread, any time]
  */
 AVSK_API void AVSKEnumerateFeatures(AVSKFeatureEnumerator_f callback, void *reference);
 
+/* ---- Errors */
+
 /**
- * Registers a function that hears of the calling plugin's own misuse of the
- * interface. Without one nothing is reported, and some checks are not made at
- * all: set it while you develop, and break in it.
+ * Sets the calling plugin's error callback. Without one, errors are not reported
+ * and some checks are skipped. Set one during development and put a breakpoint
+ * into it.
  *
- * @param callback  called inside the offending call; null ends reporting.
+ * @param callback  called inside the offending call; null ends the reports.
+ *
+ * [main thread, any time]
  */
 AVSK_API void AVSKSetErrorCallback(AVSKError_f callback);
 
 /**
- * Labels the calling plugin for a debugger's or a log's eye.
+ * Returns a label of the calling plugin for a debugger or a log.
  *
- * @return the plugin's name, or a label in square brackets for the simulator, no plugin
- *         and bad IDs. Owned by the library; valid until a plugin is loaded or unloaded.
+ * @return the plugin's name; a label in square brackets for the host, for no plugin and for an
+ *         invalid ID. Owned by the library, valid until a plugin is loaded or unloaded.
+ *
+ * [main thread, any time]
  */
 AVSK_API const char *AVSKDebugGetCurrentPluginName(void);
 

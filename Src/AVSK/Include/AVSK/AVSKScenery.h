@@ -12,144 +12,184 @@ extern "C" {
 
 /* ---- Terrain probes */
 
-/** Names a probe. Valid until it is destroyed or the plugin that created it unloaded. */
+/**
+ * Identifies a probe. Owned by the library. Valid until the probe is destroyed
+ * or the plugin that created it is unloaded.
+ */
 typedef struct AVSKProbe_t *AVSKProbeRef;
 
-/** The only type of probe that answers. */
+/** The only type of probe that finds terrain. */
 #define AVSK_PROBE_Y 0
 
-/** What a probe found. */
+/** The result of AVSKProbeTerrainXYZ(). */
 typedef enum AVSKProbeResult {
-    /** Terrain. */
+    /** The probe found terrain. */
     AVSKProbeHit = 0,
-    /** Nothing was asked: a bad probe, probe type or structure size. */
+    /** The probe, its type or the structure's size is wrong. The host was not asked. */
     AVSKProbeError = 1,
-    /** No terrain. */
+    /** The probe found no terrain. */
     AVSKProbeMissed = 2
 } AVSKProbeResult;
 
-/** Where a probe hit; filled by the simulator. 44 bytes. */
+/** What a probe found, filled by the host. 44 bytes. */
 typedef struct AVSKProbeInfo {
     /** sizeof(AVSKProbeInfo), set by the caller. */
     int structSize;
-    /** Three triples; their meaning is the simulator's. */
+    /** Three numbers whose meaning is the host's. */
     float triple1[3];
+    /** Three numbers whose meaning is the host's. */
     float triple2[3];
+    /** Three numbers whose meaning is the host's. */
     float triple3[3];
-    /** A flag of the simulator's. */
+    /** A flag whose meaning is the host's. */
     int flag;
 } AVSKProbeInfo;
 
 /**
- * Creates a probe that belongs to the calling plugin. Probes are cheap to use and worth keeping.
+ * Creates a probe that belongs to the calling plugin. Create a probe once and use
+ * it often. May call the host service createProbe.
  *
- * @param type  AVSK_PROBE_Y; a probe of another type answers AVSKProbeError.
+ * @param type  AVSK_PROBE_Y. A probe of another type is created and always returns AVSKProbeError.
  * @return the probe.
+ *
+ * [main thread, initialized]
  */
 AVSK_API AVSKProbeRef AVSKCreateProbe(int type);
 
 /**
  * Destroys a probe.
  *
- * @param probe  the probe, any plugin's; an unknown one is ignored.
+ * @param probe  a probe of any plugin. Null and an unknown probe are ignored.
+ *
+ * [main thread, any time]
  */
 AVSK_API void AVSKDestroyProbe(AVSKProbeRef probe);
 
 /**
- * Looks for the terrain below or above a point.
+ * Finds the terrain below or above a point. Calls the host service probeTerrain.
  *
- * @param probe    the probe.
- * @param x,y,z    the point, in the simulator's local coordinates.
- * @param outInfo  receives what was found; its structSize must be set.
+ * @param probe    a probe of any plugin. Null and an unknown probe are an AVSKProbeError.
+ * @param x        the point, in the host's local coordinates.
+ * @param y        the point, second coordinate.
+ * @param z        the point, third coordinate.
+ * @param outInfo  receives what was found. Its structSize must be set. Null is an AVSKProbeError.
  * @return one of AVSKProbeResult.
+ *
+ * [main thread, initialized]
  */
 AVSK_API int AVSKProbeTerrainXYZ(AVSKProbeRef probe, float x, float y, float z, AVSKProbeInfo *outInfo);
 
 /* ---- Objects */
 
-/** Names a loaded object. The simulator's; null is no object. */
+/** Identifies a loaded object. Owned by the host. Null is no object. */
 typedef void *AVSKObjectRef;
 
-/** Where to draw an instance of an object. 28 bytes. */
+/** Where to draw one instance of an object. 28 bytes. */
 typedef struct AVSKDrawInfo {
     /** sizeof(AVSKDrawInfo). */
     int structSize;
-    /** The place, in the simulator's local coordinates. */
+    /** The place, in the host's local coordinates. */
     float x;
+    /** The place, second coordinate. */
     float y;
+    /** The place, third coordinate. */
     float z;
-    /** Three angles; their meaning is the simulator's. */
+    /** An angle whose meaning is the host's. */
     float angle1;
+    /** An angle whose meaning is the host's. */
     float angle2;
+    /** An angle whose meaning is the host's. */
     float angle3;
 } AVSKDrawInfo;
 
 /**
- * Receives an object that was loaded asynchronously. The object belongs to
- * the plugin once the call has returned.
+ * Receives an object that was loaded asynchronously. The object belongs to the
+ * plugin once the function has returned: AVSKUnloadObject() of it inside the
+ * function is an error.
  *
  * @param object  the object; null if it could not be loaded.
- * @param refcon  what was given with the request.
+ * @param refcon  the refcon given to AVSKLoadObjectAsync().
+ *
+ * [callback, plugin enabled]
  */
 typedef void (*AVSKObjectLoaded_f)(AVSKObjectRef object, void *refcon);
 
 /**
- * Receives a path found by AVSKLookupObjects().
+ * Receives a path that AVSKLookupObjects() found. The host calls it, inside that
+ * call.
  *
- * @param path    a file's path.
- * @param refcon  what was given with the search.
+ * @param path    the path of a file; owned by the host, valid during the call.
+ * @param refcon  the refcon given to AVSKLookupObjects().
+ *
+ * [callback, any state]
  */
 typedef void (*AVSKLibraryEnumerator_f)(const char *path, void *refcon);
 
 /**
- * Loads an object and makes it the calling plugin's. Each load is undone by one unload.
+ * Loads an object through the host service loadObject. The object belongs to the
+ * calling plugin. Each load needs one AVSKUnloadObject(); unloading the plugin
+ * unloads the rest.
  *
- * @param path  its file, as the simulator understands it; passed on as it is.
- * @return the object; null if it could not be loaded, which is reported nowhere.
+ * @param path  the file, as the host names it; passed on unchanged.
+ * @return the object; null if it could not be loaded, which is not reported.
+ *
+ * [main thread, initialized]
  */
 AVSK_API AVSKObjectRef AVSKLoadObject(const char *path);
 
 /**
- * Loads an object while the simulator goes on. While the plugin is disabled
- * the result waits; if the plugin is unloaded, the object is given back.
+ * Loads an object through the host service loadObjectAsync. The callback receives
+ * it later or inside this call. If the plugin is disabled when the object
+ * arrives, the callback is called when the plugin is enabled. If the plugin is
+ * unloaded, the object is unloaded and the callback is not called.
  *
- * @param path      its file, as the simulator understands it; passed on as it is.
- * @param callback  receives the object, later or within this call; may be null.
- * @param refcon    passed to it, may be null.
+ * @param path      the file, as the host names it; passed on unchanged.
+ * @param callback  receives the object, which then belongs to the plugin; may be null.
+ * @param refcon    passed to the callback, may be null.
+ *
+ * [main thread, initialized]
  */
 AVSK_API void AVSKLoadObjectAsync(const char *path, AVSKObjectLoaded_f callback, void *refcon);
 
 /**
- * Draws instances of an object of the calling plugin, from a draw callback.
+ * Draws instances of an object. Calls the host service drawObject once for each.
  *
- * With an error callback set, another plugin's object ("Illegal object, or
- * object not owned by this plugin.") and a wrong size ("Struct size mismatch
- * for AVSKDrawObjects") are reported and nothing is drawn.
+ * The arguments are checked only if the calling plugin has an error callback. It
+ * receives "Illegal object, or object not owned by this plugin." or
+ * "Struct size mismatch for AVSKDrawObjects", and nothing is drawn.
  *
  * @param object         the object.
- * @param count          how many instances; 0 and less draws nothing.
- * @param infos          count places.
- * @param lighting       an option of the simulator's.
- * @param earthRelative  another.
+ * @param count          the number of instances. With 0 or less nothing is drawn.
+ * @param infos          count places; not changed. With null nothing is drawn.
+ * @param lighting       a flag whose meaning is the host's.
+ * @param earthRelative  a flag whose meaning is the host's.
+ *
+ * [main thread, drawing]
  */
 AVSK_API void AVSKDrawObjects(AVSKObjectRef object, int count, AVSKDrawInfo *infos, int lighting, int earthRelative);
 
 /**
- * Gives back an object of the calling plugin.
+ * Unloads an object of the calling plugin through the host service unloadObject.
  *
- * @param object  the object. One that is not the caller's is reported to the error callback:
- *                "Unknown object for AVSKUnloadObject".
+ * @param object  the object. If it is null or does not belong to the calling plugin, the error
+ *                callback receives "Unknown object for AVSKUnloadObject".
+ *
+ * [main thread, initialized]
  */
 AVSK_API void AVSKUnloadObject(AVSKObjectRef object);
 
 /**
- * Searches the simulator's library of objects. The arguments reach it as they are.
+ * Searches the host's library of objects. Forwards to the host service
+ * lookupObjects.
  *
- * @param path                a path in the library.
- * @param latitude,longitude  where the object would stand.
- * @param enumerator          called for each file found, within the call.
- * @param refcon              passed to it, may be null.
- * @return how many were found.
+ * @param path        a path in the library, as the host names it.
+ * @param latitude    the place at which the object is to be drawn, in the host's unit.
+ * @param longitude   the place at which the object is to be drawn, in the host's unit.
+ * @param enumerator  called for each file found, inside this call.
+ * @param refcon      passed to the enumerator, may be null.
+ * @return the number of files found.
+ *
+ * [main thread, initialized]
  */
 AVSK_API int AVSKLookupObjects(const char *path, float latitude, float longitude, AVSKLibraryEnumerator_f enumerator,
                                void *refcon);

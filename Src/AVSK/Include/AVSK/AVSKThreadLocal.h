@@ -1,7 +1,7 @@
 /**
- * AVSKThreadLocal.h: one value per thread behind a key, for plugins that
- * start threads of their own. These three calls, alone in the interface, may
- * be made on any thread.
+ * AVSKThreadLocal.h: thread-local values, for plugins that start threads of
+ * their own. These are the only functions of the interface that may be called
+ * on any thread.
  */
 #ifndef AVSK_THREAD_LOCAL_H
 #define AVSK_THREAD_LOCAL_H
@@ -13,31 +13,37 @@ extern "C" {
 #endif
 
 /**
- * Creates a key under which every thread keeps a value of its own, at first null.
+ * Creates a key under which each thread stores one value, null at first.
  *
- * Keys are never given back, not even when the plugin is unloaded: make one
- * and keep it. A process has a limited number (1,024 on Linux); a failure to
- * make one is not reported.
+ * A key is never freed, not even when the plugin is unloaded: create it once
+ * and keep it. A process has a limited number of keys (1,024 on Linux).
  *
- * @return the new key.
+ * @return the new key. If the system has no key left, a number that is not a key; this is not
+ *         reported.
+ *
+ * [any thread]
  */
 AVSK_API unsigned int AVSKAllocTLS(void);
 
 /**
  * Reads the calling thread's value.
  *
- * @param key  from AVSKAllocTLS().
- * @return the value last stored by this thread; null if there was none or the key is unknown.
+ * @param key  a key from AVSKAllocTLS().
+ * @return the value that this thread stored last; null if it stored none or the key is unknown.
+ *
+ * [any thread]
  */
 AVSK_API void *AVSKGetTLS(unsigned int key);
 
 /**
- * Stores the calling thread's value. The library never frees what it points
- * to: no destructor runs when the thread ends.
+ * Stores the calling thread's value. The plugin owns what the value points
+ * to: the library never frees it, and no destructor runs when the thread ends.
  *
- * @param key    from AVSKAllocTLS().
+ * @param key    a key from AVSKAllocTLS().
  * @param value  any pointer, may be null.
- * @return 0 on success, else the error number of the platform (EINVAL for an unknown key).
+ * @return 0 on success, else the system's error number (EINVAL for an unknown key).
+ *
+ * [any thread]
  */
 AVSK_API int AVSKSetTLS(unsigned int key, void *value);
 

@@ -1,7 +1,6 @@
 /**
- * AVSKUtilities.h: commands, keys, buttons, paths and folders, the log,
- * versions, language, speech, data files and the simulator's own symbols.
- * Calls that forward go to the simulator and mean what it makes of them.
+ * AVSKUtilities.h: the log, versions, data files, commands, keys, buttons,
+ * paths and folders.
  */
 #ifndef AVSK_UTILITIES_H
 #define AVSK_UTILITIES_H
@@ -12,162 +11,212 @@
 extern "C" {
 #endif
 
-/** The version of the interface that AVSKGetVersions() reports for the library. */
+/** The library's version, as AVSKGetVersions() reports it. */
 #define AVSK_VERSION 210
 
 /**
- * Writes a text to the simulator's log, unchanged. End your lines with "\n".
+ * Writes a text to the host's log, unchanged. End a line with "\n". Forwards to
+ * the host service debugString.
  *
  * @param text  UTF-8, not null.
+ *
+ * [main thread, initialized]
  */
 AVSK_API void AVSKDebugString(const char *text);
 
 /**
- * Has the simulator speak or show a text.
+ * Makes the host speak or show a text. Forwards to the host service speakString.
  *
  * @param text  UTF-8, not null.
+ *
+ * [main thread, initialized]
  */
 AVSK_API void AVSKSpeakString(const char *text);
 
-/** Has the simulator load its scenery again. */
+/**
+ * Makes the host load its scenery again. Calls the host service reloadScenery.
+ *
+ * [main thread, initialized]
+ */
 AVSK_API void AVSKReloadScenery(void);
 
 /**
- * Asks for the simulator's language.
+ * Returns the host's language. Forwards to the host service getLanguage.
  *
- * @return the simulator's code for it.
+ * @return the host's code for the language.
+ *
+ * [main thread, initialized]
  */
 AVSK_API int AVSKGetLanguage(void);
 
 /**
- * Asks for versions. Each pointer may be null.
+ * Reads the versions of the host and the library. Calls the host service
+ * getVersions.
  *
- * @param hostVersion  receives the simulator's version.
- * @param libVersion   receives the library's version, AVSK_VERSION.
- * @param hostValue    receives a second number of the simulator's choice.
+ * @param hostVersion  receives the host's version, may be null.
+ * @param libVersion   receives the library's version, AVSK_VERSION; may be null.
+ * @param hostValue    receives a second number of the host's choice, may be null.
+ *
+ * [main thread, initialized]
  */
 AVSK_API void AVSKGetVersions(int *hostVersion, int *libVersion, int *hostValue);
 
 /**
- * Looks up a function that the simulator itself exports to plugins.
+ * Finds a function that the host exports. Forwards to the host service
+ * findSymbol.
  *
- * @param name  its name.
- * @return its address, owned by the simulator; null if there is none.
+ * @param name  the function's name.
+ * @return the function's address, owned by the host; null if the host has no such function.
+ *
+ * [main thread, initialized]
  */
 AVSK_API void *AVSKFindSymbol(const char *name);
 
 /**
- * Tells whether the library has been started.
+ * Tells whether the host has called AVSKInitializePlugins().
  *
- * @return 1 once the simulator has handed over its services, before that 0.
+ * @return 1 if it has, else 0.
+ *
+ * [main thread, any time]
  */
 AVSK_API int AVSKInitialized(void);
 
 /**
- * Loads a data file through the simulator.
+ * Loads a data file through the host service loadDataFile.
  *
- * @param fileType  1 or 2, the simulator's file types. Another is reported to the error
- *                  callback ("Illegal file type passed to AVSKLoadDataFile.").
- * @param path      UTF-8.
- * @return the simulator's answer; 0 for a bad file type.
+ * @param fileType  1 or 2, the host's file types. With another type the error callback receives
+ *                  "Illegal file type passed to AVSKLoadDataFile."
+ * @param path      UTF-8. With null nothing is loaded.
+ * @return the host's result; 0 for an illegal file type or a null path.
+ *
+ * [main thread, initialized]
  */
 AVSK_API int AVSKLoadDataFile(int fileType, const char *path);
 
 /**
- * Saves a data file through the simulator.
+ * Saves a data file through the host service saveDataFile.
  *
- * @param fileType  1 or 2, the simulator's file types. Another is reported to the error
- *                  callback ("Illegal file type passed to AVSKSaveDataFile.").
- * @param path      UTF-8. Null is reported ("Null file path passed to AVSKSaveDataFile.").
- * @return the simulator's answer; 0 for a bad argument.
+ * @param fileType  1 or 2, the host's file types. With another type the error callback receives
+ *                  "Illegal file type passed to AVSKSaveDataFile."
+ * @param path      UTF-8. With null the error callback receives
+ *                  "Null file path passed to AVSKSaveDataFile."
+ * @return the host's result; 0 for an illegal argument.
+ *
+ * [main thread, initialized]
  */
 AVSK_API int AVSKSaveDataFile(int fileType, const char *path);
 
 /* ---- Commands */
 
-/** Names a command. The simulator's; compared by value, valid for ever. Null is no command. */
+/**
+ * Identifies a command. Owned by the host and never freed; compare it by
+ * value. Null is no command.
+ */
 typedef void *AVSKCommandRef;
 
 /** Phases of a command. */
 typedef enum AVSKCommandPhase {
     /** The command begins. */
     AVSKCommandPhaseBegin = 0,
-    /** It is held; reported once a frame. */
+    /** The command is held. Reported once a frame. */
     AVSKCommandPhaseContinue = 1,
-    /** It ends. */
+    /** The command ends. */
     AVSKCommandPhaseEnd = 2
 } AVSKCommandPhase;
 
 /**
- * Handles a phase of a command. It may register and unregister handlers, of this command too.
+ * Handles a phase of a command. It may register and unregister handlers, also of
+ * this command.
  *
  * @param command  the command.
  * @param phase    one of AVSKCommandPhase.
- * @param refcon   what was given at registration.
- * @return 0 stops the command: no later handler and, before the simulator, not the simulator
- *         either gets this phase. Otherwise it goes on.
+ * @param refcon   the refcon given at registration.
+ * @return non-zero to pass the phase on. 0 to stop it: the handlers that follow are not called,
+ *         and a host that has not acted yet does not act.
+ *
+ * [callback, plugin enabled]
  */
 typedef int (*AVSKCommandHandler_f)(AVSKCommandRef command, int phase, void *refcon);
 
 /**
- * Finds a command.
+ * Finds a command. Calls the host service findCommand.
  *
- * @param name  its name.
- * @return the command, or null if there is none.
+ * @param name  the command's name.
+ * @return the command; null if there is none with that name.
+ *
+ * [main thread, initialized]
  */
 AVSK_API AVSKCommandRef AVSKFindCommand(const char *name);
 
 /**
- * Creates a command, or finds the one with that name.
+ * Creates a command, or finds the one with that name. Calls the host service
+ * findCommand. A name that starts with "sim/" is an error: the error callback
+ * receives "Plugin is illegally registering a command with the prefix sim/", the
+ * log receives a warning, and the command is created.
  *
- * @param name         its name, by custom "organisation/plugin/action". One that starts with
- *                     "sim/" is complained about, to the error callback and in the log, and
- *                     created all the same.
+ * @param name         the name, by convention "organisation/plugin/action".
  * @param description  a text for the user.
  * @return the command.
+ *
+ * [main thread, initialized]
  */
 AVSK_API AVSKCommandRef AVSKCreateCommand(const char *name, const char *description);
 
 /**
- * Begins a command on the calling plugin's account. Until it ends it is
- * continued once a frame while the plugin is enabled; it ends by itself when
- * the plugin is unloaded.
+ * Begins a command and holds it for the calling plugin. While the plugin is
+ * enabled, the command is continued once a frame. Unloading the plugin ends it.
+ * Calls the host service beginCommand.
  *
  * @param command  the command.
+ *
+ * [main thread, initialized]
  */
 AVSK_API void AVSKCommandBegin(AVSKCommandRef command);
 
 /**
- * Ends a command. Another plugin that holds it goes on holding it.
+ * Ends a command. Only the calling plugin's hold ends: another plugin that holds
+ * the command keeps continuing it. Calls the host service endCommand.
  *
  * @param command  the command.
+ *
+ * [main thread, initialized]
  */
 AVSK_API void AVSKCommandEnd(AVSKCommandRef command);
 
 /**
- * Begins and ends a command.
+ * Begins and ends a command. Calls the host services beginCommand and endCommand.
  *
  * @param command  the command.
+ *
+ * [main thread, initialized]
  */
 AVSK_API void AVSKCommandOnce(AVSKCommandRef command);
 
 /**
- * Registers a handler of the calling plugin for a command. Handlers before
- * the simulator are called newest first, those after it oldest first. The
- * same one may be registered twice, and is then called twice.
+ * Registers a handler of the calling plugin for a command. The handlers before
+ * the host are called newest first, those after the host oldest first. A handler
+ * that is registered twice is called twice.
  *
  * @param command  the command.
- * @param handler  the function.
- * @param before   non-zero: before the simulator acts on the command, 0: after.
- * @param refcon   passed to it, may be null.
+ * @param handler  the function. A null function is registered and never called.
+ * @param before   non-zero: called before the host acts on the command. 0: called after.
+ * @param refcon   passed to the handler, may be null.
+ *
+ * [main thread, any time]
  */
 AVSK_API void AVSKRegisterCommandHandler(AVSKCommandRef command, AVSKCommandHandler_f handler, int before,
                                          void *refcon);
 
 /**
- * Removes a handler of the calling plugin; one registration of several. No match: nothing happens.
+ * Removes one registration of the calling plugin that has these four values. If
+ * there is none, nothing happens.
  *
- * @param command,handler,before,refcon  as registered.
+ * @param command  the command given at registration.
+ * @param handler  the function given at registration.
+ * @param before   the value given at registration; every non-zero value is the same.
+ * @param refcon   the refcon given at registration.
+ *
+ * [main thread, any time]
  */
 AVSK_API void AVSKUnregisterCommandHandler(AVSKCommandRef command, AVSKCommandHandler_f handler, int before,
                                            void *refcon);
@@ -175,90 +224,120 @@ AVSK_API void AVSKUnregisterCommandHandler(AVSKCommandRef command, AVSKCommandHa
 /* ---- Keys and buttons */
 
 /**
- * Names a key.
+ * Returns the English name of a key.
  *
  * @param virtualKey  a virtual key code.
- * @return its name in English, "Unknown" for a code that is no key. A static text.
+ * @return the name; "Unknown" if the code has none. Owned by the library, valid for the life of the
+ *         process.
+ *
+ * [main thread, any time]
  */
 AVSK_API const char *AVSKGetVirtualKeyDescription(char virtualKey);
 
 /**
- * Acts as if a key had been pressed.
+ * Simulates a key press. Forwards to the host service simulateKeyPress.
  *
- * @param keyType,key  two numbers whose meaning is the simulator's.
+ * @param keyType  a number whose meaning is the host's.
+ * @param key      a number whose meaning is the host's.
+ *
+ * [main thread, initialized]
  */
 AVSK_API void AVSKSimulateKeyPress(int keyType, int key);
 
 /**
- * Runs one of the simulator's key commands.
+ * Runs one of the host's key commands. Forwards to the host service
+ * commandKeyStroke.
  *
- * @param key  its number in the simulator.
+ * @param key  the key command's number in the host.
+ *
+ * [main thread, initialized]
  */
 AVSK_API void AVSKCommandKeyStroke(int key);
 
 /**
- * Presses a joystick button, which is then pressed again every frame until it is released.
+ * Presses a joystick button and holds it: it is pressed again in every frame
+ * until it is released, also after the plugin is unloaded. Calls the host service
+ * commandButton.
  *
- * @param button  its number in the simulator.
+ * @param button  the button's number in the host.
+ *
+ * [main thread, initialized]
  */
 AVSK_API void AVSKCommandButtonPress(int button);
 
 /**
- * Releases a joystick button; of two presses, one.
+ * Releases a joystick button. Ends one of the presses that hold it. Calls the
+ * host service commandButton.
  *
- * @param button  its number in the simulator.
+ * @param button  the button's number in the host.
+ *
+ * [main thread, initialized]
  */
 AVSK_API void AVSKCommandButtonRelease(int button);
 
 /* ---- Paths and folders */
 
-/** The room, in bytes, of a path in a caller's buffer. */
+/** The size in bytes of a caller's buffer for a path. */
 #define AVSK_PATH_SIZE 512
 
 /**
- * Asks for the simulator's folder.
+ * Reads the path of the host's folder. Calls the host service getSystemPath.
  *
- * @param outPath  512 bytes, UTF-8, ending in a separator. Null is ignored.
+ * @param outPath  a buffer of 512 bytes, receives the path, UTF-8, which ends in a separator. Null is
+ *                 ignored.
+ *
+ * [main thread, initialized]
  */
 AVSK_API void AVSKGetSystemPath(char *outPath);
 
 /**
- * Asks for the simulator's preferences.
+ * Reads the path of the host's preferences. Calls the host service getPrefsPath.
  *
- * @param outPath  512 bytes, UTF-8. Null is ignored.
+ * @param outPath  a buffer of 512 bytes, receives the path, UTF-8. Null is ignored.
+ *
+ * [main thread, initialized]
  */
 AVSK_API void AVSKGetPrefsPath(char *outPath);
 
 /**
- * Asks what separates folders in a path.
+ * Returns the character that separates folders in a path.
  *
- * @return a text of one character, static.
+ * @return a text of one character. Owned by the library, valid for the life of the process.
+ *
+ * [main thread, initialized]
  */
 AVSK_API const char *AVSKGetDirectorySeparator(void);
 
 /**
- * Splits a path in place: a trailing separator is dropped, and the last one
- * left is overwritten with a zero, so that the buffer holds the folder.
+ * Splits a path into folder and file part, in place. A trailing separator is
+ * removed. Then the last separator is overwritten with zero, so that the buffer
+ * holds the folder: "a/b.txt" becomes "a".
  *
- * @param path  the path, changed. "a/b.txt" becomes "a".
- * @return the file part, inside the buffer; the whole of a path without a separator; an empty
- *         text for "" and "/"; null for null.
+ * @param path  the path; changed. May be null.
+ * @return the file part, inside the buffer. The whole path if it has no separator; an empty text for
+ *         "" and "/"; null for null.
+ *
+ * [main thread, initialized]
  */
 AVSK_API char *AVSKExtractFileAndPath(char *path);
 
 /**
- * Lists a folder, a page at a time: call again with first raised by *outReturned.
+ * Lists a folder. To list it in pages, call again with first raised by
+ * *outReturned. The order is the system's.
  *
- * @param folder       its path, UTF-8. Null or unreadable: no names.
- * @param first        the index of the first name to return; negative counts as 0.
- * @param outNames     receives names one after the other, each zero-terminated, and an empty
- *                     one behind the last. Null returns no name.
- * @param namesSize    its size in bytes.
- * @param outIndices   receives a pointer to each name, and null behind the last; may be null.
- * @param indexCount   its room in pointers.
- * @param outTotal     receives the number of names in the folder; may be null.
- * @param outReturned  receives the number of names returned; may be null.
- * @return 1 if every name from the first on was returned and the closing ones fitted too, else 0.
+ * @param folder       the folder's path, UTF-8. Null or a folder that cannot be read has no names.
+ * @param first        the index of the first name to return; a negative index counts as 0.
+ * @param outNames     receives the names one after the other, UTF-8, each zero-terminated, and an
+ *                     empty name after the last. Null receives no name.
+ * @param namesSize    the size of outNames in bytes.
+ * @param outIndices   receives a pointer to each name, and null after the last; may be null.
+ * @param indexCount   the size of outIndices in pointers.
+ * @param outTotal     receives the number of names in the folder, may be null.
+ * @param outReturned  receives the number of names returned, may be null.
+ * @return 1 if all names from first on were returned, with the empty name and the null pointer at the
+ *         end; else 0. A buffer that has no space for these two returns 0.
+ *
+ * [main thread, any time]
  */
 AVSK_API int AVSKGetDirectoryContents(const char *folder, int first, char *outNames, int namesSize, char **outIndices,
                                       int indexCount, int *outTotal, int *outReturned);

@@ -1,0 +1,126 @@
+// Reads a session's lines and runs them; see RunSession.h. Called by `avsk run`.
+#include "RunSession.h"
+
+#include "Forms.h"
+#include "Help.h"
+#include "Parser.h"
+#include "Runner.h"
+
+#include "Common/Text.h"
+#include "Common/UsageError.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <iostream>
+#include <optional>
+#include <sstream>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include <unistd.h>
+
+namespace host {
+namespace {
+
+namespace fs = std::filesystem;
+
+// Runs an action and adds the fault that it throws to the list.
+template <typename Action>
+void Collect(std::vector<std::string> &faults, Action action) {
+    try {
+        action();
+    } catch (const UsageError &fault) {
+        faults.emplace_back(fault.what());
+    }
+}
+
+// The lines of a file that are right; the faults of the others.
+std::vector<Step> ReadSession(const std::string &file, std::vector<std::string> &faults) {
+    std::ifstream stream(file);
+    std::error_code error;
+    if (!stream || fs::is_directory(file, error))
+        throw UsageError("cannot read the session '" + file + "' (" +
+                         (stream ? "it is a folder" : std::strerror(errno)) +
+                         "): name a readable file of steps, such as those in Samples");
+    SessionParser parser(file);
+    std::vector<Step> steps;
+    for (std::string line; std::getline(stream, line);) {
+        Collect(faults, [&] {
+            if (auto step = parser.Read(line))
+                steps.push_back(std::move(*step));
+        });
+    }
+    if (faults.empty() && (steps.empty() || steps.back().form->IsSetUp()))
+        throw UsageError(file + ":1:1: this session has no step and no expectation: add some after the set-up");
+    return steps;
+}
+
+// Nothing runs if a line is wrong. All wrong lines are reported at once.
+int RunFile(SessionRunner &run, const std::string &file) {
+    std::vector<std::string> faults;
+    const std::vector<Step> steps = ReadSession(file, faults);
+    for (const Step &step : steps) {
+        if (step.form->IsSetUp())
+            Collect(faults, [&] { run.Apply(step); });
+    }
+    if (!faults.empty())
+        throw UsageError(Join(faults, "\n"));
+    run.Start();
+    for (const Step &step : steps) {
+        if (!step.form->IsSetUp())
+            run.Do(step);
+    }
+    return run.Finish();
+}
+
+// Reads lines until the input ends. A line that is refused does nothing.
+int RunInput(SessionRunner &run) {
+    const bool prompt = isatty(STDIN_FILENO) == 1;
+    SessionParser parser("input");
+    const auto ask = [prompt] {
+        if (prompt)
+            std::fputs("avsk> ", stdout);
+        std::fflush(stdout);
+    };
+    ask();
+    for (std::string line; std::getline(std::cin, line); ask()) {
+        std::istringstream words(line);
+        std::string first;
+        std::string second;
+        words >> first >> second;
+        if (first == "quit")
+            break;
+        if (first == "help") {
+            second.empty() ? PrintSessionWords() : PrintWord(second);
+            line.clear(); // for the parser, which counts the lines
+        }
+        std::optional<Step> step;
+        try {
+            step = parser.Read(line);
+            if (step && step->form->IsSetUp())
+                run.Apply(*step);
+        } catch (const UsageError &error) {
+            std::printf("%s\n", error.what());
+            continue;
+        }
+        if (step && !step->form->IsSetUp()) {
+            run.Start();
+            run.Do(*step);
+        }
+    }
+    return run.Finish();
+}
+
+} // namespace
+
+int RunSession(SessionOptions options) {
+    const std::string file = options.file;
+    SessionRunner run(std::move(options));
+    return file.empty() ? RunInput(run) : RunFile(run, file);
+}
+
+} // namespace host
