@@ -34,10 +34,12 @@ void operator delete[](void *memory, std::size_t /*size*/) noexcept { std::free(
 void operator delete(void *memory, std::align_val_t /*alignment*/) noexcept { std::free(memory); }
 void operator delete(void *memory, std::size_t /*size*/, std::align_val_t /*alignment*/) noexcept { std::free(memory); }
 
-namespace std { // NOLINT(cert-dcl58-cpp): the runtime's functions, replaced for this library
+// NOLINTBEGIN(bugprone-reserved-identifier): the runtime's names
+namespace std {
 
 void __throw_bad_alloc() { MemoryExhausted(); }
 void __throw_bad_array_new_length() { MemoryExhausted(); }
 void __throw_length_error(const char * /*what*/) { MemoryExhausted(); }
 
 } // namespace std
+// NOLINTEND(bugprone-reserved-identifier)

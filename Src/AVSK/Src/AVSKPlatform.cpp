@@ -34,7 +34,8 @@ void LogRefusedFile(const char *path, const char *reason) {
         AVSKDebugString(piece);
 }
 
-bool IsAbsence(int error) { return error == ENOENT || error == ENOTDIR; }
+// A link that leads to itself names nothing.
+bool IsAbsence(int error) { return error == ENOENT || error == ENOTDIR || error == ELOOP; }
 
 // Why the dynamic linker must not open a file, or null. The linker maps the
 // segments that the headers name and does not check the file's length: access
