@@ -1,6 +1,7 @@
 // Draw callbacks and windows: a draw pass that calls many, few or none, and
 // the search for the window under the mouse.
 #include "Counters.h"
+#include "Floor.h"
 #include "Harness.h"
 #include "Simulator.h"
 
@@ -90,6 +91,10 @@ void CompareDrawing(Report &report) {
     for (unsigned &counter : slotCounters)
         signal.connect([&counter](int phase, int isBefore) { return CountDraw(phase, isBefore, &counter); });
 
+    Counters floorCounters(callbacks);
+    for (unsigned i = 0; i < callbacks; ++i)
+        FloorAddDraw(Opaque(&CountDraw), OwnerOf(i), kPhase, 1, &floorCounters[i]);
+
     const std::string name = "draw pass, " + std::to_string(callbacks) + (callbacks == 1 ? " callback" : " callbacks");
     report.Compare(name + " / indirect calls", 4.0, ours, DrawPasses(bareCounters, [&bare] {
                        int answer = 1;
@@ -97,6 +102,8 @@ void CompareDrawing(Report &report) {
                            answer &= callback.function(kPhase, 1, callback.refcon);
                        return answer;
                    }));
+    report.Compare(name + " / floor", callbacks == 1 ? 1.6 : 1.3, ours,
+                   DrawPasses(floorCounters, [] { return FloorDrawHook(kPhase, 1); }));
     report.Compare(name + " / boost::signals2", 0.33, ours,
                    DrawPasses(slotCounters, [&signal] { return signal(kPhase, 1); }));
 }

@@ -69,7 +69,7 @@ auto SameDrawCallback(AVSKDrawCallback_f callback, int phase, int wantsBefore, v
 AVSKDrawCallbackRecord::AVSKDrawCallbackRecord(AVSKDrawCallback_f function, int plugin, int ofPhase, int before,
                                                void *reference)
     : callback(function), owner(plugin), phase(ofPhase), wantsBefore(before), refcon(reference),
-      listeners(ListenersOf(ofPhase, before)) {
+      listeners(function ? ListenersOf(ofPhase, before) : nullptr) {
     if (listeners)
         ++*listeners;
 }
@@ -259,11 +259,11 @@ namespace {
 // bit: any even answer keeps the host from drawing, as 0 does. Outside readers
 // rely on the name.
 [[gnu::always_inline]] inline int AVSKDispatchDrawingHook(int phase, int isBefore, int isReflection) {
-    const int *const listeners = ListenersOf(phase, isBefore);
+    const int *const listeners = &gListeners[phase][isBefore];
     int result = 1;
     StDispatchCallback guard;
     for (const AVSKDrawCallbackRecord &rec : gDrawCallbacks.LiveRecords()) {
-        if (rec.listeners != listeners || !rec.callback)
+        if (rec.listeners != listeners)
             continue;
         if (isReflection == 1 && !AVSKHasFeatureInternal(rec.owner, kFeatureWantsReflections))
             continue;
@@ -316,17 +316,17 @@ int AVSKDisplayDoDrawingHook(int hostDrawCode, int isReflection) {
         return kNotHandled;
     const DrawCode &code = kDrawCodes[hostDrawCode];
     int answer = kNotHandled;
-    if (code.half[1] && gListeners[code.phase][1] != 0) {
-        const int result = AVSKDispatchDrawingHook(code.phase, 1, isReflection);
-        if (code.asks)
+    for (int half = 1; half >= 0; --half) { // one loop, so that the dispatch is inlined once
+        if (half == 0 && code.windows) {
+            AVSKDisplayMouseDragHook();
+            DrawWindows();
+        }
+        if (!code.half[half] || gListeners[code.phase][half] == 0)
+            continue;
+        const int result = AVSKDispatchDrawingHook(code.phase, half, isReflection);
+        if (half == 1 && code.asks)
             answer = result;
     }
-    if (code.windows) {
-        AVSKDisplayMouseDragHook();
-        DrawWindows();
-    }
-    if (code.half[0] && gListeners[code.phase][0] != 0)
-        AVSKDispatchDrawingHook(code.phase, 0, isReflection);
     return answer;
 }
 

@@ -88,11 +88,11 @@ class AVSKResource_t {
 
     T *next = nullptr;
     bool dead = false;
-    T *prev = nullptr;
-    T *dead_next = nullptr;
     bool linked = false;
     bool chained = false; // on the dead chain; bringing it to the front does not unchain it
     bool cut = false;     // the last of the records that an Add cut off: its next does not point back
+    T *prev = nullptr;
+    T *dead_next = nullptr;
 };
 
 // A base that registers every object of a type, so that a stale handle is
@@ -139,7 +139,6 @@ enum class AVSKWalkOver {
 template <class T>
 class AVSKResourceList {
   public:
-    class Walk;
     template <AVSKWalkDirection direction, AVSKWalkOver over>
     class Range;
     class Pin;
@@ -164,8 +163,13 @@ class AVSKResourceList {
     // Moves a record at once, also during a walk. A dead record becomes live,
     // but the next reclaiming takes it all the same.
     void MoveToFront(T *rec) {
-        for (Walk *walk = walks; walk; walk = walk->outer)
-            walk->PassOver(rec);
+        // A walk on a reclaimed record continues past this one, not at the front.
+        for (T *gone = retired; gone; gone = gone->dead_next) {
+            if (gone->next == rec)
+                gone->next = rec->next;
+            if (gone->prev == rec)
+                gone->prev = rec->prev;
+        }
         T::AVSKRemoveResource(head, rec);
         T::AVSKAddResource(head, rec);
     }
@@ -252,10 +256,6 @@ class AVSKResourceList {
     bool needs_clean = false;
 
   private:
-    static T *Beyond(AVSKWalkDirection direction, const T *rec) {
-        return direction == AVSKWalkDirection::Forward ? rec->next : rec->prev;
-    }
-
     // Walks that stay open raise the depth for good: it must not overflow.
     void Deepen() {
         if (iterate_depth != INT_MAX) [[likely]]
@@ -275,17 +275,16 @@ class AVSKResourceList {
     }
 
     [[gnu::noinline]] void ReclaimAndFree(bool staysOpen) {
-        const bool isPassOver = !walks;
-        if (needs_clean && (reclaim == AVSKReclaim::AfterPass ? isPassOver : !staysOpen))
+        if (needs_clean && (reclaim == AVSKReclaim::AfterPass ? !walking : !staysOpen))
             Clean();
         FreeRetired();
     }
 
+    // A record whose storage is kept keeps its links: a walk on it continues
+    // along them.
     void Reclaim(T *rec) {
-        for (Walk *walk = walks; walk; walk = walk->outer)
-            walk->Leave(rec);
         T::AVSKRemoveResource(head, rec);
-        if (!walks && pins == 0) {
+        if (!walking && pins == 0) {
             delete rec;
             return;
         }
@@ -297,7 +296,7 @@ class AVSKResourceList {
     }
 
     void FreeRetired() {
-        if (retired && !walks && pins == 0) [[unlikely]]
+        if (retired && !walking && pins == 0) [[unlikely]]
             FreeAllRetired();
     }
 
@@ -308,73 +307,10 @@ class AVSKResourceList {
         }
     }
 
-    Walk *walks = nullptr; // under way, the innermost first
+    bool walking = false; // a walk is under way
     int pins = 0;
     T *retired = nullptr; // reclaimed, with storage that walks or pins keep
     const AVSKReclaim reclaim;
-};
-
-// A walk under way. It lives on the stack of the function that walks.
-template <class T>
-class AVSKResourceList<T>::Walk {
-  public:
-    Walk(AVSKResourceList &walked, AVSKWalkDirection way)
-        : list(walked), outer(walked.walks), direction(way),
-          current(way == AVSKWalkDirection::Forward ? walked.BeginIterate() : walked.BeginReverseIterate()) {
-        list.walks = this;
-    }
-
-    Walk(const Walk &) = delete;
-    Walk &operator=(const Walk &) = delete;
-
-    ~Walk() {
-        list.walks = outer;
-        list.EndWalk(open);
-    }
-
-    T *Current() const { return current; }
-    void StandOn(T *rec) { current = rec; }
-
-    // Whether the current record was reclaimed, and where the walk continues then.
-    bool HasLeft() const { return left; }
-    T *Resume() {
-        left = false;
-        return resume;
-    }
-
-    // Leaves the list's depth raised when the walk ends. Reclaimed records are
-    // freed all the same.
-    void KeepOpen() {
-        if (!open)
-            list.Deepen();
-        open = true;
-    }
-
-  private:
-    friend class AVSKResourceList;
-
-    // A record is about to change its place: the walk does not continue with it.
-    void PassOver(const T *rec) {
-        if (left && resume == rec)
-            resume = Beyond(direction, rec);
-    }
-
-    // A record is about to be reclaimed.
-    void Leave(const T *rec) {
-        PassOver(rec);
-        if (!left && current == rec) {
-            left = true;
-            resume = Beyond(direction, rec);
-        }
-    }
-
-    AVSKResourceList &list;
-    Walk *const outer;
-    const AVSKWalkDirection direction;
-    T *current;
-    T *resume = nullptr; // where the walk continues if current was reclaimed
-    bool left = false;   // current was reclaimed
-    bool open = false;
 };
 
 // Keeps the storage of reclaimed records during a call that is made outside a
@@ -394,43 +330,68 @@ class [[nodiscard]] AVSKResourceList<T>::Pin {
     AVSKResourceList &list;
 };
 
-// A walk for range-based for, of live records or of all.
+// A walk for range-based for, of live records or of all. The list knows only
+// that walks are under way: what a walk stands on is in a register.
 template <class T>
 template <AVSKWalkDirection direction, AVSKWalkOver over>
 class AVSKResourceList<T>::Range {
   public:
-    explicit Range(AVSKResourceList &walked) : walk(walked, direction) { walk.StandOn(Wanted(walk.Current())); }
+    explicit Range(AVSKResourceList &walked)
+        : list(walked), nested(walked.walking),
+          first(direction == AVSKWalkDirection::Forward ? walked.BeginIterate() : walked.BeginReverseIterate()) {
+        list.walking = true;
+    }
+
+    // Inline also on the path of an exception; otherwise the range would live
+    // in memory.
+    [[gnu::always_inline]] ~Range() {
+        list.walking = nested;
+        list.EndWalk(open);
+    }
+
+    Range(const Range &) = delete;
+    Range &operator=(const Range &) = delete;
 
     struct End {};
     class Iterator {
       public:
-        explicit Iterator(Range &walked) : range(walked) {}
-        T &operator*() const { return *range.walk.Current(); }
+        explicit Iterator(T *rec) : current(rec) {}
+        T &operator*() const { return *current; }
         Iterator &operator++() {
-            range.Step();
+            current = Wanted(Beyond(current));
             return *this;
         }
-        bool operator!=(End /*end*/) const { return range.walk.Current() != nullptr; }
+        bool operator!=(End /*end*/) const { return current != nullptr; }
 
       private:
-        Range &range;
+        T *current;
     };
 
-    Iterator begin() { return Iterator(*this); }
+    Iterator begin() { return Iterator(Wanted(first)); }
     End end() const { return {}; }
-    void KeepOpen() { walk.KeepOpen(); }
+
+    // Leaves the list's depth raised when the walk ends. Reclaimed records are
+    // freed all the same.
+    void KeepOpen() {
+        if (!open)
+            list.Deepen();
+        open = true;
+    }
 
   private:
+    static T *Beyond(const T *rec) { return direction == AVSKWalkDirection::Forward ? rec->next : rec->prev; }
+
+    // Reclaimed records are dead, too. The links of one may lead to another.
     static T *Wanted(T *rec) {
-        if constexpr (over == AVSKWalkOver::LiveRecords)
-            while (rec && rec->dead)
-                rec = Beyond(direction, rec);
+        while (rec && (over == AVSKWalkOver::LiveRecords ? rec->dead : !rec->linked))
+            [[unlikely]] rec = Beyond(rec);
         return rec;
     }
 
-    void Step() { walk.StandOn(Wanted(walk.HasLeft() ? walk.Resume() : Beyond(direction, walk.Current()))); }
-
-    Walk walk;
+    AVSKResourceList &list;
+    const bool nested;
+    T *const first;
+    bool open = false;
 };
 
 #endif
