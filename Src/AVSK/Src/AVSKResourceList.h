@@ -31,7 +31,54 @@
 #define AVSK_RESOURCE_LIST_H
 
 #include <climits>
+#include <cstddef>
 #include <unordered_set>
+
+// With a sanitizer each record is an allocation of its own, which it watches.
+#if defined(__SANITIZE_ADDRESS__)
+#define AVSK_POOLS_RECORDS 0
+#elif defined(__has_feature)
+#define AVSK_POOLS_RECORDS !__has_feature(address_sanitizer)
+#else
+#define AVSK_POOLS_RECORDS 1
+#endif
+
+// Keeps the records of a type side by side, so that a walk reads memory in
+// order. Slots are reused, the last freed first, and not returned to the heap.
+template <class T>
+class AVSKRecordPool {
+  public:
+    static void *Take() {
+        if (!free)
+            Grow();
+        Slot *const slot = free;
+        free = slot->next;
+        return slot;
+    }
+
+    static void Return(void *record) {
+        auto *const slot = static_cast<Slot *>(record);
+        slot->next = free;
+        free = slot;
+    }
+
+  private:
+    union Slot {
+        Slot *next;
+        alignas(T) unsigned char record[sizeof(T)];
+    };
+    static constexpr std::size_t kSlotsPerChunk = 64;
+
+    // The last slot is used first: a list has its newest record in front, so
+    // that a walk goes upward.
+    static void Grow() {
+        Slot *const chunk = new Slot[kSlotsPerChunk];
+        for (Slot *slot = chunk; slot != chunk + kSlotsPerChunk; ++slot)
+            Return(slot);
+    }
+
+    static inline Slot *free = nullptr;
+};
 
 template <class T>
 class AVSKResourceList;
@@ -40,6 +87,11 @@ class AVSKResourceList;
 template <class T>
 class AVSKResource_t {
   public:
+#if AVSK_POOLS_RECORDS
+    static void *operator new(std::size_t /*size*/) { return AVSKRecordPool<T>::Take(); }
+    static void operator delete(void *record) { AVSKRecordPool<T>::Return(record); }
+#endif
+
     T *get_next() const { return next; }
     T *get_prev() const { return prev; }
     bool is_dead() const { return dead; }
@@ -225,17 +277,13 @@ class AVSKResourceList {
     // The bare begin and end of a walk, for walks that stay open by rule.
     T *BeginIterate() {
         Deepen();
-        if (head && head->prev) [[unlikely]]
-            Rewind();
-        return head;
+        return First();
     }
 
     // Leaves the cursor on the last record.
     T *BeginReverseIterate() {
         Deepen();
-        while (head && head->next)
-            head = head->next;
-        return head;
+        return Last();
     }
 
     void EndIterate() { EndWalk(false); }
@@ -246,20 +294,33 @@ class AVSKResourceList {
             dead_list = rec->dead_next;
             Reclaim(rec);
         }
-        needs_clean = false;
+        needs_clean = retired != nullptr;
     }
 
   protected:           // not private, because the tests of the list use head and iterate_depth
     T *head = nullptr; // a cursor: the first record, or the last after a walk from the back
     T *dead_list = nullptr;
     int iterate_depth = 0;
-    bool needs_clean = false;
+    bool needs_clean = false; // the end of a walk may have something to reclaim or to free
 
   private:
-    // Walks that stay open raise the depth for good: it must not overflow.
+    // Walks that stay open raise the depth for good. They leave enough of it
+    // for those that do not.
     void Deepen() {
-        if (iterate_depth != INT_MAX) [[likely]]
+        if (iterate_depth < INT_MAX / 2)
             ++iterate_depth;
+    }
+
+    T *First() {
+        if (head && head->prev) [[unlikely]]
+            Rewind();
+        return head;
+    }
+
+    T *Last() {
+        while (head && head->next)
+            head = head->next;
+        return head;
     }
 
     [[gnu::noinline]] void Rewind() {
@@ -270,12 +331,12 @@ class AVSKResourceList {
     void EndWalk(bool staysOpen) {
         if (iterate_depth > 0) [[likely]]
             --iterate_depth;
-        if (needs_clean || retired) [[unlikely]]
+        if (needs_clean) [[unlikely]]
             ReclaimAndFree(staysOpen);
     }
 
     [[gnu::noinline]] void ReclaimAndFree(bool staysOpen) {
-        if (needs_clean && (reclaim == AVSKReclaim::AfterPass ? !walking : !staysOpen))
+        if (reclaim == AVSKReclaim::AfterPass ? !walking : !staysOpen)
             Clean();
         FreeRetired();
     }
@@ -293,6 +354,7 @@ class AVSKResourceList {
         rec->chained = false;
         rec->dead_next = retired;
         retired = rec;
+        needs_clean = true;
     }
 
     void FreeRetired() {
@@ -305,6 +367,7 @@ class AVSKResourceList {
             retired = rec->dead_next;
             delete rec;
         }
+        needs_clean = dead_list != nullptr;
     }
 
     bool walking = false; // a walk is under way
@@ -338,7 +401,8 @@ class AVSKResourceList<T>::Range {
   public:
     explicit Range(AVSKResourceList &walked)
         : list(walked), nested(walked.walking),
-          first(direction == AVSKWalkDirection::Forward ? walked.BeginIterate() : walked.BeginReverseIterate()) {
+          first(direction == AVSKWalkDirection::Forward ? walked.First() : walked.Last()) {
+        ++list.iterate_depth;
         list.walking = true;
     }
 
