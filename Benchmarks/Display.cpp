@@ -1,5 +1,5 @@
-// Draw callbacks and windows: a draw pass that calls many, few or none, and
-// the search for the window under the mouse.
+// Draw callbacks, windows and hot keys: a draw pass that calls many, few or
+// none, the search for the window under the mouse, and look-ups by handle.
 #include "Counters.h"
 #include "Floor.h"
 #include "Harness.h"
@@ -238,12 +238,61 @@ void CompareCursorAbove(Report &report) {
                    }));
 }
 
+// ---- Look-ups by handle
+
+// Looks up one handle; the record that was made first is found last.
+template <class LookUp>
+void MeasureLookUp(Report &report, const std::string &name, LookUp lookUp) {
+    constexpr unsigned kLookUps = 100;
+    std::uint64_t found = 0;
+    report.Measure(name, Side::Here(
+                             kLookUps,
+                             [&] {
+                                 for (unsigned i = 0; i < kLookUps; ++i)
+                                     found += lookUp();
+                             },
+                             [&found] { return found; }));
+}
+
+template <unsigned count>
+void MeasureHandles(Report &report) {
+    Simulator simulator(kPlugins);
+    const std::string ofMany = " by handle, the last of " + std::to_string(count);
+    AVSKWindowID window = nullptr;
+    AVSKHotKeyID hotKey = nullptr;
+    for (unsigned i = 0; i < count; ++i)
+        simulator.AsPlugin(OwnerOf(i), [&] {
+            const AVSKWindowID newWindow =
+                AVSKCreateWindow(0, 7, 9, 0, 1, DrawNothing, IgnoreKey, IgnoreClick, nullptr);
+            const AVSKHotKeyID newHotKey = AVSKRegisterHotKey('K', 0, "Benchmark", nullptr, nullptr);
+            if (i == 0) {
+                window = newWindow;
+                hotKey = newHotKey;
+            }
+        });
+    MeasureLookUp(report, "window" + ofMany, [window] {
+        int top = 0;
+        AVSKGetWindowGeometry(window, nullptr, &top, nullptr, nullptr);
+        return top == 7;
+    });
+    MeasureLookUp(report, "hot key" + ofMany, [hotKey] {
+        char virtualKey = 0;
+        AVSKGetHotKeyInfo(hotKey, &virtualKey, nullptr, nullptr, nullptr);
+        return virtualKey == 'K';
+    });
+}
+
 } // namespace
 
 std::vector<Comparison> DisplayComparisons() {
-    return {
-        {"draw pass, 1 callback", CompareDrawing<1>},          {"draw pass, 10 callbacks", CompareDrawing<10>},
-        {"draw pass, 100 callbacks", CompareDrawing<100>},     {"draw pass, 1000 callbacks", CompareDrawing<1000>},
-        {"draw pass nobody listens to", MeasureSilentDrawing}, {"cursor, windows elsewhere", CompareCursorElsewhere},
-        {"cursor, windows under it", CompareCursorAbove}};
+    return {{"draw pass, 1 callback", CompareDrawing<1>},
+            {"draw pass, 10 callbacks", CompareDrawing<10>},
+            {"draw pass, 100 callbacks", CompareDrawing<100>},
+            {"draw pass, 1000 callbacks", CompareDrawing<1000>},
+            {"draw pass nobody listens to", MeasureSilentDrawing},
+            {"cursor, windows elsewhere", CompareCursorElsewhere},
+            {"cursor, windows under it", CompareCursorAbove},
+            {"handles of 100", MeasureHandles<100>},
+            {"handles of 1000", MeasureHandles<1000>},
+            {"handles of 10000", MeasureHandles<10000>}};
 }

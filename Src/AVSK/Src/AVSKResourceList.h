@@ -4,7 +4,8 @@
 // A record that is removed during a walk is marked dead and stays linked.
 // Dead records are reclaimed when a walk ends: they are unlinked, and no
 // look-up finds them any more. Their storage is freed when no walk is under
-// way. A walk that stands on a reclaimed record remembers where to continue.
+// way. A reclaimed record keeps its links until then, and a walk that stands on
+// it continues along them.
 //
 // Example: a pass over four flight loops has called A and stands on B. The
 // callback of B does all of the following.
