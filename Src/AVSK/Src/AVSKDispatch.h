@@ -78,9 +78,7 @@ class [[nodiscard]] StDispatchCallback {
     static void ReleaseLibrary(int id, void *handle);
 
   private:
-    static bool MayCall(int id) {
-        return static_cast<unsigned>(id) < gCallFlags.count && gCallFlags.enabled[id] != 0;
-    }
+    static bool MayCall(int id) { return static_cast<unsigned>(id) < gCallFlags.count && gCallFlags.enabled[id] != 0; }
 
     // The stack is kept outside the guards. Nothing points at a guard, so its
     // members stay in registers.
