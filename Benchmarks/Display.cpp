@@ -1,6 +1,7 @@
-// Draw callbacks and windows: a draw pass that calls many, few or none, and
-// the search for the window under the mouse.
+// Draw callbacks, windows and hot keys: a draw pass that calls many, few or
+// none, the search for the window under the mouse, and look-ups by handle.
 #include "Counters.h"
+#include "Floor.h"
 #include "Harness.h"
 #include "Simulator.h"
 
@@ -90,6 +91,10 @@ void CompareDrawing(Report &report) {
     for (unsigned &counter : slotCounters)
         signal.connect([&counter](int phase, int isBefore) { return CountDraw(phase, isBefore, &counter); });
 
+    Counters floorCounters(callbacks);
+    for (unsigned i = 0; i < callbacks; ++i)
+        FloorAddDraw(Opaque(&CountDraw), OwnerOf(i), kPhase, 1, &floorCounters[i]);
+
     const std::string name = "draw pass, " + std::to_string(callbacks) + (callbacks == 1 ? " callback" : " callbacks");
     report.Compare(name + " / indirect calls", 4.0, ours, DrawPasses(bareCounters, [&bare] {
                        int answer = 1;
@@ -97,6 +102,8 @@ void CompareDrawing(Report &report) {
                            answer &= callback.function(kPhase, 1, callback.refcon);
                        return answer;
                    }));
+    report.Compare(name + " / floor", callbacks == 1 ? 1.6 : 1.3, ours,
+                   DrawPasses(floorCounters, [] { return FloorDrawHook(kPhase, 1); }));
     report.Compare(name + " / boost::signals2", 0.33, ours,
                    DrawPasses(slotCounters, [&signal] { return signal(kPhase, 1); }));
 }
@@ -231,12 +238,61 @@ void CompareCursorAbove(Report &report) {
                    }));
 }
 
+// ---- Look-ups by handle
+
+// Looks up one handle; the record that was made first is found last.
+template <class LookUp>
+void MeasureLookUp(Report &report, const std::string &name, LookUp lookUp) {
+    constexpr unsigned kLookUps = 100;
+    std::uint64_t found = 0;
+    report.Measure(name, Side::Here(
+                             kLookUps,
+                             [&] {
+                                 for (unsigned i = 0; i < kLookUps; ++i)
+                                     found += lookUp();
+                             },
+                             [&found] { return found; }));
+}
+
+template <unsigned count>
+void MeasureHandles(Report &report) {
+    Simulator simulator(kPlugins);
+    const std::string ofMany = " by handle, the last of " + std::to_string(count);
+    AVSKWindowID window = nullptr;
+    AVSKHotKeyID hotKey = nullptr;
+    for (unsigned i = 0; i < count; ++i)
+        simulator.AsPlugin(OwnerOf(i), [&] {
+            const AVSKWindowID newWindow =
+                AVSKCreateWindow(0, 7, 9, 0, 1, DrawNothing, IgnoreKey, IgnoreClick, nullptr);
+            const AVSKHotKeyID newHotKey = AVSKRegisterHotKey('K', 0, "Benchmark", nullptr, nullptr);
+            if (i == 0) {
+                window = newWindow;
+                hotKey = newHotKey;
+            }
+        });
+    MeasureLookUp(report, "window" + ofMany, [window] {
+        int top = 0;
+        AVSKGetWindowGeometry(window, nullptr, &top, nullptr, nullptr);
+        return top == 7;
+    });
+    MeasureLookUp(report, "hot key" + ofMany, [hotKey] {
+        char virtualKey = 0;
+        AVSKGetHotKeyInfo(hotKey, &virtualKey, nullptr, nullptr, nullptr);
+        return virtualKey == 'K';
+    });
+}
+
 } // namespace
 
 std::vector<Comparison> DisplayComparisons() {
-    return {
-        {"draw pass, 1 callback", CompareDrawing<1>},          {"draw pass, 10 callbacks", CompareDrawing<10>},
-        {"draw pass, 100 callbacks", CompareDrawing<100>},     {"draw pass, 1000 callbacks", CompareDrawing<1000>},
-        {"draw pass nobody listens to", MeasureSilentDrawing}, {"cursor, windows elsewhere", CompareCursorElsewhere},
-        {"cursor, windows under it", CompareCursorAbove}};
+    return {{"draw pass, 1 callback", CompareDrawing<1>},
+            {"draw pass, 10 callbacks", CompareDrawing<10>},
+            {"draw pass, 100 callbacks", CompareDrawing<100>},
+            {"draw pass, 1000 callbacks", CompareDrawing<1000>},
+            {"draw pass nobody listens to", MeasureSilentDrawing},
+            {"cursor, windows elsewhere", CompareCursorElsewhere},
+            {"cursor, windows under it", CompareCursorAbove},
+            {"handles of 100", MeasureHandles<100>},
+            {"handles of 1000", MeasureHandles<1000>},
+            {"handles of 10000", MeasureHandles<10000>}};
 }

@@ -141,10 +141,26 @@ TEST_F(ResourceList, AWalkGoesOnThoughAWalkOrAnEndTooManyInsideItReclaims) {
     const auto endInside = [&](char at) { at == 'b' ? Remove('b'), void(Live()) : void(); };
     EXPECT_EQ(Names(list->LiveRecordsFromBack(), endInside), "abc");
     EXPECT_EQ(freed, 1);
+    const auto reclaimBoth = [&](char at) { at == 'c' ? Remove('c'), Live(), Remove('b'), void(Live()) : void(); };
+    Fill("abcd");
+    EXPECT_EQ(Names(list->LiveRecords(), reclaimBoth), "dca");
+    const auto moveNext = [&](char at) { at == 'c' ? Remove('c'), Live(), list->MoveToFront(items['b']) : void(); };
+    Fill("abcd");
+    EXPECT_EQ(Names(list->LiveRecords(), moveNext), "dca") << "b is in front now";
     Fill("abc", AVSKReclaim::AfterPass);
     const auto endTooMany = [&](char at) { at == 'b' ? Remove('b'), list->EndIterate(), Remove('b') : void(); };
     EXPECT_EQ(Names(list->LiveRecords(), endTooMany), "cba");
     EXPECT_EQ(freed, 1);
 }
+
+#if AVSK_POOLS_RECORDS
+TEST_F(ResourceList, AFreedSlotIsReused) {
+    Fill("abc");
+    const Item *const slot = items['b'];
+    Remove('b');
+    Add('d');
+    EXPECT_EQ(items['d'], slot);
+}
+#endif
 
 } // namespace

@@ -5,6 +5,8 @@
 
 #include "AVSKCallbackSequence.h"
 #include "AVSKDispatch.h"
+#include "AVSKHostTable.h"
+#include "AVSKMemory.h"
 #include "AVSKModules.h"
 
 #include <cstdint>
@@ -100,8 +102,8 @@ int GetElements(void *refcon, int elementSize, void *values, int offset, int max
     return copied;
 }
 
-// Grows the value as needed; it never shrinks. A negative offset or count, or a
-// size above 2 GiB, writes nothing.
+// Grows the value as needed; it never shrinks. A negative offset or count, a
+// size above 2 GiB, or one for which memory does not suffice, writes nothing.
 void SetElements(void *refcon, int elementSize, const void *values, int offset, int count) {
     auto &record = *static_cast<AVSKSharedDataRecord *>(refcon);
     if (offset < 0 || count < 0 || (count > 0 && !values))
@@ -111,8 +113,10 @@ void SetElements(void *refcon, int elementSize, const void *values, int offset, 
         return;
     if (record.size < needed) {
         auto *grown = static_cast<unsigned char *>(std::realloc(record.buffer, static_cast<std::size_t>(needed)));
-        if (!grown) // unreachable: only without memory
-            return; // unreachable: only without memory
+        if (!grown) {
+            WriteLog({"Out of memory: shared data ", record.name.c_str(), " keeps its size; nothing is written.\n"});
+            return;
+        }
         // A gap reads as zeros.
         std::memset(grown + record.size, 0, static_cast<std::size_t>(needed - record.size));
         record.buffer = grown;
@@ -192,8 +196,8 @@ int AVSKShareData(const char *name, int type, AVSKDataChanged_f callback, void *
     if (!record) {
         const int size = InitialSize(type);
         auto *buffer = static_cast<unsigned char *>(std::calloc(1, static_cast<std::size_t>(size)));
-        if (!buffer)  // unreachable: only without memory
-            return 0; // unreachable: only without memory
+        if (!buffer)
+            MemoryExhausted();
         record = new AVSKSharedDataRecord{name, type, buffer, size, {}};
         gSharedData.push_back(record);
         gSharedNames.emplace(record->name, record);

@@ -18,7 +18,8 @@ int AVSKGetDispatchedPlugin();
 const char *DebugCurrentPluginName();
 
 // The enabled flags of the registry's records, side by side: a guard reads
-// them without touching a record. Only the registry writes them.
+// them without touching a record. While the registry is empty there is the
+// host's flag. Only the registry writes them.
 struct CallFlags {
     const unsigned char *enabled;
     unsigned count;
@@ -77,11 +78,7 @@ class [[nodiscard]] StDispatchCallback {
     static void ReleaseLibrary(int id, void *handle);
 
   private:
-    static bool MayCall(int id) {
-        if (static_cast<unsigned>(id) < gCallFlags.count) [[likely]]
-            return gCallFlags.enabled[id] != 0;
-        return id == AVSK_PLUGIN_AERIVO; // while the registry is empty
-    }
+    static bool MayCall(int id) { return static_cast<unsigned>(id) < gCallFlags.count && gCallFlags.enabled[id] != 0; }
 
     // The stack is kept outside the guards. Nothing points at a guard, so its
     // members stay in registers.
@@ -99,7 +96,8 @@ class [[nodiscard]] StDispatchCallback {
     static int *Push(int id) {
         int *const pushed = stack.top;
         *pushed = id;
-        stack.top = pushed + (pushed != kSharedFrame);
+        if (pushed != kSharedFrame) [[likely]]
+            stack.top = pushed + 1;
         return pushed;
     }
     static bool IsUnderWay(int id);

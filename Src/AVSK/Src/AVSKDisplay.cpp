@@ -46,9 +46,9 @@ constexpr int kDeepestLoss = 16;
 using WindowPin = AVSKResourceList<AVSKWindowCallbackRecord>::Pin;
 
 // The number of records of each half of each phase: a half without any costs
-// one look. The host draws no phase beyond these.
+// one look. The host draws no phase beyond these; the row after them stays 0.
 constexpr int kPhases = 103;
-int gListeners[kPhases][2] = {};
+int gListeners[kPhases + 1][2] = {};
 
 int *ListenersOf(int phase, int before) {
     const bool drawn = phase >= 0 && phase < kPhases && (before == 0 || before == 1);
@@ -69,7 +69,7 @@ auto SameDrawCallback(AVSKDrawCallback_f callback, int phase, int wantsBefore, v
 AVSKDrawCallbackRecord::AVSKDrawCallbackRecord(AVSKDrawCallback_f function, int plugin, int ofPhase, int before,
                                                void *reference)
     : callback(function), owner(plugin), phase(ofPhase), wantsBefore(before), refcon(reference),
-      listeners(ListenersOf(ofPhase, before)) {
+      listeners(function ? ListenersOf(ofPhase, before) : nullptr) {
     if (listeners)
         ++*listeners;
 }
@@ -259,11 +259,11 @@ namespace {
 // bit: any even answer keeps the host from drawing, as 0 does. Outside readers
 // rely on the name.
 [[gnu::always_inline]] inline int AVSKDispatchDrawingHook(int phase, int isBefore, int isReflection) {
-    const int *const listeners = ListenersOf(phase, isBefore);
+    const int *const listeners = &gListeners[phase][isBefore];
     int result = 1;
     StDispatchCallback guard;
     for (const AVSKDrawCallbackRecord &rec : gDrawCallbacks.LiveRecords()) {
-        if (rec.listeners != listeners || !rec.callback)
+        if (rec.listeners != listeners)
             continue;
         if (isReflection == 1 && !AVSKHasFeatureInternal(rec.owner, kFeatureWantsReflections))
             continue;
@@ -276,26 +276,27 @@ namespace {
 // What a draw code of the host dispatches, and what the host gets as answer.
 struct DrawCode {
     int phase;
-    bool half[2]; // after, before
-    bool windows; // drawn ahead of the half after
-    bool asks;    // the answer is that of the half before; otherwise it is 1
+    unsigned char first; // the first half: 1 before, 0 after
+    bool more;           // the half after follows, or the windows come first
+    bool windows;
+    bool asks; // the answer is that of the half before; otherwise it is 1
 };
 
 // The irregular entries match how the host has always drawn: codes 12 and 18
 // draw nothing that could be left out, 19 and 20 enclose the windows, and the
 // phases of 21 to 26 are not in ascending order.
-constexpr DrawCode Before(int phase) { return {phase, {false, true}, false, true}; }
-constexpr DrawCode After(int phase) { return {phase, {true, false}, false, false}; }
-constexpr DrawCode Both(int phase) { return {phase, {true, true}, false, true}; }
-constexpr DrawCode BothUnasked(int phase) { return {phase, {true, true}, false, false}; }
-constexpr DrawCode WindowsAndAfter(int phase) { return {phase, {true, false}, true, false}; }
+constexpr DrawCode None() { return {kPhases, 0, false, false, false}; }
+constexpr DrawCode Before(int phase) { return {phase, 1, false, false, true}; }
+constexpr DrawCode After(int phase) { return {phase, 0, false, false, false}; }
+constexpr DrawCode Both(int phase) { return {phase, 1, true, false, true}; }
+constexpr DrawCode BothUnasked(int phase) { return {phase, 1, true, false, false}; }
+constexpr DrawCode WindowsAndAfter(int phase) { return {phase, 0, true, true, false}; }
 
 constexpr DrawCode kDrawCodes[] = {
-    {}, // no code
-    Both(0),     Before(5),       After(5),   Before(10),          After(10),   Before(15), After(15),   Before(20),
-    After(20),   Before(25),      After(25),  BothUnasked(30),     Both(35),    Before(40), After(40),   Before(45),
-    After(45),   BothUnasked(55), Before(50), WindowsAndAfter(50), Before(101), After(101), Before(100), After(100),
-    Before(102), After(102),
+    None(),      Both(0),    Before(5),   After(5),   Before(10),      After(10),       Before(15),
+    After(15),   Before(20), After(20),   Before(25), After(25),       BothUnasked(30), Both(35),
+    Before(40),  After(40),  Before(45),  After(45),  BothUnasked(55), Before(50),      WindowsAndAfter(50),
+    Before(101), After(101), Before(100), After(100), Before(102),     After(102),
 };
 constexpr unsigned kDrawCodeCount = sizeof kDrawCodes / sizeof *kDrawCodes;
 
@@ -309,25 +310,32 @@ constexpr unsigned kDrawCodeCount = sizeof kDrawCodes / sizeof *kDrawCodes;
     }
 }
 
+[[gnu::always_inline]] inline int DrawHalf(int phase, int half, int isReflection) {
+    return gListeners[phase][half] != 0 ? AVSKDispatchDrawingHook(phase, half, isReflection) : kNotHandled;
+}
+
+[[gnu::noinline]] int DrawMore(const DrawCode &code, int isReflection) {
+    if (code.windows) {
+        AVSKDisplayMouseDragHook();
+        DrawWindows();
+    }
+    int answer = kNotHandled;
+    for (int half = code.first; half >= 0; --half) // a loop, so that the dispatch is inlined once
+        if (const int result = DrawHalf(code.phase, half, isReflection); half != 0 && code.asks)
+            answer = result;
+    return answer;
+}
+
 } // namespace
 
 int AVSKDisplayDoDrawingHook(int hostDrawCode, int isReflection) {
     if (static_cast<unsigned>(hostDrawCode) >= kDrawCodeCount)
         return kNotHandled;
     const DrawCode &code = kDrawCodes[hostDrawCode];
-    int answer = kNotHandled;
-    if (code.half[1] && gListeners[code.phase][1] != 0) {
-        const int result = AVSKDispatchDrawingHook(code.phase, 1, isReflection);
-        if (code.asks)
-            answer = result;
-    }
-    if (code.windows) {
-        AVSKDisplayMouseDragHook();
-        DrawWindows();
-    }
-    if (code.half[0] && gListeners[code.phase][0] != 0)
-        AVSKDispatchDrawingHook(code.phase, 0, isReflection);
-    return answer;
+    if (code.more)
+        return DrawMore(code, isReflection);
+    const int answer = DrawHalf(code.phase, code.first, isReflection);
+    return code.first == 0 ? kNotHandled : answer;
 }
 
 // ---- Dispatch of mouse and cursor events

@@ -3,6 +3,8 @@
 #ifndef AVSK_ERRORS_H
 #define AVSK_ERRORS_H
 
+#include <string>
+
 // Hidden symbols are reached without the global offset table.
 #pragma GCC visibility push(hidden)
 
@@ -15,6 +17,16 @@ void AVSKSendError(const char *message);
 
 // Writes "[plugin]: message" to the log.
 void AVSKLogPluginWarning(const char *message);
+
+// Writes to the log why a folder is listed as empty or not to its end.
+void LogUnreadFolder(const char *path, const char *reason);
+
+// Copies a plugin's text for the time of a call. False, with a warning in the
+// log, if memory does not suffice; the named function then has its neutral result.
+[[nodiscard]] bool CopyText(std::string &to, const char *from, const char *function);
+
+// Writes the message of a process that ends for lack of memory.
+void ReportOutOfMemory();
 
 // Formats a text into the log, or drops it before the host has started the
 // library. Returns 0. For debugging; only the tests call it.

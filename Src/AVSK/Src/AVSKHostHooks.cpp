@@ -2,8 +2,10 @@
 // and reports what happens. Each calls one handler of a module; only
 // AVSKEventHook has logic of its own. No globals; called by the host. Floor 5.
 #include "AVSKDispatch.h"
+#include "AVSKErrors.h"
 #include "AVSKHostTable.h"
 #include "AVSKLoader.h"
+#include "AVSKMemory.h"
 #include "AVSKModules.h"
 
 #include "AVSK/AVSKDataAccess.h"
@@ -31,6 +33,7 @@ int Broadcast(int message, AVSKWord parameter) {
 
 int AVSKInitializePlugins(const char *path, const AVSKHostCallbacks *table, AVSKWord self) {
     SetHostTable(table, self);
+    SetMemoryReport(ReportOutOfMemory);
     AVSKInitMenus();
     PublishBuild();
     AVSKFindAndLoadPlugins(path ? path : "");

@@ -9,6 +9,7 @@
 
 #include "AVSKDelivery.h"
 #include "AVSKDispatch.h"
+#include "AVSKErrors.h"
 #include "AVSKHostTable.h"
 #include "AVSKLoaderRegistry.h"
 #include "AVSKModules.h"
@@ -241,7 +242,8 @@ void RejectDuplicate(const PluginShare &record, const std::string &signature) {
 
 std::vector<std::string> SortedContents(const std::string &folder, const char *pattern) {
     std::vector<std::string> names;
-    AVSKFetchDirectoryContents(folder.c_str(), pattern, names);
+    if (const int error = AVSKFetchDirectoryContents(folder.c_str(), pattern, names))
+        LogUnreadFolder(folder.c_str(), std::strerror(error));
     std::sort(names.begin(), names.end());
     return names;
 }

@@ -6,6 +6,7 @@
 #include "AVSKDispatch.h"
 #include "AVSKHostTable.h"
 #include "AVSKLoaderRegistry.h"
+#include "AVSKMemory.h"
 #include "AVSKPlatform.h"
 #include "UTL_unicode.h"
 
@@ -15,6 +16,7 @@
 #include <cstdarg>
 #include <cstdio>
 #include <cstring>
+#include <initializer_list>
 #include <string>
 #include <string_view>
 
@@ -50,7 +52,9 @@ int AVSKIsPluginEnabled(int plugin) {
 int AVSKFindPluginByPath(const char *path) {
     if (!path)
         return NO_PLUGIN_ID;
-    std::string wanted = path;
+    std::string wanted;
+    if (!CopyText(wanted, path, "AVSKFindPluginByPath"))
+        return NO_PLUGIN_ID;
     if (AVSKNeedPathConvert())
         AVSKOldToUTF8(wanted);
     for (int id = 0; id < PluginCount(); ++id)
@@ -162,11 +166,32 @@ void AVSKSendError(const char *message) {
 }
 
 void AVSKLogPluginWarning(const char *message) {
-    if (const PluginRecord *record = PluginAt(gDispatchedPlugin))
-        // A copy of the name: the host may unload the plugin from inside its log.
-        WriteLog({"[", std::string(record->name).c_str(), "]: ", message, "\n"});
+    // Shared: the host may unload the plugin from inside its log.
+    if (const PluginShare record = SharePlugin(gDispatchedPlugin))
+        WriteLog({"[", record->name.c_str(), "]: ", message, "\n"});
     else
         WriteLog({"[unknown]: ", message, "\n"});
+}
+
+void LogUnreadFolder(const char *path, const char *reason) {
+    if (gHooks)
+        WriteLog({"Failed: ", path, ".  (This folder cannot be read: ", reason, ".)\n\n"});
+}
+
+bool CopyText(std::string &to, const char *from, const char *function) {
+    if (MemorySuffices([&to, from] { to = from; }))
+        return true;
+    if (gHooks)
+        WriteLog({"[", DebugCurrentPluginName(), "]: Out of memory in ", function, ": the call has no effect.\n"});
+    return false;
+}
+
+void ReportOutOfMemory() {
+    const std::initializer_list<const char *> message = {"AVSK: out of memory in a call of plugin '",
+                                                         DebugCurrentPluginName(), "'; the simulator cannot continue\n"};
+    for (const char *piece : message)
+        std::fputs(piece, stderr);
+    WriteLog(message);
 }
 
 int AVSK_dprintf(const char *format, ...) {

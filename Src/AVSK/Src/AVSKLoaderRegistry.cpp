@@ -15,7 +15,8 @@
 // Globals that hold memory are never destroyed, here and in every module: a
 // host may shut the library down while the process exits.
 PluginRegistry &gAllPlugins = *new PluginRegistry;
-CallFlags gCallFlags = {};
+constexpr unsigned char kHostOnly[] = {1};
+constinit CallFlags gCallFlags = {kHostOnly, 1};
 int gDispatchedPlugin = AVSK_PLUGIN_AERIVO;
 
 int StDispatchCallback::frames[kRecordedCalls + 2];
@@ -26,7 +27,12 @@ namespace {
 std::vector<unsigned char> &gEnabledFlags = *new std::vector<unsigned char>;
 std::vector<void *> &gWaitingLibraries = *new std::vector<void *>; // unmapped when the stack is empty
 
-void PublishFlags() { gCallFlags = {gEnabledFlags.data(), static_cast<unsigned>(gEnabledFlags.size())}; }
+void PublishFlags() {
+    if (gEnabledFlags.empty())
+        gCallFlags = {kHostOnly, 1};
+    else
+        gCallFlags = {gEnabledFlags.data(), static_cast<unsigned>(gEnabledFlags.size())};
+}
 
 // Marks the frame of a plugin that was unloaded during its call.
 int FrameOfUnloaded(int id) { return id | INT_MIN; }

@@ -6,6 +6,7 @@
 
 #include "AVSKCallbackSequence.h"
 #include "AVSKDispatch.h"
+#include "AVSKErrors.h"
 #include "AVSKFeatures.h"
 #include "AVSKHostTable.h"
 #include "AVSKModules.h"
@@ -89,8 +90,13 @@ void SetDisabledAI(int index, int disabled) {
 void AVSKSetUsersAircraft(const char *path) {
     if (!path)
         return;
-    const std::string given = path;
-    LoadModel(0, Converted(path), FileNameIn(given));
+    std::string given;
+    std::string converted;
+    if (!CopyText(given, path, "AVSKSetUsersAircraft") || !CopyText(converted, path, "AVSKSetUsersAircraft"))
+        return;
+    if (AVSKNeedPathConvert())
+        AVSKOldToUTF8(converted);
+    LoadModel(0, converted, FileNameIn(given));
 }
 
 void AVSKPlaceUserAtAirport(const char *airport) { gHooks->placeUserAtAirport(airport); }

@@ -4,13 +4,12 @@
 
 #include "AVSK/AVSKThreadLocal.h"
 
-#include <algorithm>
 #include <cctype>
 #include <cerrno>
 #include <cstdint>
 #include <cstdio>
 #include <cstring>
-#include <vector>
+#include <memory>
 
 #include <dirent.h>
 #include <dlfcn.h>
@@ -29,41 +28,64 @@ void LogLinkerError(const char *reason) {
     AVSKDebugString("\n");
 }
 
+// The same for a file that the linker is not given.
+void LogRefusedFile(const char *path, const char *reason) {
+    for (const char *piece : {"dlerror:", path, ": ", reason, "\n"})
+        AVSKDebugString(piece);
+}
+
+// A link that leads to itself names nothing.
+bool IsAbsence(int error) { return error == ENOENT || error == ENOTDIR || error == ELOOP; }
+
 // Why the dynamic linker must not open a file, or null. The linker maps the
 // segments that the headers name and does not check the file's length: access
 // to a page that a truncated copy lacks ends the process. On a pipe the linker
 // would wait for a writer.
 const char *FaultOf(int file) {
     struct stat info = {};
-    fstat(file, &info);
+    if (fstat(file, &info) != 0)
+        return std::strerror(errno);
     if (S_ISFIFO(info.st_mode))
         return "a pipe, not a library";
     constexpr const char *kBreaksOff = "the file breaks off: copy it again";
     Elf32_Ehdr header = {};
-    if (pread(file, &header, sizeof header, 0) != sizeof header || std::memcmp(header.e_ident, ELFMAG, SELFMAG) != 0 ||
+    const ssize_t length = pread(file, &header, sizeof header, 0);
+    if (length < 0)
+        return std::strerror(errno);
+    if (length != sizeof header || std::memcmp(header.e_ident, ELFMAG, SELFMAG) != 0 ||
         header.e_ident[EI_CLASS] != ELFCLASS32)
         return nullptr; // the linker reports the fault
-    std::vector<Elf32_Phdr> parts(header.e_phnum);
-    const std::size_t size = parts.size() * sizeof(Elf32_Phdr);
-    if (pread(file, parts.data(), size, header.e_phoff) != static_cast<ssize_t>(size))
-        return kBreaksOff;
-    const bool isWhole = std::all_of(parts.begin(), parts.end(), [&info](const Elf32_Phdr &part) {
-        return part.p_type != PT_LOAD ||
-               std::uint64_t{part.p_offset} + part.p_filesz <= static_cast<std::uint64_t>(info.st_size);
-    });
-    return isWhole ? nullptr : kBreaksOff;
+    for (int i = 0; i < header.e_phnum; ++i) {
+        Elf32_Phdr part = {};
+        const ssize_t read = pread(file, &part, sizeof part, off_t{header.e_phoff} + i * off_t{sizeof part});
+        if (read < 0)
+            return std::strerror(errno);
+        if (read != sizeof part)
+            return kBreaksOff;
+        if (part.p_type == PT_LOAD &&
+            std::uint64_t{part.p_offset} + part.p_filesz > static_cast<std::uint64_t>(info.st_size))
+            return kBreaksOff;
+    }
+    return nullptr;
 }
+
+struct FolderClosing {
+    void operator()(DIR *folder) const { closedir(folder); }
+};
 
 } // namespace
 
 void *AVSKLoadDLL(const char *path) {
     const int file = open(path, O_RDONLY | O_NONBLOCK | O_CLOEXEC);
-    if (file < 0)
+    if (file < 0) {
+        if (!IsAbsence(errno))
+            LogRefusedFile(path, std::strerror(errno));
         return nullptr;
+    }
     const char *fault = FaultOf(file);
     close(file);
     if (fault) {
-        LogLinkerError(fault);
+        LogRefusedFile(path, fault);
         return nullptr;
     }
 
@@ -84,12 +106,16 @@ void *AVSKFindSymbol(void *handle, const char *name, int logFailure) {
     return symbol;
 }
 
-void AVSKFetchDirectoryContents(const char *path, const char *pattern, std::vector<std::string> &out) {
-    DIR *folder = opendir(path);
+int AVSKFetchDirectoryContents(const char *path, const char *pattern, std::vector<std::string> &out) {
+    const std::unique_ptr<DIR, FolderClosing> folder(opendir(path));
     if (!folder)
-        return;
+        return IsAbsence(errno) ? 0 : errno;
     const bool wantFolders = std::strcmp(pattern, "DIR") == 0;
-    while (const dirent *entry = readdir(folder)) {
+    for (;;) {
+        errno = 0;
+        const dirent *entry = readdir(folder.get());
+        if (!entry)
+            return errno;
         const char *name = entry->d_name;
         if (std::strcmp(name, ".") == 0 || std::strcmp(name, "..") == 0)
             continue;
@@ -103,7 +129,6 @@ void AVSKFetchDirectoryContents(const char *path, const char *pattern, std::vect
                 out.emplace_back(name);
         }
     }
-    closedir(folder);
 }
 
 int suffix_matches(const char *name, const char *pattern) {

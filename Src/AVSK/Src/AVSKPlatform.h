@@ -13,7 +13,7 @@
 
 // Loads a shared library, resolves all its symbols and makes them visible to
 // libraries loaded later. Null if the file is missing or, with a line in the
-// log, if it cannot be loaded.
+// log, if it cannot be opened or loaded.
 void *AVSKLoadDLL(const char *path);
 void AVSKUnloadDLL(void *handle);
 
@@ -23,8 +23,9 @@ void *AVSKFindSymbol(void *handle, const char *name, int logFailure);
 
 // Appends the names of a folder's entries, in the system's order. The pattern
 // is "*.*" for all, "*" and an ending, or "DIR" for folders. "DIR" also counts
-// as an ending, so a folder "my.dir" is appended twice.
-void AVSKFetchDirectoryContents(const char *path, const char *pattern, std::vector<std::string> &out);
+// as an ending, so a folder "my.dir" is appended twice. Returns the error number
+// of a folder that exists and cannot be read to its end, else 0.
+int AVSKFetchDirectoryContents(const char *path, const char *pattern, std::vector<std::string> &out);
 
 // 1 if name ends as pattern requires, regardless of case.
 int suffix_matches(const char *name, const char *pattern);

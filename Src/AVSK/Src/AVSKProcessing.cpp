@@ -15,11 +15,13 @@
 // Due times are rounded to float; excess precision would shift them.
 static_assert(FLT_EVAL_METHOD == 0, "build with -msse2 -mfpmath=sse");
 
+constexpr int kNeverCalled = -1; // no pass has this phase
+
 struct AVSKFlightLoopRecord : AVSKResource_t<AVSKFlightLoopRecord>, AVSKTracked<AVSKFlightLoopRecord> {
     float lastCallTime = 0; // when created, last called, or rescheduled relative to now
     int lastCallCycle = 0;
     float interval = 0;
-    int phase = 0;
+    int phase = 0; // kNeverCalled without a callback
     AVSKFlightLoop_f callback = nullptr;
     int owner = NO_PLUGIN_ID;
     void *refcon = nullptr;
@@ -52,13 +54,12 @@ auto SameLoop(AVSKFlightLoop_f callback, const void *refcon) {
 
 void RunDueLoops(float now, int phase) {
     StDispatchCallback guard;
-    for (AVSKFlightLoopRecord &loop : gFlightLoops.LiveRecords()) {
-        if (loop.phase != phase || !IsDue(loop, now) || !loop.callback || !guard.Enter(loop.owner))
-            continue;
-        loop.interval = loop.callback(now - loop.lastCallTime, now - gLastCallTime, gLastCallNumber, loop.refcon);
-        loop.lastCallTime = now;
-        loop.lastCallCycle = gLastCallNumber;
-    }
+    for (AVSKFlightLoopRecord &loop : gFlightLoops.LiveRecords())
+        if (loop.phase == phase && IsDue(loop, now) && guard.Enter(loop.owner)) {
+            loop.interval = loop.callback(now - loop.lastCallTime, now - gLastCallTime, gLastCallNumber, loop.refcon);
+            loop.lastCallTime = now;
+            loop.lastCallCycle = gLastCallNumber;
+        }
 }
 
 } // namespace
@@ -82,7 +83,7 @@ AVSKFlightLoopID AVSKCreateFlightLoop(const AVSKCreateFlightLoopParams *params) 
     auto *loop = new AVSKFlightLoopRecord;
     loop->lastCallTime = now;
     loop->lastCallCycle = gLastCallNumber;
-    loop->phase = params->phase;
+    loop->phase = params->callbackFunc ? params->phase : kNeverCalled;
     loop->callback = params->callbackFunc;
     loop->owner = AVSKGetDispatchedPlugin();
     loop->refcon = params->refcon;

@@ -4,7 +4,8 @@
 // A record that is removed during a walk is marked dead and stays linked.
 // Dead records are reclaimed when a walk ends: they are unlinked, and no
 // look-up finds them any more. Their storage is freed when no walk is under
-// way. A walk that stands on a reclaimed record remembers where to continue.
+// way. A reclaimed record keeps its links until then, and a walk that stands on
+// it continues along them.
 //
 // Example: a pass over four flight loops has called A and stands on B. The
 // callback of B does all of the following.
@@ -31,7 +32,54 @@
 #define AVSK_RESOURCE_LIST_H
 
 #include <climits>
+#include <cstddef>
 #include <unordered_set>
+
+// With a sanitizer each record is an allocation of its own, which it watches.
+#if defined(__SANITIZE_ADDRESS__)
+#define AVSK_POOLS_RECORDS 0
+#elif defined(__has_feature)
+#define AVSK_POOLS_RECORDS !__has_feature(address_sanitizer)
+#else
+#define AVSK_POOLS_RECORDS 1
+#endif
+
+// Keeps the records of a type side by side, so that a walk reads memory in
+// order. Slots are reused, the last freed first, and not returned to the heap.
+template <class T>
+class AVSKRecordPool {
+  public:
+    static void *Take() {
+        if (!free)
+            Grow();
+        Slot *const slot = free;
+        free = slot->next;
+        return slot;
+    }
+
+    static void Return(void *record) {
+        auto *const slot = static_cast<Slot *>(record);
+        slot->next = free;
+        free = slot;
+    }
+
+  private:
+    union Slot {
+        Slot *next;
+        alignas(T) unsigned char record[sizeof(T)];
+    };
+    static constexpr std::size_t kSlotsPerChunk = 64;
+
+    // The last slot is used first: a list has its newest record in front, so
+    // that a walk goes upward.
+    static void Grow() {
+        Slot *const chunk = new Slot[kSlotsPerChunk];
+        for (Slot *slot = chunk; slot != chunk + kSlotsPerChunk; ++slot)
+            Return(slot);
+    }
+
+    static inline Slot *free = nullptr;
+};
 
 template <class T>
 class AVSKResourceList;
@@ -40,6 +88,11 @@ class AVSKResourceList;
 template <class T>
 class AVSKResource_t {
   public:
+#if AVSK_POOLS_RECORDS
+    static void *operator new(std::size_t /*size*/) { return AVSKRecordPool<T>::Take(); }
+    static void operator delete(void *record) { AVSKRecordPool<T>::Return(record); }
+#endif
+
     T *get_next() const { return next; }
     T *get_prev() const { return prev; }
     bool is_dead() const { return dead; }
@@ -88,11 +141,11 @@ class AVSKResource_t {
 
     T *next = nullptr;
     bool dead = false;
-    T *prev = nullptr;
-    T *dead_next = nullptr;
     bool linked = false;
     bool chained = false; // on the dead chain; bringing it to the front does not unchain it
     bool cut = false;     // the last of the records that an Add cut off: its next does not point back
+    T *prev = nullptr;
+    T *dead_next = nullptr;
 };
 
 // A base that registers every object of a type, so that a stale handle is
@@ -139,7 +192,6 @@ enum class AVSKWalkOver {
 template <class T>
 class AVSKResourceList {
   public:
-    class Walk;
     template <AVSKWalkDirection direction, AVSKWalkOver over>
     class Range;
     class Pin;
@@ -164,8 +216,13 @@ class AVSKResourceList {
     // Moves a record at once, also during a walk. A dead record becomes live,
     // but the next reclaiming takes it all the same.
     void MoveToFront(T *rec) {
-        for (Walk *walk = walks; walk; walk = walk->outer)
-            walk->PassOver(rec);
+        // A walk on a reclaimed record continues past this one, not at the front.
+        for (T *gone = retired; gone; gone = gone->dead_next) {
+            if (gone->next == rec)
+                gone->next = rec->next;
+            if (gone->prev == rec)
+                gone->prev = rec->prev;
+        }
         T::AVSKRemoveResource(head, rec);
         T::AVSKAddResource(head, rec);
     }
@@ -221,17 +278,13 @@ class AVSKResourceList {
     // The bare begin and end of a walk, for walks that stay open by rule.
     T *BeginIterate() {
         Deepen();
-        if (head && head->prev) [[unlikely]]
-            Rewind();
-        return head;
+        return First();
     }
 
     // Leaves the cursor on the last record.
     T *BeginReverseIterate() {
         Deepen();
-        while (head && head->next)
-            head = head->next;
-        return head;
+        return Last();
     }
 
     void EndIterate() { EndWalk(false); }
@@ -242,24 +295,33 @@ class AVSKResourceList {
             dead_list = rec->dead_next;
             Reclaim(rec);
         }
-        needs_clean = false;
+        needs_clean = retired != nullptr;
     }
 
   protected:           // not private, because the tests of the list use head and iterate_depth
     T *head = nullptr; // a cursor: the first record, or the last after a walk from the back
     T *dead_list = nullptr;
     int iterate_depth = 0;
-    bool needs_clean = false;
+    bool needs_clean = false; // the end of a walk may have something to reclaim or to free
 
   private:
-    static T *Beyond(AVSKWalkDirection direction, const T *rec) {
-        return direction == AVSKWalkDirection::Forward ? rec->next : rec->prev;
+    // Walks that stay open raise the depth for good. They leave enough of it
+    // for those that do not.
+    void Deepen() {
+        if (iterate_depth < INT_MAX / 2)
+            ++iterate_depth;
     }
 
-    // Walks that stay open raise the depth for good: it must not overflow.
-    void Deepen() {
-        if (iterate_depth != INT_MAX) [[likely]]
-            ++iterate_depth;
+    T *First() {
+        if (head && head->prev) [[unlikely]]
+            Rewind();
+        return head;
+    }
+
+    T *Last() {
+        while (head && head->next)
+            head = head->next;
+        return head;
     }
 
     [[gnu::noinline]] void Rewind() {
@@ -270,22 +332,21 @@ class AVSKResourceList {
     void EndWalk(bool staysOpen) {
         if (iterate_depth > 0) [[likely]]
             --iterate_depth;
-        if (needs_clean || retired) [[unlikely]]
+        if (needs_clean) [[unlikely]]
             ReclaimAndFree(staysOpen);
     }
 
     [[gnu::noinline]] void ReclaimAndFree(bool staysOpen) {
-        const bool isPassOver = !walks;
-        if (needs_clean && (reclaim == AVSKReclaim::AfterPass ? isPassOver : !staysOpen))
+        if (reclaim == AVSKReclaim::AfterPass ? !walking : !staysOpen)
             Clean();
         FreeRetired();
     }
 
+    // A record whose storage is kept keeps its links: a walk on it continues
+    // along them.
     void Reclaim(T *rec) {
-        for (Walk *walk = walks; walk; walk = walk->outer)
-            walk->Leave(rec);
         T::AVSKRemoveResource(head, rec);
-        if (!walks && pins == 0) {
+        if (!walking && pins == 0) {
             delete rec;
             return;
         }
@@ -294,10 +355,11 @@ class AVSKResourceList {
         rec->chained = false;
         rec->dead_next = retired;
         retired = rec;
+        needs_clean = true;
     }
 
     void FreeRetired() {
-        if (retired && !walks && pins == 0) [[unlikely]]
+        if (retired && !walking && pins == 0) [[unlikely]]
             FreeAllRetired();
     }
 
@@ -306,75 +368,13 @@ class AVSKResourceList {
             retired = rec->dead_next;
             delete rec;
         }
+        needs_clean = dead_list != nullptr;
     }
 
-    Walk *walks = nullptr; // under way, the innermost first
+    bool walking = false; // a walk is under way
     int pins = 0;
     T *retired = nullptr; // reclaimed, with storage that walks or pins keep
     const AVSKReclaim reclaim;
-};
-
-// A walk under way. It lives on the stack of the function that walks.
-template <class T>
-class AVSKResourceList<T>::Walk {
-  public:
-    Walk(AVSKResourceList &walked, AVSKWalkDirection way)
-        : list(walked), outer(walked.walks), direction(way),
-          current(way == AVSKWalkDirection::Forward ? walked.BeginIterate() : walked.BeginReverseIterate()) {
-        list.walks = this;
-    }
-
-    Walk(const Walk &) = delete;
-    Walk &operator=(const Walk &) = delete;
-
-    ~Walk() {
-        list.walks = outer;
-        list.EndWalk(open);
-    }
-
-    T *Current() const { return current; }
-    void StandOn(T *rec) { current = rec; }
-
-    // Whether the current record was reclaimed, and where the walk continues then.
-    bool HasLeft() const { return left; }
-    T *Resume() {
-        left = false;
-        return resume;
-    }
-
-    // Leaves the list's depth raised when the walk ends. Reclaimed records are
-    // freed all the same.
-    void KeepOpen() {
-        if (!open)
-            list.Deepen();
-        open = true;
-    }
-
-  private:
-    friend class AVSKResourceList;
-
-    // A record is about to change its place: the walk does not continue with it.
-    void PassOver(const T *rec) {
-        if (left && resume == rec)
-            resume = Beyond(direction, rec);
-    }
-
-    // A record is about to be reclaimed.
-    void Leave(const T *rec) {
-        PassOver(rec);
-        if (!left && current == rec) {
-            left = true;
-            resume = Beyond(direction, rec);
-        }
-    }
-
-    AVSKResourceList &list;
-    Walk *const outer;
-    const AVSKWalkDirection direction;
-    T *current;
-    T *resume = nullptr; // where the walk continues if current was reclaimed
-    bool left = false;   // current was reclaimed
-    bool open = false;
 };
 
 // Keeps the storage of reclaimed records during a call that is made outside a
@@ -394,43 +394,69 @@ class [[nodiscard]] AVSKResourceList<T>::Pin {
     AVSKResourceList &list;
 };
 
-// A walk for range-based for, of live records or of all.
+// A walk for range-based for, of live records or of all. The list knows only
+// that walks are under way: what a walk stands on is in a register.
 template <class T>
 template <AVSKWalkDirection direction, AVSKWalkOver over>
 class AVSKResourceList<T>::Range {
   public:
-    explicit Range(AVSKResourceList &walked) : walk(walked, direction) { walk.StandOn(Wanted(walk.Current())); }
+    explicit Range(AVSKResourceList &walked)
+        : list(walked), nested(walked.walking),
+          first(direction == AVSKWalkDirection::Forward ? walked.First() : walked.Last()) {
+        ++list.iterate_depth;
+        list.walking = true;
+    }
+
+    // Inline also on the path of an exception; otherwise the range would live
+    // in memory.
+    [[gnu::always_inline]] ~Range() {
+        list.walking = nested;
+        list.EndWalk(open);
+    }
+
+    Range(const Range &) = delete;
+    Range &operator=(const Range &) = delete;
 
     struct End {};
     class Iterator {
       public:
-        explicit Iterator(Range &walked) : range(walked) {}
-        T &operator*() const { return *range.walk.Current(); }
+        explicit Iterator(T *rec) : current(rec) {}
+        T &operator*() const { return *current; }
         Iterator &operator++() {
-            range.Step();
+            current = Wanted(Beyond(current));
             return *this;
         }
-        bool operator!=(End /*end*/) const { return range.walk.Current() != nullptr; }
+        bool operator!=(End /*end*/) const { return current != nullptr; }
 
       private:
-        Range &range;
+        T *current;
     };
 
-    Iterator begin() { return Iterator(*this); }
+    Iterator begin() { return Iterator(Wanted(first)); }
     End end() const { return {}; }
-    void KeepOpen() { walk.KeepOpen(); }
+
+    // Leaves the list's depth raised when the walk ends. Reclaimed records are
+    // freed all the same.
+    void KeepOpen() {
+        if (!open)
+            list.Deepen();
+        open = true;
+    }
 
   private:
+    static T *Beyond(const T *rec) { return direction == AVSKWalkDirection::Forward ? rec->next : rec->prev; }
+
+    // Reclaimed records are dead, too. The links of one may lead to another.
     static T *Wanted(T *rec) {
-        if constexpr (over == AVSKWalkOver::LiveRecords)
-            while (rec && rec->dead)
-                rec = Beyond(direction, rec);
+        while (rec && (over == AVSKWalkOver::LiveRecords ? rec->dead : !rec->linked))
+            [[unlikely]] rec = Beyond(rec);
         return rec;
     }
 
-    void Step() { walk.StandOn(Wanted(walk.HasLeft() ? walk.Resume() : Beyond(direction, walk.Current()))); }
-
-    Walk walk;
+    AVSKResourceList &list;
+    const bool nested;
+    T *const first;
+    bool open = false;
 };
 
 #endif

@@ -6,11 +6,13 @@
 #include "AVSKErrors.h"
 #include "AVSKFeatures.h"
 #include "AVSKHostTable.h"
+#include "AVSKMemory.h"
 #include "AVSKModules.h"
 #include "AVSKPlatform.h"
 #include "UTL_unicode.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <cstring>
 #include <string>
 #include <vector>
@@ -155,6 +157,26 @@ void GivePath(void (*fill)(char *), char *outPath) {
     strcpytrunc(outPath, path, AVSK_PATH_SIZE);
 }
 
+// The names in a folder of a plugin's choice. Empty if there is not enough
+// memory for all of them.
+std::vector<std::string> NamesIn(const char *folder, bool convert) {
+    std::vector<std::string> names;
+    int error = 0;
+    const bool suffices = MemorySuffices([&] {
+        std::string path = folder;
+        if (convert)
+            AVSKOldToUTF8(path);
+        error = AVSKFetchDirectoryContents(path.c_str(), "*.*", names);
+    });
+    if (!suffices) {
+        error = ENOMEM;
+        names.clear();
+    }
+    if (error)
+        LogUnreadFolder(folder, std::strerror(error));
+    return names;
+}
+
 enum ButtonAction {
     kPress = 0,
     kRelease = 1
@@ -234,13 +256,7 @@ char *AVSKExtractFileAndPath(char *path) {
 int AVSKGetDirectoryContents(const char *folder, int first, char *outNames, int namesSize, char **outIndices,
                              int indexCount, int *outTotal, int *outReturned) {
     const bool convert = AVSKNeedPathConvert();
-    std::vector<std::string> names;
-    if (folder) {
-        std::string path = folder;
-        if (convert)
-            AVSKOldToUTF8(path);
-        AVSKFetchDirectoryContents(path.c_str(), "*.*", names);
-    }
+    std::vector<std::string> names = folder ? NamesIn(folder, convert) : std::vector<std::string>();
     if (outTotal)
         *outTotal = static_cast<int>(names.size());
 
@@ -307,8 +323,9 @@ int AVSKLoadDataFile(int fileType, const char *path) {
     }
     if (!path)
         return 0;
-    // A copy: the host may call the plugin, which may change the text.
-    return gHooks->loadDataFile(fileType, std::string(path).c_str());
+    // The host may call the plugin, which may change the text.
+    std::string copy;
+    return CopyText(copy, path, "AVSKLoadDataFile") ? gHooks->loadDataFile(fileType, copy.c_str()) : 0;
 }
 
 int AVSKSaveDataFile(int fileType, const char *path) {
@@ -320,5 +337,6 @@ int AVSKSaveDataFile(int fileType, const char *path) {
         AVSKSendError("Illegal file type passed to AVSKSaveDataFile.");
         return 0;
     }
-    return gHooks->saveDataFile(fileType, std::string(path).c_str());
+    std::string copy;
+    return CopyText(copy, path, "AVSKSaveDataFile") ? gHooks->saveDataFile(fileType, copy.c_str()) : 0;
 }

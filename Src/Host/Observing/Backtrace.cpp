@@ -180,7 +180,7 @@ void WriteInterruptedStack(ucontext_t *context) {
     static std::array<void *, 256> addresses;
     const auto depth = static_cast<std::size_t>(backtrace(addresses.data(), static_cast<int>(addresses.size())));
     Stack stack = FramesOf(FromContextOn({addresses.data(), depth}, context), isExact);
-    stack.isCut = depth == addresses.size();
+    stack.isCut = stack.isCut || depth == addresses.size();
     WriteStack(stack);
 }
 

@@ -111,15 +111,24 @@ struct Rule {
     Condition only = nullptr; // checked when the call begins
 
     // Copies with another column filled.
-    constexpr Rule OtherKey(const Parts &parts) const { return With(&Rule::otherKey, parts); }
-    constexpr Rule When(Success when) const { return With(&Rule::success, when); }
-    constexpr Rule OnlyIf(Condition condition) const { return With(&Rule::only, condition); }
-    constexpr Rule As(Effect other) const { return With(&Rule::effect, other); }
-
-    template <class T>
-    constexpr Rule With(T Rule::*column, const T &value) const {
+    constexpr Rule OtherKey(const Parts &parts) const {
         Rule rule = *this;
-        rule.*column = value;
+        rule.otherKey = parts;
+        return rule;
+    }
+    constexpr Rule When(Success when) const {
+        Rule rule = *this;
+        rule.success = when;
+        return rule;
+    }
+    constexpr Rule OnlyIf(Condition condition) const {
+        Rule rule = *this;
+        rule.only = condition;
+        return rule;
+    }
+    constexpr Rule As(Effect other) const {
+        Rule rule = *this;
+        rule.effect = other;
         return rule;
     }
 };

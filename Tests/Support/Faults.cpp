@@ -1,0 +1,48 @@
+// The system calls of the library that can be made to fail.
+#include "Faults.h"
+
+#include <cerrno>
+#include <cstddef>
+
+#include <dirent.h>
+#include <pthread.h>
+#include <sys/stat.h>
+#include <sys/types.h>
+
+namespace {
+
+Faults gFaults = {};
+
+bool Fails(SystemCall call) {
+    if (!gFaults.counting)
+        return false;
+    const int number = ++gFaults.count[call];
+    return call == gFaults.fails && (gFaults.lasting ? number >= gFaults.failsAt : number == gFaults.failsAt);
+}
+
+} // namespace
+
+extern "C" {
+
+Faults *AVSKTestFaults() { return &gFaults; }
+
+#define AVSK_TEST_WRAPPER(name, Result, parameters, arguments, failed, error)                                          \
+    Result __real_##name parameters;                                                                                   \
+    Result __wrap_##name parameters {                                                                                  \
+        if (Fails(kCall_##name)) {                                                                                     \
+            errno = error;                                                                                             \
+            return failed;                                                                                             \
+        }                                                                                                              \
+        Result result = __real_##name arguments;                                                                       \
+        if (kCall_##name <= kCall_aligned_alloc && kCall_##name != kCall_realloc)                                      \
+            ++gFaults.blocks; /* the library reallocates, and never frees, what it has */                              \
+        return result;                                                                                                 \
+    }
+AVSK_TEST_SYSTEM_CALLS(AVSK_TEST_WRAPPER)
+
+void __real_free(void *block);
+void __wrap_free(void *block) {
+    gFaults.blocks -= block != nullptr;
+    __real_free(block);
+}
+}
