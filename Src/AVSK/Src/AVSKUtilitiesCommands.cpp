@@ -81,6 +81,8 @@ AVSKCommandRef AVSKCreateCommand(const char *name, const char *description) {
 }
 
 void AVSKCommandBegin(AVSKCommandRef command) {
+    if (!MayCreate())
+        return;
     gCommandMap[AVSKGetDispatchedPlugin()].insert(command);
     ++gHeldChanges;
     gHooks->beginCommand(command);
@@ -98,6 +100,8 @@ void AVSKCommandOnce(AVSKCommandRef command) {
 }
 
 void AVSKRegisterCommandHandler(AVSKCommandRef command, AVSKCommandHandler_f handler, int before, void *refcon) {
+    if (!MayCreate())
+        return;
     HandlersOf(before)[command].Append({handler, AVSKGetDispatchedPlugin(), refcon});
 }
 
