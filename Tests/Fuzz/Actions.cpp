@@ -580,8 +580,8 @@ void SharedCall() {
         if (Registration *r = Register(Kind::Shared)) {
             r->a = name;
             const int taken = AVSKShareData(kShared[name], kSharedTypes[name], r->functions.dataChanged, r);
-            REQUIRE(taken == 1, "data cannot be shared");
-            r->count = 1;
+            REQUIRE(taken == (r->owner != NO_PLUGIN_ID), "data cannot be shared, or by nobody");
+            r->count = taken;
         }
         return;
     case 2:
@@ -773,7 +773,8 @@ void CameraCall() {
     case 0:
     case 1:
         if (Registration *r = Register(Kind::Camera)) {
-            gFuzz.camera = r;
+            if (r->owner != NO_PLUGIN_ID)
+                gFuzz.camera = r;
             AVSKControlCamera(In().Below(3), r->functions.camera, r);
         }
         return;

@@ -201,10 +201,6 @@ TEST_F(Plugins, UnloadedInsideItsOwnCallbackItStaysMappedUntilThatReturns) {
 
 TEST_F(Plugins, WhatItStillDoesThenIsNobodys) {
     Puppet &air = world.InstallAircraft("air");
-    std::function<void()> complete;
-    host.on.loadObjectAsync = [&](const char *, auto done, void *argument) {
-        complete = [=] { done(argument, argument); };
-    };
     world.StartQuietly();
     World::LoadAircraft();
     // Deeper than calls are counted.
@@ -224,14 +220,8 @@ TEST_F(Plugins, WhatItStillDoesThenIsNobodys) {
         JournalErrors();
         host.TakeLog();
         AVSKCreateCommand("sim/x", "text");
-        AVSKLoadObjectAsync("path", air.code.loaded, nullptr);
-        AVSKAppendMenuItem(AVSKCreateMenu("M", nullptr, 0, nullptr, nullptr), "item", nullptr, 0);
     });
     EXPECT_EQ(host.TakeLog(), "[unknown]: It is illegal to register a command starting with sim/\n");
-    EXPECT_EQ(AVSKMenuItemEnabled(host.Menu(2), 0), 1);
-    Take();
-    complete();
-    EXPECT_EQ(TakeCalls(), "unloadObject(1)") << "no plugin is called";
 }
 
 TEST_F(Plugins, ItsExceptionMayStillBeUsedAfterItWasUnloaded) {
