@@ -68,6 +68,8 @@ void AVSKReleaseCameraInternal(int force) {
 }
 
 void AVSKControlCamera(int duration, AVSKCameraControl_f cameraFunc, void *refcon) {
+    if (!MayCreate())
+        return;
     gIsControlled = 1;
     gControlDuration = duration;
     gCurrentControlFunc = cameraFunc;

@@ -223,7 +223,7 @@ AVSKDataRef AVSKRegisterDataAccessor(const char *name, int types, int writable, 
                                      AVSKGetDatavf_f readFloatArray, AVSKSetDatavf_f writeFloatArray,
                                      AVSKGetDatab_f readData, AVSKSetDatab_f writeData, void *readRefcon,
                                      void *writeRefcon) {
-    if (!name)
+    if (!name || !MayCreate())
         return nullptr;
     AVSKData_t *record = gNames.Find(name);
     if (record && record->owner != NO_PLUGIN_ID) {

@@ -188,7 +188,7 @@ void Publish(AVSKSharedDataRecord &record) {
 } // namespace
 
 int AVSKShareData(const char *name, int type, AVSKDataChanged_f callback, void *refcon) {
-    if (!name)
+    if (!name || !MayCreate())
         return 0;
     AVSKSharedDataRecord *record = FindShared(name);
     if (record && record->type != type)

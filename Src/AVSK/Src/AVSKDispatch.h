@@ -14,6 +14,11 @@ extern int gDispatchedPlugin;
 void AVSKSetDispatchedPlugin(int id);
 int AVSKGetDispatchedPlugin();
 
+// Whether the dispatched plugin may create things. A plugin that was unloaded
+// during its call (-1) may not: nobody would ever release them. Every exported
+// function that creates something asks first.
+inline bool MayCreate() { return gDispatchedPlugin != NO_PLUGIN_ID; }
+
 // What AVSKDebugGetCurrentPluginName returns.
 const char *DebugCurrentPluginName();
 
@@ -40,7 +45,8 @@ extern CallFlags gCallFlags;
 //             rec.callback(rec.refcon);
 //
 // The guards under way are the frames of a stack. A plugin that is unloaded
-// while one of them is for it stays mapped until the stack is empty.
+// while one of them is for it stays mapped until the stack is empty and no
+// exception is left whose type may live in it.
 class [[nodiscard]] StDispatchCallback {
   public:
     StDispatchCallback() : previous(gDispatchedPlugin), frame(Push(previous)) {}
@@ -72,10 +78,12 @@ class [[nodiscard]] StDispatchCallback {
         return MayCall(id);
     }
 
-    // Unmaps a plugin's library: at once, or when the stack is empty if a call
-    // of the plugin is under way. The rest of such a call is on nobody's
-    // account, because a plugin loaded meanwhile may have the same ID.
-    static void ReleaseLibrary(int id, void *handle);
+    // Unmaps a plugin's library and returns true. Its static destructors run on
+    // the plugin's account. Returns false if the library must wait for a call of
+    // the plugin or for an exception. The rest of such a call, and then the
+    // destructors, are on nobody's account, because a plugin loaded meanwhile
+    // may have the same ID.
+    static bool ReleaseLibrary(int id, void *handle);
 
   private:
     static bool MayCall(int id) { return static_cast<unsigned>(id) < gCallFlags.count && gCallFlags.enabled[id] != 0; }

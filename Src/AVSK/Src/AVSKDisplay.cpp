@@ -80,7 +80,7 @@ AVSKDrawCallbackRecord::~AVSKDrawCallbackRecord() {
 }
 
 int AVSKRegisterDrawCallback(AVSKDrawCallback_f callback, int phase, int wantsBefore, void *refcon) {
-    if (gDrawCallbacks.FindFirst(SameDrawCallback(callback, phase, wantsBefore, refcon)))
+    if (!MayCreate() || gDrawCallbacks.FindFirst(SameDrawCallback(callback, phase, wantsBefore, refcon)))
         return 0;
     gDrawCallbacks.Add(new AVSKDrawCallbackRecord(callback, AVSKGetDispatchedPlugin(), phase, wantsBefore, refcon));
     return 1;
@@ -101,6 +101,8 @@ AVSKWindowCallbackRecord *AVSKWindowIsValid(const void *window) {
 }
 
 AVSKWindowID AddWindow(const AVSKCreateWindowParams &params) {
+    if (!MayCreate())
+        return nullptr;
     auto *window = new AVSKWindowCallbackRecord;
     window->left = params.left;
     window->top = params.top;

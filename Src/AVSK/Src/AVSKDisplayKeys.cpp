@@ -45,7 +45,7 @@ auto SameSniffer(AVSKKeySniffer_f callback, int beforeWindows, void *refcon) {
 } // namespace
 
 int AVSKRegisterKeySniffer(AVSKKeySniffer_f callback, int beforeWindows, void *refcon) {
-    if (gKeyCallbacks.FindFirst(SameSniffer(callback, beforeWindows, refcon)))
+    if (!MayCreate() || gKeyCallbacks.FindFirst(SameSniffer(callback, beforeWindows, refcon)))
         return 0;
     auto *sniffer = new AVSKKeyCallbackRecord;
     sniffer->callback = callback;
@@ -81,6 +81,8 @@ AVSKHotKeyInfoRecord *AVSKValidateHotKey(const void *id) {
 
 AVSKHotKeyID AVSKRegisterHotKey(char virtualKey, int flags, const char *description, AVSKHotKey_f callback,
                                 void *refcon) {
+    if (!MayCreate())
+        return nullptr;
     auto *hotKey = new AVSKHotKeyInfoRecord;
     hotKey->owner = AVSKGetDispatchedPlugin();
     hotKey->virtualKey = virtualKey;

@@ -32,12 +32,14 @@ int Broadcast(int message, AVSKWord parameter) {
 } // namespace
 
 int AVSKInitializePlugins(const char *path, const AVSKHostCallbacks *table, AVSKWord self) {
+    // A start inside a service leaves the host dispatched, not the plugin whose
+    // call led here. The guard restores it, or nobody if it was unloaded.
+    const StDispatchCallback restoring;
     SetHostTable(table, self);
     SetMemoryReport(ReportOutOfMemory);
     AVSKInitMenus();
     PublishBuild();
-    AVSKFindAndLoadPlugins(path ? path : "");
-    AVSKEnableAllPlugins();
+    LoadAndEnablePlugins(path ? path : "");
     return AVSK_HOST_INTERFACE;
 }
 
@@ -75,10 +77,8 @@ int AVSKEventHook(int event, float elapsed, int /*unused*/, AVSKWord parameter) 
         return Broadcast(105, 0);
     case AVSKHostEventPlaneUnloaded:
         Broadcast(AVSKMessagePlaneUnloaded, parameter);
-        if (parameter == 0) {
-            AVSKDisableACFPlugins();
-            AVSKUnloadAcfPlugin();
-        }
+        if (parameter == 0)
+            UnloadUsersAircraftPlugins();
         return 1;
     case AVSKHostEventBroadcast107:
         return Broadcast(107, 0);

@@ -1,5 +1,5 @@
 // The life cycle of plugins: discovery, loading, unloading, enabling, disabling
-// and reloading. Owns gCurrentAircraftPluginIDS, gScheduleReload and
+// and reloading. Owns gCurrentAircraftPluginIDS, gScheduleReload, gLives and
 // gIsUnloadingAll; called by the hooks, the pass of flight loops and plugins.
 //
 // Any call into a plugin or the host may re-enter the loader and load or unload
@@ -65,19 +65,32 @@ void CleanUp(int id) {
 }
 
 bool gIsUnloadingAll = false;
+int gLives = 0; // counts starts and shutdowns of the library
 
-// Nothing is loaded before the host has its ID, nor while every plugin is
-// being unloaded, whatever the host reports during these calls.
-bool MayLoad() { return !gAllPlugins.empty() && !gIsUnloadingAll; }
+// The life of the library in which a function was called. A host that starts
+// or shuts the library down from inside one of its services ends that life;
+// then the function does nothing more.
+class Life {
+  public:
+    bool IsOver() const { return begun != gLives; }
 
-// The last calls into plugins that are disabled or unloaded. Unloading
-// completes even if these calls throw; the first exception passes on
-// afterwards. Its type may live in the library of any of the plugins, so none
-// is unmapped while an exception is held.
+    // Nothing is loaded before the host has its ID, nor while every plugin is
+    // being unloaded, whatever the host reports during these calls.
+    bool MayLoad() const { return !IsOver() && !gAllPlugins.empty() && !gIsUnloadingAll; }
+
+  private:
+    int begun = gLives;
+};
+
+} // namespace
+
+// Calls of which all are made even if one throws. The first exception passes
+// on afterwards. Its type may live in the library of any plugin, so none is
+// unmapped while an exception is held.
 class LastCalls {
   public:
     LastCalls() = default;
-    ~LastCalls() { held -= first != nullptr; }
+    ~LastCalls() { gHeldExceptions -= first != nullptr; }
     LastCalls(const LastCalls &) = delete;
     LastCalls &operator=(const LastCalls &) = delete;
 
@@ -88,14 +101,12 @@ class LastCalls {
         } catch (...) {
             if (!first) {
                 first = std::current_exception();
-                ++held;
+                ++gHeldExceptions;
             }
         }
     }
 
     bool Thrown() const { return first != nullptr; }
-
-    static bool AnyThrown() { return held != 0; }
 
     void Rethrow() const {
         if (first)
@@ -104,8 +115,9 @@ class LastCalls {
 
   private:
     std::exception_ptr first;
-    static inline int held = 0;
 };
+
+namespace {
 
 // ---- Loading
 
@@ -149,84 +161,110 @@ struct StartTexts {
     StartText description;
 };
 
-// Looks the optional entry points up after the start entry, which it returns.
-StartFunction FindEntryPoints(void *handle, PluginRecord &record) {
+struct EntryPoints {
+    StartFunction start;
+    decltype(PluginRecord::stopFunc) stop;
+    decltype(PluginRecord::enableFunc) enable;
+    decltype(PluginRecord::disableFunc) disable;
+    decltype(PluginRecord::receiveMessageFunc) receiveMessage;
+};
+
+EntryPoints FindEntryPoints(void *handle) {
+    EntryPoints found;
     const auto find = [handle](auto &entry, const char *name) {
         entry = reinterpret_cast<std::remove_reference_t<decltype(entry)>>(AVSKFindSymbol(handle, name, 1));
     };
-    StartFunction start = nullptr;
-    find(start, "AVPluginStart");
-    find(record.stopFunc, "AVPluginStop");
-    find(record.enableFunc, "AVPluginEnable");
-    find(record.disableFunc, "AVPluginDisable");
-    find(record.receiveMessageFunc, "AVPluginReceiveMessage");
-    return start;
+    find(found.start, "AVPluginStart");
+    find(found.stop, "AVPluginStop");
+    find(found.enable, "AVPluginEnable");
+    find(found.disable, "AVPluginDisable");
+    find(found.receiveMessage, "AVPluginReceiveMessage");
+    return found;
 }
 
-// Loads a library that has a start entry, and makes its record. Null, and the
-// library is unloaded, if it is not a plugin.
-PluginShare OpenPlugin(const std::string &path, int reportMissing, StartFunction &start) {
-    void *handle = AVSKLoadDLL(path.c_str());
+// Unmaps the library of an unloaded plugin, and then takes what its static
+// destructors registered.
+void Unmap(const PluginShare &record) {
+    const int id = record->id;
+    if (!StDispatchCallback::ReleaseLibrary(id, std::exchange(record->handle, nullptr)))
+        return;
+    if (PluginAt(id) && PluginAt(id) != record.get())
+        return; // the host started the library anew from inside a destructor's call
+    if (AnyModuleHolds(id))
+        CleanUp(id);
+    AbandonDeliveries(*record);
+}
+
+// Removes a plugin that is not going to run. What it registered passes to the
+// next plugin with its ID and may call into the library, which then stays mapped.
+void Refuse(const PluginShare &record) {
+    ForgetEntryPoints(*record);
+    if (record->handle && !AnyModuleHolds(record->id))
+        Unmap(record);
+    Withdraw(record);
+}
+
+// Loads the library of a record in the registry and returns its start entry.
+// Null, and the record is withdrawn, if it is not a plugin or if the host
+// unloaded it meanwhile.
+StartFunction OpenPlugin(const PluginShare &record, int reportMissing) {
+    void *handle = nullptr;
+    try {
+        const StDispatchCallback constructing(record->id); // static constructors may register things
+        handle = AVSKLoadDLL(record->path.c_str());
+    } catch (...) {
+        Withdraw(record);
+        throw;
+    }
     if (!handle) {
+        Withdraw(record);
         if (reportMissing)
-            WriteLog({"Failed: ", path.c_str(),
+            WriteLog({"Failed: ", record->path.c_str(),
                       ".  (This file is missing, not a DLL or could not be loaded due to another missing DLL.)\n\n"});
         return nullptr;
     }
-    auto record = std::make_shared<PluginRecord>();
-    start = FindEntryPoints(handle, *record);
-    if (!start)
-        WriteLog({"Failed: ", path.c_str(),
+    const EntryPoints found = FindEntryPoints(handle);
+    if (!found.start)
+        WriteLog({"Failed: ", record->path.c_str(),
                   ".  (This file is a loadable DLL but is missing the AVPluginStart callback.)\n\n"});
-    if (!start || !MayLoad()) { // the host may shut down from inside its log
-        AVSKUnloadDLL(handle);
+    if (record->unloaded) { // its ID may be taken
+        StDispatchCallback::ReleaseLibrary(NO_PLUGIN_ID, handle);
         return nullptr;
     }
     record->handle = handle;
-    record->path = path;
-    record->name = StripPluginsFolder(path.c_str());
-    record->description = path;
-    return record;
+    if (!found.start) {
+        Refuse(record);
+        return nullptr;
+    }
+    record->stopFunc = found.stop;
+    record->enableFunc = found.enable;
+    record->disableFunc = found.disable;
+    record->receiveMessageFunc = found.receiveMessage;
+    return found.start;
 }
 
-// Calls the start entry of a plugin in the registry. False if the plugin
-// refused, and is withdrawn, or if the host unloaded it during the call.
+// Calls the start entry of a plugin. False if the plugin refused, or if the
+// host unloaded it during the call.
 bool StartPlugin(const PluginShare &record, StartFunction start, StartTexts &texts) {
     // A text that the plugin leaves alone is empty.
     texts.name.text[0] = texts.signature.text[0] = texts.description.text[0] = '\0';
+    const StDispatchCallback starting(record->id);
     bool accepted = false;
-    {
-        const StDispatchCallback starting(record->id);
-        try {
-            accepted = start(texts.name.text, texts.signature.text, texts.description.text) != 0;
-        } catch (...) {
-            Withdraw(record); // the library stays mapped: the exception's type may live in it
-            throw;
-        }
-        if (!accepted && !record->unloaded)
-            WriteLog({"Failed: ", record->path.c_str(),
-                      ". (The plugin refused to start by returning 0 from AVPluginStart.)\n\n"});
+    try {
+        accepted = start(texts.name.text, texts.signature.text, texts.description.text) != 0;
+    } catch (...) {
+        Withdraw(record); // the library stays mapped: the exception's type may live in it
+        throw;
     }
-    if (record->unloaded)
-        return false;
-    if (!accepted)
-        Withdraw(record);
-    return accepted;
-}
-
-// Unloads the library of a plugin that refused to start. What the plugin
-// registered passes to the next plugin with its ID and may call into the
-// library, which then stays mapped.
-void ReleaseRefused(PluginRecord &record) {
-    if (record.handle && !AnyModuleHolds(record.id))
-        StDispatchCallback::ReleaseLibrary(record.id, record.handle);
+    if (!accepted && !record->unloaded)
+        WriteLog({"Failed: ", record->path.c_str(),
+                  ". (The plugin refused to start by returning 0 from AVPluginStart.)\n\n"});
+    return accepted && !record->unloaded;
 }
 
 // Unloads a plugin whose signature is taken, as the dispatched plugin.
 void RejectDuplicate(const PluginShare &record, const std::string &signature) {
     try {
-        // This frame keeps the library mapped while an exception of its stop call passes.
-        const StDispatchCallback asHost(AVSK_PLUGIN_AERIVO);
         const AVSKScopedValue dispatched(gDispatchedPlugin, record->id);
         UnloadOnePlugin(record->id);
     } catch (...) {
@@ -251,17 +289,18 @@ std::vector<std::string> SortedContents(const std::string &folder, const char *p
 bool Contains(const std::string &text, const char *part) { return text.find(part) != std::string::npos; }
 
 // Loads the fat plugins of a folder's subfolders and appends their IDs.
-void LoadFatPluginsOf(const std::string &folder, std::vector<int> &ids) {
-    if (!MayLoad())
+void LoadFatPluginsOf(const std::string &folder, std::vector<int> &ids, LastCalls &calls) {
+    const Life life;
+    if (!life.MayLoad())
         return;
     const std::vector<std::string> names = SortedContents(folder, "DIR");
     if (names.empty())
         return;
     WriteLog({"Fetching plugins for ", folder.c_str(), "\n\n"});
     for (const std::string &name : names) {
-        if (!MayLoad())
+        if (!life.MayLoad())
             return;
-        const int id = LoadFatPlugin(folder + "/" + name);
+        const int id = LoadFatPlugin(folder + "/" + name, calls);
         if (id != NO_PLUGIN_ID)
             ids.push_back(id);
     }
@@ -307,66 +346,94 @@ const char *StripPluginsFolder(const char *path) {
 }
 
 void AVSKFindAndLoadPlugins(const char *hostFolder) {
+    const Life life;
     AVSKSetDispatchedPlugin(AVSK_PLUGIN_AERIVO);
     AppendPlugin(HostRecord());
 
     const std::string folder = std::string(hostFolder) + "Resources/plugins";
     WriteLog({"Fetching plugins for ", folder.c_str(), "\n\n"});
     const std::vector<std::string> files = SortedContents(folder, "*.avp");
-    if (MayLoad())
-        LoadFatPlugin(folder + "/PluginAdmin");
+    LastCalls calls;
+    if (life.MayLoad())
+        LoadFatPlugin(folder + "/PluginAdmin", calls);
     for (const std::string &name : files) {
-        if (Contains(name, "PluginAdmin") || !MayLoad())
+        if (Contains(name, "PluginAdmin") || !life.MayLoad())
             continue;
         if (AVSKHostHasProgress(gHooks))
             gHooks->showProgress(("Loading Plugin: " + name).c_str());
-        LoadOnePlugin(folder + "/" + name, 1);
+        if (life.MayLoad())
+            calls.Make([&] { LoadOnePlugin(folder + "/" + name, 1); });
     }
     for (const std::string &name : SortedContents(folder, "DIR"))
-        if (MayLoad() && !Contains(name, "PluginAdmin") && !Contains(name, "AVSK.framework") &&
+        if (life.MayLoad() && !Contains(name, "PluginAdmin") && !Contains(name, "AVSK.framework") &&
             !Contains(name, "AVWidgets.framework"))
-            LoadFatPlugin(folder + "/" + name);
+            LoadFatPlugin(folder + "/" + name, calls);
+    calls.Rethrow();
 }
 
 void AVSKFindAndLoadAcfPlugins(const char *aircraftFolder) {
-    LoadFatPluginsOf(std::string(aircraftFolder) + "/plugins", gCurrentAircraftPluginIDS);
+    LastCalls calls;
+    LoadFatPluginsOf(std::string(aircraftFolder) + "/plugins", gCurrentAircraftPluginIDS, calls);
+    calls.Rethrow();
 }
 
 void AVSKFindAndLoadSceneryPlugins(const char *sceneryFolder) {
     if (!sceneryFolder)
         return;
+    const Life life;
+    LastCalls calls;
     std::vector<int> ids;
-    LoadFatPluginsOf(std::string(sceneryFolder) + "plugins", ids);
+    LoadFatPluginsOf(std::string(sceneryFolder) + "plugins", ids, calls);
     for (const int id : ids)
-        AVSKEnablePlugin(id);
+        if (!life.IsOver())
+            calls.Make([id] { AVSKEnablePlugin(id); });
+    calls.Rethrow();
 }
 
 void LoadUsersAircraftPlugins() {
+    const Life life;
     std::string folder;
-    if (!UsersAircraftFolder(folder))
+    if (!UsersAircraftFolder(folder) || life.IsOver())
         return;
-    AVSKFindAndLoadAcfPlugins(folder.c_str());
-    AVSKEnableACFPlugins();
+    LastCalls calls;
+    calls.Make([&folder] { AVSKFindAndLoadAcfPlugins(folder.c_str()); });
+    calls.Make(AVSKEnableACFPlugins);
+    calls.Rethrow();
 }
 
-int LoadFatPlugin(const std::string &folder) {
-    const int id = LoadOnePlugin(folder + "/32/lin.avp", 0);
-    if (id != NO_PLUGIN_ID || !MayLoad())
-        return id;
-    return LoadOnePlugin(folder + "/lin.avp", 0);
+void LoadAndEnablePlugins(const char *hostFolder) {
+    ++gLives;
+    const Life life;
+    LastCalls calls;
+    calls.Make([hostFolder] { AVSKFindAndLoadPlugins(hostFolder); });
+    if (life.MayLoad())
+        calls.Make(AVSKEnableAllPlugins);
+    calls.Rethrow();
+}
+
+int LoadFatPlugin(const std::string &folder, LastCalls &calls) {
+    const Life life;
+    int id = NO_PLUGIN_ID;
+    for (const char *file : {"/32/lin.avp", "/lin.avp"})
+        if (id == NO_PLUGIN_ID && life.MayLoad())
+            calls.Make([&] { id = LoadOnePlugin(folder + file, 0); });
+    return id;
 }
 
 int LoadOnePlugin(const std::string &path, int reportMissing) {
-    StartFunction start = nullptr;
-    const PluginShare record = OpenPlugin(path, reportMissing, start);
-    if (!record)
-        return NO_PLUGIN_ID;
+    const auto record = std::make_shared<PluginRecord>();
+    record->path = path;
+    record->name = StripPluginsFolder(path.c_str());
+    record->description = path;
     AppendPlugin(record);
+    const StartFunction start = OpenPlugin(record, reportMissing);
+    if (!start)
+        return NO_PLUGIN_ID;
     StartTexts texts;
     const bool started = StartPlugin(record, start, texts);
     AVSKSetDispatchedPlugin(AVSK_PLUGIN_AERIVO); // not by a guard: the host stays dispatched
     if (!started) {
-        ReleaseRefused(*record);
+        Refuse(record);
         return NO_PLUGIN_ID;
     }
     const std::string signature = texts.signature.Take();
@@ -380,7 +447,7 @@ int LoadOnePlugin(const std::string &path, int reportMissing) {
     record->signature = signature;
     record->description = texts.description.Take();
     WriteLog({"Loaded: ", path.c_str(), " (", signature.c_str(), ").\n\n"});
-    return record->id;
+    return record->unloaded ? NO_PLUGIN_ID : record->id; // the host may shut down from inside its log
 }
 
 // ---- Unloading
@@ -408,8 +475,7 @@ void UnloadOnePlugin(int id) {
         if (calls.Thrown() || AnyModuleHolds(id))
             CleanUp(id);
         AbandonDeliveries(*record); // requested by the stop call
-        void *handle = std::exchange(record->handle, nullptr);
-        StDispatchCallback::ReleaseLibrary(id, LastCalls::AnyThrown() ? nullptr : handle);
+        Unmap(record);
     }
     calls.Rethrow();
 }
@@ -427,6 +493,7 @@ void AVSKUnloadPlugins() {
 }
 
 void DisableAndUnloadPlugins() {
+    ++gLives;
     LastCalls calls;
     calls.Make(AVSKDisableAllPlugins);
     calls.Make(AVSKUnloadPlugins);
@@ -451,15 +518,24 @@ void AVSKUnloadAcfPlugin() {
     calls.Rethrow();
 }
 
+void UnloadUsersAircraftPlugins() {
+    LastCalls calls;
+    calls.Make(AVSKDisableACFPlugins);
+    calls.Make(AVSKUnloadAcfPlugin);
+    calls.Rethrow();
+}
+
 // ---- Enabling, disabling and reloading
 
 int AVSKEnablePlugin(int plugin) {
     const PluginShare record = plugin > AVSK_PLUGIN_AERIVO ? SharePlugin(plugin) : nullptr;
-    if (!record || record->unloaded)
+    // Without a handle the file is still being loaded.
+    if (!record || record->unloaded || !record->handle || record->enabling)
         return 0;
     if (!record->enabled) {
         bool accepted = true;
         if (record->enableFunc) {
+            const AVSKScopedValue enabling(record->enabling, true);
             const StDispatchCallback guard(plugin); // not asked: the plugin is not enabled yet
             accepted = record->enableFunc() != 0;
         }
@@ -488,8 +564,10 @@ void AVSKDisablePlugin(int plugin) {
 }
 
 void AVSKEnableAllPlugins() {
+    LastCalls calls;
     for (int id = 0; id < PluginCount(); ++id)
-        AVSKEnablePlugin(id);
+        calls.Make([id] { AVSKEnablePlugin(id); });
+    calls.Rethrow();
 }
 
 void AVSKDisableAllPlugins() {
@@ -501,38 +579,51 @@ void AVSKDisableAllPlugins() {
 
 // By index: an enable or disable entry may cause aircraft plugins to be loaded or unloaded.
 void AVSKEnableACFPlugins() {
+    LastCalls calls;
     for (std::size_t i = 0; i < gCurrentAircraftPluginIDS.size(); ++i)
-        AVSKEnablePlugin(gCurrentAircraftPluginIDS[i]);
+        calls.Make([i] { AVSKEnablePlugin(gCurrentAircraftPluginIDS[i]); });
+    calls.Rethrow();
 }
 
 void AVSKDisableACFPlugins() {
+    LastCalls calls;
     for (std::size_t i = 0; i < gCurrentAircraftPluginIDS.size(); ++i)
-        AVSKDisablePlugin(gCurrentAircraftPluginIDS[i]);
+        calls.Make([i] { AVSKDisablePlugin(gCurrentAircraftPluginIDS[i]); });
+    calls.Rethrow();
 }
 
 void AVSKReloadPlugins() { gScheduleReload = true; }
 
 void AVSKReloadPluginsInternal() {
     static bool reloading = false;
-    // Re-entered from a plugin's last call: the request stands until the next pass.
-    if (reloading || gIsUnloadingAll)
+    const Life life;
+    // Re-entered from a plugin's last call, or shut down: the request stands until the next pass.
+    if (reloading || !life.MayLoad())
         return;
     const AVSKScopedValue flagged(reloading, true);
     gScheduleReload = false;
     LastCalls calls;
-    calls.Make(AVSKDisableAllPlugins);
-    calls.Make(AVSKUnloadAcfPlugin);
-    calls.Make(AVSKUnloadPlugins);
-    if (AVSKHostHasMessages(gHooks))
-        gHooks->showMessage("Please place your new plugin in the plugins folder.", "I will then reload all plugins.",
-                            "", "");
-
+    const auto step = [&life, &calls](auto call) {
+        if (!life.IsOver())
+            calls.Make(call);
+    };
+    step(AVSKDisableAllPlugins);
+    step(AVSKUnloadAcfPlugin);
+    step(AVSKUnloadPlugins);
+    step([] {
+        if (AVSKHostHasMessages(gHooks))
+            gHooks->showMessage("Please place your new plugin in the plugins folder.",
+                                "I will then reload all plugins.", "", "");
+    });
     char hostFolder[1024] = ""; // twice the 512 bytes that the host is promised
-    gHooks->getSystemPath(hostFolder);
+    step([&hostFolder] { gHooks->getSystemPath(hostFolder); });
     hostFolder[sizeof hostFolder - 1] = '\0';
-    AVSKFindAndLoadPlugins(hostFolder);
-    if (std::string folder; UsersAircraftFolder(folder))
-        AVSKFindAndLoadAcfPlugins(folder.c_str());
-    AVSKEnableAllPlugins();
+    step([&hostFolder] { AVSKFindAndLoadPlugins(hostFolder); });
+    std::string folder;
+    bool hasFolder = false;
+    step([&folder, &hasFolder] { hasFolder = UsersAircraftFolder(folder); });
+    if (hasFolder)
+        step([&folder] { AVSKFindAndLoadAcfPlugins(folder.c_str()); });
+    step(AVSKEnableAllPlugins);
     calls.Rethrow();
 }

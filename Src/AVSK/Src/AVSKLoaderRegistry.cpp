@@ -1,11 +1,13 @@
 // The bottom of the core: the records of plugins, their enabled flags, the
 // dispatched plugin and the stack of calls under way. Owns gAllPlugins,
-// gCallFlags, gEnabledFlags, gDispatchedPlugin and gWaitingLibraries; used by
-// the rest of the core and, through the guard, by every module.
+// gCallFlags, gEnabledFlags, gDispatchedPlugin, gHeldExceptions and
+// gWaitingLibraries; used by the rest of the core and, through the guard, by
+// every module.
 #include "AVSKLoaderRegistry.h"
 
 #include "AVSKDispatch.h"
 #include "AVSKPlatform.h"
+#include "AVSKScopedValue.h"
 
 #include <algorithm>
 #include <climits>
@@ -18,6 +20,7 @@ PluginRegistry &gAllPlugins = *new PluginRegistry;
 constexpr unsigned char kHostOnly[] = {1};
 constinit CallFlags gCallFlags = {kHostOnly, 1};
 int gDispatchedPlugin = AVSK_PLUGIN_AERIVO;
+int gHeldExceptions = 0;
 
 int StDispatchCallback::frames[kRecordedCalls + 2];
 constinit StDispatchCallback::Stack StDispatchCallback::stack = {frames, false};
@@ -25,7 +28,7 @@ constinit StDispatchCallback::Stack StDispatchCallback::stack = {frames, false};
 namespace {
 
 std::vector<unsigned char> &gEnabledFlags = *new std::vector<unsigned char>;
-std::vector<void *> &gWaitingLibraries = *new std::vector<void *>; // unmapped when the stack is empty
+std::vector<void *> &gWaitingLibraries = *new std::vector<void *>; // unmapped when nothing needs their code
 
 void PublishFlags() {
     if (gEnabledFlags.empty())
@@ -36,6 +39,12 @@ void PublishFlags() {
 
 // Marks the frame of a plugin that was unloaded during its call.
 int FrameOfUnloaded(int id) { return id | INT_MIN; }
+
+// Whether an exception is in flight, held, or being handled by a caller. Its
+// type may live in any library.
+bool IsExceptionAlive() {
+    return gHeldExceptions != 0 || std::uncaught_exceptions() > 0 || std::current_exception() != nullptr;
+}
 
 } // namespace
 
@@ -92,18 +101,23 @@ bool StDispatchCallback::IsUnderWay(int id) {
     return std::find(frames, stack.top, id) != stack.top;
 }
 
-void StDispatchCallback::ReleaseLibrary(int id, void *handle) {
-    if (!IsUnderWay(id)) {
+bool StDispatchCallback::ReleaseLibrary(int id, void *handle) {
+    const bool isUnderWay = IsUnderWay(id);
+    if (!isUnderWay && !IsExceptionAlive()) {
+        const StDispatchCallback asItself(id);
         if (handle)
             AVSKUnloadDLL(handle);
-        return;
+        return true;
     }
-    std::replace(frames, std::min(stack.top, frames + kRecordedCalls), id, FrameOfUnloaded(id));
-    if (gDispatchedPlugin == id)
-        gDispatchedPlugin = NO_PLUGIN_ID;
+    if (isUnderWay) {
+        std::replace(frames, std::min(stack.top, frames + kRecordedCalls), id, FrameOfUnloaded(id));
+        if (gDispatchedPlugin == id)
+            gDispatchedPlugin = NO_PLUGIN_ID;
+    }
     stack.unloadsWait = true;
     if (handle)
         gWaitingLibraries.push_back(handle);
+    return false;
 }
 
 void StDispatchCallback::ReturnPastUnloads(const int *top, int previous) {
@@ -112,10 +126,11 @@ void StDispatchCallback::ReturnPastUnloads(const int *top, int previous) {
             gDispatchedPlugin = NO_PLUGIN_ID;
         return;
     }
-    // The type of an exception under way may live in one of these libraries.
-    if (std::uncaught_exceptions() > 0)
+    // Later, at the end of the next outermost call.
+    if (IsExceptionAlive())
         return;
     stack.unloadsWait = false;
+    const AVSKScopedValue asNobody(gDispatchedPlugin, NO_PLUGIN_ID);
     for (void *handle : std::exchange(gWaitingLibraries, {}))
         AVSKUnloadDLL(handle);
 }

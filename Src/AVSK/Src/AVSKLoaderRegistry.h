@@ -15,7 +15,7 @@
 #pragma GCC visibility push(hidden)
 
 struct PluginRecord {
-    void *handle = nullptr; // null for the host and after unloading
+    void *handle = nullptr; // null for the host, while the file is being loaded, and after unloading
     std::string name;
     std::string path;
     std::string signature;
@@ -25,13 +25,17 @@ struct PluginRecord {
     void (*disableFunc)() = nullptr;
     void (*receiveMessageFunc)(int sender, int message, void *parameter) = nullptr;
     AVSKError_f errorCallback = nullptr;
-    bool enabled = false; // written by SetPluginEnabled
+    bool enabled = false;  // written by SetPluginEnabled
+    bool enabling = false; // the enable entry is running
     int features[kFeatureCount] = {};
     AVSKDeliveryHead pendingDeliveries;  // the host has not completed them
     AVSKDeliveryHead deferredDeliveries; // completed while the plugin was disabled
     bool unloaded = false;               // the record only reserves its ID
     int id = NO_PLUGIN_ID;
 };
+
+// Exceptions that LastCalls holds. No library is unmapped meanwhile.
+extern int gHeldExceptions;
 
 // A plugin's ID is the index of its record. Records are shared: a function
 // that calls a plugin keeps the record alive if it leaves the registry during

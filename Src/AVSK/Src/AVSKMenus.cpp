@@ -77,10 +77,14 @@ MenuItem *ItemOf(AVSKMenuID menu, int index) {
     return global < 0 ? nullptr : &(*menu)[global];
 }
 
-// The host keeps the renamed items and reuses their places.
-void RenameAllToEmpty(AVSKMenuID menu) {
-    for (int index = 0; IsMenu(menu) && index < menu->Count(); ++index)
+// The host keeps the renamed items and reuses their places. Items that the host
+// causes to be appended meanwhile are not renamed. Returns the number of items
+// that were there before.
+int RenameAllToEmpty(AVSKMenuID menu) {
+    const int count = menu->Count();
+    for (int index = 0; IsMenu(menu) && index < count && index < menu->Count(); ++index)
         gHooks->setMenuItemName(menu->hostMenu, index, "", 0);
+    return count;
 }
 
 void DestroyHostMenu(AVSKMenuID menu) {
@@ -107,9 +111,13 @@ AVSKMenuID AVSKFindPluginsMenu() { return gPluginMenu; }
 
 AVSKMenuID AVSKCreateMenu(const char *name, AVSKMenuID parent, int parentItem, AVSKMenuHandler_f handler,
                           void *menuRef) {
+    if (!MayCreate())
+        return nullptr;
     if (!parent && gPluginMenu) {
         parentItem = AVSKAppendMenuItem(gPluginMenu, name, nullptr, 1);
         parent = gPluginMenu;
+        if (!MayCreate()) // unloaded by the host meanwhile
+            return nullptr;
     }
     void *hostParent = nullptr;
     if (parent) {
@@ -118,8 +126,14 @@ AVSKMenuID AVSKCreateMenu(const char *name, AVSKMenuID parent, int parentItem, A
         hostParent = parent->hostMenu;
         parentItem = AVSKItemPluginToGlobal(*parent, AVSKGetDispatchedPlugin(), parentItem);
     }
+    void *const hostMenu = gHooks->createMenu(hostParent, parentItem, name);
+    if (!MayCreate()) {
+        if (AVSKHostHasFullTable(gHooks))
+            gHooks->destroyMenu(hostMenu);
+        return nullptr;
+    }
     auto *menu = new AVSKMenuInfo_t;
-    menu->hostMenu = gHooks->createMenu(hostParent, parentItem, name);
+    menu->hostMenu = hostMenu;
     menu->menuRef = menuRef;
     menu->handler = handler;
     menu->owner = AVSKGetDispatchedPlugin();
@@ -140,18 +154,29 @@ void AVSKDestroyMenu(AVSKMenuID menu) {
 void AVSKClearAllMenuItems(AVSKMenuID menu) {
     if (!IsMenu(menu) || menu->owner != AVSKGetDispatchedPlugin())
         return;
-    RenameAllToEmpty(menu);
-    if (IsMenu(menu))
+    const int cleared = RenameAllToEmpty(menu);
+    if (!IsMenu(menu))
+        return;
+    if (menu->Count() <= cleared) {
         menu->items.clear();
+        return;
+    }
+    // The places before an item that was appended meanwhile stay, as they do in
+    // the host's menu. They are nobody's.
+    std::fill_n(menu->items.begin(), cleared, MenuItem{-1, nullptr, AVSKMenuNoCheck - 1, 0, NO_PLUGIN_ID});
 }
 
 int AVSKAppendMenuItem(AVSKMenuID menu, const char *name, void *itemRef, int forceEnglish) {
-    if (!IsMenu(menu))
+    if (!MayCreate() || !IsMenu(menu))
         return -1;
     const int index = menu->Count();
     const int hostID = gHooks->appendMenuItem(menu->hostMenu, index, name, forceEnglish);
     if (!IsMenu(menu))
         return -1;
+    if (!MayCreate()) {
+        gHooks->removeMenuItem(menu->hostMenu, menu->Count());
+        return -1;
+    }
     const int owner = AVSKGetDispatchedPlugin();
     menu->items.push_back({hostID, itemRef, AVSKMenuNoCheck, 1, owner});
     return AVSKItemGlobalToPlugin(*menu, owner, index);

@@ -65,6 +65,9 @@ std::string Converted(const char *path) {
     return text;
 }
 
+// Whether a model's path fits into the buffer that the host has for it.
+bool Fits(const std::string &path) { return path.size() < AVSK_TEXT_SIZE; }
+
 void LoadModel(int index, const std::string &path, const char *fileName) {
     const AVSKScopedValue selfLoading(gIsSelfLoading, true);
     gHooks->loadAircraftModel(index, path.c_str(), fileName);
@@ -124,9 +127,11 @@ void AVSKGetNthAircraftModel(int index, char *outFileName, char *outPath) {
 }
 
 int AVSKAcquirePlanes(char **paths, AVSKPlanesAvailable_f callback, void *refcon) {
+    if (!MayCreate())
+        return 0;
     const int plugin = AVSKGetDispatchedPlugin();
     if (plugin == gOwner)
-        return plugin != NO_PLUGIN_ID;
+        return 1;
     if (gOwner != NO_PLUGIN_ID) {
         if (callback)
             gQueue.Append({callback, refcon, plugin});
@@ -135,9 +140,17 @@ int AVSKAcquirePlanes(char **paths, AVSKPlanesAvailable_f callback, void *refcon
     gRequestedPlanes.clear();
     gPlaneLimit = -1;
     gOwner = plugin;
-    for (int index = 0; paths && paths[index]; ++index)
-        gRequestedPlanes[index] = Converted(paths[index]);
-    return 1;
+    bool tooLong = false;
+    for (int index = 0; paths && paths[index]; ++index) {
+        std::string path = Converted(paths[index]);
+        if (Fits(path))
+            gRequestedPlanes[index] = std::move(path);
+        else
+            tooLong = true;
+    }
+    if (tooLong)
+        AVSKSendError("AVSKAcquirePlanes was passed a path of more than 255 bytes.");
+    return plugin == gOwner; // the error callback may have released control
 }
 
 void AVSKReleasePlanes() {
@@ -166,6 +179,10 @@ void AVSKSetAircraftModel(int index, const char *path) {
     if (!IsInControl() || index < 0 || !path)
         return;
     const std::string converted = Converted(path);
+    if (!Fits(converted)) {
+        AVSKSendError("AVSKSetAircraftModel was passed a path of more than 255 bytes.");
+        return;
+    }
     gRequestedPlanes[index] = converted;
     if (gHostPlaneCount != -1 && index < gHostPlaneCount)
         LoadModel(index, converted, converted.c_str());
@@ -188,7 +205,7 @@ void AVSKHandleUpdatePlaneNameAndPath(int index, char * /*name*/, char *path) {
         return;
     const auto requested = gRequestedPlanes.find(index);
     if (requested != gRequestedPlanes.end() && !requested->second.empty())
-        std::strcpy(path, requested->second.c_str()); // the host's buffer has room for any path
+        std::strcpy(path, requested->second.c_str()); // longer paths are refused
 }
 
 int AVSKHandleGetNumberPlanesToHandle(int count, int flag) {

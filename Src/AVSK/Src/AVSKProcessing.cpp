@@ -69,7 +69,7 @@ float AVSKGetElapsedTime() { return gHooks->getElapsedTime(); }
 int AVSKGetCycleNumber() { return gLastCallNumber; }
 
 AVSKFlightLoopID AVSKCreateFlightLoop(const AVSKCreateFlightLoopParams *params) {
-    if (!params)
+    if (!params || !MayCreate())
         return nullptr;
     if (AVSKHasError()) {
         if (params->structSize != static_cast<int>(sizeof *params))
@@ -80,6 +80,8 @@ AVSKFlightLoopID AVSKCreateFlightLoop(const AVSKCreateFlightLoopParams *params) 
             AVSKSendError("Null callback for AVSKCreateFlightLoop");
     }
     const float now = AVSKGetElapsedTime();
+    if (!MayCreate()) // unloaded by the host meanwhile
+        return nullptr;
     auto *loop = new AVSKFlightLoopRecord;
     loop->lastCallTime = now;
     loop->lastCallCycle = gLastCallNumber;

@@ -114,11 +114,17 @@ class AVSKObjectCompletion_t final : public AVSKDelivery {
 // ---- Probes
 
 AVSKProbeRef AVSKCreateProbe(int type) {
+    if (!MayCreate())
+        return nullptr;
     void *hostProbe = nullptr;
     if (gFreeProbes.empty())
         hostProbe = gHooks->createProbe();
     else
         hostProbe = gFreeProbes.extract(gFreeProbes.begin()).value();
+    if (!MayCreate()) { // unloaded by the host meanwhile
+        gFreeProbes.insert(hostProbe);
+        return nullptr;
+    }
     auto *probe = new AVSKProbe_t{AVSKGetDispatchedPlugin(), type, hostProbe};
     gProbes.insert(probe);
     return probe;
@@ -146,13 +152,22 @@ int AVSKProbeTerrainXYZ(AVSKProbeRef probe, float x, float y, float z, AVSKProbe
 // ---- Objects
 
 AVSKObjectRef AVSKLoadObject(const char *path) {
+    if (!MayCreate())
+        return nullptr;
     void *object = gHooks->loadObject(path);
-    if (object)
-        gObjects[AVSKGetDispatchedPlugin()].push_back(object);
+    if (!object)
+        return nullptr;
+    if (!MayCreate()) { // unloaded by the host meanwhile
+        gHooks->unloadObject(object);
+        return nullptr;
+    }
+    gObjects[AVSKGetDispatchedPlugin()].push_back(object);
     return object;
 }
 
 void AVSKLoadObjectAsync(const char *path, AVSKObjectLoaded_f callback, void *refcon) {
+    if (!MayCreate())
+        return;
     auto *completion = new AVSKObjectCompletion_t(callback, refcon);
     AVSKQueueDelivery(completion);
     void *const argument = completion->Argument();

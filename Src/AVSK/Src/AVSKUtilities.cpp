@@ -3,6 +3,7 @@
 // event. Commands are in AVSKUtilitiesCommands.cpp.
 #include "AVSK/AVSKUtilities.h"
 
+#include "AVSKDispatch.h"
 #include "AVSKErrors.h"
 #include "AVSKFeatures.h"
 #include "AVSKHostTable.h"
@@ -206,6 +207,8 @@ void AVSKSimulateKeyPress(int keyType, int key) { gHooks->simulateKeyPress(keyTy
 void AVSKCommandKeyStroke(int key) { gHooks->commandKeyStroke(key); }
 
 void AVSKCommandButtonPress(int button) {
+    if (!MayCreate())
+        return;
     SendButton(button, kPress);
     gButtons.push_back(button);
 }

@@ -83,6 +83,8 @@ AVSKCommandRef AVSKCreateCommand(const char *name, const char *description) {
 }
 
 void AVSKCommandBegin(AVSKCommandRef command) {
+    if (!MayCreate())
+        return;
     gCommandMap[AVSKGetDispatchedPlugin()].insert(command);
     ++gHeldChanges;
     gHooks->beginCommand(command);
@@ -100,6 +102,8 @@ void AVSKCommandOnce(AVSKCommandRef command) {
 }
 
 void AVSKRegisterCommandHandler(AVSKCommandRef command, AVSKCommandHandler_f handler, int before, void *refcon) {
+    if (!MayCreate())
+        return;
     gHandlers.Append(HandlersOf(before)[command], {handler, AVSKGetDispatchedPlugin(), refcon});
 }
 

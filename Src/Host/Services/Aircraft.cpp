@@ -65,8 +65,7 @@ int ReinitUsersPlane(int, int) {
 
 // Asks plugins for the model of one of the other aircraft that is about to be loaded.
 std::string AskForModel(int index, const std::string &planned) {
-    // The library copies a plugin's path without knowing the room for it.
-    std::array<char, 4096> path{};
+    std::array<char, AVSK_TEXT_SIZE> path{};
     std::array<char, AVSK_TEXT_SIZE> name{};
     CopyText(path.data(), path.size(), planned);
     AVSKUpdatePlaneNameAndPath(index, name.data(), path.data());

@@ -30,7 +30,10 @@ extern "C" {
  * the call. The library passes the arguments of a plugin's forwarding call
  * unchanged, null pointers included: the service checks what it needs. The
  * library calls services on the main thread only. A service may call every
- * hook and every function of the plugin interface.
+ * hook and every function of the plugin interface, except
+ * AVSKInitializePlugins() and AVSKShutdownPlugins(). If it calls these two all
+ * the same, the library stays consistent: a plugin whose call is running goes
+ * on as nobody (ID -1), and a start or reload that is under way ends.
  */
 typedef struct AVSKHostCallbacks {
     /** Slot 0: the version of the host's interface. See AVSKHostHasMessages() and AVSKHostHasProgress(). */
@@ -278,7 +281,9 @@ enum {
  * the folder "Resources/plugins" and enables the plugins. Before this call the
  * host may register datarefs; they belong to plugin 0. If the host published a
  * writable byte dataref "sim/version/avsk_build_string", the library writes its
- * build date and time into it.
+ * build date and time into it. Not to be called by a service. If a plugin throws,
+ * the others are loaded and enabled all the same; the first exception is thrown
+ * at the end.
  *
  * @param path   the host's folder, UTF-8, ends in a separator; copied. Null counts as an empty text.
  * @param table  the host's services, not null; owned by the host, valid for the life of the process.
@@ -291,6 +296,7 @@ AVSK_API int AVSKInitializePlugins(const char *path, const AVSKHostCallbacks *ta
 
 /**
  * Disables and unloads every plugin. Host services are called during the call.
+ * Not to be called by a service.
  * Plugins are unloaded even if one of them throws; the first exception is thrown
  * at the end.
  *
@@ -431,8 +437,8 @@ AVSK_API int AVSKMenuItemEnabled(void *menu, int index);
  *
  * @param index  the aircraft; nothing is written for the user's aircraft (index 0).
  * @param name   not read and not changed, may be null.
- * @param path   in: the host's path; out: the path to load, UTF-8. The buffer must have space for any
- *               path.
+ * @param path   in: the host's path; out: the path to load, UTF-8. A buffer of 256 bytes
+ *               (AVSK_TEXT_SIZE): plugins cannot choose a longer path.
  *
  * [host only]
  */

@@ -75,7 +75,9 @@ AVSK_API void AVSKGetNthAircraftModel(int index, char *outFileName, char *outPat
  *
  * @param paths     the full paths of models to use, UTF-8, ended by a null pointer; copied. Entry i is
  *                  for aircraft i, entry 0 is not used. Null requests no models. Ignored unless the
- *                  calling plugin gets control by this call.
+ *                  calling plugin gets control by this call. A path of more than 255 bytes requests
+ *                  nothing, and the error callback receives
+ *                  "AVSKAcquirePlanes was passed a path of more than 255 bytes."
  * @param callback  called when control becomes free, if another plugin has it now. Null: the plugin
  *                  does not wait. Each call with a callback waits once more.
  * @param refcon    passed to the callback, may be null.
@@ -108,7 +110,9 @@ AVSK_API void AVSKSetActiveAircraftCount(int count);
  * control.
  *
  * @param index  the aircraft; a negative index is ignored.
- * @param path   the full path of the model, UTF-8; copied. Null is ignored.
+ * @param path   the full path of the model, UTF-8, at most 255 bytes; copied. Null is ignored. A longer
+ *               path is ignored, too, and the error callback receives
+ *               "AVSKSetAircraftModel was passed a path of more than 255 bytes."
  *
  * [main thread, initialized]
  */

@@ -21,6 +21,10 @@ extern "C" {
  * once it is enabled. A plugin that refuses to start gets no stop call, and what
  * it registered is not removed: unregister it before returning 0.
  *
+ * Register nothing in static constructors and destructors. What a constructor
+ * registers belongs to the plugin, and what a destructor registers is removed at
+ * once. An exception that leaves a constructor leaves the dynamic linker locked.
+ *
  * @param outName         a buffer of 256 bytes for the display name, zero-terminated; an empty text
  *                        at first.
  * @param outSignature    a buffer of 256 bytes for a signature that is different from every other
@@ -178,10 +182,12 @@ AVSK_API int AVSKIsPluginEnabled(AVSKPluginID plugin);
 /**
  * Enables a plugin: calls its AVPluginEnable, then delivers the results that
  * arrived while it was disabled, the newest first. If the plugin is enabled
- * already, only results are delivered. Nothing happens to the host (ID 0).
+ * already, only results are delivered. Nothing happens to the host (ID 0) and to
+ * a plugin whose AVPluginEnable is running.
  *
  * @param plugin  the plugin, any number.
- * @return 1 if the plugin is enabled after the call, else 0; 0 for the host.
+ * @return 1 if the plugin is enabled after the call, else 0; 0 for the host and inside the plugin's
+ *         own AVPluginEnable.
  *
  * [main thread, any time]
  */

@@ -42,7 +42,7 @@ extern "C" {
  *   functions. Elsewhere it reaches the host when the host does not draw.
  * - [host only]: a function that only the host calls, on its main thread.
  *   Unless its documentation says otherwise, AVSKInitializePlugins() must have
- *   been called. A host service may call it while a plugin's call is running.
+ *   been called, and a host service may call it while a plugin's call is running.
  * - [callback, plugin enabled]: a function of the plugin. The library calls it
  *   on the main thread, only while its owner is enabled, with its owner as the
  *   calling plugin.
@@ -69,7 +69,12 @@ typedef int AVSKPluginID;
 
 /** The host, which takes part as an ordinary plugin. */
 #define AVSK_PLUGIN_AERIVO 0
-/** No plugin: the result of a failed search, and "all plugins" as the target of a message. */
+/**
+ * No plugin: the result of a failed search, and "all plugins" as the target of a
+ * message. It is also the calling plugin in a callback of a plugin that was
+ * unloaded during that callback. Then functions that create or register
+ * something do nothing and return their neutral result.
+ */
 #define NO_PLUGIN_ID (-1)
 
 /** The size in bytes of a caller's text buffer, unless the function names another size. */

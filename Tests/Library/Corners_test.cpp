@@ -1,0 +1,473 @@
+// Hostile situations: plugins and hosts that throw, unload and restart in the
+// middle of each other's calls.
+#include "World.h"
+
+#include "AVSK/AVSKDisplay.h"
+#include "AVSK/AVSKPlanes.h"
+
+#include <filesystem>
+
+#include <dlfcn.h>
+
+namespace {
+
+using StaticPlayer = std::function<void(bool constructed, AVSKFlightLoop_f loop)>;
+StaticPlayer &gStatic = *new StaticPlayer; // called by static constructors and destructors of the zoo
+
+class Corners : public InWorld {
+  protected:
+    ~Corners() override { gStatic = nullptr; }
+
+    // The numbers that are thrown, which end each call.
+    static int Thrown(const std::function<void()> &call) {
+        try {
+            call();
+        } catch (int number) {
+            return number;
+        }
+        return 0;
+    }
+};
+
+template <class Result, class... Arguments>
+Result Nothing(Arguments... /*all*/) {
+    return Result();
+}
+
+void Event101() { AVSKEventHook(AVSKHostEventBroadcast101, 0, 0, 0); }
+
+// ---- Exceptions
+
+TEST_F(Corners, ALibraryStaysMappedWhileItsExceptionIsHeldOrHandled) {
+    Puppet &air = world.InstallAircraft("air");
+    world.Install("A");
+    const std::string model = host.aircraftModel;
+    host.on.loadAircraftModel = [&](int, const char *, const char *) {
+        World::UnloadAircraft();
+        host.aircraftModel = "no folder";
+        World::LoadAircraft();
+    };
+    const auto leave = [&air] {
+        AVSKSetUsersAircraft("other");
+        air.code.throwOwn();
+    };
+    const std::pair<std::function<void()> Puppet::*, std::function<void()>> cases[] = {
+        {&Puppet::disable, [this] { world.Stop(); }},
+        {&Puppet::disable, World::UnloadAircraft},
+        {&Puppet::stop, [this] { world.Stop(); }},
+        {&Puppet::stop, World::UnloadAircraft},
+    };
+    for (const auto &[entry, unload] : cases) {
+        air.*entry = entry == &Puppet::disable ? std::function<void()>(leave) : [&air] { air.code.throwOwn(); };
+        host.aircraftModel = model;
+        world.Start();
+        World::LoadAircraft();
+        ASSERT_TRUE(air.IsMapped());
+        try {
+            unload();
+            ADD_FAILURE() << "nothing was thrown";
+        } catch (...) {
+            Event101();
+            EXPECT_TRUE(air.IsMapped()) << "the exception's destructor is the plugin's";
+        }
+        Event101();
+        EXPECT_FALSE(air.IsMapped());
+        air.*entry = nullptr;
+        world.Stop();
+    }
+}
+
+TEST_F(Corners, APluginThatThrowsKeepsNoOtherFromBeingLoadedAndEnabled) {
+    for (const char *label : {"A", "B", "C"}) {
+        world.Install(label);
+        world.InstallAircraft(Line("air", label));
+        world.InstallScenery(Line("s", label));
+    }
+    Puppet &first = world.InstallAt("Resources/plugins/A/32/lin.avp", "A32");
+    const auto number = [](int n) { return [n]() -> int { throw n; }; };
+    world.InstallAt("Resources/plugins/a.avp", "a").start = number(1);
+    first.start = number(2);
+    first.enable = number(9); // never
+    Puppet &air = world.InstallAircraft("air0");
+    Puppet &scenery = world.InstallScenery("s0");
+    for (std::function<int()> Puppet::*entry : {&Puppet::start, &Puppet::enable}) {
+        const int lost = entry == &Puppet::start;
+        air.*entry = number(3);
+        scenery.*entry = number(4);
+        const auto enabled = [] {
+            int count = 0;
+            for (int id = 1; id < AVSKCountPlugins(); ++id)
+                count += AVSKIsPluginEnabled(id);
+            return count;
+        };
+        EXPECT_EQ(Thrown([&] { world.Start(); }), 1);
+        EXPECT_EQ(enabled(), 3) << "A's second file among them";
+        EXPECT_EQ(Thrown(World::LoadAircraft), 3);
+        EXPECT_EQ(enabled(), 6);
+        EXPECT_EQ(Thrown([&] { world.LoadScenery(); }), 4);
+        EXPECT_EQ(enabled(), 9);
+        EXPECT_EQ(AVSKCountPlugins(), 12 - 2 * lost);
+        AVSKReloadPlugins();
+        EXPECT_EQ(Thrown([] { World::Pass(1); }), 1);
+        EXPECT_EQ(enabled(), 6) << "without the scenery's";
+        EXPECT_EQ(AVSKGetMyID(), 0);
+        world.Stop();
+        air.*entry = scenery.*entry = nullptr;
+    }
+}
+
+TEST_F(Corners, AStopOrDisableEntryThatThrowsKeepsNothingFromBeingUnloaded) {
+    Puppet &a = world.Install("A");
+    Puppet &air = world.InstallAircraft("air");
+    world.InstallAircraft("air2");
+    a.stop = [] { throw 1; };
+    air.disable = [] { throw 2; };
+    world.StartQuietly();
+    World::LoadAircraft();
+    TakeCalls();
+    EXPECT_EQ(Thrown(World::UnloadAircraft), 2);
+    EXPECT_EQ(TakeCalls(), "disable air; disable air2; stop air; stop air2");
+    EXPECT_EQ(Thrown([&] { world.Stop(); }), 1);
+    EXPECT_EQ(AVSKCountPlugins(), 0);
+}
+
+// ---- Static constructors and destructors
+
+TEST_F(Corners, WhatAStaticConstructorOrDestructorRegistersGoesWithItsFile) {
+    const struct {
+        const char *fault;
+        bool constructor, destructor; // registers a flight loop
+        bool staysMapped;
+    } cases[] = {
+        {"Constructs", false, true, false},      {"Constructs", true, true, false},
+        {"ConstructsOnly", false, false, false}, {"ConstructsOnly", false, true, false},
+        {"ConstructsOnly", true, false, true},
+    };
+    Puppet file;
+    Puppet &heir = world.InstallScenery("heir");
+    for (const auto &each : cases) {
+        SCOPED_TRACE(Line(each.fault, each.constructor, each.destructor));
+        file.path = world.InstallDefective("Resources/plugins/C.avp", each.fault);
+        std::string accounts;
+        gStatic = [&](bool constructed, AVSKFlightLoop_f loop) {
+            accounts += Line(AVSKGetMyID(), " ");
+            if (constructed && each.constructor)
+                world.LoadScenery(); // is not given the ID
+            if (constructed ? each.constructor : each.destructor)
+                AVSKRegisterFlightLoopCallback(loop, -1, nullptr);
+        };
+        world.Start();
+        EXPECT_EQ(heir.Id(), each.constructor ? 2 : -1);
+        AVSKEnablePlugin(1);
+        World::Pass(1);
+        world.Stop();
+        EXPECT_EQ(file.IsMapped(), each.staysMapped);
+        EXPECT_EQ(accounts, each.staysMapped ? "1 " : "1 1 ");
+        std::filesystem::remove(file.path);
+        world.Start();
+        world.LoadScenery(); // has the ID, and with it what was left
+        World::Pass(2);
+        world.Stop();
+    }
+    gStatic = nullptr;
+    if (void *const left = dlopen(file.path.c_str(), RTLD_NOW | RTLD_NOLOAD))
+        dlclose(left), dlclose(left);
+}
+
+TEST_F(Corners, AHostMayShutDownInsideAStaticConstructorOrTheLog) {
+    Puppet file;
+    file.path = world.InstallDefective("Resources/plugins/C.avp", "ConstructsOnly");
+    std::string accounts;
+    gStatic = [&](bool constructed, AVSKFlightLoop_f loop) {
+        if (constructed) {
+            AVSKRegisterFlightLoopCallback(loop, -1, nullptr);
+            EXPECT_EQ(AVSKEnablePlugin(1), 0) << "not yet started";
+            AVSKShutdownPlugins();
+        }
+        accounts += Line(AVSKGetMyID(), " ");
+        AVSKRegisterFlightLoopCallback(loop, -1, nullptr);
+    };
+    world.Start();
+    EXPECT_EQ(accounts, "-1 -1 ");
+    EXPECT_EQ(AVSKCountPlugins(), 0);
+    gStatic = nullptr;
+    Puppet &air = world.InstallAircraft("air");
+    world.Start();
+    World::LoadAircraft();
+    EXPECT_FALSE(file.IsMapped());
+    host.on.debugString = [](const char *text) { std::string(text) == ").\n\n" ? AVSKShutdownPlugins() : void(); };
+    World::UnloadAircraft();
+    World::LoadAircraft(); // ends in the line that says it is loaded
+    EXPECT_FALSE(air.IsMapped());
+    host.on.debugString = nullptr;
+    world.Start();
+    world.InstallScenery("s");
+    world.LoadScenery();
+    World::UnloadAircraft();
+    EXPECT_EQ(AVSKCountPlugins(), 2) << "the aircraft's plugins were forgotten with the library's life";
+}
+
+TEST_F(Corners, TheLogSeesTheCallerThenTheHostThenTheCallerAgain) {
+    Puppet &a = world.Install("A");
+    world.InstallAircraft("air");
+    world.Start();
+    std::string accounts;
+    host.on.debugString = [&](const char *text) { accounts += Line(*text, AVSKGetMyID(), " "); };
+    a.Run([] {
+        World::LoadAircraft();
+        AVSKDebugString("x");
+    });
+    EXPECT_EQ(accounts, "F1 /1 \n1 L0 /0  0 t0 )0 x1 ");
+}
+
+// ---- Shutdown and start inside services
+
+TEST_F(Corners, ARunningCallOfAnEarlierLifeIsNobodys) {
+    Puppet &a = world.Install("A");
+    Puppet &b = world.Install("B");
+    const auto restart = [this] {
+        AVSKShutdownPlugins();
+        AVSKInitializePlugins(world.Path("").c_str(), &host.table, 0);
+    };
+    host.on.reloadScenery = [&] { return restart(), 0; };
+    // Directly, from inside another plugin's call, and from inside a start call of that life.
+    Puppet &air = world.InstallAircraft("air");
+    const std::function<void()> ways[] = {AVSKReloadScenery, [&] { b.Run(AVSKReloadScenery); }, World::LoadAircraft};
+    air.start = [this, &air] {
+        air.start = nullptr;
+        AVSKReloadScenery();
+        EXPECT_EQ(AVSKGetMyID(), NO_PLUGIN_ID);
+        return 1;
+    };
+    for (const auto &way : ways) {
+        world.StartQuietly();
+        a.Run([&] {
+            way();
+            EXPECT_EQ(AVSKGetMyID(), NO_PLUGIN_ID);
+            EXPECT_EQ(AVSKCountPlugins(), 3);
+            AVSKRegisterDrawCallback(Nothing, 5, 1, &a);
+        });
+        EXPECT_EQ(AVSKGetMyID(), 0);
+        EXPECT_EQ(AVSKRegisterDrawCallback(Nothing, 5, 1, &a), 1) << "no plugin's call registered it";
+        AVSKUnregisterDrawCallback(Nothing, 5, 1, &a);
+        EXPECT_TRUE(AVSKIsPluginEnabled(a.Id()) && AVSKIsPluginEnabled(b.Id()));
+        world.Stop();
+        EXPECT_FALSE(a.IsMapped());
+    }
+}
+
+TEST_F(Corners, AReloadEndsWhenTheHostShutsDownMeanwhile) {
+    world.Install("A");
+    const auto systemPath = host.on.getSystemPath;
+    for (const bool restarts : {false, true})
+        for (const bool isLate : {false, true}) { // in slot 25 and not in slot 53
+            const auto act = [&] {
+                Take();
+                AVSKShutdownPlugins();
+                if (restarts)
+                    world.Start();
+            };
+            host.on.showMessage = [&](auto...) { isLate ? void() : act(); };
+            host.on.getSystemPath = [&](char *out) { systemPath(out), isLate ? act() : void(); };
+            world.Start();
+            AVSKReloadPlugins();
+            World::Pass(1);
+            EXPECT_EQ(TakeCalls(), restarts ? "createMenu(null, 0, \"Plugins\"); start A; enable A" : "");
+            world.Stop();
+        }
+}
+
+// ---- Nobody
+
+TEST_F(Corners, NobodyCreatesAnything) {
+    Puppet &air = world.InstallAircraft("air");
+    const auto answers = [this] {
+        NoticePlayer none;
+        char *paths[] = {nullptr};
+        const AVSKCreateFlightLoopParams loop = {sizeof loop, 0, Nothing, this};
+        AVSKCreateWindowParams window = {sizeof window, 0, 9, 9, 0, 1, Nothing, Nothing, Nothing, {}, {}, this};
+        AVSKLoadObjectAsync("o", Nothing, this);
+        AVSKCommandBegin(&host);
+        AVSKCommandButtonPress(1);
+        AVSKControlCamera(1, Nothing, this);
+        AVSKRegisterCommandHandler(&host, Nothing, 1, this);
+        AVSKRegisterFlightLoopCallback(Nothing, -1, this);
+        AVSKAppendMenuSeparator(AVSKFindPluginsMenu());
+        return Line(AVSKLoadObject("o") != nullptr, AVSKCreateProbe(0) != nullptr,
+                    AVSKCreateMenu("M", nullptr, 0, Nothing, this) != nullptr,
+                    AVSKAppendMenuItem(AVSKFindPluginsMenu(), "I", nullptr, 0) != -1,
+                    AVSKCreateFlightLoop(&loop) != nullptr, AVSKRegisterDrawCallback(Nothing, 5, 1, this),
+                    AVSKRegisterKeySniffer(Nothing, 1, this), AVSKRegisterHotKey('K', 0, "", Nothing, this) != nullptr,
+                    AVSKCreateWindow(0, 9, 9, 0, 1, Nothing, Nothing, Nothing, this) != nullptr,
+                    AVSKCreateWindowEx(&window) != nullptr, Publish("x") != nullptr,
+                    AVSKShareData("y", AVSKDataTypeInt, Nothing, this), AVSKAcquirePlanes(paths, Nothing, this));
+    };
+    host.on.loadObject = [this](const char *) { return &host; };
+    host.on.createProbe = [this] { return &host; };
+    world.StartQuietly();
+    World::LoadAircraft();
+    air.Run([&] {
+        World::UnloadAircraft();
+        TakeCalls();
+        EXPECT_EQ(answers(), "0000000000000");
+        EXPECT_EQ(TakeCalls(), "") << "the host is not called";
+        EXPECT_EQ(AVSKIsCameraBeingControlled(nullptr), 0);
+    });
+    World::LoadAircraft();
+    TakeCalls();
+    World::Pass(1);
+    EXPECT_EQ(TakeCalls(), "") << "no button is held";
+    air.Run([&] { EXPECT_EQ(answers(), "1111111111111"); });
+}
+
+// The plugin is unloaded by the service that creates something for it.
+TEST_F(Corners, WhatAHostCreatedForAPluginThatItUnloadsIsGivenBack) {
+    Puppet &air = world.InstallAircraft("air");
+    bool unloads = false;
+    const auto unload = [&] { unloads ? World::UnloadAircraft() : void(); };
+    host.on.loadObject = [&](const char *) { return unload(), &host; };
+    host.on.createProbe = [&] { return unload(), &host; };
+    host.on.getElapsedTime = [&] { return unload(), 0.0F; };
+    host.on.createMenu = [&](void *, int, const char *) { return unload(), &host; };
+    const auto menu = [] { return AVSKCreateMenu("M", AVSKFindPluginsMenu(), 0, Nothing, nullptr) == nullptr; };
+    const AVSKCreateFlightLoopParams loop = {sizeof loop, 0, Nothing, this};
+    const std::pair<std::function<bool()>, std::string> cases[] = {
+        {[] { return AVSKLoadObject("o") == nullptr; }, "unloadObject(pointer)"},
+        {[] { return AVSKCreateProbe(0) == nullptr; }, "createProbe()"},
+        {[&] { return AVSKCreateFlightLoop(&loop) == nullptr; }, "stop air"},
+        {menu, "destroyMenu(pointer)"},
+    };
+    world.StartQuietly();
+    for (const auto &[isNull, last] : cases) {
+        World::LoadAircraft();
+        unloads = true;
+        air.Run([&, &create = isNull] { EXPECT_TRUE(create()); });
+        unloads = false;
+        const Lines calls = Take();
+        EXPECT_EQ(calls.back(), last == "createProbe()" ? "stop air" : last);
+    }
+    host.on.appendMenuItem = [&](void *, int, const char *, int) { return World::UnloadAircraft(), 7; };
+    World::LoadAircraft();
+    air.Run([] {
+        EXPECT_EQ(AVSKCreateMenu("M", nullptr, 0, Nothing, nullptr), nullptr);
+        EXPECT_EQ(AVSKMenuHook(7), 1) << "there is no such item";
+    });
+    EXPECT_EQ(Take().back(), "removeMenuItem(pointer, 0)");
+}
+
+// ---- Endless calls
+
+TEST_F(Corners, PluginsThatEnableEachOtherAreEnabledOnce) {
+    Puppet &a = world.Install("A");
+    Puppet &b = world.Install("B");
+    int inner[2] = {};
+    a.enable = [&] { return inner[0] = AVSKEnablePlugin(b.Id()), 1; };
+    b.enable = [&] { return inner[1] = AVSKEnablePlugin(a.Id()), 1; };
+    world.Start();
+    EXPECT_TRUE(TakeCalls().ends_with("start A; start B; enable A; enable B"));
+    EXPECT_EQ(std::pair(inner[0], inner[1]), std::pair(1, 0));
+    EXPECT_EQ(AVSKEnablePlugin(a.Id()), 1);
+}
+
+TEST_F(Corners, ClearingAMenuLeavesWhatTheHostCausesToBeAppended) {
+    const Puppet &a = world.Install("A");
+    world.StartQuietly();
+    a.Run([this] {
+        int picked = 0;
+        const AVSKMenuID menu = AVSKCreateMenu(
+            "M", nullptr, 0, [](void *count, void *) { ++*static_cast<int *>(count); }, &picked);
+        for (const char *name : {"1", "2"})
+            AVSKAppendMenuItem(menu, name, nullptr, 0);
+        host.on.setMenuItemName = [&](void *, int, const char *, int) {
+            EXPECT_GE(AVSKAppendMenuItem(menu, "more", nullptr, 0), 0);
+        };
+        AVSKClearAllMenuItems(menu);
+        host.on.setMenuItemName = nullptr;
+        Take();
+        AVSKSetMenuItemName(menu, 1, "second", 0);
+        EXPECT_EQ(TakeCalls(), "setMenuItemName(menu2, 3, \"second\", 0)") << "where the host has it";
+        EXPECT_EQ(AVSKMenuHook(host.lastItemID), 0);
+        EXPECT_EQ(AVSKMenuHook(host.lastItemID - 2), 1) << "cleared";
+        EXPECT_EQ(picked, 1);
+        AVSKClearAllMenuItems(menu);
+        EXPECT_EQ(AVSKAppendMenuItem(menu, "3", nullptr, 0), 0);
+        EXPECT_TRUE(TakeCalls().ends_with("appendMenuItem(menu2, 0, \"3\", 0)"));
+    });
+}
+
+// ---- The host's buffer for a model's path
+
+TEST_F(Corners, AModelsPathFitsIntoTheHostsBuffer) {
+    const Puppet &a = world.Install("A");
+    world.StartQuietly();
+    std::string fits(AVSK_TEXT_SIZE - 1, 'f');
+    std::string tooLong(AVSK_TEXT_SIZE, 'l');
+    char *paths[] = {fits.data(), fits.data(), tooLong.data(), nullptr};
+    AVSKGetNumberPlanesToHandle(9, 0);
+    a.Run([&] {
+        JournalErrors();
+        EXPECT_EQ(AVSKAcquirePlanes(paths, nullptr, nullptr), 1);
+        AVSKSetAircraftModel(3, tooLong.c_str());
+        AVSKSetAircraftModel(1, tooLong.c_str());
+    });
+    const std::string refused = " was passed a path of more than 255 bytes.";
+    EXPECT_EQ(Take(), (Lines{"error: AVSKAcquirePlanes" + refused, "error: AVSKSetAircraftModel" + refused,
+                             "error: AVSKSetAircraftModel" + refused}));
+    for (int index = 1; index < 4; ++index) {
+        char name[AVSK_TEXT_SIZE] = "";
+        char path[AVSK_TEXT_SIZE] = "own";
+        AVSKUpdatePlaneNameAndPath(index, name, path);
+        EXPECT_EQ(path, index == 1 ? fits : "own");
+    }
+    a.Run([&] {
+        AVSKReleasePlanes();
+        AVSKSetErrorCallback([](const char *) { AVSKReleasePlanes(); });
+        EXPECT_EQ(AVSKAcquirePlanes(paths, nullptr, nullptr), 0) << "released by the error callback";
+    });
+}
+
+// ---- Refused starts
+
+TEST_F(Corners, ARefusedPluginsLoadIsCancelledAndItsCallbacksKeepItMapped) {
+    Puppet &air = world.InstallAircraft("air");
+    Puppet &heir = world.InstallScenery("heir");
+    std::function<void()> complete;
+    host.on.loadObjectAsync = [&](const char *, auto done, void *argument) {
+        complete = [=] { done(argument, argument); };
+    };
+    CommandPlayer command;
+    const std::pair<std::function<void()>, bool> cases[] = {
+        {[&] { AVSKLoadObjectAsync("o", air.code.loaded, nullptr); }, false},
+        {[&] { AVSKRegisterDrawCallback(Nothing, 5, 1, &air); }, true},
+        {[&] { AVSKRegisterKeySniffer(Nothing, 1, &air); }, true},
+        {[&] { AVSKRegisterHotKey('K', 0, "", Nothing, &air); }, true},
+        {[&] { AVSKCreateWindow(0, 9, 9, 0, 0, Nothing, Nothing, Nothing, &air); }, true},
+        {[&] { AVSKRegisterCommandHandler(&host, air.code.command, 1, &command); }, true},
+        {[&] { AVSKRegisterCommandHandler(&host, air.code.command, 0, &command); }, true},
+        {[&] { AVSKShareData("shared", AVSKDataTypeInt, air.code.notified, nullptr); }, true},
+        {[&] { AVSKControlCamera(1, Nothing, nullptr); }, true},
+    };
+    for (const auto &[act, mapped] : cases) {
+        world.StartQuietly();
+        air.start = [&leave = act] { return leave(), 0; };
+        World::LoadAircraft();
+        EXPECT_EQ(air.IsMapped(), mapped);
+        world.LoadScenery();
+        EXPECT_EQ(heir.Id(), 1);
+        Take();
+        if (const auto late = std::exchange(complete, nullptr)) {
+            late();
+            EXPECT_TRUE(TakeCalls().starts_with("unloadObject("));
+        }
+        world.Stop();
+        if (void *const left = dlopen(air.path.c_str(), RTLD_NOW | RTLD_NOLOAD))
+            dlclose(left), dlclose(left);
+    }
+}
+
+} // namespace
+
+extern "C" AVSK_API void AvskTestStatic(bool constructed, AVSKFlightLoop_f loop) {
+    if (gStatic)
+        gStatic(constructed, loop);
+}
