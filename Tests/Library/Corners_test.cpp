@@ -1,5 +1,5 @@
-// Hostile situations: plugins and hosts that throw, unload and restart in the
-// middle of each other's calls.
+// Hostile situations: plugins and hosts that throw, unload plugins or restart the
+// library inside each other's calls.
 #include "World.h"
 
 #include "AVSK/AVSKDisplay.h"
@@ -12,13 +12,13 @@
 namespace {
 
 using StaticPlayer = std::function<void(bool constructed, AVSKFlightLoop_f loop)>;
-StaticPlayer &gStatic = *new StaticPlayer; // called by static constructors and destructors of the zoo
+StaticPlayer &gStatic = *new StaticPlayer; // static constructors and destructors of test plugins call it
 
 class Corners : public InWorld {
   protected:
     ~Corners() override { gStatic = nullptr; }
 
-    // The numbers that are thrown, which end each call.
+    // Makes the call and returns the number that it throws, or 0.
     static int Thrown(const std::function<void()> &call) {
         try {
             call();
@@ -87,7 +87,7 @@ TEST_F(Corners, APluginThatThrowsKeepsNoOtherFromBeingLoadedAndEnabled) {
     const auto number = [](int n) { return [n]() -> int { throw n; }; };
     world.InstallAt("Resources/plugins/a.avp", "a").start = number(1);
     first.start = number(2);
-    first.enable = number(9); // never
+    first.enable = number(9); // never called
     Puppet &air = world.InstallAircraft("air0");
     Puppet &scenery = world.InstallScenery("s0");
     for (std::function<int()> Puppet::*entry : {&Puppet::start, &Puppet::enable}) {
@@ -152,7 +152,7 @@ TEST_F(Corners, WhatAStaticConstructorOrDestructorRegistersGoesWithItsFile) {
         gStatic = [&](bool constructed, AVSKFlightLoop_f loop) {
             accounts += Line(AVSKGetMyID(), " ");
             if (constructed && each.constructor)
-                world.LoadScenery(); // is not given the ID
+                world.LoadScenery(); // must not get the ID of the file
             if (constructed ? each.constructor : each.destructor)
                 AVSKRegisterFlightLoopCallback(loop, -1, nullptr);
         };
@@ -165,7 +165,7 @@ TEST_F(Corners, WhatAStaticConstructorOrDestructorRegistersGoesWithItsFile) {
         EXPECT_EQ(accounts, each.staysMapped ? "1 " : "1 1 ");
         std::filesystem::remove(file.path);
         world.Start();
-        world.LoadScenery(); // has the ID, and with it what was left
+        world.LoadScenery(); // gets the ID and inherits what was left
         World::Pass(2);
         world.Stop();
     }
@@ -197,7 +197,7 @@ TEST_F(Corners, AHostMayShutDownInsideAStaticConstructorOrTheLog) {
     EXPECT_FALSE(file.IsMapped());
     host.on.debugString = [](const char *text) { std::string(text) == ").\n\n" ? AVSKShutdownPlugins() : void(); };
     World::UnloadAircraft();
-    World::LoadAircraft(); // ends in the line that says it is loaded
+    World::LoadAircraft(); // the last line that it logs shuts the library down
     EXPECT_FALSE(air.IsMapped());
     host.on.debugString = nullptr;
     world.Start();
@@ -230,7 +230,7 @@ TEST_F(Corners, ARunningCallOfAnEarlierLifeIsNobodys) {
         AVSKInitializePlugins(world.Path("").c_str(), &host.table, 0);
     };
     host.on.reloadScenery = [&] { return restart(), 0; };
-    // Directly, from inside another plugin's call, and from inside a start call of that life.
+    // The restart happens directly, inside another plugin's call, and inside a start call of the earlier life.
     Puppet &air = world.InstallAircraft("air");
     const std::function<void()> ways[] = {AVSKReloadScenery, [&] { b.Run(AVSKReloadScenery); }, World::LoadAircraft};
     air.start = [this, &air] {
@@ -260,7 +260,7 @@ TEST_F(Corners, AReloadEndsWhenTheHostShutsDownMeanwhile) {
     world.Install("A");
     const auto systemPath = host.on.getSystemPath;
     for (const bool restarts : {false, true})
-        for (const bool isLate : {false, true}) { // in slot 25 and not in slot 53
+        for (const bool isLate : {false, true}) { // late: in slot 25, else in slot 53
             const auto act = [&] {
                 Take();
                 AVSKShutdownPlugins();
@@ -277,7 +277,7 @@ TEST_F(Corners, AReloadEndsWhenTheHostShutsDownMeanwhile) {
         }
 }
 
-// ---- Nobody
+// ---- Plugin -1
 
 TEST_F(Corners, NobodyCreatesAnything) {
     Puppet &air = world.InstallAircraft("air");
@@ -320,7 +320,7 @@ TEST_F(Corners, NobodyCreatesAnything) {
     air.Run([&] { EXPECT_EQ(answers(), "1111111111111"); });
 }
 
-// The plugin is unloaded by the service that creates something for it.
+// The service that creates something for the plugin unloads it.
 TEST_F(Corners, WhatAHostCreatedForAPluginThatItUnloadsIsGivenBack) {
     Puppet &air = world.InstallAircraft("air");
     bool unloads = false;

@@ -1,6 +1,6 @@
-// Every call of the system that the library makes in a session fails, one after
-// the other: once, and from there on. Each session runs in a child process per
-// fault; what its exports answer and what the log says is in the table.
+// Makes each system call of the library fail in turn: only this call, or this and
+// all later ones of its kind. Each fault runs in its own child process. The tables
+// list what the exports return and what the log says.
 #include "Faults.h"
 #include "World.h"
 
@@ -25,7 +25,7 @@ namespace {
 #define AVSK_TEST_CALL_NAME(name, ...) #name,
 const char *const kNames[] = {AVSK_TEST_SYSTEM_CALLS(AVSK_TEST_CALL_NAME)};
 
-// What the log, or standard output, says of a fault that the process survives.
+// The lines in the log, or on standard output, for faults that the process survives.
 const std::pair<int, const char *> kLines[] = {
     {kCall_malloc, R"(Failed: %  \(This folder cannot be read: Cannot allocate memory\.\))"},
     {kCall_malloc, R"(\[Name of A\]: Out of memory in AVSK\w+: the call has no effect\.)"},
@@ -50,12 +50,12 @@ Result Nothing(Arguments... /*all*/) {
     return Result();
 }
 
-// The stage: plugin folders of the host, the aircraft and the scenery.
+// A world with plugins of the host, the aircraft and the scenery, and a host that creates objects.
 struct Stage {
     World world;
     Puppet &a = world.Install("A");
     Puppet &b = world.InstallAt("Resources/plugins/B.avp", "B");
-    int thing = 0; // what the host answers for menus and objects
+    int thing = 0; // the host's handle for every menu, probe and object
     void (*completion)(void *, void *) = nullptr;
     void *completed = nullptr;
 
@@ -78,9 +78,9 @@ struct Stage {
 
 struct Session {
     const char *name;
-    bool isStarted; // before the faults
+    bool isStarted; // whether the library starts before the faults
     std::string (*act)(Stage &stage);
-    std::set<std::string> answers; // without a fault, and after one that the process survives
+    std::set<std::string> answers; // the results without a fault, and with faults that the process survives
 };
 
 void PrintTo(const Session &session, std::ostream *out) { *out << session.name; }
@@ -328,12 +328,12 @@ const Session kSessions[] = {
 class FaultsInTurn : public testing::TestWithParam<Session> {
   protected:
     struct Run {
-        Lines said; // by the log and on standard error, and the answers
+        Lines said; // lines of the log and of both outputs, and the results
         int status;
         Faults faults;
     };
 
-    // The session in a child process. Its end is not the end of the test program's.
+    // Runs the session in a child process, whose abort does not end the test program.
     Run InChild(SystemCall fails, int failsAt, bool lasting) {
         int pipe[2];
         EXPECT_EQ(::pipe(pipe), 0);
@@ -383,7 +383,7 @@ class FaultsInTurn : public testing::TestWithParam<Session> {
         _exit(HasFailure());
     }
 
-    // What a run said beyond the one without faults.
+    // Returns the lines of a run that the run without faults does not have.
     static Lines Difference(const Run &run, const Run &dry) {
         Lines lines;
         std::multiset<std::string> usual(dry.said.begin(), dry.said.end());
@@ -416,7 +416,7 @@ TEST_P(FaultsInTurn, EndWithAMessageOrTheNeutralResult) {
             if (WIFSIGNALED(run.status)) {
                 EXPECT_EQ(WTERMSIG(run.status), SIGABRT) << text;
                 EXPECT_LE(call, kCall_aligned_alloc) << text;
-                // On standard error and, once the host has started the library, in its log.
+                // The line is on standard error and, once the library has started, also in the log.
                 static const std::regex early("AVSK: out of memory; the simulator cannot continue");
                 static const std::regex late(
                     "AVSK: out of memory in a call of plugin '[^']+'; the simulator cannot continue");
@@ -446,7 +446,7 @@ TEST_P(FaultsInTurn, EndWithAMessageOrTheNeutralResult) {
 INSTANTIATE_TEST_SUITE_P(Sessions, FaultsInTurn, testing::ValuesIn(kSessions),
                          [](const auto &session) { return session.param.name; });
 
-// What could throw in a library that a program in C calls.
+// Checks that the library imports nothing that may throw, since C programs call it.
 TEST(Imports, TheLibraryUsesNoOperatorNewAndNoTextsOfTheRuntime) {
     const std::string command = std::string("nm -D --undefined-only ") + AVSK_TEST_LIBRARY;
     FILE *names = popen(command.c_str(), "r");

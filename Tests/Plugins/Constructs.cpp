@@ -1,4 +1,4 @@
-// Fault: the same in a plugin that starts, under a signature of its file.
+// Fault: a static constructor and destructor that call the library, in a plugin that starts.
 #include "ConstructsOnly.cpp"
 
 #include <cstring>

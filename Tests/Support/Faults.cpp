@@ -1,4 +1,4 @@
-// The system calls of the library that can be made to fail.
+// The wrappers of the system calls that tests can make fail.
 #include "Faults.h"
 
 #include <cerrno>
@@ -35,7 +35,7 @@ Faults *AVSKTestFaults() { return &gFaults; }
         }                                                                                                              \
         Result result = __real_##name arguments;                                                                       \
         if (kCall_##name <= kCall_aligned_alloc && kCall_##name != kCall_realloc)                                      \
-            ++gFaults.blocks; /* the library reallocates, and never frees, what it has */                              \
+            ++gFaults.blocks; /* realloc does not change the count: the library calls it only for existing blocks */   \
         return result;                                                                                                 \
     }
 AVSK_TEST_SYSTEM_CALLS(AVSK_TEST_WRAPPER)

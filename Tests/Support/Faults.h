@@ -1,9 +1,9 @@
-// Makes calls of the system fail that the library itself makes: a copy of the
-// shared library is linked so that they arrive in Faults.cpp.
+// Makes system calls of the library fail. A copy of the shared library is linked
+// with --wrap, so that its system calls go through Faults.cpp.
 #ifndef AVSK_TESTS_FAULTS_H
 #define AVSK_TESTS_FAULTS_H
 
-// A system call, its type, its arguments, and how it fails.
+// Name, result type, parameters, arguments, result of a failure, errno.
 #define AVSK_TEST_SYSTEM_CALLS(X)                                                                                      \
     X(malloc, void *, (std::size_t size), (size), nullptr, ENOMEM)                                                     \
     X(calloc, void *, (std::size_t count, std::size_t size), (count, size), nullptr, ENOMEM)                           \
@@ -28,10 +28,10 @@ enum SystemCall {
 struct Faults {
     bool counting;
     int count[kSystemCalls];
-    SystemCall fails; // from 1, the failsAt-th of these calls, and those behind it if lasting
+    SystemCall fails; // which call fails: its failsAt-th use, from 1, and all later ones if lasting
     int failsAt;
     bool lasting;
-    int blocks; // of memory in use
+    int blocks; // allocated and not freed
 };
 
 extern "C" __attribute__((visibility("default"))) Faults *AVSKTestFaults();
