@@ -1,6 +1,6 @@
 # avsk_add_plugin(TARGET SOURCES source... [FOLDER folder] [NAME name] [LOOSE])
 #
-# Builds a plugin as the simulator needs it. FOLDER is a plugins folder, by
+# Builds a plugin for the simulator. FOLDER is a plugins folder, by
 # default <build>/plugins. The file is FOLDER/<NAME>/lin.avp or, with LOOSE,
 # FOLDER/<NAME>.avp. NAME is TARGET by default.
 #
@@ -22,11 +22,10 @@ function(avsk_add_plugin target)
 
   add_library(${target} MODULE ${arg_SOURCES})
   target_link_libraries(${target} PRIVATE AVSK::AVSK)
-  # All plugins share one symbol namespace: symbols that are not hidden clash with
-  # those of other plugins, and a unique symbol keeps the file mapped after its
-  # unload.
-  # The process that loads the plugin has loaded the library already, so the file
-  # needs no run path, which would name a folder of this machine.
+  # All plugins share one symbol namespace, so visible symbols of two plugins clash.
+  # A GNU unique symbol keeps the file mapped after dlclose().
+  # No run path: the process that loads the plugin has already loaded the library,
+  # and the path would name a folder of this machine.
   set_target_properties(${target} PROPERTIES
     PREFIX "" SUFFIX ".avp" BUILD_WITH_INSTALL_RPATH ON
     C_VISIBILITY_PRESET hidden CXX_VISIBILITY_PRESET hidden VISIBILITY_INLINES_HIDDEN ON)

@@ -1,8 +1,8 @@
 # avsk_add_session_test(TEST SESSION file [ROOT folder] [PLUGINS target...] [STATUS n] [EXPECT text])
 #
 # Adds a ctest that runs a session with avsk. PLUGINS are targets of
-# avsk_add_plugin() to load. ROOT is the simulator's folder, for a session that
-# names plugins of it. The test passes if two runs end with STATUS, by default 0,
+# avsk_add_plugin() to load. ROOT is the simulator's folder, for sessions that
+# load plugins from it. The test passes if two runs end with STATUS, by default 0,
 # and print the same bytes, which contain the text after EXPECT.
 set(AVSK_SESSION_TEST_SCRIPT ${CMAKE_CURRENT_LIST_DIR}/AVSKSessionTest.cmake)
 

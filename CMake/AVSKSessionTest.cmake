@@ -1,7 +1,7 @@
 # Runs the command after "--" twice. Fails unless both runs end with STATUS and
 # print the same text, which contains EXPECT. The tests of
 # avsk_add_session_test() and of the host program run it.
-cmake_policy(VERSION 3.20) # without policies, if() takes quoted words for variables
+cmake_policy(VERSION 3.20) # without it if() treats quoted words as variables
 math(EXPR last "${CMAKE_ARGC} - 1")
 set(command "")
 set(begun FALSE)

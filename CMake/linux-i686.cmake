@@ -1,4 +1,4 @@
-# 32-bit x86 Linux with the machine's own compiler (Debian: g++-multilib).
+# Builds for 32-bit x86 Linux with the default compiler (Debian: g++-multilib).
 set(CMAKE_SYSTEM_NAME Linux)
 set(CMAKE_SYSTEM_PROCESSOR i686)
 
@@ -8,6 +8,6 @@ foreach(language C CXX)
 endforeach()
 set(CMAKE_TRY_COMPILE_PLATFORM_VARIABLES CMAKE_C_FLAGS_INIT CMAKE_CXX_FLAGS_INIT)
 
-# Tests run here: an x86-64 kernel executes 32-bit programs.
+# No emulator: an x86-64 kernel executes 32-bit programs.
 set(CMAKE_CROSSCOMPILING_EMULATOR "")
 set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)

@@ -1,6 +1,6 @@
-// What plugins and the host do: calls of the interface on the dispatched
-// plugin's account, and reports of the host. Each draws its arguments from
-// the input and keeps the model up to date. Two tables list them.
+// The actions: API calls as the dispatched plugin, and reports of the host. Each
+// takes its arguments from the input and updates the model. Two tables at the
+// end list them.
 #include "Host.h"
 #include "Puppets.h"
 
@@ -30,20 +30,20 @@ void MarkRemoved(Registration &r) {
     r.revived = false;
 }
 
-// Of those with the handle of one that the input picks, the latest: addresses come again.
+// The input picks a handle. Returns the latest registration with it, since the library reuses addresses.
 Registration *PickLatest(Kind kind) {
     const Registration *picked = Pick(kind);
     return picked && picked->handle ? ByHandle(kind, picked->handle) : nullptr;
 }
 
-// The handle of one, or null.
+// Returns a handle that the input picks, or null.
 template <class T>
 T *HandleOf(Kind kind) {
     const Registration *picked = Pick(kind);
     return picked ? As<T>(picked->handle) : nullptr;
 }
 
-// What nobody may not create: the call answers null or 0 and asks the host nothing.
+// Creates a resource. As plugin -1 the call must return null or 0 without a host service call.
 template <class Call>
 void Create(Kind kind, Call call) {
     Registration *r = Register(kind);
@@ -75,7 +75,7 @@ void RemoveByHandle() {
     Remove(PickLatest(kKind), kWhich, [](Registration &r) { kCall(As<T>(r.handle)); });
 }
 
-// Each loading of plugins costs many other calls: a run has a few.
+// Loading plugins is as slow as many other calls, so a run does it only a few times.
 bool MayLoad() { return gFuzz.loads < 4 + gFuzz.actions / 100 && ++gFuzz.loads; }
 
 int AnyX() { return Draw().Below(16); }
@@ -89,7 +89,7 @@ float AnyInterval() {
 
 // ---- The host's reports
 
-// One report: what a callback throws ends here, or goes on to the caller's caller.
+// Makes one report. Catches what a callback throws, or rethrows it if the input says so.
 template <class Report>
 void Hook(Report report) {
     ++gCounters.hooks;
@@ -103,7 +103,7 @@ void Hook(Report report) {
             throw;
     }
     if (outermost && kRules.earlierLifeIsNobody && Self() == NO_PLUGIN_ID)
-        AVSKSetDispatchedPlugin(before); // a life ended inside
+        AVSKSetDispatchedPlugin(before); // a life of the library ended inside the report
     if (outermost)
         REQUIRE(Self() == before, "after a hook %d is dispatched, before it %d", Self(), before);
 }
@@ -187,21 +187,21 @@ void CountPlanes() {
     });
 }
 
-// Every event there is and some that are none.
+// Sends any event, sometimes an unknown one.
 void AnyEvent() {
     const int event = Draw().Below(16);
     if (event != AVSKHostEventFrame && event != AVSKHostEventFrameEnd)
         Event(event, event == AVSKHostEventSceneryFolder ? 0 : Draw().Rarely(4));
 }
 
-// The aircraft's and the scenery's plugins come and go.
+// Loads or unloads the aircraft's plugins, or loads the scenery's.
 void ChangePlugins() {
     constexpr int events[] = {AVSKHostEventPlaneUnloaded, AVSKHostEventSceneryFolder, AVSKHostEventPlaneLoaded,
                               AVSKHostEventPlaneLoaded};
     Event(Draw().OneOf(events), 0);
 }
 
-// A second life of the library.
+// Shuts the library down and starts it again.
 void Restart() {
     if ((gFuzz.depth > 0 && !kRules.livesInServices) || !MayLoad())
         return;
@@ -260,7 +260,7 @@ void EnumerateFeatures() {
 bool CreateLoop(Registration &r) {
     r.a = Draw().Below(2);
     const AVSKCreateFlightLoopParams params = {sizeof params, r.a, Code<Kind::Loop>(r), &r};
-    r.removed = true; // not there while the host is asked for the time
+    r.removed = true; // not registered yet while the library asks the host for the time
     AVSKFlightLoopID loop = AVSKCreateFlightLoop(&params);
     r.removed = false;
     r.handle = loop;
@@ -270,7 +270,7 @@ bool CreateLoop(Registration &r) {
 }
 
 bool RegisterLoop(Registration &r) {
-    r.removed = true; // likewise
+    r.removed = true; // as above
     AVSKRegisterFlightLoopCallback(Code<Kind::Loop>(r), AnyInterval(), &r);
     r.removed = false;
     return false;
@@ -283,7 +283,7 @@ void ChangeLoop() {
     }
 }
 
-// A registration by values, fresh or once more.
+// Returns a new registration identified by its values, or an existing one to register again.
 Registration *ByValues(Kind kind) {
     if (Draw().Rarely(3)) {
         Registration *again = Pick(kind);
@@ -295,12 +295,12 @@ Registration *ByValues(Kind kind) {
         constexpr int phases[] = {0, 5, 50, 30, 100, 25, 45, 55};
         r->a = Draw().OneOf(phases);
         r->b = Draw().Below(2);
-        r->removed = true; // not there yet
+        r->removed = true; // not registered yet
     }
     return r;
 }
 
-// Registers by values. A pass under way still finds what was removed in it.
+// Registers by values. A pass in progress still finds registrations removed during it.
 template <class Add>
 void RegisterValues(Kind kind, bool underWay, Add add) {
     Registration *r = ByValues(kind);
@@ -378,8 +378,8 @@ void ChangeHotKey() {
     AVSKSetHotKeyCombination(hotKey, AnyKey(), AnyFlags());
 }
 
-// The registration of a window that the library still finds, or null. The
-// question itself is harmless before any call that looks the window up.
+// Returns the registration of a window that the library still finds, or null. The
+// query has no side effects on later calls for the window.
 Registration *Found(AVSKWindowID window) {
     void *refcon = AVSKGetWindowRefCon(window);
     Registration *found = ByRefcon(refcon);
@@ -588,7 +588,7 @@ void UnregisterData() {
 void UseData() {
     AVSKDataRef ref = AVSKFindDataRef(Draw().OneOf(kDataNames));
     if (Draw().Rarely(3))
-        ref = HandleOf<AVSKData_t>(Kind::Data); // perhaps nobody's by now
+        ref = HandleOf<AVSKData_t>(Kind::Data); // it may be unregistered by now
     int values[4] = {};
     switch (Draw().Below(4)) {
     case 0:
@@ -631,7 +631,7 @@ char aircraft[] = "Aircraft/a/x.acf";
 
 bool AcquirePlanes(Registration &r) {
     char *paths[] = {aircraft, aircraft, nullptr};
-    r.count = 1; // withdrawn if it was not queued
+    r.count = 1; // reset below if it was not queued
     if (!AVSKAcquirePlanes(Draw().Flag() ? paths : nullptr, Code<Kind::Planes>(r), &r))
         return false;
     REQUIRE(r.count == 1, "planes are offered to the plugin that has them");
@@ -673,7 +673,7 @@ void UseSmallOnes() {
 
 // ---- The tables
 
-// One thing that may be done, so many times as often as one of weight 1.
+// One action and its weight, which is its relative frequency.
 struct Choice {
     int weight;
     const char *name;
@@ -765,7 +765,7 @@ constexpr Choice kCalls[] = {
     {1, "small ones", UseSmallOnes},
 };
 
-// A table with each choice as often as its weight says.
+// Repeats each choice of a table as often as its weight.
 class Choices {
   public:
     template <std::size_t kCount>
@@ -816,7 +816,7 @@ void ActInCallback(int throwsOneIn) {
     if (!Draw().Rarely(throwsOneIn))
         return;
     TRACE("throws");
-    // A tear-down that holds the exception until it is done unmaps nothing.
+    // A tear-down that holds back this exception leaves its files mapped.
     for (File &file : gFuzz.files)
         file.kept = true;
     if (Draw().Flag())
@@ -847,7 +847,7 @@ void ActAtTop() {
     if (number < 192)
         return gReports.Act(number);
     try {
-        PluginActs(Draw().Byte()); // of plugin 0
+        PluginActs(Draw().Byte()); // as plugin 0
     } catch (...) {
         ++gCounters.throws;
     }

@@ -17,7 +17,7 @@ struct HostItem {
 
 struct HostMenu {
     bool destroyed = false;
-    int removals = 0; // under way: the library's own books still have their items
+    int removals = 0; // in progress: the library still lists these items
     std::vector<HostItem> items;
     int Size() const { return static_cast<int>(items.size()); }
     HostItem *At(int index) { return index >= 0 && index < Size() ? &items[static_cast<std::size_t>(index)] : nullptr; }
@@ -30,16 +30,16 @@ struct LoadRequest {
 };
 
 constexpr int kObjects = 4;
-int objectCounts[kObjects]; // loads less unloads; their addresses are the objects
+int objectCounts[kObjects]; // loads minus unloads; the address of a count is the object
 char commandCells[kCommands];
 char probeCells[256];
 unsigned probes = 0;
-std::vector<HostMenu> &menus = *new std::vector<HostMenu>; // the handle is the number, from 1 on
+std::vector<HostMenu> &menus = *new std::vector<HostMenu>; // a handle is the number in this list, from 1
 std::vector<LoadRequest> &requests = *new std::vector<LoadRequest>;
 int lastItemID = 0;
 AVSKHostCallbacks table;
 
-// A service that may report something before it returns. Nothing is thrown past it.
+// A service call, which may call the library before it returns. No exception passes it.
 void Service() {
     ++gFuzz.services;
     if (gFuzz.calm || --gFuzz.quiet >= 0)
@@ -50,7 +50,7 @@ void Service() {
     ActAsHost();
 }
 
-// Menus change their books around the call: only a wild host interrupts them.
+// The library changes a menu before and after the call, so only a wild host re-enters here.
 void MenuService() {
     if (gFuzz.wildHost)
         Service();
@@ -158,11 +158,11 @@ void UnloadObject(void *object) {
 }
 
 void Complete(LoadRequest &request) {
-    // Reported again: the library ignores it, and so the object is nobody's.
+    // The library ignores a second report, so the object gets no owner.
     const bool again = request.completed;
     request.completed = true;
     void *object = again ? static_cast<void *>(&objectCounts[0]) : AnyObject();
-    const LoadRequest copy = request; // more may be asked for meanwhile
+    const LoadRequest copy = request; // a request inside the completion may reallocate
     copy.completion(object, copy.argument);
 }
 
@@ -250,12 +250,12 @@ const AVSKHostCallbacks *FreshHost(int version, bool fullTable) {
         for (; *buttons; ++buttons)
             REQUIRE(*buttons > 0 && *buttons < 5, "%d is no button", *buttons);
         Service();
-        // The pass begins after the held buttons.
+        // A pass of flight loops begins after the held buttons are reported.
         if (!gFuzz.passes.empty())
             gFuzz.passes.back().serial = ++gFuzz.serial;
     };
     t.getSystemPath = [](char *outPath) {
-        ++gFuzz.upheavals; // the library asks only while it loads everything again
+        ++gFuzz.upheavals; // the library asks for it only in a reload
         Service();
         std::strcpy(outPath, "/");
     };

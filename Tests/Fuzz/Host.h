@@ -1,5 +1,5 @@
-// The host of the fuzz target: checks what the library asks of it, and now
-// and then reports something from inside a service.
+// The host of the fuzz target. It checks the library's service calls, and
+// sometimes calls the library from inside a service.
 #ifndef AVSK_FUZZ_HOST_H
 #define AVSK_FUZZ_HOST_H
 
@@ -8,23 +8,23 @@
 
 constexpr int kCommands = 4;
 
-// A table for the run, with which the host begins afresh.
+// Resets the host and returns its table for the run.
 const AVSKHostCallbacks *FreshHost(int version, bool fullTable);
 
-// Handles to report about.
+// Handles for reports to the library.
 void *HostCommand(int number);
-void *AnyHostMenu(); // as the input says; null if there is none
+void *AnyHostMenu(); // chosen by the input; null if there is none
 int AnyHostItemID();
 
-// While a menu is cleared: how many renames its items may take at this depth of calls.
+// While AVSKClearAllMenuItems runs: limits the renames of the menu's items at this call depth.
 struct Clearing {
     AVSKMenuID menu;
     int depth;
-    int renames; // left; -1 until the first tells the menu
+    int renames; // how many are left; -1 until the first rename identifies the menu
 };
 extern Clearing *gClearing; // the innermost, or null
 
-// Completes one of the loads that were asked for; again, as the input says.
+// Completes a requested load, chosen by the input. It may complete one twice.
 void CompleteLoad();
 void CompleteAllLoads();
 void CheckObjectsReturned();

@@ -1,4 +1,4 @@
-// The input of one run, consumed from the front; a used-up one yields zeros.
+// The input of one run, read from front to back. Past its end it yields zeros.
 #ifndef AVSK_FUZZ_INPUT_H
 #define AVSK_FUZZ_INPUT_H
 
@@ -15,7 +15,7 @@ class Input {
     unsigned Byte() { return at == end ? 0 : *at++; }
     // A number from 0 to limit - 1; limit is at most 256.
     int Below(int limit) { return static_cast<int>(Byte() % static_cast<unsigned>(limit)); }
-    // True once in so many.
+    // True with a probability of 1 / oneIn.
     bool Rarely(int oneIn) { return Below(oneIn) == oneIn - 1; }
     bool Flag() { return (Byte() & 1U) != 0; }
     template <class T, std::size_t kCount>

@@ -88,7 +88,7 @@ Status StatusOf(const Registration &registration) {
     const Incarnation *who = registration.who;
     if (!who)
         return registration.owner == AVSK_PLUGIN_AERIVO ? Status::Live : Status::Gone;
-    if (!who->record->unloaded) // perhaps being torn down, piece by piece; without a stop entry nobody hears when
+    if (!who->record->unloaded) // it may be in its tear-down, which is unknown without a stop entry
         return who->stopped || !(who->entries & kStopEntry) ? Status::Limbo : Status::Live;
     if (who->accepted || registration.kind == Kind::Load)
         return Status::Gone;
@@ -102,7 +102,7 @@ Registration *Pick(Kind kind) {
     const auto &all = gFuzz.of[static_cast<std::size_t>(kind)];
     if (all.empty())
         return nullptr;
-    // From the latest on, so that short inputs mean what was just made.
+    // Counts from the latest: zero bytes, as short inputs yield, pick what was just registered.
     return all[all.size() - 1 - static_cast<std::size_t>(gFuzz.in.Byte()) % all.size()];
 }
 
@@ -129,7 +129,7 @@ Registration &CheckCall(void *refcon, Kind kind) {
     const Registration &r = *found;
     REQUIRE(r.kind == kind, "a %s is called with the refcon of a %s", NameOf(kind), NameOf(r.kind));
     REQUIRE(r.file == gFuzz.file, "a %s of file %d is called in file %d", NameOf(kind), r.file, gFuzz.file);
-    if (kind == Kind::Feature) // called on the caller's account, which the caller's own calls may change
+    if (kind == Kind::Feature) // runs as the caller, whose own calls may change the dispatched plugin
         return *found;
     REQUIRE(AVSKGetMyID() == r.owner, "a %s of plugin %d is called while %d is dispatched", NameOf(kind), r.owner,
             AVSKGetMyID());

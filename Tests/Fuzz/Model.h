@@ -1,6 +1,6 @@
-// What the fuzz target knows: which puppets were started and how far they
-// got, what was registered on whose account, and what must hold whenever the
-// library calls. Whatever does not hold ends the process with one line.
+// The model of the fuzz target: the state of each puppet, every registration
+// with its owner, and the checks for each call of the library. A failed check
+// prints one line and ends the process.
 #ifndef AVSK_FUZZ_MODEL_H
 #define AVSK_FUZZ_MODEL_H
 
@@ -13,44 +13,44 @@
 #include <memory>
 #include <vector>
 
-// What the library is to do and does not do yet: set each to true with the
-// change of the library. The last two let the target do what crashes before that.
+// Rules that the library does not follow yet. Set one to true together with the
+// change of the library. The last two enable actions that crash without it.
 struct Rules {
-    bool throwingEntryStopsNobody = false; // the other plugins are loaded and enabled, then the exception passes on
-    bool earlierLifeIsNobody = false;      // frames of an earlier life restore -1 as the dispatched plugin
-    bool nobodyCreatesNothing = false;     // plugin -1 gets a neutral result, and no service is called
-    bool enablingAnswersZero = false;      // enabling a plugin that is being enabled
-    bool clearTakesWhatWasThere = false;   // clearing a menu spares what its services append
-    bool menuIsWhole = false;              // while the host makes a menu, no stale handle finds it
-    bool constructorsAct = false;          // a file's constructors and destructors act, on its plugin's account
-    bool livesInServices = false;          // the host shuts down and starts again from inside a service
+    bool throwingEntryStopsNobody = false; // the other plugins are loaded and enabled before the exception propagates
+    bool earlierLifeIsNobody = false;      // stack frames of an earlier life restore -1 as the dispatched plugin
+    bool nobodyCreatesNothing = false;     // plugin -1 gets a neutral result without a service call
+    bool enablingAnswersZero = false;      // enabling a plugin that is being enabled returns 0
+    bool clearTakesWhatWasThere = false;   // clearing a menu keeps items that its service calls append
+    bool menuIsWhole = false;              // no stale handle finds a menu that the host is creating
+    bool constructorsAct = false;          // a file's constructors and destructors call the library, as its plugin
+    bool livesInServices = false;          // the host restarts the library from inside a service
 };
 constexpr Rules kRules;
 
 constexpr int kPuppets = 8;
-constexpr int kProgram = kPuppets; // the file of the host's own callbacks, which is always mapped
+constexpr int kProgram = kPuppets; // the pseudo-file of the host's callbacks, always mapped
 constexpr int kMaxDepth = 6;
 constexpr int kMaxActions = 2000;
 constexpr std::size_t kMaxRegistrations = 800;
 
-// The entry points of a file, as bits.
+// Bits for the entry points of a file.
 constexpr unsigned kStartEntry = 1;
 constexpr unsigned kStopEntry = 2;
 constexpr unsigned kAllEntries = 31;
 
-// One life of a puppet, from its start on.
+// One life of a puppet. It begins with the start call.
 struct Incarnation {
     int file = 0;
     int id = 0;
     int serial = 0;
-    unsigned entries = 0;                 // those that its file has
-    std::shared_ptr<PluginRecord> record; // the library's own
-    const Incarnation *heir = nullptr;    // the next life with this ID
+    unsigned entries = 0;                 // of its file
+    std::shared_ptr<PluginRecord> record; // of the library
+    const Incarnation *heir = nullptr;    // the next life with the same ID
     bool accepted = false;
     bool stopped = false;
     bool enabling = false;
-    bool asked = false;   // whether it would be enabled
-    bool enabled = false; // as its own entry points imply
+    bool asked = false;   // the library has called its enable entry
+    bool enabled = false; // according to the calls of its entry points
     bool errorSet = false;
 };
 
@@ -73,36 +73,36 @@ enum class Kind {
     Count
 };
 
-// Something that was registered. Its address is the refcon; none is used twice in a run.
+// One registration. Its address is the refcon, which no other registration of the run uses.
 struct Registration {
     Kind kind;
-    int owner;              // the plugin ID that was dispatched
-    const Incarnation *who; // null for the host and nobody
-    int file;               // whose callbacks it has
-    int serial;             // when, in the order of everything
-    int count = 0;          // how often it is registered now, where that matters
-    bool removed = false;   // a call that removes it has returned
-    bool revived = false;   // a removed window that was brought to the front
-    bool done = false;      // a load that was delivered
-    void *handle = nullptr; // what the library answered
+    int owner;              // the plugin ID dispatched at the registration
+    const Incarnation *who; // null for the host and for plugin -1
+    int file;               // the file of its callbacks
+    int serial;             // its position in the order of all events
+    int count = 0;          // how often it is registered now; kept for some kinds
+    bool removed = false;   // a call that removed it has returned
+    bool revived = false;   // a window brought to the front after its removal
+    bool done = false;      // a load whose callback ran
+    void *handle = nullptr; // returned by the library
     int a = 0;              // phase, button, name index and so on
     int b = 0;
 };
 
 enum class Status {
     Live,
-    Limbo, // of a plugin in its tear-down, or of one that refused to start: another's, once one has its ID
+    Limbo, // its plugin is being torn down, or refused to start; the next plugin with its ID inherits it
     Gone
 };
 
-// A plugin's library, as the stand-in of the system's loader keeps it.
+// A plugin's library file in the simulated system loader.
 struct File {
-    int mapped = 0; // how often it was loaded and not unloaded
+    int mapped = 0; // loads minus unloads
     int mapping = 0;
-    int underWay = 0;     // calls of its code
-    unsigned entries = 0; // those that it has
-    bool kept = false;    // refused once, or something was thrown: it may stay mapped
-    bool tried = false;   // since the last start of the library
+    int underWay = 0;     // calls of its code that have not returned
+    unsigned entries = 0; // entry points that it exports
+    bool kept = false;    // may stay mapped: it refused to start, or an exception was thrown
+    bool tried = false;   // loading was tried since the last start of the library
 };
 
 struct FlightPass {
@@ -121,24 +121,24 @@ struct Fuzz {
     const struct AVSKHostCallbacks *table = nullptr;
     int actions = 0;
     int loads = 0;
-    int upheavals = 0; // what may keep a start of the library from its end
-    int depth = 0;     // of callbacks and host services
-    int hostDepth = 0; // of host services: nothing may be thrown past them
-    int services = 0;  // called so far
-    int quiet = 0;     // services until one acts
+    int upheavals = 0; // events that may interrupt a start of the library
+    int depth = 0;     // of nested callbacks and host services
+    int hostDepth = 0; // of nested host services; no exception may pass them
+    int services = 0;  // service calls so far
+    int quiet = 0;     // service calls until one acts
     bool calm = false; // tear-down: callbacks do nothing
     bool wildHost = false;
     bool trace = false;
     int serial = 0;
-    int file = kProgram; // whose code runs
+    int file = kProgram; // the file whose code is running
     float now = 0;
     std::deque<Incarnation> incarnations;
     std::vector<Incarnation *> latest;       // by plugin ID
-    std::vector<Incarnation *> watched;      // not known to be unloaded
-    std::vector<Registration> registrations; // never grows past its capacity
+    std::vector<Incarnation *> watched;      // those not known to be unloaded
+    std::vector<Registration> registrations; // never reallocates: addresses are refcons
     std::vector<Registration *> of[static_cast<std::size_t>(Kind::Count)];
     std::vector<FlightPass> passes;
-    std::vector<int> senders; // of the messages under way
+    std::vector<int> senders; // of the messages being delivered
     std::vector<int> buttons;
     int keyHooks = 0;
     int drawHooks = 0;
@@ -155,7 +155,7 @@ extern Counters gCounters;
             Fail(__VA_ARGS__);                                                                                         \
     } while (false)
 
-// With AVSK_FUZZ_TRACE in the environment, one line to standard error.
+// Prints one line to standard error if AVSK_FUZZ_TRACE is set in the environment.
 void PrintTrace(const char *format, ...) __attribute__((format(printf, 1, 2)));
 #define TRACE(...)                                                                                                     \
     do {                                                                                                               \
@@ -165,30 +165,30 @@ void PrintTrace(const char *format, ...) __attribute__((format(printf, 1, 2)));
 
 const char *NameOf(Kind kind);
 
-// The life that a plugin ID stands for, or null.
+// Returns the current life with a plugin ID, or null.
 Incarnation *IncarnationOf(int id);
-// A new life, of the plugin that the library loads.
+// Begins a life of the plugin that the library is loading.
 Incarnation &Begin(int file);
 
-// A new registration on the dispatched plugin's account; null if there were enough.
+// Adds a registration owned by the dispatched plugin; returns null at the limit.
 Registration *Register(Kind kind);
 Status StatusOf(const Registration &registration);
-// One of a kind, alive or not, as the input says; null if there was none.
+// Returns a registration of the kind, removed or not, chosen by the input; null if there was none.
 Registration *Pick(Kind kind);
-// The latest with this handle: addresses come again.
+// Returns the latest with this handle, since the library reuses addresses.
 Registration *ByHandle(Kind kind, const void *handle);
-// The registration whose address this is, or null.
+// Returns the registration with this address, or null.
 Registration *ByRefcon(const void *refcon);
 
-// What holds for every callback.
+// Checks every callback: who is called, when, and as which plugin.
 Registration &CheckCall(void *refcon, Kind kind);
-// What holds between two reports of the host.
+// Checks the state between two reports of the host.
 void CheckQuiet();
-// Whether every plugin was loaded and asked to be enabled.
+// Checks that every plugin was loaded and that its enable entry was called.
 void CheckAfterStart();
 void CheckAfterShutdown();
 
-// Something at the end of a list for a scope.
+// Pushes a value to the end of a list for a scope.
 template <class T>
 class Pushed {
   public:
@@ -201,10 +201,10 @@ class Pushed {
     std::vector<T> &list;
 };
 
-// What callbacks and the session do next; see Actions.cpp.
-void ShareNames();                   // once: shared data stays for good
+// The actions of callbacks and of the session; see Actions.cpp.
+void ShareNames();                   // call it once: shared data is never removed
 void ActInCallback(int throwsOneIn); // may throw
-void ActAsHost();                    // hooks and host events, from a host service; throws nothing
+void ActAsHost();                    // hooks and host events, inside a host service; never throws
 void ActAtTop();
 void StartLibrary();
 void ShutDownLibrary();

@@ -1,10 +1,10 @@
-// The puppets' entry points and callbacks: each checks that it may be called
-// now, and then does what the input says.
+// The puppets' entry points and callbacks. Each checks that the library may call
+// it now, then acts as the input says.
 #include "Puppets.h"
 
 #include "AVSKDispatch.h"
 
-// The loader is a stand-in; the rest of its floor is as it is.
+// Replaces the loader and the folder listings; the rest of the platform is the real code.
 #define AVSKLoadDLL SystemLoadDLL
 #define AVSKUnloadDLL SystemUnloadDLL
 #define AVSKFindSymbol SystemFindSymbol
@@ -21,7 +21,7 @@
 
 namespace {
 
-// The plugin whose entry point is called.
+// Counts the call, checks it, and returns the plugin whose entry point is called.
 Incarnation &EntryOf(const char *entry) {
     ++gCounters.callbacks;
     TRACE("%s of file %d", entry, gFuzz.file);
@@ -34,7 +34,7 @@ Incarnation &EntryOf(const char *entry) {
 
 void ActInEntry() { ActInCallback(8); }
 
-// An exception object of a file.
+// An exception whose type and destructor belong to a file.
 struct Own {
     Own() : file(gFuzz.file), mapping(gFuzz.files[file].mapping) {}
     Own(const Own &) = default;
@@ -55,7 +55,7 @@ int OnStart(char *name, char *signature, char *description) {
     std::snprintf(name, AVSK_TEXT_SIZE, "Puppet %d", file);
     std::strcpy(description, "a puppet");
     const int kind = gFuzz.in.Below(16);
-    if (kind != 14) // 14: an empty signature, 13: perhaps that of another
+    if (kind != 14) // 14: an empty signature, 13: possibly another plugin's
         std::snprintf(signature, AVSK_TEXT_SIZE, "fuzz.%d", kind == 13 ? gFuzz.in.Below(kPuppets) : file);
     ActInEntry();
     who.accepted = kind != 15;
@@ -102,13 +102,13 @@ void OnMessage(int sender, int message, void *parameter) {
     ActInEntry();
 }
 
-// ---- The files, with a stand-in of the system's loader
+// ---- The files and the simulated system loader
 
-// Thin and fat plugins, one under the first name that is tried of a folder
-// and under the second, one with both; two of the aircraft; one of a scenery.
+// The plugin files: one loose; folders with the first name that the loader tries,
+// the second, or both; two plugins of the aircraft; one of a scenery.
 struct Place {
     const char *folder;
-    const char *entry; // of the folder: a file, or the folder of a fat plugin
+    const char *entry; // in the folder: a file, or a plugin's own folder
     const char *path;
 };
 constexpr Place kPlaces[kPuppets] = {
@@ -140,7 +140,7 @@ constexpr Entry kEntries[] = {
 
 int IndexOf(const File &file) { return static_cast<int>(&file - gFuzz.files); }
 
-// What a constructor or destructor of a file does; nothing passes it.
+// Acts as a constructor or destructor of a file. No exception leaves it.
 void ActInLoader(File &file) {
     if (!kRules.constructorsAct)
         return;
@@ -183,7 +183,7 @@ void *AVSKLoadDLL(const char *path) {
     file.tried = true;
     file.entries = kAllEntries;
     const int fault = file.mapped ? 0 : gFuzz.in.Below(64);
-    if (fault == 63) { // it cannot be loaded
+    if (fault == 63) { // loading fails
         AVSKDebugString("dlerror:a reason\n");
         return nullptr;
     }

@@ -1,6 +1,6 @@
-// The puppets: plugins whose code lies in the program. Each function of them
-// exists once for each file, so that a call of code that is not mapped, or is
-// unmapped before the call returns, is a fault that is seen.
+// The puppets: plugins whose code lies in the program. Each of their functions is
+// instantiated once per file. So the target detects calls into a file that is not
+// mapped, and files that are unmapped before a call returns.
 #ifndef AVSK_FUZZ_PUPPETS_H
 #define AVSK_FUZZ_PUPPETS_H
 
@@ -13,7 +13,7 @@
 #include <type_traits>
 #include <utility>
 
-// A call of a file's code.
+// Marks a call of a file's code.
 class InFile {
   public:
     explicit InFile(int index);
@@ -26,7 +26,7 @@ class InFile {
     const int mapping;
 };
 
-// The function of a file among those of all files: kCalls::Call<file>.
+// Returns Calls::Call<file>.
 template <class Calls, int... kFiles>
 auto Select(int file, std::integer_sequence<int, kFiles...>) {
     constexpr decltype(&Calls::template Call<0>) calls[] = {Calls::template Call<kFiles>...};
@@ -37,7 +37,7 @@ auto OfFile(int file) {
     return Select<Calls>(file, std::make_integer_sequence<int, kPuppets + 1>());
 }
 
-// A function as that of each file.
+// Wraps a function as code of each file.
 template <auto kTarget, class Pointer = decltype(kTarget)>
 struct InFiles;
 template <auto kTarget, class Result, class... Arguments>
@@ -49,7 +49,7 @@ struct InFiles<kTarget, Result (*)(Arguments...)> {
     }
 };
 
-// What holds for every callback, and for those of a kind.
+// Checks the arguments of a callback by its kind.
 void CheckLoop(const Registration &r, float total, int counter);
 void CheckCamera(const Registration &r, const AVSKCameraPosition *position, int isLosingControl);
 template <Kind kKind, class... Arguments>
@@ -65,7 +65,7 @@ void Check(Registration &r, Arguments... arguments) {
     if constexpr (kKind == Kind::Sniffer || kKind == Kind::HotKey)
         REQUIRE(gFuzz.keyHooks > 0, "a %s runs without a key", NameOf(kKind));
     if constexpr (kKind == Kind::Window) {
-        bool losingFocus = false; // the one that ends with a number
+        bool losingFocus = false; // only the key callback ends with an int
         if constexpr (std::is_same_v<
                           std::tuple_element_t<sizeof...(arguments) - 1, decltype(std::make_tuple(arguments...))>, int>)
             losingFocus = std::get<sizeof...(arguments) - 1>(all) != 0;
@@ -80,7 +80,7 @@ void Check(Registration &r, Arguments... arguments) {
         REQUIRE(r.count-- > 0, "planes are offered to a plugin that does not wait");
 }
 
-// A callback of a kind. Its refcon is its last argument of that type, a menu's its first.
+// A callback of a kind. Its last void * argument is the refcon; for menus it is the first.
 template <Kind kKind, class Result, class... Arguments>
 struct Callback {
     template <int kFile>
@@ -103,7 +103,7 @@ struct Callback {
     }
 };
 
-// The callbacks of a kind that a file has, of whatever type is wanted.
+// Converts to the callback of its kind and file with any function type.
 template <Kind kKind>
 struct Code {
     explicit Code(const Registration &r) : file(r.file) {}
@@ -116,9 +116,9 @@ struct Code {
     const int file;
 };
 
-// The error callback of a file.
+// Returns the error callback of a file.
 AVSKError_f ErrorCallback(int file);
-// Throws an object whose type and destructor are those of the file whose code runs.
+// Throws an object whose type and destructor belong to the file whose code is running.
 [[noreturn]] void ThrowOwn();
 
 #endif

@@ -1,4 +1,4 @@
-// Runs the fuzz target on kept inputs: avsk_fuzz_replay FOLDER
+// Runs the fuzz target on all inputs of a folder: avsk_fuzz_replay FOLDER
 #include <algorithm>
 #include <cstdint>
 #include <cstdio>
@@ -25,7 +25,7 @@ int main(int argc, char **argv) {
     std::sort(inputs.begin(), inputs.end());
     LLVMFuzzerInitialize(&argc, &argv);
     for (const fs::path &input : inputs) {
-        std::printf("%s\n", input.c_str()); // the last line names an input that fails
+        std::printf("%s\n", input.c_str()); // if an input fails, the last line names it
         std::fflush(stdout);
         std::ifstream file(input, std::ios::binary);
         const std::vector<char> bytes{std::istreambuf_iterator<char>(file), {}};

@@ -1,5 +1,5 @@
-// One run: a host starts the library among the puppets, does what the input
-// says, shuts the library down, and finds everything as it was.
+// One run: the host starts the library with the puppets, acts as the input says,
+// shuts the library down, and checks that nothing is left.
 #include "Host.h"
 #include "Model.h"
 
@@ -46,13 +46,13 @@ void Begin(const std::uint8_t *data, std::size_t size) {
     for (File &file : gFuzz.files)
         file.mapped = file.kept = false;
     gFuzz.files[kProgram].mapped = 1;
-    // What earlier runs left behind, set to what it is in a fresh process.
+    // Resets state of the library that earlier runs may have changed.
     gScheduleReload = false;
     AVSKSetDispatchedPlugin(AVSK_PLUGIN_AERIVO);
     AVSKGetNumberPlanesToHandle(4, 1);
 }
 
-// Takes from the library what the host and nobody own, and what was inherited: no run knows of another.
+// Removes what the host or plugin -1 owns and what plugins inherited, so that runs are independent.
 void CleanUpRest() {
     AVSKSetDispatchedPlugin(AVSK_PLUGIN_AERIVO);
     AVSKDontControlCamera();
@@ -63,12 +63,12 @@ void CleanUpRest() {
                                       AVSKDataRefsCleanupHook, AVSKSharedDataCleanupHook, AVSKSceneryCleanupHook};
     for (int id = NO_PLUGIN_ID; id <= static_cast<int>(gFuzz.latest.size()); ++id)
         for (auto *const hook : hooks)
-            if (id != AVSK_PLUGIN_AERIVO || hook != AVSKDataRefsCleanupHook) // the library's own stay
+            if (id != AVSK_PLUGIN_AERIVO || hook != AVSKDataRefsCleanupHook) // keeps the library's own datarefs
                 hook(id);
     AVSKSetDispatchedPlugin(AVSK_PLUGIN_AERIVO);
     for (const Registration *each : gFuzz.of[static_cast<std::size_t>(Kind::Data)])
         AVSKUnregisterDataAccessor(static_cast<AVSKDataRef>(each->handle));
-    // Each registering ends one of the walks that questions left open.
+    // Queries left walks open. Each registration closes one.
     for (int i = 0; i < 2; ++i)
         AVSKUnregisterHotKey(AVSKRegisterHotKey(0, 0, "", nullptr, nullptr));
 }
@@ -99,7 +99,7 @@ void ShutDownLibrary() {
     }
     if (gFuzz.depth > 0)
         return;
-    { const StDispatchCallback last; } // unmaps what waits for the end of a call
+    { const StDispatchCallback last; } // the end of a call unmaps the libraries that wait for it
     CheckAfterShutdown();
 }
 
@@ -128,7 +128,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     TRACE("shutdown");
     ShutDownLibrary();
     CheckQuiet();
-    CompleteAllLoads(); // late: their plugins are gone
+    CompleteAllLoads(); // their plugins are already unloaded
     CleanUpRest();
     CheckObjectsReturned();
     return 0;

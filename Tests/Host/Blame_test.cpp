@@ -1,5 +1,5 @@
-// How the reference host ends when a plugin ends it: which status, and who is
-// blamed for what.
+// Plugins that end the reference host: its exit status, and which plugin it
+// blames for which fault.
 #include "RunAvsk.h"
 
 #include <gtest/gtest.h>
@@ -11,7 +11,7 @@
 namespace {
 
 struct End {
-    const char *way; // of Plugins/Dies.cpp
+    const char *way; // a way to die in Plugins/Dies.cpp
     int status;
     std::vector<std::string> said;
 
@@ -39,7 +39,7 @@ const std::string kLast = "  Dies > library  AVSKRegisterFlightLoopCallback(call
 INSTANTIATE_TEST_SUITE_P(
     Ways, BlameTest,
     testing::Values(
-        // What was printed and not yet written comes first.
+        // The plugin's buffered output is flushed before the report.
         End{"write",
             3,
             {"about to die", "avsk: plugin 'Dies' died of SIGSEGV (address 0x0 is not mapped)" + kTick, kUnderWay,
@@ -55,7 +55,7 @@ INSTANTIATE_TEST_SUITE_P(
         End{"thread", 3, {"avsk: a thread other than the main one, in '", "Dies/lin.avp', died of SIGSEGV"}},
         End{"loop", 3, {"avsk: plugin 'Dies' did not return within 2 s from AVSKFlightLoop_f Tick\n", "Dies.cpp:"}},
         End{"exit", 3, {"avsk: plugin 'Dies' called exit(0)" + kTick, kUnderWay, "Dies.cpp:"}},
-        // The report does not need the stack, which is overwritten.
+        // The stack is overwritten; the report does not depend on it.
         End{"smash", 3, {"died of SIGSEGV (there is no code at 0x41414141)" + kTick, "In frame 1\n", kLast}},
         End{"smashfar", 3, {"died of SIGSEGV (there is no code at 0x41414141)" + kTick, kLast, "overwritten"}},
         End{"registers", 3, {"died of SIGSEGV (address 0x", kTick, kLast, "Dies.cpp:"}},
@@ -64,7 +64,7 @@ INSTANTIATE_TEST_SUITE_P(
             1,
             {"avsk: the run was broken off by an exception of plugin 'Dies' in ", ": enough\nIn frame 1\n", kLast,
              "It was thrown here", "Dies.cpp:"}},
-        // The exception that was caught is not the one that is reported.
+        // The host reports the second exception, not the first, which was caught.
         End{"rethrow", 1, {": its type is not derived from std::exception\n", "It was thrown here", "Caught() at "}},
         End{"nothing", 0, {"Dies"}}));
 

@@ -1,5 +1,5 @@
-// What the reference host tells of plugins: traces, times, and what a session
-// makes of a changing world.
+// What the reference host reports about plugins: traces and times, and sessions
+// in which files and plugins change.
 #include "RunAvsk.h"
 #include "World.h"
 
@@ -13,7 +13,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// Runs a session, of which only the steps are given.
+// Runs sessions. A test gives only the steps.
 struct ObservingTest : testing::Test {
     World world; // an empty folder, for files
 

@@ -1,6 +1,6 @@
-// The reference host's picture of a fixed scene, compared with the one kept
-// in Tests/Pictures. When it is meant to look different, look at the new one
-// and copy it there.
+// Compares the reference host's picture of a fixed scene with the one in
+// Tests/Host/Pictures. If the scene is meant to change, check the new picture
+// by eye and copy it there.
 #include "World.h"
 
 #include <cstdlib>
@@ -37,8 +37,8 @@ TEST(Picture, AKnownSceneLooksAsItDid) {
     ASSERT_NE(now.pixels, nullptr) << "no picture was taken: " << run;
     ASSERT_EQ(now.width, kept.width);
     ASSERT_EQ(now.height, kept.height);
-    // Fonts of another version shade their edges a little differently. The bar
-    // at the bottom, with the numbers of the flight, is not the plugin's.
+    // Other font versions render edges slightly differently. The host draws the
+    // bar at the bottom, which shows flight data; it is not compared.
     constexpr int kBar = 24;
     constexpr int kAllowed = 100;
     const int count = kept.width * (kept.height - kBar) * 3;

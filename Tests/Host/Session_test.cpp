@@ -1,5 +1,5 @@
-// What sessions tell a user: of wrong lines and values, of what there is, and
-// of files that plugins wrote.
+// What sessions report to a user: wrong lines and values, listings, and files
+// that plugins wrote.
 #include "RunAvsk.h"
 #include "World.h"
 
@@ -15,7 +15,7 @@ namespace {
 struct SessionTest : testing::Test {
     World world; // an empty folder, for files
 
-    // Runs the lines as a file or as input. The pieces must be in the output in this order.
+    // Runs the lines from a file or from standard input. The output must contain the pieces in this order.
     void Expect(int status, const std::string &lines, const std::vector<std::string> &pieces,
                 const std::string &options = "--root " AVSK_TEST_DEMO, const std::string &environment = "") {
         std::ofstream(world.Path("s.avs")) << lines;

@@ -1,5 +1,5 @@
-// What crosses the border: the layout of every structure, every constant, and
-// every slot. A failure names what changed, and from what to what.
+// The ABI: the layout of every public structure, every constant and every slot.
+// A failure names what changed, with its old and its new value.
 #include "FakeHost.h"
 
 #include "AVSK/AVSK.h"
@@ -22,7 +22,7 @@ struct Fact {
 };
 using Facts = std::vector<Fact>;
 
-// Two lists, in both directions.
+// Compares two lists in both directions.
 Lines Differences(Lines listed, Lines found) {
     std::sort(listed.begin(), listed.end());
     std::sort(found.begin(), found.end());
@@ -42,7 +42,7 @@ Lines Names(const Facts &facts) {
     return names;
 }
 
-// What the groups of the pattern match in the public headers, joined.
+// Returns the joined groups of every match of the pattern in the public headers.
 Lines InHeaders(const char *pattern) {
     const std::regex regex(pattern, std::regex::ECMAScript | std::regex::multiline);
     Lines found;
@@ -114,7 +114,7 @@ TEST(Abi, NothingChanged) {
 TEST(Abi, EverythingInThePublicHeadersIsListedHere) {
     EXPECT_EQ(Differences(Names(kConstants), InHeaders(R"(^(?:#define | {4}(?=AVSK))(\w+) (?:= )?[(\d-])")), Lines());
     EXPECT_EQ(Differences(Names(kStructures), InHeaders(R"(^typedef struct (\w+) \{)")), Lines());
-    // A slot is its comment "Slot N: ..." and the name declared behind it.
+    // A slot is a comment "Slot N: ..." followed by the member's declaration.
     Lines slots;
     for (const Fact &slot : kSlots)
         slots.push_back(Line(slot.was, slot.name));

@@ -1,10 +1,10 @@
-// Every kind of callback: any of them may be removed, added, throw or take its
-// plugin away while it is called.
+// Every kind of callback. While it runs, a callback may remove or add callbacks,
+// throw, or disable or unload its plugin.
 #include "World.h"
 
 namespace {
 
-// The host, A, the aircraft's plugin and B own one callback each.
+// The host, A, the aircraft plugin and B own one callback each.
 std::function<void(int)> gCalled;
 void *gHandles[3];
 int kIndices[] = {0, 1, 2};
@@ -48,15 +48,15 @@ void CreateWindow(const Puppet & /*owner*/, int i) {
 }
 void DestroyWindow(const Puppet & /*owner*/, int i) { AVSKDestroyWindow(static_cast<AVSKWindowID>(gHandles[i])); }
 
-// How one kind is registered and removed by its owner, and called.
+// How the owner creates and removes a callback of one kind, and how the host calls it.
 struct Kind {
     const char *name;
     void (*create)(const Puppet &owner, int index);
-    void (*remove)(const Puppet &owner, int index); // null: the kind has one callback at a time
+    void (*remove)(const Puppet &owner, int index); // null: there is only one callback of this kind
     void (*pass)();
     bool oldestFirst = false;
     bool inPlugin = true;                               // the callback lies in the plugin's code
-    const char *added = "1; 0", *addedNext = "2; 1; 0"; // one added by the first of two in its call, and the next pass
+    const char *added = "1; 0", *addedNext = "2; 1; 0"; // the first of two adds one: this pass and the next
 };
 
 void PrintTo(const Kind &kind, std::ostream *out) { *out << kind.name; }
@@ -71,7 +71,7 @@ const Kind kKinds[] = {
     {"sniffers after windows", [](auto &, int i) { AVSKRegisterKeySniffer(Sniff, 0, &kIndices[i]); },
      [](auto &, int i) { AVSKUnregisterKeySniffer(Sniff, 0, &kIndices[i]); }, [] { AVSKKeyPressHook('k', 0, 0); },
      false, false},
-    // From the back the new one cuts off those in front: see ResourceList.
+    // Walked from the back. Adding one drops the windows in front of the current one: see ResourceList.
     {"windows drawn", CreateWindow, DestroyWindow, [] { AVSKDoDrawingHook(20, 0); }, true, false, "0; 2", "0; 2"},
     {"windows clicked", CreateWindow, DestroyWindow, [] { AVSKMouseClickHook(5, 5, 1); }, false, false},
     {"windows asked for a cursor", CreateWindow, DestroyWindow, [] { AVSKCursorHook(5, 5); }, false, false},
@@ -84,7 +84,7 @@ const Kind kKinds[] = {
      },
      [](auto &, int i) {
          AVSKDestroyFlightLoop(static_cast<AVSKFlightLoopID>(gHandles[i]));
-         AVSKSetFlightLoopCallbackInterval(nullptr, 1, 0, nullptr); // a walk inside
+         AVSKSetFlightLoopCallbackInterval(nullptr, 1, 0, nullptr); // walks the list inside the pass
      },
      [] { World::Pass(1); }},
     {"commands before", Command<1>::Create, Command<1>::Remove, Command<1>::Dispatch},
@@ -126,7 +126,7 @@ class Callbacks : public ThreePlugins, public testing::WithParamInterface<Kind> 
     void Remove(int index) const {
         owners[index]->Run([&] { kind.remove(*owners[index], index); });
     }
-    // So many, called in falling order, of which one acts in its first call.
+    // Creates the callbacks 2, 1, 0, called in this order. The actor's first call runs act.
     void Arrange(std::function<void()> act, int actor = 1) const {
         gCalled = [act, actor, acted = false](int index) mutable {
             if (index == actor && !std::exchange(acted, true))
@@ -136,7 +136,7 @@ class Callbacks : public ThreePlugins, public testing::WithParamInterface<Kind> 
             Create(kind.oldestFirst ? 2 - index : index);
     }
     bool Is(const char *name) const { return std::strcmp(kind.name, name) == 0; }
-    // What is expected of all three is expected of the one only.
+    // Selects the expectation for kinds with three callbacks or with only one.
     std::string Expected(const char *three, const char *one) const { return kind.remove ? three : one; }
 };
 
@@ -149,9 +149,9 @@ TEST_P(Callbacks, RemovedInAPassTheRestIsCalledAndNobodyWhoIsGone) {
                  {"itself and the next", {1, 0}, "2; 1", "2"},
                  {"all", {0, 1, 2}, "2; 1", ""},
                  {"all, from the front", {2, 1, 0}, "2; 1", ""}}) {
-            // From the back the previous is the record that the inner pass leaves the
-            // cursor on, which the list does not survive: see ResourceList. A flight
-            // loop is not called again in the same pass.
+            // Windows drawn: the inner pass leaves the cursor on the removed record,
+            // which the list does not survive: see ResourceList. A flight loop is not
+            // called again in the same pass.
             if (!kind.remove || (nested && (Is("flight loops") || (Is("windows drawn") && removed[0] == 2))))
                 continue;
             SCOPED_TRACE(what + (nested ? ", and a pass inside" : ""));
@@ -200,7 +200,7 @@ TEST_P(Callbacks, AnExceptionPassesThroughAndLeavesTheRestInOrder) {
     EXPECT_EQ(AVSKGetMyID(), 0);
 }
 
-// By the call ahead of it, or in its own.
+// Either the callback before it or its own call disables or unloads it.
 TEST_P(Callbacks, DisabledOrUnloadedInAPassItIsNotCalledAgainAndStaysMappedUntilItsCallReturns) {
     for (const bool unloads : {false, true})
         for (const bool own : {true, false}) {

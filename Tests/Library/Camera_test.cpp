@@ -1,4 +1,4 @@
-// Camera control: who places it, and every way in which that ends.
+// Camera control: who positions the camera, and every way in which control ends.
 #include "World.h"
 
 #include <array>
@@ -19,7 +19,7 @@ class Camera : public ThreePlugins {
         void *const refcon = Keep(std::move(f));
         owner.Run([&] { AVSKControlCamera(duration, owner.code.camera, refcon); });
     }
-    // A function that notes its calls and moves the camera by 100.
+    // A camera function that journals its calls and moves the camera by 100.
     static CameraPlayer Says(const std::string &label) {
         return [=](AVSKCameraPosition *position, int isLosing) {
             Note(label + (isLosing ? " loses" : " places") + (position ? "" : " null"));
@@ -29,13 +29,13 @@ class Camera : public ThreePlugins {
         };
     }
     static int Hook(Fields &f) { return AVSKCameraHook(&f[0], &f[1], &f[2], &f[3], &f[4], &f[5], &f[6]); }
-    // One update: the answer, what is heard, and the last field, which was 7.
+    // Runs one update. Returns its result, the journal, and the last field, which starts as 7.
     static std::string Update() {
         Fields fields = {1, 2, 3, 4, 5, 6, 7};
         return Line(DOES(Hook(fields)), ", ", fields[6]);
     }
     static std::string ChangeView() { return DOES(AVSKEventHook(AVSKHostEventViewChanged, 0, 0, 0)); }
-    // The duration, or 0.
+    // The duration of the current control, or 0.
     static int Controlled() {
         int duration = 0;
         AVSKIsCameraBeingControlled(&duration);
@@ -102,7 +102,7 @@ TEST_F(Camera, WhoTakesItInsideTheLossIsToldOfTheNext) {
     }
 }
 
-// What a function does in its first call, an update, which it keeps, or the loss by a change of the view.
+// The function acts in its first call, which is an update or a loss of control to a view change.
 TEST_F(Camera, SurvivesWhatItsFunctionDoes) {
     for (const bool isUpdate : {true, false})
         for (const auto &[what, act, updating, losing, left] :
@@ -137,7 +137,7 @@ TEST_F(Camera, WithoutAFunctionItIsGivenUpByTheFirstUpdateOrView) {
     }
 }
 
-// Each of the two is told of its own loss.
+// Each of the two controllers is notified of its own loss.
 TEST_F(Camera, AControllerIsToldThoughAnotherIsJustBeingTold) {
     Control(a, AVSKCameraUntilViewChanges, [&](AVSKCameraPosition *, int isLosing) {
         Note("A loses");

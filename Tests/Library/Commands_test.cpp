@@ -1,4 +1,4 @@
-// Commands: who hears of them, and who holds them.
+// Commands: dispatch to handlers, and holding.
 #include "World.h"
 
 namespace {
@@ -9,7 +9,7 @@ const auto kTurn = reinterpret_cast<AVSKCommandRef>(13);
 
 class Commands : public ThreePlugins {
   protected:
-    // A handler of a plugin's for kPush that runs f, and its refcon.
+    // Registers a handler of this plugin for kPush that runs f; returns its refcon.
     void *Handle(const Puppet &owner, int before, CommandPlayer f) {
         void *const refcon = Keep(std::move(f));
         owner.Run([&] { AVSKRegisterCommandHandler(kPush, owner.code.command, before, refcon); });
@@ -35,7 +35,7 @@ TEST_F(Commands, AreHandledNewestFirstBeforeTheHostAndOldestFirstAfterIt) {
         for (const Puppet *owner : {&a, &b, &a})
             Handle(*owner, before, [](AVSKCommandRef command, int) {
                 EXPECT_EQ(command, kPush);
-                return Note(std::to_string(AVSKGetMyID())), -1; // anything but 0 goes on
+                return Note(std::to_string(AVSKGetMyID())), -1; // any value but 0 continues the dispatch
             });
         Says(b, before, "last registered");
     }
@@ -46,7 +46,7 @@ TEST_F(Commands, AreHandledNewestFirstBeforeTheHostAndOldestFirstAfterIt) {
 
 TEST_F(Commands, HaveAPhaseInWhichTheEndWins) {
     Handle(a, 1, [](AVSKCommandRef, int phase) { return Note(std::to_string(phase)), 1; });
-    a.Run([] { AVSKRegisterCommandHandler(kPush, nullptr, 1, nullptr); }); // is passed over
+    a.Run([] { AVSKRegisterCommandHandler(kPush, nullptr, 1, nullptr); }); // is skipped
     for (const auto &[begin, end, phase] : Table<int, int, int>{{0, 0, 1}, {1, 0, 0}, {0, 256, 2}, {1, 1, 2}})
         EXPECT_EQ(DOES(AVSKCommandHook(kPush, begin, end, 1)), Line("1: ", phase));
 }

@@ -46,14 +46,14 @@ TEST_F(DataAccess, OnlyItsOwnerGivesADatarefUp) {
 }
 
 TEST_F(DataAccess, OnlyARecordsAddressIsGood) {
-    std::vector<char *> handles; // of more than two blocks
+    std::vector<char *> handles; // enough to fill more than two blocks
     for (int i = 0; i < 100; ++i)
         handles.push_back(reinterpret_cast<char *>(PublishAs(a, Line("a/", i))));
     const auto isGood = [](char *handle) { return AVSKIsDataRefGood(reinterpret_cast<AVSKDataRef>(handle)); };
     for (char *handle : handles)
         EXPECT_EQ(isGood(handle), 1);
     std::sort(handles.begin(), handles.end());
-    for (std::size_t i = 32; i < handles.size(); ++i) // a page has room for 32
+    for (std::size_t i = 32; i < handles.size(); ++i) // a page holds 32 records
         EXPECT_NE(reinterpret_cast<std::uintptr_t>(handles[i]) >> 12,
                   reinterpret_cast<std::uintptr_t>(handles[i - 32]) >> 12);
     const auto size = handles[1] - handles[0];
@@ -64,7 +64,7 @@ TEST_F(DataAccess, OnlyARecordsAddressIsGood) {
 
 // ---- Typed access
 
-// A value of each type that journals every access: "caller type and direction, value".
+// Accessors of every type that journal each access as "caller type and direction, value".
 void Say(const char *what, void *refcon, const std::string &value = "") {
     Note(Line(AVSKGetMyID(), what, static_cast<char *>(refcon), value));
 }
@@ -92,7 +92,7 @@ AVSKDataRef PublishAll(const char *name, int writable) {
         readRefcon, writeRefcon);
 }
 
-// Reads and writes everything once; what came back, joined.
+// Writes and reads the dataref once as each type; returns the joined results.
 std::string UseAll(AVSKDataRef ref) {
     int ints[2] = {10, 0};
     float floats[2] = {20.5F, 0};

@@ -18,7 +18,7 @@ class Draw : public ThreePlugins {
 };
 
 TEST_F(Draw, EachCodeDispatchesItsPhases) {
-    // By code; where only a first half is called, it says whether the host draws.
+    // Indexed by code. Where only the before half is called, its result decides whether the host draws.
     const char *const phases[] = {"",     "0b 0a", "5b",   "5a",   "10b",     "10a",     "15b",
                                   "15a",  "20b",   "20a",  "25b",  "25a",     "30b 30a", "35b 35a",
                                   "40b",  "40a",   "45b",  "45a",  "55b 55a", "50b",     "window 50a",
@@ -30,7 +30,7 @@ TEST_F(Draw, EachCodeDispatchesItsPhases) {
         return answer;
     };
     for (const int phase : {-1, 0, 5, 10, 15, 20, 25, 30, 35, 40, 45, 50, 55, 60, 100, 101, 102, 103})
-        for (const int before : {0, 1, 2, -1}) // the last two never
+        for (const int before : {0, 1, 2, -1}) // 2 and -1 are never called
             EXPECT_EQ(Register(a, player, phase, before), 1);
     a.Run([] { EXPECT_EQ(AVSKRegisterDrawCallback(nullptr, 5, 1, nullptr), 1); });
     const auto window = [](AVSKWindowID, void *refcon) { *static_cast<std::string *>(refcon) = "window"; };

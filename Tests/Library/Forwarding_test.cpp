@@ -1,20 +1,20 @@
-// Calls that hand their arguments to one host service as they are.
+// Calls that forward their arguments unchanged to one host service.
 #include "World.h"
 
 #include <bit>
 
 namespace {
 
-// As a float each of the words from here on is a signalling NaN, which
-// arithmetic and conversions would quieten.
+// The first word of a series. Read as floats, the words are signalling NaNs;
+// arithmetic or a conversion would turn them into quiet ones.
 constexpr AVSKWord kSignallingNaN = 0x7FA00001;
 
-// A float that a function returns may pass through the x87, which quietens it as well.
+// Uses memcpy: a float returned by a function may pass through the x87, which makes a NaN quiet, too.
 template <class Argument>
 void SetWord(Argument &argument, AVSKWord word) {
     static_assert(sizeof argument == sizeof word);
     if constexpr (std::is_same_v<Argument, const char *>)
-        argument = "text"; // goes to the journal
+        argument = "text"; // the journal dereferences it
     else
         std::memcpy(&argument, &word, sizeof word);
 }
@@ -24,7 +24,7 @@ std::vector<AVSKWord> Words(Arguments... arguments) {
     return {std::bit_cast<AVSKWord>(arguments)...};
 }
 
-// Expects one call of the service, with the same words, and its answer back.
+// Expects one call of the service with the same words, and its result returned.
 template <class Result, class... Arguments>
 void ExpectForwarded(const char *name, Result (*call)(Arguments...),
                      std::function<Result(Arguments...)> HostServices::*service) {

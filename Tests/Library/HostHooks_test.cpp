@@ -34,7 +34,7 @@ TEST_F(HostHooks, StartCreatesTheMenuWritesTheBuildLoadsAndEnables) {
 }
 
 TEST_F(HostHooks, EventsAreBroadcastWithTheirMessages) {
-    // By event, from -1 on: message and parameter.
+    // Indexed by event + 1: message and parameter.
     const std::string messages[] = {"",      "",      "", "101 0", "102 5", "103 0", "",      "104 0",
                                     "105 0", "106 5", "", "",      "107 0", "",      "108 5", ""};
     const Puppet &a = world.Install("A");

@@ -1,10 +1,10 @@
-// Key sniffers and hot keys, and the way of a key through them.
+// Key sniffers and hot keys, and the order in which a key reaches them.
 #include "World.h"
 
 namespace {
 
 using Player = std::function<int()>;
-std::string gKey; // as the last sniffer heard it
+std::string gKey; // the key that the last sniffer received
 
 int Play(char key, int flags, char virtualKey, void *refcon) {
     gKey = Line(int(key), " ", flags, " ", int(virtualKey));
@@ -44,7 +44,7 @@ TEST_F(Keys, AKeyGoesFromStationToStationUntilOneTakesIt) {
                                                                {3, "0: 1; 2; hot key"},
                                                                {4, "0: 1; 2; window"},
                                                                {6, "0: 1; 2; 5; 6"},
-                                                               {7, "1: 1; 2; 5; 6"}}) { // nobody
+                                                               {7, "1: 1; 2; 5; 6"}}) { // none takes it
         taker = number;
         AVSKSetHotKeyCombination(hotKey, taker == 3 ? 'K' : 'X', 0);
         AVSKTakeKeyboardFocus(taker == 4 ? window : nullptr);
@@ -85,7 +85,7 @@ TEST_F(Keys, TheNewestHotKeyWhosePluginIsEnabledRunsAlone) {
     NoticePlayer player = [] { Note(std::to_string(AVSKGetMyID())); };
     Hot(a, 'K', 2, player);
     Hot(b, 'K', 2, player);
-    AVSKRegisterHotKey('K', 2, nullptr, nullptr, nullptr); // has nothing to run
+    AVSKRegisterHotKey('K', 2, nullptr, nullptr, nullptr); // no callback
     EXPECT_EQ(Press('K', 2), "0: 2");
     AVSKDisablePlugin(b.Id());
     EXPECT_EQ(Press('K', 2), "0: 1");
@@ -117,7 +117,7 @@ TEST_F(Keys, AHotKeyMayUnregisterItselfAndAllOthers) {
     };
     for (AVSKHotKeyID &key : keys)
         key = Hot(a, 'A', 0, player);
-    // The count leaves its walk open; the removing call ends one.
+    // AVSKCountHotKeys leaves its walk of the list open; the removing call closes one walk.
     for (int i = 0; i < 5; ++i)
         EXPECT_EQ(AVSKCountHotKeys(), 3);
     EXPECT_EQ(Press('A'), "0: ran");

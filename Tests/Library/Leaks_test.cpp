@@ -1,5 +1,5 @@
-// What must not grow: memory over many frames of things that come and go, also
-// in lists that are never out of a walk, and memory and mappings over reloads.
+// Memory must not grow over many frames that create and destroy resources, even
+// in lists whose walks stay open. Memory and mappings must not grow over reloads.
 #include "World.h"
 
 #include <cstdlib>
@@ -9,10 +9,10 @@
 
 namespace {
 
-// Bytes in use; always 0 under a sanitizer, which looks for leaks itself, at the end.
+// Bytes in use. Always 0 under a sanitizer, which checks for leaks itself at exit.
 std::size_t InUse() { return mallinfo2().uordblks; }
 
-// How often each file is mapped.
+// The number of mappings of each file.
 std::map<std::string, int> MappedFiles() {
     std::map<std::string, int> files;
     std::ifstream maps("/proc/self/maps");
@@ -28,9 +28,9 @@ Result Nothing(Arguments... /*all*/) {
     return Result();
 }
 
-int gHostThing = 0; // what the host answers for menus, commands and objects
+int gHostThing = 0; // the host's handle for every menu, command and object
 
-// One of everything, the caller's.
+// Creates one of every kind, owned by the caller.
 struct Things {
     AVSKMenuID menu = AVSKCreateMenu("a menu of some length", nullptr, 0, Nothing, nullptr);
     AVSKDataRef ref = Publish("leaks/value/of/some/length", Nothing);
@@ -67,7 +67,7 @@ struct Things {
 
 void Frame() {
     World::Pass(1);
-    for (const char key : {'K', 'X'}) // leaves walks open
+    for (const char key : {'K', 'X'}) // leaves walks of the lists open
         AVSKKeyPressHook(key, 0, key);
     for (int code = 1; code <= 26; ++code)
         AVSKDoDrawingHook(code, 0);
@@ -89,7 +89,7 @@ class Leaks : public ThreePlugins {
 };
 
 #ifdef __SANITIZE_ADDRESS__
-constexpr int kFrames = 1000; // which finds its leaks at the end, and is slow
+constexpr int kFrames = 1000; // the sanitizer is slow and finds leaks at exit
 #else
 constexpr int kFrames = 10000;
 #endif
@@ -122,14 +122,14 @@ TEST_F(Leaks, MemoryAndMappingsStayFlatOverReloads) {
             before = InUse();
         }
     }
-    // What malloc keeps at hand counts as used and wavers; the smallest block is 16 bytes.
+    // malloc counts its cached blocks as used, so the number varies. The smallest block is 16 bytes.
     EXPECT_LT(InUse(), before + 16 * kReloads / 4) << "less than a block in four reloads";
     EXPECT_EQ(MappedFiles(), mapped);
     EXPECT_EQ(AVSKCountPlugins(), 4);
 }
 
 #ifdef __SANITIZE_ADDRESS__
-// Every other test of this build relies on it, the samples' sessions included.
+// All other tests of this build rely on this, including the samples' sessions.
 TEST(LeaksDeathTest, AProgramThatLeaksDoesNotEndWell) {
     const auto leak = [] {
         for (int i = 0; i < 100; ++i)

@@ -22,7 +22,7 @@ class Loader : public InWorld {
     }
 };
 
-// "dlerror:" and the system's reason, of which only the presence is ours.
+// Replaces the system's reason after "dlerror:", since its text is not ours.
 std::string WithoutReasons(const std::string &log) {
     return std::regex_replace(log, std::regex("dlerror:.+"), "dlerror:...");
 }
@@ -150,7 +150,7 @@ TEST_F(Loader, WhatARefusedStartLeavesPassesToTheNextPlugin) {
     EXPECT_EQ(AVSKFindDataRef("zoo/leftover"), nullptr) << "the heir's cleanup takes it";
 }
 
-// Refused in a pass of flight loops. Its heir takes its ID, and with it what it left.
+// The plugin refuses to start during a pass of flight loops. The next plugin inherits its ID and its leftovers.
 TEST_F(Loader, ARefusedPluginStaysMappedIfWhatItLeftCouldCallIt) {
     const Puppet &a = world.Install("A");
     Puppet &air = world.InstallAircraft("air");
@@ -296,7 +296,7 @@ TEST_F(Loader, AShutdownDisablesAllThenStopsThemOneByOne) {
 
 class Unloading : public ThreePlugins {};
 
-// Whoever is called meanwhile sees what is still there. A plugin that could not be disabled is called, too.
+// Each callback during the tear-down sees what still exists. A plugin whose disabling failed is called, too.
 TEST_F(Unloading, APluginsThingsGoInTheirOrder) {
     std::string there;
     const auto probe = [&](auto...) {

@@ -1,4 +1,4 @@
-// What only long flights reach: pass counts leave the integers of a float behind.
+// Long flights: pass counts above 2^24, which a float cannot represent exactly.
 #include "World.h"
 
 extern int gLastCallNumber;

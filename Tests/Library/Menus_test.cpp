@@ -21,7 +21,7 @@ class Menus : public ThreePlugins {
         void *const menuRef = Keep(std::move(f));
         return owner.Run([&] { return AVSKCreateMenu(name, parent, item, handler, menuRef); });
     }
-    // What the host sees of an item: its check mark as it is told, or 77, and whether it is enabled.
+    // What the host gets for an item: the hook's result, the check mark (77 if unset), and whether it is enabled.
     static std::string Asked(void *hostMenu, int index) {
         int check = 77;
         const int answer = AVSKCheckMenuHook(hostMenu, index, &check);
@@ -146,7 +146,7 @@ TEST_F(Menus, AMenuThatIsGoneIsIgnoredByEveryCall) {
 
 TEST_F(Menus, TheHostMayReEnterFromItsMenuServices) {
     AVSKMenuID menu = nullptr;
-    std::function<void()> inside; // a service, once
+    std::function<void()> inside; // runs once, inside the next service
     const auto act = [&](auto...) { return inside ? std::exchange(inside, nullptr)() : void(), 1; };
     host.on.setMenuItemName = act, host.on.appendMenuItem = act, host.on.removeMenuItem = act;
     const auto clear = [&] { AVSKClearAllMenuItems(menu); };
@@ -170,7 +170,7 @@ TEST_F(Menus, TheHostMayReEnterFromItsMenuServices) {
         EXPECT_EQ(Append(a, menu, "still there") >= 0, stays);
     }
 
-    // A duplicate's last calls are made in its own name.
+    // The last calls for a rejected duplicate run as that plugin.
     World::UnloadAircraft();
     air.signature = "test.A";
     air.start = [&] {
@@ -185,7 +185,7 @@ TEST_F(Menus, TheHostMayReEnterFromItsMenuServices) {
     World::LoadAircraft();
     for (int i = 0; i < 2; ++i)
         Append(air, shared, "air's");
-    inside = [&] { AVSKClearAllMenuItems(shared); }; // the host's
+    inside = [&] { AVSKClearAllMenuItems(shared); }; // runs as the host
     World::UnloadAircraft();
     EXPECT_EQ(Append(a, shared, "the first again"), 0);
     world.Stop();

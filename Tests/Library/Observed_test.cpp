@@ -1,5 +1,6 @@
-// The layer in front of the library, in the program where every test runs once
-// more behind it: that all calls come past it, whole and in order.
+// The layer that observes all calls across the library's border. This program
+// repeats every test behind it. The test here checks that the layer reports all
+// calls, complete and in order.
 #include "World.h"
 
 #include "Crossings/Format.h"
@@ -10,7 +11,7 @@
 
 namespace {
 
-// Makes text of everything, as a trace does, in all of this program's tests.
+// Formats every call, as a trace does, during all tests of this program.
 struct Everything : crossings::Observer {
     Everything() { crossings::AddObserver(*this); }
     void Begins(const crossings::Crossing &crossing) override {

@@ -14,7 +14,7 @@ class Outside : public InWorld {};
 
 // ---- Short tables
 
-// A copy of the fake host's table that ends where readable memory does; it stays.
+// Copies the fake host's table so that it ends just before an unreadable page. The copy is never freed.
 const AVSKHostCallbacks *TableAtTheEdge(std::size_t size) {
     constexpr std::size_t page = 4096;
     auto *const start =
@@ -47,7 +47,7 @@ TEST_F(Outside, OldHostsAreSparedTheServicesTheyDoNotHave) {
             for (const auto &[service, is] : Table<std::string, bool>{{"destroyMenu(", size >= 288},
                                                                       {"reinitUsersPlane(208, 201)", size >= 288},
                                                                       {"loadObjectAsync(", size >= 284},
-                                                                      {"loadObject(", size < 284}, // at once instead
+                                                                      {"loadObject(", size < 284}, // synchronous
                                                                       {"showMessage(", version >= 3},
                                                                       {"showProgress(", version >= 4}})
                 EXPECT_EQ(calls.find(service) != std::string::npos, is) << service;
@@ -62,7 +62,7 @@ TEST_F(Outside, BrokenEntriesOfThePluginsFolderArePassedOver) {
     const auto openFiles = [] { return std::distance(fs::directory_iterator("/proc/self/fd"), {}); };
     const auto before = openFiles();
     const std::string cut = "dlerror:the file breaks off: copy it again\n", pipe = "dlerror:a pipe, not a library\n";
-    for (const auto &[name, alike, said, failedSays, listingSays] : // in the log, on the console an error number
+    for (const auto &[name, alike, said, failedSays, listingSays] : // said: log text; listingSays: errno
          Table<std::string, Lines, std::string, bool, int>{
              {"x", {"nowhere"}, "", false, 2},
              {"x", {"x"}, "", false, 40},
@@ -77,14 +77,14 @@ TEST_F(Outside, BrokenEntriesOfThePluginsFolderArePassedOver) {
              {"x/32", {"32", "../m"}, "", false, 0}})
         for (const std::string &like : alike) {
             SCOPED_TRACE(Line(name, " like ", like));
-            // An empty file, a folder, a pipe, a cut copy, or a link to that.
+            // Creates an empty file, a pipe, a truncated copy, a folder, or else a link to that path.
             const fs::path path = world.Path("Resources/plugins/") + name;
             fs::create_directories(path.parent_path());
             if (like == "file" || like == "pipe")
                 mknod(path.c_str(), 0600 | (like == "pipe" ? S_IFIFO : S_IFREG), 0);
             else if (like.starts_with("cut")) {
                 fs::copy_file(good.path, path);
-                fs::resize_file(path, like == "cut" ? 5000 : 60); // in what is to be mapped; in the headers
+                fs::resize_file(path, like == "cut" ? 5000 : 60); // truncated in a segment, or in the headers
             } else
                 like == "folder" ? void(fs::create_directory(path)) : fs::create_symlink(like, path);
             testing::internal::CaptureStdout();
@@ -119,7 +119,7 @@ TEST_F(Outside, APluginsFolderThatCannotBeListedIsAnEmptyOne) {
     }
 }
 
-// Links to one folder: the same code starts again and again, under another signature.
+// All plugin folders are links to one: the same code starts every time, under another signature.
 TEST_F(Outside, ThousandsOfPluginsAllGetIDsAndAllGo) {
     constexpr int kMany = 2000;
     Puppet &puppet = world.Install("0");
@@ -139,7 +139,7 @@ TEST_F(Outside, ThousandsOfPluginsAllGetIDsAndAllGo) {
 // ---- Names
 
 TEST_F(Outside, NamesMayBeAnyBytes) {
-    std::string all; // but the separator, which comes last
+    std::string all; // every byte; the separator is appended last
     std::vector<const Puppet *> puppets;
     for (int byte = 1; byte < 256; ++byte)
         if (byte != '/') {
@@ -151,7 +151,7 @@ TEST_F(Outside, NamesMayBeAnyBytes) {
     named.name = named.signature = named.description = all;
     world.Start();
     ASSERT_EQ(AVSKCountPlugins(), 256);
-    for (int id = 1; id < 255; ++id) { // in byte order
+    for (int id = 1; id < 255; ++id) { // IDs follow byte order
         EXPECT_EQ(puppets.at(id - 1)->Id(), id);
         EXPECT_EQ(AVSKFindPluginByPath(puppets.at(id - 1)->path.c_str()), id);
     }
@@ -174,7 +174,7 @@ TEST_F(Outside, NamesMayBeAnyBytes) {
         AVSKDebugString(text);
     });
     EXPECT_TRUE(host.log.ends_with(all));
-    std::string heard; // "service name", or only a blank for a message
+    std::string heard; // the services' names; a message adds only a blank
     for (const std::string &line : Take())
         for (std::size_t at = 0; (at = line.find(all, at)) != std::string::npos; ++at)
             heard += line.substr(0, line.find_first_of("(\1")) + " ";
@@ -187,14 +187,14 @@ TEST_F(Outside, APluginsStartMayAddAndRemoveItsNeighbours) {
     Puppet &loose = world.InstallAt("Resources/plugins/loose.avp", "loose");
     Puppet &m = world.Install("m");
     const Puppet &gone = world.Install("n");
-    // Folders are listed once loose files are loaded, and then not again.
+    // The loader lists folders once, after it has loaded loose files.
     loose.start = [&] { return world.Install("a"), 1; };
     m.start = [&] {
         for (const char *name : {"m", "n", "loose.avp"})
             fs::remove_all(world.PluginsFolder() + "/" + name);
         for (const char *name : {"b", "o"})
             world.Install(name);
-        std::ofstream(world.PluginsFolder() + "/n"); // a file in the place of a folder
+        std::ofstream(world.PluginsFolder() + "/n"); // a file replaces a folder
         return 1;
     };
     world.Start();

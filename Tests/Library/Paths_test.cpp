@@ -42,7 +42,7 @@ TEST_F(Paths, HeldButtonsArePressedAgainEveryFrameAndMayChangeMeanwhile) {
             line += Line(*buttons, " ");
         Note(Line(line, release ? "released " : "pressed ", pass));
     };
-    const auto heard = [](const std::function<void()> &act) { // without the calls' own lines, which show pointers
+    const auto heard = [](const std::function<void()> &act) { // without the host calls, which show pointers
         Take();
         act();
         Lines lines = Take();
@@ -110,7 +110,7 @@ TEST_F(Paths, AListingGivesWholeNamesWhileThereIsRoomForThemAndTheirEnd) {
         std::ofstream(folder + name);
     char all[32], *index[8];
     EXPECT_EQ(AVSKGetDirectoryContents(folder.c_str(), 0, all, sizeof all, index, 8, nullptr, nullptr), 1);
-    const Lines names(index, index + 3); // in the order of the listing; 9 bytes with their zeros
+    const Lines names(index, index + 3); // in listing order; 9 bytes with their terminators
     EXPECT_EQ(std::set<std::string>(index, index + 3), (std::set<std::string>{"a", "bb", "ccc"}));
     const int first = static_cast<int>(names[0].size()) + 1;
     const int two = first + static_cast<int>(names[1].size()) + 1;
@@ -127,7 +127,7 @@ TEST_F(Paths, AListingGivesWholeNamesWhileThereIsRoomForThemAndTheirEnd) {
                                         {99, 10, 4, 0, 1},
                                         {-1, 10, 4, 3, 1}}) {
         SCOPED_TRACE(Line(from, " ", size, " ", indexCount));
-        // As large as told, so that a byte too much is seen.
+        // Exactly the size passed, so that a sanitizer detects an overflow.
         std::vector<char> buffer(static_cast<std::size_t>(std::max(size, 0)), '#');
         std::vector<char *> found(static_cast<std::size_t>(indexCount), nullptr);
         char none = '#';

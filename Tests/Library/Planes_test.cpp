@@ -1,16 +1,16 @@
-// The user's aircraft, and control of the others: who has it, who waits for
-// it, and what an offer survives.
+// The user's aircraft, and control of the other aircraft: acquiring it, waiting
+// for it, and offering it to those who wait.
 #include "World.h"
 
 #include <array>
 
 namespace {
 
-std::string gHeard; // apart from the journal: writes of the ai_loc datarefs, "[index]=value "
+std::string gHeard; // writes to the ai_loc datarefs, "[index]=value "
 
 class Planes : public ThreePlugins {
   protected:
-    // Has a plugin ask for control; f hears that it is free.
+    // The plugin asks for control. The library calls f when control becomes available.
     int Acquire(const Puppet &owner, NoticePlayer f = nullptr, char **paths = nullptr) {
         const AVSKPlanesAvailable_f callback = f ? owner.code.notified : nullptr;
         void *const refcon = Keep(std::move(f));
@@ -23,7 +23,7 @@ class Planes : public ThreePlugins {
         AVSKCountAircraft(nullptr, nullptr, &controller);
         return controller;
     }
-    // What the host hears when it asks for an aircraft's model.
+    // The path that the host receives for an aircraft's model.
     static std::string Model(int index) {
         char name[32] = "name", path[600] = "own";
         AVSKUpdatePlaneNameAndPath(index, name, path);
@@ -68,7 +68,7 @@ TEST_F(Planes, AcquiringTakesTheModelsOfItsListButTheUsers) {
     char *paths[] = {one, one, empty, three, nullptr}, *others[] = {three, three, nullptr};
     EXPECT_EQ(Controller(), -1);
     EXPECT_EQ(Acquire(a, nullptr, paths), 1);
-    one[0] = '#'; // copied
+    one[0] = '#'; // the library has copied the list
     EXPECT_EQ(Acquire(a, nullptr, others), 1) << "has it already; the list is ignored";
     EXPECT_EQ(Controller(), 1);
     EXPECT_EQ((Lines{Model(0), Model(1), Model(2), Model(3), Model(4)}), (Lines{"own", "one", "own", "three", "own"}));
@@ -98,7 +98,7 @@ TEST_F(Planes, AModelIsLoadedAtOnceWhenTheHostHasThatAircraft) {
 }
 
 TEST_F(Planes, TheLimitHoldsForThoseItIsAskedFor) {
-    Controller(); // the host has ten
+    Controller(); // sets ten aircraft in the host
     Acquire(a);
     for (const auto &[limit, shown, count, flag, answer] : Table<int, int, int, int, int>{{3, 3, 20, 0, 3},
                                                                                           {3, 3, 20, 1, 20},
@@ -155,7 +155,7 @@ TEST_F(Planes, ControlEndsWithThePluginWhicheverWayItGoes) {
 }
 
 TEST_F(Planes, EveryoneWhoWaitsIsToldOnceInTheOrderOfAsking) {
-    const auto says = [](const char *line) { // free before the first is told
+    const auto says = [](const char *line) { // control is free before the first call
         return [=] { Note(Line(line, AVSKGetMyID(), Controller())); };
     };
     Acquire(a);
@@ -165,7 +165,7 @@ TEST_F(Planes, EveryoneWhoWaitsIsToldOnceInTheOrderOfAsking) {
     EXPECT_EQ(Release(a), "countAircraft(); B2-1; countAircraft(); air3-1; countAircraft(); again2-1");
 }
 
-// The first of three that wait, the aircraft's, does something.
+// Three wait. The first, the aircraft plugin, acts inside its offer.
 TEST_F(Planes, AnOfferSurvivesWhatTheWaitingDo) {
     const auto acquire = [this](const Puppet &who, const char *label) {
         Note(label + std::to_string(Acquire(who, [=] { Note(std::string(label) + "offered"); })));

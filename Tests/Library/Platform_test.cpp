@@ -55,7 +55,7 @@ TEST_F(Platform, TextsAreMatchedCutAndStripped) {
         EXPECT_STREQ(StripPluginsFolder(path), rest);
 }
 
-// A symbol at address zero is found without a complaint of the system's.
+// A symbol at address zero: the lookup succeeds and dlerror() reports nothing.
 asm(".globl AvskTestNothing\n.set AvskTestNothing, 0");
 
 TEST_F(Platform, AMissingSymbolIsLoggedIfWanted) {

@@ -42,7 +42,7 @@ TEST_F(Plugins, BadIDsAreHarmless) {
 // ---- Enabling
 
 TEST_F(Plugins, EntriesSeeTheFlagOffAndTheirOwnID) {
-    int answer = 7; // anything but 0 accepts
+    int answer = 7; // any value but 0 accepts
     a.disable = [] { EXPECT_EQ(AVSKIsPluginEnabled(AVSKGetMyID()), 0); };
     a.enable = [&] { return a.disable(), answer; };
     Restart();
@@ -118,7 +118,7 @@ TEST_F(Registry, TheRegistryMayGrowInsideAnyEntry) {
 }
 
 TEST_F(Plugins, WhatItStillDoesOnceUnloadedIsNobodys) {
-    // Deeper than calls are counted.
+    // Nests deeper than the library counts calls.
     air.message = [&, depth = 0](int, int message, void *) mutable {
         if (message == 1)
             ++depth < 1500 ? AVSKSendMessageToPlugin(3, 1, nullptr) : World::UnloadAircraft();
@@ -160,16 +160,17 @@ TEST_F(Registry, StopIsCalledOnceThoughItEndsInUnloadingAgainOrAShutdown) {
     EXPECT_EQ(AVSKCountPlugins(), 0);
     EXPECT_FALSE(a.IsMapped());
 
-    a.stop = [] { AVSKReloadPlugins(), World::Pass(1); }; // waits for the next flight
+    a.stop = [] { AVSKReloadPlugins(), World::Pass(1); }; // the reload stays pending until the next start
     air.stop = AVSKShutdownPlugins;
     world.StartQuietly();
     World::LoadAircraft();
-    // Without the host nothing is loaded.
+    // After the shutdown, nothing is loaded.
     EXPECT_EQ(DOES(World::UnloadAircraft(), World::LoadAircraft()), "disable air; stop air; disable A; stop A");
     EXPECT_EQ(AVSKCountPlugins(), 0);
 }
 
-// The disabling fails, so at its cleanup the window is still told, when command handlers were taken already.
+// Disabling throws. The cleanup then still notifies the window of its lost focus, after it has removed the
+// command handlers.
 TEST_F(Plugins, WhatALastCallRegistersAnewIsTakenToo) {
     CommandPlayer command = [](AVSKCommandRef, int) { return Note("handled"), 1; };
     NoticePlayer losing = [] { throw 1; };

@@ -7,7 +7,7 @@ namespace {
 
 class Processing : public ThreePlugins {
   protected:
-    // A loop of A's that runs f, and its handle.
+    // Creates a loop of plugin A that runs f; returns its handle.
     AVSKFlightLoopID Create(LoopPlayer f, int phase = 0) {
         const AVSKCreateFlightLoopParams params = {16, phase, a.code.flightLoop, Keep(std::move(f))};
         return a.Run([&] { return AVSKCreateFlightLoop(&params); });
@@ -15,7 +15,7 @@ class Processing : public ThreePlugins {
     void Schedule(AVSKFlightLoopID loop, float interval, int relativeToNow = 0) const {
         a.Run([=] { AVSKScheduleFlightLoop(loop, interval, relativeToNow); });
     }
-    // A loop that notes its label and answers with its interval, due in every pass.
+    // Creates a loop of plugin A that is due in every pass and journals its label.
     AVSKFlightLoopID Every(const char *label, int phase = 0) {
         const AVSKFlightLoopID loop = Create([label](float, float, int) { return Note(label), -1.0F; }, phase);
         Schedule(loop, -1);
@@ -25,8 +25,9 @@ class Processing : public ThreePlugins {
     static std::string FrameEnd(float now) { return DOES(AVSKEventHook(AVSKHostEventFrameEnd, now, 0, 0)); }
 };
 
-// Passes do not look at the clock. Where it runs backwards a loop waits until the time
-// comes again; a time that is none is passed over; after the end of time nothing is later.
+// Intervals in passes ignore the clock. If the clock runs backwards, a loop waits
+// until its due time is reached again. A NaN time calls no loop with an interval in
+// seconds. After infinity, no time is later.
 TEST_F(Processing, AnIntervalSaysWhenALoopIsNextCalledWhateverTheClockSays) {
     constexpr float inf = INFINITY;
     const std::vector<float> even = {0.25F, 0.5F, 0.75F, 1, 1.25F, 1.5F, 1.75F, 2};
@@ -85,7 +86,7 @@ TEST_F(Processing, SecondsCountFromCreationOrNow) {
         const AVSKFlightLoopID loop = Create([](float, float, int) { return Note("called"), 0.0F; });
         host.now = 15;
         Schedule(loop, 1, relativeToNow);
-        for (const int now : {0, 1}) // half a second later, and a second
+        for (const int now : {0, 1}) // half a second after Schedule(), and one second
             EXPECT_EQ(Pass(now ? 16 : 15.5F), now == relativeToNow ? "1: called" : "1");
     }
 }
@@ -97,7 +98,7 @@ TEST_F(Processing, AClockThatDestroysTheLoopLeavesNothingToSchedule) {
     EXPECT_EQ(Pass(1), "1");
 }
 
-// The sum of 2^24 and 1 is 2^24 as a float, so the loop is due at once.
+// As a float, 2^24 + 1 rounds to 2^24, so the loop is due at once.
 TEST_F(Processing, DueTimesAreRoundedToFloat) {
     host.now = 16777216;
     Schedule(Create([](float, float, int) { return Note("called"), 0.0F; }), 1);
@@ -144,7 +145,7 @@ TEST_F(Processing, TheOlderCallsUnregisterTheNewestAndRescheduleAllWhoeverAsks) 
         AVSKSetFlightLoopCallbackInterval(b.code.flightLoop, 0, 0, player);
     });
     EXPECT_EQ(Pass(1), "1: called; called");
-    for (const int relativeToNow : {0, 1}) { // a second after the last call, or from 1.5 s on
+    for (const int relativeToNow : {0, 1}) { // one second after the last call, or after 1.5 s
         host.now = 1.5F;
         AVSKSetFlightLoopCallbackInterval(loop, 1, relativeToNow, player);
         EXPECT_EQ(Pass(2), relativeToNow ? "1" : "1: called; called");

@@ -1,4 +1,4 @@
-// The list of callbacks: removal at any moment of any walk.
+// The list of callbacks: records may be removed at any time during any walk.
 #include "AVSKResourceList.h"
 
 #include <gtest/gtest.h>
@@ -20,7 +20,7 @@ struct Item : AVSKResource_t<Item> {
     int &freed;
 };
 
-// A list of letters, of which the last added is the first: "cba".
+// A list of letters. The newest comes first: "cba".
 class ResourceList : public testing::Test {
   protected:
     struct List : AVSKResourceList<Item> {
@@ -41,7 +41,7 @@ class ResourceList : public testing::Test {
     void Add(char name) { list->Add(items[name] = new Item(name, freed)); }
     void Remove(char name) { list->Remove(items[name]); }
     void TearDown() override { Empty(); }
-    // Everything reachable, whatever its state, back to the heap.
+    // Frees every reachable record in any state.
     void Empty() {
         if (!list)
             return;
@@ -99,7 +99,7 @@ TEST_F(ResourceList, AWalkFromTheBackLeavesTheCursorOnTheLastRecord) {
 }
 
 TEST_F(ResourceList, MovingToTheFrontHappensAtOnce) {
-    // The third is visited by a walk that stands on b.
+    // The walk moves the letter while it is at b.
     for (const auto &[letter, after, visited] :
          {std::tuple('c', "cba", "cba"), {'b', "bca", "cbca"}, {'a', "acb", "cb"}}) {
         Fill("abc");

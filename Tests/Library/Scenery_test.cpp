@@ -1,4 +1,4 @@
-// Terrain probes, scenery objects, and loads that complete some time.
+// Terrain probes, scenery objects, and asynchronous loads.
 #include "World.h"
 
 namespace {
@@ -8,7 +8,7 @@ void *const kRock = reinterpret_cast<void *>(22);
 
 class Scenery : public ThreePlugins {
   protected:
-    // What the host was asked to load and has not completed.
+    // The completion callbacks of all asynchronous loads requested from the host.
     std::vector<std::function<void(void *object)>> loads;
 
     void SetUp() override {
@@ -19,7 +19,7 @@ class Scenery : public ThreePlugins {
         ThreePlugins::SetUp();
     }
 
-    // Has a plugin ask for an object; f hears of it, or notes it.
+    // The plugin requests an object asynchronously. On completion f runs; without f, a line is journaled.
     void Ask(const Puppet &owner, ObjectPlayer f = nullptr) {
         void *const refcon = Keep<ObjectPlayer>(f ? std::move(f) : [](void *object) {
             Note(Line("loaded ", reinterpret_cast<std::uintptr_t>(object), " as ", AVSKGetMyID()));
@@ -50,7 +50,7 @@ TEST_F(Scenery, AHostsProbeIsUsedAgainSmallestFirst) {
             ref = AVSKCreateProbe(AVSK_PROBE_Y);
     };
     EXPECT_EQ(DOES_AS(a, create()), "createProbe(); createProbe(); createProbe()");
-    b.Run([&] { // anybody may
+    b.Run([&] { // B may destroy A's probes
         for (const int i : {2, 0, 0, 1})
             AVSKDestroyProbe(refs[i]);
         AVSKDestroyProbe(reinterpret_cast<AVSKProbeRef>(&used));
@@ -75,7 +75,7 @@ TEST_F(Scenery, AHostsProbeIsUsedAgainSmallestFirst) {
 
 TEST_F(Scenery, DrawingIsCheckedOnlyForAPluginThatHearsOfErrors) {
     const AVSKDrawInfo good = {28, 1, 2, 3, 4, 5, 6}, bad = {24, 1, 2, 3, 4, 5, 6};
-    const std::string tree = "drawObject(21, 1, 2, 3, 5, 4, 6, 7, 8)"; // the second angle first
+    const std::string tree = "drawObject(21, 1, 2, 3, 5, 4, 6, 7, 8)"; // the host takes the second angle first
     const std::string rock = "drawObject(22, 1, 2, 3, 5, 4, 6, 7, 8)";
     const std::string notOwned = "error: Illegal object, or object not owned by this plugin.";
     a.Run([] { AVSKLoadObject("tree"); });
@@ -106,7 +106,7 @@ TEST_F(Scenery, AFailedLoadIsNobodysObject) {
     EXPECT_EQ(Unload(a, nullptr), "error: Unknown object for AVSKUnloadObject");
 }
 
-// ---- Loads that complete some time
+// ---- Asynchronous loads
 
 TEST_F(Scenery, ALoadReachesItsPluginOnceAndThenBelongsToIt) {
     a.Run(JournalErrors);
@@ -162,14 +162,14 @@ TEST_F(Scenery, ADisabledPluginGetsWhatArrivedWhenEnabledTheLatestFirst) {
         Ask(a);
     for (int i = 0; i < 30; ++i)
         world.InstallScenery(Line("s", i));
-    world.LoadScenery(); // the registry grows
+    world.LoadScenery(); // grows the registry
     AVSKDisablePlugin(1);
     EXPECT_EQ((Lines{Complete(0, kTree), Complete(0, kRock), Complete(2, kRock)}), Lines(3));
     EXPECT_EQ(DOES(AVSKEnablePlugin(1)), "1: enable A; loaded 22 as 1; loaded 21 as 1");
     EXPECT_EQ(Complete(1, nullptr), "loaded 0 as 1");
 }
 
-// Whatever way a record leaves the registry, nothing of its stays queued with it.
+// However a plugin leaves the registry, no load stays queued for it.
 TEST_F(Scenery, ALoadIsGivenBackWhicheverWayItsPluginGoes) {
     const auto ask = [this] { return AVSKLoadObjectAsync("path", air.code.loaded, nullptr), 1; };
     for (const auto &[way, go] : Table<std::string, std::function<void()>>{

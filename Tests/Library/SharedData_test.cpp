@@ -1,4 +1,4 @@
-// Shared data: values that are nobody's, and who hears of writes.
+// Shared data: values without an owner, and the notification of writes.
 #include "World.h"
 
 #include <climits>
@@ -11,7 +11,7 @@ class SharedData : public ThreePlugins {
         EXPECT_EQ(AVSKShareData(name.c_str(), type, nullptr, nullptr), 1);
         return AVSKFindDataRef(name.c_str());
     }
-    // A subscription of a plugin's to the int "x" that notes a line, and its refcon.
+    // Subscribes the plugin to the int "x". A notification journals the line. Returns the refcon.
     void *Says(const Puppet &owner, const std::string &line) {
         void *const refcon = Keep(NoticePlayer([=] { Note(Line(line, AVSKGetMyID())); }));
         owner.Run([&] { EXPECT_EQ(AVSKShareData("x", AVSKDataTypeInt, owner.code.notified, refcon), 1); });
@@ -36,7 +36,7 @@ TEST_F(SharedData, AnyTypeIsServedAndNoOther) {
         AVSKSetDataf(ref, 7.5F);
         AVSKSetDatad(ref, 7.25);
         a.Run([&] { AVSKUnregisterDataAccessor(ref); });
-        AVSKDisablePlugin(1); // it is the host's
+        AVSKDisablePlugin(1); // the host owns the value
         EXPECT_EQ(AVSKGetDatai(ref), type == AVSKDataTypeInt ? 7 : 0);
         EXPECT_EQ(AVSKGetDataf(ref), type == AVSKDataTypeFloat ? 7.5F : 0);
         EXPECT_EQ(AVSKGetDatad(ref), type == AVSKDataTypeDouble ? 7.25 : 0);
@@ -58,7 +58,7 @@ TEST_F(SharedData, ATakenNameIsReportedToTheHostAndStaysItsOwners) {
 TEST_F(SharedData, NothingIsReadOrWrittenOutsideTheValue) {
     const AVSKDataRef ref = Share("x", AVSKDataTypeIntArray);
     int in[] = {1, 2, 3, 4, 5};
-    AVSKSetDatavi(ref, in, 3, 2); // grows it
+    AVSKSetDatavi(ref, in, 3, 2); // grows the array
     AVSKSetDatavi(ref, in, 0, 5);
     AVSKSetDatavi(ref, in, 0, 1);
     int zeros[5] = {};

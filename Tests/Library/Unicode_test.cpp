@@ -1,4 +1,4 @@
-// The lenient codecs.
+// The lenient UTF-8 and UTF-16 codecs.
 #include "UTL_unicode.h"
 
 #include <gtest/gtest.h>
@@ -36,7 +36,7 @@ TEST(Unicode, BytesThatBeginNoCharacterAreZero) {
 TEST(UnicodeDeathTest, Utf8AbortsBeyondTheLastCharacter) {
     UTF8 out[4];
     const auto encode = [&out] {
-        std::signal(SIGABRT, [](int) { std::exit(7); }); // an exit writes the counts of coverage
+        std::signal(SIGABRT, [](int) { std::exit(7); }); // exit() writes the coverage data, abort() does not
         UTF8_encode(0x110000, out);
     };
     EXPECT_EXIT(encode(), testing::ExitedWithCode(7),
@@ -53,7 +53,7 @@ TEST(Unicode, WholeTextsAreConverted) {
         {"\xEE\x80\x80", {0xE000}, "\xEE\x80\x80"},
         {"\xEF\xBF\xBF", {0xFFFF}, "\xEF\xBF\xBF"},
         {"\xF4\x8F\xBF\xBF", {0xDBFF, 0xDFFF}, "\xF0\x90\x80\x81"},
-        {"\xE2\x82", {0x2080}, "\xE2\x82\x80"}}; // what is missing is zero
+        {"\xE2\x82", {0x2080}, "\xE2\x82\x80"}}; // missing bytes count as zero
     for (const auto &[utf8, utf16, expected] : cases) {
         string_utf16 out = {1, 2};
         string_utf_8_to_16(utf8, out);

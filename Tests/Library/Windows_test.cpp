@@ -1,12 +1,12 @@
-// Windows: their records, focus and capture, and the events they get.
+// Windows: records, mouse, focus, and changes inside calls.
 #include "World.h"
 
 namespace {
 
-// A window's functions, played by the test. It notes every call as "label event".
+// The callbacks of a window. Every call is journaled as "label event".
 struct Actor {
     std::string label;
-    IntPlayer draw, click, cursor, wheel, key, losing; // answer 0 if empty
+    IntPlayer draw, click, cursor, wheel, key, losing; // return 0 if empty
 };
 
 int Act(void *refcon, IntPlayer Actor::*on, const std::string &event) {
@@ -42,9 +42,9 @@ int Takes() { return 1; }
 
 class Windows : public ThreePlugins {
   protected:
-    std::list<Actor> actors; // in place
+    std::list<Actor> actors; // a list: refcons point into it
 
-    // The host's window with all functions, from (left, 0) to (left + 10, 10).
+    // Creates a window of the caller with all callbacks, from (left, 0) to (left + 10, 10).
     AVSKWindowID Create(const std::string &label, int left = 0, int visible = 1) {
         actors.push_back({label, {}, {}, {}, {}, {}, {}});
         const AVSKCreateWindowParams params = {48,     left,    10,    left + 10, 0,       visible,
@@ -137,7 +137,7 @@ TEST_F(Windows, APointIsInsideFromLeftAndBottomUpToRightAndTop) {
     }
 }
 
-// Clicks, cursor and wheel: the front window is asked first, and those behind until one answers.
+// Clicks, cursor and wheel go to the front window first, then to those behind it until one takes the event.
 TEST_F(Windows, EventsGoToTheFrontmostThatTakesThem) {
     for (const char *label : {"back", "middle", "front"})
         CreateAs(a, label);
@@ -192,7 +192,7 @@ TEST_F(Windows, FocusGoesWhereItIsPutAndTheLoserHearsTheCallersWords) {
     EXPECT_EQ(Key(), "1");
 }
 
-// The camera's loss is told after the focus is gone, and while the plugin is still enabled.
+// Disabling notifies the camera function after it has removed the focus, while the plugin is still enabled.
 TEST_F(Windows, FocusTakenWhileItsPluginIsDisabledIsThereButSilent) {
     const AVSKWindowID window = CreateAs(a, "w");
     CameraPlayer camera = [=](AVSKCameraPosition *, int) { return AVSKTakeKeyboardFocus(window), 0; };
@@ -328,7 +328,7 @@ TEST_F(Windows, DestroyedTheLosingWindowMayDestroyItselfAndHaveItsPluginUnloaded
 TEST_F(Windows, OneThatANewOneCutOffGoesWithItsPlugin) {
     ActorOf(Create("back")).draw = [&] { return actors.size() < 3 ? Create("new"), 0 : 0; };
     const AVSKWindowID window = CreateAs(air, "w");
-    ActorOf(window).losing = []() -> int { throw 1; }; // it cannot be disabled
+    ActorOf(window).losing = []() -> int { throw 1; }; // disabling fails
     Focus(window);
     Drawn();
     EXPECT_FALSE(Exists(window));

@@ -1,6 +1,6 @@
-// Ends in the way that AVSK_TEST_DIES names: in a hot key for "abort", while it is
-// loaded for "loading", else in its flight loop. For "file" it lives, and writes a
-// file into the root. Used by Blame_test.cpp and Session_test.cpp.
+// Crashes or exits in the way that AVSK_TEST_DIES names: in a hot key for "abort",
+// while it is being loaded for "loading", else in its flight loop. For "file" it
+// survives and writes a file into the root. Used by Blame_test.cpp and Session_test.cpp.
 #include "AVSK/AVSK.h"
 
 #include <cstdio>
@@ -22,7 +22,7 @@ int *volatile gNowhere = nullptr;
 void (*volatile gNoFunction)() = nullptr;
 volatile bool gEndless = true;
 
-// Not the sanitizers' to find.
+// Without sanitizers, which would report these faults before the host does.
 __attribute__((no_sanitize("address,undefined"))) void Write() { *gNowhere = 1; }
 __attribute__((no_sanitize("undefined"))) void Call() { gNoFunction(); }
 
@@ -49,7 +49,7 @@ __attribute__((no_sanitize("address,undefined"))) void LoseStack() {
     asm volatile("movl $0x41414141, %ebp\n\tmovl $0x41414141, %esp\n\tpushl $1");
 }
 
-// Texts far longer than any line of a report.
+// Passes texts that are far longer than any line of a report.
 void NameLong() {
     const std::string longest(20000, 'n');
     AVSKMenuID menu = AVSKCreateMenu(longest.c_str(), nullptr, 0, nullptr, nullptr);

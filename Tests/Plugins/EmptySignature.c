@@ -1,4 +1,4 @@
-/* Fault: fills in no text at all, so its signature is empty. */
+/* Fault: fills in no text, so its signature is empty. */
 #include "OtherEntries.h"
 
 int AVPluginStart(char *outName, char *outSignature, char *outDescription) {

@@ -1,2 +1,2 @@
-/* Fault: lacks AVPluginStart, the one entry point that is required. */
+/* Fault: lacks AVPluginStart, the only required entry point. */
 #include "OtherEntries.h"

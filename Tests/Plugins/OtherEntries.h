@@ -1,4 +1,4 @@
-/* The entry points of a plugin whose fault is elsewhere. */
+/* The remaining entry points of a plugin with a fault in another place. */
 #include "AVSK/AVSKPlugins.h"
 
 #include <string.h>

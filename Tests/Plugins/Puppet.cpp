@@ -1,4 +1,4 @@
-// The puppet's file: hands every entry point to the test program.
+// The library file of every puppet: forwards each entry point to the test program.
 #include "Puppet.h"
 
 #include <dlfcn.h>
@@ -12,7 +12,7 @@ const char *Path() {
     return info.dli_fname;
 }
 
-// Counts the return of a player, with code and data of the plugin.
+// Counts the returns of players. It executes code of the plugin, so the plugin must still be mapped.
 struct Return {
     ~Return() { AvskTestReturned(Path()); }
 };

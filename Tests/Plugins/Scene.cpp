@@ -1,5 +1,5 @@
 // A fixed scene for the picture test: two overlapping windows with texts and
-// numbers, a drawing of its own beneath them, and a menu with check marks.
+// numbers, a box that a draw callback draws beneath them, and a menu with check marks.
 #include "AVSK/AVSK.h"
 #include "AVSK/AVSKDisplay.h"
 #include "AVSK/AVSKGraphics.h"

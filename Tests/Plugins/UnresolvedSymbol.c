@@ -1,4 +1,4 @@
-/* Fault: needs a function that nobody exports. */
+/* Fault: calls a function that no library exports. */
 #include "AVSK/AVSKPlugins.h"
 
 extern int AvskTestExportedByNobody(void);

@@ -1,5 +1,6 @@
-// The fake host's slots: one function per slot, made from its type, that
-// journals the call and hands it to the std::function in FakeHost::on.
+// Fills the fake host's slots. The function in a slot is generated from the
+// slot's type. It journals the call and forwards it to the std::function in
+// FakeHost::on.
 #include "FakeHost.h"
 
 #include <cstdio>
@@ -26,7 +27,7 @@ std::string Text(Value *pointer) {
     const auto name = Host().names.find(address);
     if (name != Host().names.end())
         return name->second;
-    // Messages carry small numbers in their pointer.
+    // A message may carry a small number in its pointer parameter.
     const auto number = reinterpret_cast<std::uintptr_t>(address);
     return number < 65536 ? std::to_string(number) : "pointer";
 }
@@ -35,7 +36,7 @@ std::string Text(Value *pointer) {
 const char *const kSlotNames[] = {"version", "sizeInBytes", AVSK_TEST_SLOTS(AVSK_TEST_NAME)};
 #undef AVSK_TEST_NAME
 
-// Called too often, and by calls under test of something else, to be worth a line.
+// These slots are called often and as a side effect of other calls, so they are not journaled.
 bool IsQuiet(int slot) { return slot == 14 || slot == 18 || slot == 25 || slot == 29; }
 
 template <int Slot, auto Service, class Pointer>

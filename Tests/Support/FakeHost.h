@@ -1,5 +1,5 @@
-// A host for tests: fills every slot of the table, writes each call to the
-// journal, and answers as a test says. One per process, as the library is.
+// A host for tests. It fills every slot of the table, journals each call and
+// returns what the test chooses. There is one per process, like the library.
 #ifndef AVSK_TESTS_FAKE_HOST_H
 #define AVSK_TESTS_FAKE_HOST_H
 
@@ -16,7 +16,7 @@
 
 using Lines = std::vector<std::string>;
 
-// The parts as one text.
+// Concatenates the parts.
 template <class... Parts>
 std::string Line(const Parts &...parts) {
     std::ostringstream line;
@@ -24,10 +24,10 @@ std::string Line(const Parts &...parts) {
     return line.str();
 }
 
-// What happened, in order: host calls as "setMenuItemName(menu1, 2, \"\", 0)",
-// entry points of puppets as "enable A", and what tests note themselves.
+// Appends a line to the journal. The journal also records host calls, as
+// "setMenuItemName(menu1, 2, \"\", 0)", and entry points of puppets, as "enable A".
 void Note(const std::string &line);
-// The journal so far, which starts afresh.
+// Returns the journal and clears it.
 Lines Take();
 
 template <class Pointer>
@@ -37,7 +37,7 @@ struct HostService<Result (*)(Arguments...)> {
     using Function = std::function<Result(Arguments...)>;
 };
 
-// What each slot does; an empty one does nothing and answers zero.
+// The implementation of each slot. An empty one does nothing and returns zero.
 struct HostServices {
 #define AVSK_TEST_MEMBER(number, name) HostService<decltype(AVSKHostCallbacks::name)>::Function name;
     AVSK_TEST_SLOTS(AVSK_TEST_MEMBER)
@@ -48,19 +48,19 @@ struct FakeHost {
     FakeHost();
 
     AVSKHostCallbacks table = {};
-    HostServices on; // set any of them
+    HostServices on; // a test may set any of them
     float now = 0;
     std::string systemPath;
     std::string aircraftModel; // path of the user's aircraft
     std::string log;           // the debug output, joined
-    Lines logPieces;           // and call by call
+    Lines logPieces;           // one entry per call
     std::list<std::string> menus;
-    std::map<const void *, std::string> names; // of pointers, for the journal
+    std::map<const void *, std::string> names; // how the journal shows a pointer
     int lastItemID = 100;
 
-    // The log so far, which starts afresh.
+    // Returns the log and clears it.
     std::string TakeLog();
-    // The handle of the menu created as the numberth, from 1.
+    // Returns the handle of the menu that was created number-th, counted from 1.
     void *Menu(int number);
 };
 

@@ -1,6 +1,6 @@
-// A plugin whose every entry point is played by the test. One file, copied
-// under as many names as a test wants plugins; each copy finds its puppet by
-// its own path.
+// A puppet is a plugin whose entry points run functions of the test. The same
+// library file is copied under one name per plugin. Each copy finds its Puppet
+// by its own path.
 #ifndef AVSK_TESTS_PUPPET_H
 #define AVSK_TESTS_PUPPET_H
 
@@ -24,37 +24,37 @@ using CommandPlayer = std::function<int(AVSKCommandRef command, int phase)>;
 using ObjectPlayer = std::function<void(AVSKObjectRef object)>;
 using CameraPlayer = std::function<int(AVSKCameraPosition *position, int isLosingControl)>;
 
-// Callbacks that lie in the plugin's own code. Each runs the player its
-// refcon points to, and then goes on in the plugin: that code must still be there.
+// Callbacks in the plugin's own code. Each runs the player that its refcon
+// points to, then executes more code of the plugin, which must still be mapped.
 struct PuppetCode {
     AVSKFlightLoop_f flightLoop;  // refcon: LoopPlayer
     AVSKMenuHandler_f menuPicked; // menuRef: MenuPlayer
     AVSKGetDatai_f readInt;       // refcon: IntPlayer
-    AVSKDataChanged_f notified;   // refcon: NoticePlayer; also told of free aircraft
+    AVSKDataChanged_f notified;   // refcon: NoticePlayer; also serves as AVSKPlanesAvailable_f
     AVSKCommandHandler_f command; // refcon: CommandPlayer
     AVSKObjectLoaded_f loaded;    // refcon: ObjectPlayer
     AVSKCameraControl_f camera;   // refcon: CameraPlayer
-    void (*throwOwn)();           // throws an object whose destructor is the plugin's
+    void (*throwOwn)();           // throws an object whose destructor lies in the plugin
 };
 
 struct Puppet {
-    std::string label; // in the journal
+    std::string label; // its name in the journal
     std::string path;
     std::string name;
     std::string signature;
     std::string description;
-    // Empty ones accept and do nothing.
+    // The entry points. An empty one does nothing and accepts.
     std::function<int()> start;
     std::function<int()> enable;
     std::function<void()> disable;
     std::function<void()> stop;
     std::function<void(int sender, int message, void *parameter)> message;
-    PuppetCode code = {}; // once it was started
-    int returned = 0;     // how often a player came back into the plugin's code
+    PuppetCode code = {}; // set when it is started
+    int returned = 0;     // how often a player returned into the plugin's code
 
     int Id() const { return AVSKFindPluginBySignature(signature.c_str()); }
     bool IsMapped() const;
-    // Runs f as this plugin, which must be enabled, and answers what f does.
+    // Runs f as this plugin, which must be enabled, and returns its result.
     template <class F>
     auto Run(F f) const {
         if constexpr (std::is_void_v<decltype(f())>) {
@@ -68,10 +68,10 @@ struct Puppet {
     void Call(const std::function<void()> &f) const;
 };
 
-// The message by which Run() reaches the plugin; it leaves no line in the journal.
+// The message with which Run() calls the plugin. It is not journaled.
 constexpr int kRunMessage = 77777;
 
-// What the plugin calls, in the test program.
+// The functions of the test program that the plugin calls.
 extern "C" {
 AVSK_API int AvskTestStart(const char *path, const PuppetCode *code, char *name, char *signature, char *description);
 AVSK_API void AvskTestStop(const char *path);

@@ -9,11 +9,11 @@
 #include <sys/wait.h>
 
 struct AvskRun {
-    int status = -1; // -1: it did not come to an end of its own
+    int status = -1; // -1: it did not exit by itself
     std::string said;
 };
 
-// The arguments as for a shell; on both of its outputs.
+// Runs it with arguments in shell syntax. Captures standard output and standard error.
 inline AvskRun RunAvsk(const std::string &arguments, const std::string &environment = "") {
     AvskRun run;
     std::FILE *output = popen((environment + " " AVSK_TEST_HOST " " + arguments + " 2>&1").c_str(), "r");

@@ -1,4 +1,4 @@
-// The host's services by slot number and name, once for all hosts of the tests.
+// The host's services by slot number and name. All hosts of the tests use this one list.
 #ifndef AVSK_TESTS_SLOTS_H
 #define AVSK_TESTS_SLOTS_H
 

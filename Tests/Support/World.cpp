@@ -1,4 +1,4 @@
-// The temporary folder and the puppets' side in the test program.
+// The temporary folder, and the functions that the puppets call in the test program.
 #include "World.h"
 
 #include <cstdlib>

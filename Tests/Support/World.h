@@ -1,5 +1,5 @@
-// A temporary host folder with plugins in it, and the library running there;
-// and the fixture of most tests.
+// A temporary host folder with plugins, in which the library runs, and the
+// fixture of most tests.
 #ifndef AVSK_TESTS_WORLD_H
 #define AVSK_TESTS_WORLD_H
 
@@ -25,20 +25,20 @@ using Table = std::vector<std::tuple<Columns...>>;
 class World {
   public:
     World();
-    // Shuts the library down if it runs, and removes the folder.
+    // Shuts the library down if it is running and removes the folder.
     ~World();
     World(const World &) = delete;
     World &operator=(const World &) = delete;
 
-    // The full path of something in the host's folder.
+    // Returns the full path of an entry of the host's folder.
     std::string Path(const std::string &relative) const { return root + relative; }
     std::string PluginsFolder() const { return Path("Resources/plugins"); }
 
-    // Puts a puppet file there; its label is as given, its signature "test." and the label.
+    // Installs a puppet at that path. Its signature is "test." followed by its label.
     Puppet &InstallAt(const std::string &relative, const std::string &label);
-    // As a plugin folder of that name in the plugins folder.
+    // Installs it in a folder named like the label, in the plugins folder.
     Puppet &Install(const std::string &label);
-    // In the user's aircraft's, and in a scenery's, plugins folder.
+    // Install it in the plugins folder of the user's aircraft, or of a scenery.
     Puppet &InstallAircraft(const std::string &label);
     Puppet &InstallScenery(const std::string &label);
     // Copies a plugin of the zoo.
@@ -47,13 +47,13 @@ class World {
 
     int Start();
     void Stop();
-    // Start(), forgetting what it wrote.
+    // Calls Start() and clears the journal and the log.
     void StartQuietly();
-    // The host's reports of the user's aircraft and of the scenery folder.
+    // Send the host events for the user's aircraft and for the scenery folder.
     static void LoadAircraft();
     static void UnloadAircraft();
     void LoadScenery() const;
-    // One pass of the flight loops of phase 0.
+    // Runs one pass of the flight loops of phase 0.
     static int Pass(float now);
 
   private:
@@ -61,15 +61,15 @@ class World {
     bool running = false;
 };
 
-// A test with a folder that is still empty.
+// A test whose folder has no plugins yet.
 class InWorld : public testing::Test {
   protected:
     World world;
     FakeHost &host = Host();
 };
 
-// The stage of most tests of modules: plugins A and B and an aircraft's, which
-// can be unloaded at any time by unloading the aircraft.
+// The fixture of most module tests: plugins A and B, and an aircraft plugin,
+// which a test can unload at any time by unloading the aircraft.
 class ThreePlugins : public InWorld {
   protected:
     Puppet &a = world.Install("A");
@@ -77,12 +77,12 @@ class ThreePlugins : public InWorld {
     Puppet &air = world.InstallAircraft("air");
 
     void SetUp() override;
-    // While what the plugins call is there.
+    // Shuts down while the objects that the plugins call still exist.
     void TearDown() override { world.Stop(); }
 
-    // Plugins leave nothing behind when all are unloaded.
+    // Unloads all plugins and starts again, so that nothing is left of earlier cases.
     void Restart();
-    // Keeps a player in place, for a refcon.
+    // Stores a player at a fixed address and returns that address, for use as a refcon.
     template <class Player>
     void *Keep(Player f) {
         return players.emplace_back(std::make_shared<Player>(std::move(f))).get();
@@ -92,11 +92,11 @@ class ThreePlugins : public InWorld {
     std::vector<std::shared_ptr<void>> players;
 };
 
-// The journal as "line; line", without messages, which come with every aircraft.
+// Returns the journal as "line; line" and clears it. Leaves messages out: every aircraft load sends some.
 std::string TakeCalls();
 
-// What a call answers and makes happen, "answer: line; line", or only the
-// lines if it answers nothing. What happened before it is forgotten.
+// Clears the journal, makes the call, and returns its result and its journal
+// lines as "result: line; line". Without a result, returns only the lines.
 template <class Call>
 std::string Does(Call call) {
     TakeCalls();
@@ -112,10 +112,10 @@ std::string Does(Call call) {
 #define DOES(...) Does([&] { return __VA_ARGS__; })
 #define DOES_AS(plugin, ...) Does([&] { return (plugin).Run([&] { return __VA_ARGS__; }); })
 
-// Publishes a dataref of the calling plugin, an int if there is a reader.
+// Registers a dataref of the calling plugin. readInt, which may be null, reads it.
 AVSKDataRef Publish(const char *name, AVSKGetDatai_f readInt = nullptr, void *refcon = nullptr);
 
-// Makes the calling plugin's errors lines of the journal: "error: text".
+// Journals the calling plugin's errors as "error: text".
 void JournalErrors();
 
 #endif

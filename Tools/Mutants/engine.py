@@ -1,8 +1,8 @@
-"""Builds the tree that the mutants share, and builds and tests one mutant after the other beside it.
+"""Builds the tree that all mutants share. Then builds and tests each mutant in a folder of its worker.
 
 Everything lies in build/mutants: `source`, a copy of the repository; `tree`, its build, kept for the next run; and a
 folder for each worker, removed at the end. A mutant's objects are compiled with the commands of the tree. Programs
-that load the shared library find the mutant's by LD_LIBRARY_PATH; those with the static library are linked anew.
+that use the shared library load the mutant's through LD_LIBRARY_PATH. Programs with the static library are relinked.
 """
 import contextlib
 import filecmp
@@ -20,7 +20,7 @@ import time
 LIBRARY = pathlib.Path('Src/AVSK/Src')
 STATIC_LIBRARY = 'libAVSK_internal.a'
 SHARED_LIBRARY = 'libAVSK.so'
-# The same tests once more, slower, and programs of strangers, who build for minutes.
+# These only repeat the tests more slowly, or build whole projects for minutes.
 LEFT_OUT_PROGRAMS = {'avsk_observed_tests'}
 LEFT_OUT_LABELS = {'sdk'}
 SHORTEST_LIMIT = 10.0  # seconds
@@ -35,7 +35,7 @@ class Interrupted(Exception):
 
 
 class Processes:
-    """Every process that is under way, so that all end when the user interrupts."""
+    """All running processes, so that an interruption can end them."""
 
     def __init__(self):
         self.lock = threading.Lock()
@@ -56,7 +56,7 @@ class Processes:
             status = None
         finally:
             with self.lock:
-                self.end(process)  # with what it has started
+                self.end(process)  # with its child processes
                 self.running.discard(process)
             process.wait()
         if self.stopped:
@@ -88,7 +88,7 @@ class Test:
         self.disabled = properties.get('DISABLED', False)
         self.in_stage = in_stage
         self.seconds = 0.0
-        self.lock = threading.Lock()  # two workers would write to the same files
+        self.lock = threading.Lock()  # two runs of a test would write to the same files
 
     @property
     def limit(self):
@@ -108,13 +108,13 @@ class Tree:
         self.tests = []
 
     def sources(self):
-        """The library's sources as they are copied: {name in the repository: text}."""
+        """The copied sources of the library: {name in the repository: text}."""
         folder = self.source / LIBRARY
         return {str(LIBRARY / path.name): path.read_text() for path in sorted(folder.iterdir())
                 if path.suffix in ('.cpp', '.h')}
 
     def copy_sources(self):
-        """What is the same keeps its time, so that only changes are built again."""
+        """Unchanged files keep their time stamps, so that the build compiles only changes."""
         def copy(source, target):
             target.mkdir(parents=True, exist_ok=True)
             entries = [e for e in source.iterdir() if source != self.repository or e.name not in ('build', '.git')]
@@ -150,8 +150,8 @@ class Tree:
 
     def build(self):
         self.copy_sources()
-        # A build type of its own: not optimised across sources, and without debug information. The programs look
-        # for the library where LD_LIBRARY_PATH says before they look where it was built.
+        # A separate build type, without link-time optimisation and without debug information. RUNPATH instead of RPATH:
+        # LD_LIBRARY_PATH takes precedence over the folder of the build.
         self.step('configure the build of the mutants', [
             'cmake', '--preset', 'release', '-S', str(self.source), '-B', str(self.folder),
             '-DCMAKE_BUILD_TYPE=Mutants', '-DCMAKE_C_FLAGS_MUTANTS=-O1', '-DCMAKE_CXX_FLAGS_MUTANTS=-O1',
@@ -169,7 +169,7 @@ class Tree:
             self.compile[made] = command
             if os.path.dirname(entry['file']) == library:
                 self.objects[made] = os.path.basename(entry['file'])
-        self.readers = {}  # of each file of the library: the objects made from it
+        self.readers = {}  # for each file of the library the objects that depend on it
         made = None
         for line in self.ask('ninja', '-t', 'deps').splitlines():
             if not line.startswith(' '):
@@ -183,7 +183,7 @@ class Tree:
         return next(words for words in map(shlex.split, lines[-1].split(' && ')) if '-o' in words)
 
     def read_tests(self):
-        self.static_programs = {}  # their link commands
+        self.static_programs = {}  # path: link command
         known = set()
         for described in json.loads(self.ask('ctest', '--show-only=json-v1'))['tests']:
             command = described.get('command')
@@ -220,10 +220,10 @@ class Folder:
         return self.place / ''.join(more) / made.replace('/', '_')
 
     def compile(self, made, *more):
-        """Whether an object of the tree compiles from the sources here."""
+        """Compiles an object of the tree from the sources in this folder; returns whether that succeeded."""
         library, target = str(self.tree.source / LIBRARY), self.object(made, *more)
         target.parent.mkdir(exist_ok=True)
-        # Relative names, so that nothing in the object tells one folder from another.
+        # Relative paths make the object independent of the folder, so that objects can be compared.
         command = [word.replace(library, 'Src', 1) if word.startswith((library, '-I' + library)) else word
                    for word in self.tree.compile[made]]
         command[command.index('-o') + 1] = str(target)
@@ -254,7 +254,7 @@ class Worker(Folder):
         self.changed, self.linked = set(), {}
 
     def build(self, mutant, text):
-        """Builds the shared library; says whether the mutant is one: '', 'does not compile' or 'same code'."""
+        """Builds the shared library; returns '', 'does not compile' or 'same code'."""
         self.clear()
         (self.place / 'Src' / os.path.basename(mutant.file)).write_text(mutant.apply(text))
         readers = self.tree.readers.get(os.path.basename(mutant.file), set()) & set(self.tree.objects)
@@ -288,7 +288,7 @@ class Worker(Folder):
         return self.tree.processes.run(words, self.tree.folder, self.environment)
 
     def program(self, path, mutant):
-        """The path of a program of the tests, linked with the mutant if it holds the static library."""
+        """Returns the path of a test program, relinked with the mutant if it contains the static library."""
         command = self.tree.static_programs.get(path)
         if not command:
             return path
@@ -297,7 +297,7 @@ class Worker(Folder):
             if not archive.exists():
                 objects = [str(self.object(made)) if made in self.changed else made for made in self.tree.objects]
                 self.tree.processes.run(['ar', 'rcs', str(archive), *objects], self.tree.folder, self.environment)
-            # Tests of a header have code of the library's of their own.
+            # Tests of a header instantiate library code in their own objects.
             own = self.tree.readers.get(os.path.basename(mutant.file), set()).intersection(command)
             built = all(self.compile(made) for made in sorted(own))
             self.changed |= own
@@ -308,9 +308,9 @@ class Worker(Folder):
         return self.linked[path]
 
     def run(self, test, mutant=None):
-        """Whether a test passes, and how long it took."""
+        """Returns whether the test passed, and its duration."""
         command = [self.program(word, mutant) for word in test.command] if mutant else test.command
-        if None in command:  # the test's own source does not compile any more
+        if None in command:  # the test's source does not compile with the mutant
             return False, 0.0
         self.scratch.mkdir(parents=True, exist_ok=True)
         with test.lock:

@@ -1,8 +1,8 @@
 """Finds every mutant of a C++ source: one small change that a test should notice.
 
 Works on tokens, not on a syntax tree. It relies on the format that `./dev check` keeps: a binary operator has white
-space on both sides, the bracket of a template argument list or a declarator's `*` and `&` have not. A change that does
-not compile costs time and nothing else, since the caller drops it.
+space on both sides; the bracket of a template argument list or a declarator's `*` and `&` do not. A change that does
+not compile only costs time, since the caller drops it.
 """
 import bisect
 import re
@@ -23,7 +23,7 @@ OPERATORS = {
 UNARY = {'++': '--', '--': '++', '!': ''}
 CLOSING = {'(': ')', '[': ']', '{': '}'}
 TYPE_HEADS = {'struct', 'class', 'enum', 'union', 'namespace'}
-# A statement that begins with one of these is no call and no assignment.
+# A statement that begins with one of these is neither a call nor an assignment.
 NOT_REMOVED = {
     'if', 'else', 'for', 'while', 'do', 'switch', 'case', 'default', 'try', 'catch', 'return', 'const', 'constexpr',
     'static', 'auto', 'using', 'typedef', 'extern', 'template', 'public', 'private', 'protected', 'friend', 'void',
@@ -57,7 +57,7 @@ class Mutant:
 
 
 def squeezed(text):
-    """Code in one line, without comments at the ends of lines and without the format's white space."""
+    """Code in one line, without trailing comments and with single blanks."""
     return ' '.join(' '.join(re.sub(r'(^|\s)//.*', '', line) for line in text.split('\n')).split())
 
 
@@ -78,10 +78,10 @@ class Source:
     def kind_at(self, i):
         return self.tokens[i].kind if 0 <= i < len(self.tokens) else ''
 
-    # ---- What the brackets hold
+    # ---- Brackets and their contents
 
     def match_brackets(self):
-        """For each token its innermost bracket, for each bracket its other one, for each brace what it holds."""
+        """Finds the innermost bracket of each token, the partner of each bracket, and the content of each brace."""
         self.pair, self.inside, self.holds, stack = {}, [], {}, []
         for i, token in enumerate(self.tokens):
             if token.kind == 'op' and token.text in ')]}' and stack:
@@ -231,14 +231,14 @@ class Source:
         declares = self.next_at(first, end, '=') < end
         if declares:
             name = self.code(self.next_at(first, end, '=') - 1, self.next_at(first, end, '='))
-            if not may_force_true:  # a loop has no place for the declaration
+            if not may_force_true:  # the condition of a loop cannot contain the declaration
                 return
             prefix, condition = self.code(first, end) + '; ', name
         else:
             prefix, condition = '', self.code(first, end)
         simple = self.next_at(first, end, '&&', '||') == end and (
             self.is_at(first, '!') or self.next_at(first, end, '==', '!=') < end)
-        if declares or not simple:  # else an operator's mutant says the same
+        if declares or not simple:  # otherwise a mutant of the operator is equivalent
             self.add('condition', first, end, f'{prefix}!({condition})')
         self.add('condition', first, end, prefix + 'false')
         if may_force_true:
@@ -249,7 +249,7 @@ class Source:
             if token.text in ('if', 'while') and self.is_at(i + 1, '('):
                 ranges = self.parts(i + 2, self.pair[i + 1], ';')
                 if ranges:
-                    # A loop that never ends says nothing that its absence does not, and takes all the time it may.
+                    # A loop is not forced true: an endless loop only costs the time limit.
                     self.add_conditions(*ranges[-1], may_force_true=token.text == 'if')
             elif token.text == 'for' and self.is_at(i + 1, '('):
                 ranges = self.parts(i + 2, self.pair[i + 1], ';')
@@ -286,7 +286,7 @@ class Source:
         i += 1
         while i < end and (self.is_at(i, '::', '<') and not self.is_binary(i)):
             depth = 0
-            while i < end:  # to behind a name or an argument list
+            while i < end:  # skip a name or an argument list
                 depth += self.is_at(i, '<') - self.is_at(i, '>')
                 i += 1
                 if depth == 0 and not self.is_at(i - 1, '::'):
@@ -305,7 +305,7 @@ class Source:
             declared = self.declares(i, end)
             if declared and (first.text == 'const' or first.text not in NOT_REMOVED):
                 name, behind = declared
-                # A guard: an object that nothing names again.
+                # A guard: an object that is not used again.
                 used = any(t.text == self.tokens[name].text for t in self.tokens[behind:around])
                 if not used and (self.is_at(behind, '(') or behind == end):
                     self.add('removed statement', i, end, '')
@@ -353,8 +353,8 @@ class Source:
 def sequence(sources, random):
     """All mutants of {file: text} in a random order in which every line has the same chance.
 
-    The first mutants of all lines come first, in random order, then the second ones: a table of a hundred rows with
-    many numbers is not asked more often than a hundred lines of code.
+    The first mutants of all lines come first, in random order, then the second ones. So a table with many numbers per
+    row gets no more mutants than the same number of lines of code.
     """
     by_line = {}
     for file in sorted(sources):
