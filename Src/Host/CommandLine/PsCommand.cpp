@@ -11,9 +11,7 @@
 namespace host {
 
 void AddPsCommand(CLI::App &app, Job &job) {
-    const auto options = std::make_shared<SessionOptions>();
-    options->simulator.frames = 60;
-    options->simulator.quiet = true;
+    const auto options = std::make_shared<SessionOptions>(QuietOptions());
     options->observing.owners = true;
     CLI::App *ps =
         app.add_subcommand("ps", "Runs a while, then lists what each plugin owns, and what it leaves behind.");
@@ -23,9 +21,9 @@ void AddPsCommand(CLI::App &app, Job &job) {
     ps->callback([options, root, &job] {
         options->rootGiven = root->count() > 0;
         job = [options] {
-            if (options->plugins.empty())
-                CheckFolders(options->simulator, /*aircraft=*/"");
-            return RunFrames(std::move(*options), /*report=*/false);
+            SimpleRun run;
+            run.options = std::move(*options);
+            return RunFrames(std::move(run));
         };
     });
 }

@@ -7,6 +7,7 @@
 #include <cstring>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace host {
 
@@ -23,6 +24,14 @@ inline void CopyText(char *out, std::size_t room, std::string_view text) {
 inline std::string ResolvePath(std::string_view root, std::string_view path) {
     std::string resolved(path.starts_with('/') ? std::string_view() : root);
     return resolved.append(path);
+}
+
+// The texts with a separator between them.
+inline std::string Join(const std::vector<std::string> &texts, std::string_view separator = ", ") {
+    std::string joined;
+    for (const std::string &text : texts)
+        joined.append(joined.empty() ? "" : separator).append(text);
+    return joined;
 }
 
 } // namespace host

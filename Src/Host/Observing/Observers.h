@@ -7,6 +7,7 @@
 #include "Ledger.h"
 #include "ObservingOptions.h"
 #include "Profile.h"
+#include "Publications.h"
 #include "Trace.h"
 
 #include <optional>
@@ -30,6 +31,7 @@ class Observers {
     Ledger &Owners() { return mLedger; }
     Profile &Times() { return mProfile; }
     const Profile &Times() const { return mProfile; }
+    const Publications &Published() const { return mPublications; }
 
     // Print what was asked for: while the plugins are loaded, and when they are gone.
     void ReportLoaded() const;
@@ -40,6 +42,7 @@ class Observers {
     Blame mBlame;
     Ledger mLedger;
     Profile mProfile;
+    Publications mPublications;
     std::optional<Trace> mTrace;
 };
 

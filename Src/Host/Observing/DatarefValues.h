@@ -1,0 +1,27 @@
+// Reads datarefs by name, as text.
+#ifndef AVSK_HOST_OBSERVING_DATAREF_VALUES_H
+#define AVSK_HOST_OBSERVING_DATAREF_VALUES_H
+
+#include "AVSK/AVSKDataAccess.h"
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace host {
+
+// A dataref, or with an index one element of it.
+struct FoundDataref {
+    AVSKDataRef ref = nullptr; // null if nobody publishes it
+    std::optional<int> index;
+};
+
+// NAME, or NAME[3] for an element if no dataref has that whole name.
+FoundDataref FindDataref(const std::string &name);
+
+// All values. A dataref with several types is read as the most precise number.
+std::vector<std::string> ReadDataref(AVSKDataRef ref);
+
+} // namespace host
+
+#endif
