@@ -64,6 +64,7 @@ Job ParseCommandLine(int argc, char **argv) {
     AddDatarefsCommand(app, job);
     AddCommandsCommand(app, job);
     AddKeysCommand(app, job);
+    AddFunctionsCommand(app, job);
     try {
         app.parse(argc, argv);
     } catch (const CLI::Success &success) {

@@ -16,7 +16,7 @@ void PrintList(const char *title, const std::vector<std::string> &lines, const c
 }
 
 Observers::Observers(const Simulator &simulator, ObservingOptions options)
-    : mOptions(std::move(options)), mBlame(mOptions.timeout), mLedger(simulator), mProfile(simulator) {
+    : mOptions(std::move(options)), mBlame(mOptions.timeout), mLedger(simulator), mProfile(simulator), mLoading(simulator) {
     if (mOptions.budget > 0)
         mProfile.SetBudget("", mOptions.budget);
     if (!mOptions.trace.file.empty())

@@ -5,6 +5,7 @@
 
 #include "Blame.h"
 #include "Ledger.h"
+#include "Loading.h"
 #include "ObservingOptions.h"
 #include "Profile.h"
 #include "Publications.h"
@@ -43,6 +44,7 @@ class Observers {
     Ledger mLedger;
     Profile mProfile;
     Publications mPublications;
+    Loading mLoading;
     std::optional<Trace> mTrace;
 };
 
