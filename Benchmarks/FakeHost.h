@@ -5,9 +5,13 @@
 #include "AVSK/AVSKHost.h"
 
 #include <cstdint>
+#include <string>
 
 // The host's services, every slot filled.
 const AVSKHostCallbacks &FakeHostTable();
+
+// Sets the model of the user's aircraft; empty without one. At most 255 bytes.
+void SetFakeHostAircraft(const std::string &model);
 
 // The number of messages that plugin 0 has received.
 std::uint64_t FakeHostMessages();

@@ -81,6 +81,7 @@ struct Comparison {
 
 std::vector<Comparison> CommandComparisons();
 std::vector<Comparison> DataAccessComparisons();
+std::vector<Comparison> GrowthComparisons();
 std::vector<Comparison> DisplayComparisons();
 std::vector<Comparison> FolderComparisons();
 std::vector<Comparison> MenuComparisons();

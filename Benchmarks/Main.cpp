@@ -118,7 +118,7 @@ int main(int argc, char **argv) {
     std::vector<Comparison> comparisons;
     for (const auto &family :
          {DataAccessComparisons(), SharedDataComparisons(), ProcessingComparisons(), DisplayComparisons(),
-          MenuComparisons(), CommandComparisons(), FolderComparisons(), PluginComparisons()})
+          MenuComparisons(), CommandComparisons(), FolderComparisons(), PluginComparisons(), GrowthComparisons()})
         comparisons.insert(comparisons.end(), family.begin(), family.end());
     const Options options = ParseOptions(argc, argv, comparisons);
 

@@ -43,7 +43,15 @@ PluginFolder::PluginFolder(int plugins) : root(MakeTemporaryFolder()) {
     }
 }
 
+void PluginFolder::AddAircraft() {
+    const fs::path aircraft = fs::path(root) / "Aircraft";
+    fs::create_directories(aircraft / "plugins/Bench");
+    fs::copy_file(BENCH_PLUGIN_FILE, aircraft / "plugins/Bench/lin.avp");
+    SetFakeHostAircraft(aircraft / "model.acf");
+}
+
 PluginFolder::~PluginFolder() {
+    SetFakeHostAircraft("");
     std::error_code ignored;
     fs::remove_all(root, ignored);
 }

@@ -20,6 +20,8 @@ class PluginFolder {
 
     // In the form that AVSKInitializePlugins() expects.
     const std::string &Root() const { return root; }
+    // Adds an aircraft with one plugin and makes it the user's.
+    void AddAircraft();
     // The plugins' files, in the order in which the library loads them.
     const std::vector<std::string> &Files() const { return files; }
 
@@ -38,6 +40,9 @@ class Simulator {
     Simulator &operator=(const Simulator &) = delete;
 
     const std::vector<std::string> &Files() const { return folder.Files(); }
+
+    // Adds an aircraft with one plugin; event 3 loads the plugin and event 8 unloads it.
+    void AddAircraft() { folder.AddAircraft(); }
 
     // Calls a function on a plugin's account.
     template <class Function>

@@ -1,8 +1,8 @@
 // What plugins and the host do: calls of the interface on the dispatched
 // plugin's account, and reports of the host. Each draws its arguments from
-// the input and keeps the model up to date.
+// the input and keeps the model up to date. Two tables list them.
 #include "Host.h"
-#include "Model.h"
+#include "Puppets.h"
 
 #include "AVSKDispatch.h"
 
@@ -10,11 +10,10 @@
 #include <cmath>
 #include <cstdio>
 #include <optional>
-#include <string>
 
 namespace {
 
-Input &In() { return gFuzz.in; }
+Input &Draw() { return gFuzz.in; }
 
 int Self() { return AVSKGetMyID(); }
 
@@ -25,38 +24,67 @@ T *As(void *handle) {
 
 bool IsSelf(const Registration &r) { return r.owner == Self() && r.who == IncarnationOf(Self()); }
 
-// Of those with the handle of one that the input picks, the latest: addresses come again.
-Registration *PickLatest(Kind kind) {
-    const Registration *picked = Pick(kind);
-    return picked && picked->handle ? ByHandle(kind, picked->handle) : nullptr;
-}
-
 void MarkRemoved(Registration &r) {
     r.count = 0;
     r.removed = true;
     r.revived = false;
 }
 
-// Each loading of plugins costs a thousand other calls: a run has a few.
-bool MayLoad() { return ++gFuzz.loads <= 6; }
+// Of those with the handle of one that the input picks, the latest: addresses come again.
+Registration *PickLatest(Kind kind) {
+    const Registration *picked = Pick(kind);
+    return picked && picked->handle ? ByHandle(kind, picked->handle) : nullptr;
+}
 
-// One thing that may be done, so many times as often as one of weight 1.
-struct Choice {
-    int weight;
-    void (*act)();
+// The handle of one, or null.
+template <class T>
+T *HandleOf(Kind kind) {
+    const Registration *picked = Pick(kind);
+    return picked ? As<T>(picked->handle) : nullptr;
+}
+
+// What nobody may not create: the call answers null or 0 and asks the host nothing.
+template <class Call>
+void Create(Kind kind, Call call) {
+    Registration *r = Register(kind);
+    if (!r)
+        return;
+    const int services = gFuzz.services;
+    const bool created = call(*r);
+    REQUIRE(!kRules.nobodyCreatesNothing || r->owner != NO_PLUGIN_ID || (!created && gFuzz.services == services),
+            "nobody creates a %s", NameOf(kind));
+}
+
+enum class Removes {
+    Own,
+    Anybodys
 };
 
-// Does one of them, as the input says.
-template <std::size_t Count>
-void Choose(const char *family, const Choice (&choices)[Count]) {
-    int total = 0;
-    for (const Choice &each : choices)
-        total += each.weight;
-    int left = In().Below(total);
-    Trace("%s %d of %d", family, left, total);
-    for (const Choice &each : choices)
-        if ((left -= each.weight) < 0)
-            return each.act();
+template <class Call>
+void Remove(Registration *r, Removes which, Call call) {
+    if (!r)
+        return;
+    const bool removed = which == Removes::Anybodys || r->owner == Self();
+    call(*r);
+    if (removed)
+        MarkRemoved(*r);
+}
+
+template <Kind kKind, class T, auto kCall, Removes kWhich>
+void RemoveByHandle() {
+    Remove(PickLatest(kKind), kWhich, [](Registration &r) { kCall(As<T>(r.handle)); });
+}
+
+// Each loading of plugins costs many other calls: a run has a few.
+bool MayLoad() { return gFuzz.loads < 4 + gFuzz.actions / 100 && ++gFuzz.loads; }
+
+int AnyX() { return Draw().Below(16); }
+int AnyFlags() { return Draw().Below(3); }
+char AnyKey() { return static_cast<char>('A' + Draw().Below(3)); }
+
+float AnyInterval() {
+    constexpr float intervals[] = {-1, -1, 0, 1, 0.25F, -2, NAN, INFINITY};
+    return Draw().OneOf(intervals);
 }
 
 // ---- The host's reports
@@ -71,22 +99,25 @@ void Hook(Report report) {
         report();
     } catch (...) {
         ++gCounters.throws;
-        if (!outermost && gFuzz.hostDepth == 0 && In().Flag())
+        if (!outermost && gFuzz.hostDepth == 0 && Draw().Flag())
             throw;
     }
+    if (outermost && kRules.earlierLifeIsNobody && Self() == NO_PLUGIN_ID)
+        AVSKSetDispatchedPlugin(before); // a life ended inside
     if (outermost)
         REQUIRE(Self() == before, "after a hook %d is dispatched, before it %d", Self(), before);
 }
 
 void Event(int event, AVSKWord parameter) {
-    if ((event == AVSKHostEventSceneryFolder || event == AVSKHostEventPlaneLoaded) && !MayLoad())
+    const bool loads = event == AVSKHostEventSceneryFolder || event == AVSKHostEventPlaneLoaded;
+    if (loads && !MayLoad())
         return;
-    const std::string scenery = gFuzz.root + "Scenery/s/";
+    gFuzz.upheavals += loads || event == AVSKHostEventPlaneUnloaded;
     if (event == AVSKHostEventSceneryFolder)
-        parameter = reinterpret_cast<AVSKWord>(scenery.c_str());
+        parameter = reinterpret_cast<AVSKWord>("/Scenery/s/");
     Hook([=] {
         const float now = gFuzz.now;
-        Trace("event %d at %g, parameter %x", event, now, parameter);
+        TRACE("event %d at %g, parameter %x", event, now, parameter);
         std::optional<Pushed<FlightPass>> pass;
         if (event == AVSKHostEventFrame || event == AVSKHostEventFrameEnd)
             pass.emplace(gFuzz.passes, FlightPass{event == AVSKHostEventFrame ? 0 : 1, now, ++gFuzz.serial});
@@ -94,36 +125,45 @@ void Event(int event, AVSKWord parameter) {
     });
 }
 
-void Pass(int event) {
+template <int kEvent>
+void Pass() {
     constexpr float steps[] = {0, 0.25F, 0.5F, 1, 1, 2, -3, 100};
-    gFuzz.now += steps[In().Below(8)];
-    if (In().Rarely(64))
-        gFuzz.now = In().Flag() ? NAN : INFINITY;
+    gFuzz.now += Draw().OneOf(steps);
+    if (Draw().Rarely(64))
+        gFuzz.now = Draw().Flag() ? NAN : INFINITY;
     else if (!std::isfinite(gFuzz.now))
         gFuzz.now = 0;
-    Event(event, 0);
+    Event(kEvent, 0);
 }
 
-void Draw(int code, int reflection) {
-    const Deeper drawing(gFuzz.drawHooks);
+void DrawScreen(int code, int reflection) {
+    const AVSKScopedValue drawing(gFuzz.drawHooks, gFuzz.drawHooks + 1);
     Hook([=] { AVSKDoDrawingHook(code, reflection); });
 }
 
-int AnyX() { return In().Below(16); }
-int AnyFlags() { return In().Below(3); }
-char AnyKey() { return static_cast<char>('A' + In().Below(3)); }
+void DrawAny() {
+    const int code = Draw().Below(28);
+    DrawScreen(code, Draw().Rarely(4));
+}
+
+void Click() {
+    Hook([x = AnyX(), y = AnyX(), down = Draw().Below(3)] { AVSKMouseClickHook(x, y, down); });
+}
 
 void PressKey() {
-    const char key = AnyKey();
-    const int flags = AnyFlags();
-    const Deeper pressing(gFuzz.keyHooks);
-    Hook([=] { AVSKKeyPressHook(key, flags, key); });
+    const AVSKScopedValue pressing(gFuzz.keyHooks, gFuzz.keyHooks + 1);
+    Hook([key = AnyKey(), flags = AnyFlags()] { AVSKKeyPressHook(key, flags, key); });
+}
+
+void MoveCamera() {
+    Hook([] {
+        float f[7] = {1, 2, 3, 4, 5, 6, 7};
+        AVSKCameraHook(&f[0], &f[1], &f[2], &f[3], &f[4], &f[5], &f[6]);
+    });
 }
 
 void AskAboutMenu() {
-    void *menu = AnyHostMenu();
-    const int index = In().Below(6) - 1;
-    Hook([=] {
+    Hook([menu = AnyHostMenu(), index = Draw().Below(6) - 1] {
         int check = 7;
         if (AVSKCheckMenuHook(menu, index, &check) == 0)
             REQUIRE(check >= -1 && check <= 1, "a check mark of %d", check);
@@ -131,71 +171,62 @@ void AskAboutMenu() {
     });
 }
 
-// Every event there is and some that are none.
-void AnyEvent() {
-    const int event = In().Below(16);
-    if (event != AVSKHostEventFrame && event != AVSKHostEventFrameEnd)
-        Event(event, event == AVSKHostEventSceneryFolder ? 0 : In().Rarely(4));
+void ReportCommand() {
+    Hook([command = HostCommand(Draw().Below(kCommands)), bits = Draw().Byte()] {
+        AVSKCommandHook(command, bits & 1U, bits & 2U, bits & 4U);
+    });
 }
 
-constexpr Choice kReports[] = {
-    {2, [] { Pass(AVSKHostEventFrame); }},
-    {1, [] { Pass(AVSKHostEventFrameEnd); }},
-    {2,
-     [] {
-         const int code = In().Below(28);
-         Draw(code, In().Rarely(4));
-     }},
-    {1, [] { Draw(20, 0); }}, // the windows
-    {2,
-     [] {
-         const int x = AnyX();
-         const int y = AnyX();
-         Hook([x, y, down = In().Below(3)] { AVSKMouseClickHook(x, y, down); });
-     }},
-    {2, PressKey},
-    {1, [] { Hook([x = AnyX()] { AVSKCursorHook(x, x); }); }},
-    {1, [] { Hook([x = AnyX()] { AVSKScrollWheelHook(x, x, 0, 1); }); }},
-    {1,
-     [] {
-         Hook([] {
-             float f[7] = {1, 2, 3, 4, 5, 6, 7};
-             AVSKCameraHook(&f[0], &f[1], &f[2], &f[3], &f[4], &f[5], &f[6]);
-         });
-     }},
-    {1, [] { Hook([item = AnyHostItemID()] { AVSKMenuHook(item); }); }},
-    {1, AskAboutMenu},
-    {1,
-     [] {
-         void *command = HostCommand(In().Below(kCommands));
-         Hook([command, bits = In().Byte()] { AVSKCommandHook(command, bits & 1U, bits & 2U, bits & 4U); });
-     }},
-    {1, AnyEvent},
-    {1,
-     [] {
-         const int count = In().Below(8);
-         Hook([count, flag = In().Rarely(3)] {
-             const int handled = AVSKGetNumberPlanesToHandle(count, flag);
-             REQUIRE(handled <= count, "%d planes of %d", handled, count);
-         });
-     }},
-    {1, [] { Hook([] { CompleteLoad(); }); }},
-    {1,
-     [] { // the aircraft's and the scenery's plugins come and go
-         constexpr int events[] = {AVSKHostEventPlaneUnloaded, AVSKHostEventSceneryFolder, AVSKHostEventPlaneLoaded,
-                                   AVSKHostEventPlaneLoaded};
-         Event(events[In().Below(4)], 0);
-     }},
-};
+void CountPlanes() {
+    Hook([count = Draw().Below(8), flag = Draw().Rarely(3)] {
+        const int handled = AVSKGetNumberPlanesToHandle(count, flag);
+        REQUIRE(handled <= count, "%d planes of %d", handled, count);
+        char name[256] = "x.acf";
+        static char path[4096];
+        AVSKUpdatePlaneNameAndPath(count - 1, name, path);
+    });
+}
 
-// ---- Plugins
+// Every event there is and some that are none.
+void AnyEvent() {
+    const int event = Draw().Below(16);
+    if (event != AVSKHostEventFrame && event != AVSKHostEventFrameEnd)
+        Event(event, event == AVSKHostEventSceneryFolder ? 0 : Draw().Rarely(4));
+}
 
-int AnyPlugin() { return In().Below(AVSKCountPlugins() + 3) - 2; }
+// The aircraft's and the scenery's plugins come and go.
+void ChangePlugins() {
+    constexpr int events[] = {AVSKHostEventPlaneUnloaded, AVSKHostEventSceneryFolder, AVSKHostEventPlaneLoaded,
+                              AVSKHostEventPlaneLoaded};
+    Event(Draw().OneOf(events), 0);
+}
+
+// A second life of the library.
+void Restart() {
+    if ((gFuzz.depth > 0 && !kRules.livesInServices) || !MayLoad())
+        return;
+    TRACE("restart");
+    ++gFuzz.upheavals;
+    ShutDownLibrary();
+    StartLibrary();
+}
+
+// ---- Calls of plugins
+
+int AnyPlugin() { return Draw().Below(AVSKCountPlugins() + 3) - 2; }
+
+void Enable(int id) {
+    const Incarnation *who = IncarnationOf(id);
+    const bool enabling = who && who->enabling;
+    const int answer = AVSKEnablePlugin(id);
+    REQUIRE(!kRules.enablingAnswersZero || !enabling || answer == 0, "enabling plugin %d inside itself answers %d", id,
+            answer);
+}
 
 void SendMessage() {
-    const int receiver = In().Flag() ? NO_PLUGIN_ID : AnyPlugin();
+    const int receiver = Draw().Flag() ? NO_PLUGIN_ID : AnyPlugin();
     const Pushed sending(gFuzz.senders, Self());
-    AVSKSendMessageToPlugin(receiver, 1000 + In().Below(4), reinterpret_cast<void *>(gFuzz.senders.size() - 1));
+    AVSKSendMessageToPlugin(receiver, 1000 + Draw().Below(4), reinterpret_cast<void *>(gFuzz.senders.size() - 1));
 }
 
 void AskAboutPlugin() {
@@ -207,96 +238,54 @@ void AskAboutPlugin() {
     AVSKDebugGetCurrentPluginName();
 }
 
-constexpr Choice kPluginCalls[] = {
-    {1, [] { AVSKDisablePlugin(Self()); }},
-    {1, [] { AVSKEnablePlugin(Self()); }},
-    {2, [] { AVSKDisablePlugin(AnyPlugin()); }},
-    {2, [] { AVSKEnablePlugin(AnyPlugin()); }},
-    {1,
-     [] {
-         if (MayLoad())
-             AVSKReloadPlugins();
-     }},
-    {1, SendMessage},
-    {1,
-     [] {
-         const int enable = In().Below(3);
-         AVSKEnableFeature(In().Flag() ? "AVSK_WANTS_REFLECTIONS" : "AVSK_USE_NATIVE_PATHS", enable);
-     }},
-    {1,
-     [] {
-         Incarnation *self = IncarnationOf(Self());
-         const bool wants = !In().Rarely(4);
-         if (self)
-             self->errorSet = wants;
-         AVSKSetErrorCallback(wants ? (self ? *self->code : kProgramCode).error : nullptr);
-     }},
-    {1,
-     [] {
-         AVSKIsFeatureEnabled("no feature");
-         if (Registration *r = Register(Kind::Feature))
-             AVSKEnumerateFeatures(r->functions.feature, r);
-     }},
-    {1, AskAboutPlugin},
-};
-
-// ---- Flight loops
-
-float AnyInterval() {
-    constexpr float intervals[] = {-1, -1, 0, 1, 0.25F, -2, NAN, INFINITY};
-    return intervals[In().Below(8)];
+void EnableFeature() {
+    const int enable = Draw().Below(3);
+    AVSKEnableFeature(Draw().Flag() ? "AVSK_WANTS_REFLECTIONS" : "AVSK_USE_NATIVE_PATHS", enable);
 }
 
-void LoopCall() {
-    Trace("LoopCall");
-    switch (In().Below(6)) {
-    case 0:
-        if (Registration *r = Register(Kind::Loop)) {
-            r->a = In().Below(2);
-            const AVSKCreateFlightLoopParams params = {sizeof params, r->a, r->functions.flightLoop, r};
-            r->removed = true; // not there while the host is asked for the time
-            AVSKFlightLoopID loop = AVSKCreateFlightLoop(&params);
-            r->removed = false;
-            r->handle = loop;
-            AVSKScheduleFlightLoop(loop, AnyInterval(), In().Below(2));
-        }
-        return;
-    case 1:
-        if (Registration *r = Register(Kind::Loop)) {
-            r->removed = true; // likewise
-            AVSKRegisterFlightLoopCallback(r->functions.flightLoop, AnyInterval(), r);
-            r->removed = false;
-        }
-        return;
-    case 2:
-        if (Registration *r = PickLatest(Kind::Loop)) {
-            const bool mine = r->owner == Self();
-            AVSKDestroyFlightLoop(As<AVSKFlightLoopRecord>(r->handle));
-            if (mine)
-                MarkRemoved(*r);
-        }
-        return;
-    case 3:
-        if (const Registration *r = Pick(Kind::Loop))
-            AVSKScheduleFlightLoop(As<AVSKFlightLoopRecord>(r->handle), AnyInterval(), In().Below(2));
-        return;
-    case 4:
-        if (Registration *r = Pick(Kind::Loop)) {
-            AVSKUnregisterFlightLoopCallback(r->functions.flightLoop, r);
-            MarkRemoved(*r);
-        }
-        return;
-    default:
-        if (Registration *r = Pick(Kind::Loop))
-            AVSKSetFlightLoopCallbackInterval(r->functions.flightLoop, AnyInterval(), In().Below(2), r);
+void SetErrorCallback() {
+    Incarnation *self = IncarnationOf(Self());
+    const bool wants = !Draw().Rarely(4);
+    if (self)
+        self->errorSet = wants;
+    AVSKSetErrorCallback(wants ? ErrorCallback(self ? self->file : kProgram) : nullptr);
+}
+
+void EnumerateFeatures() {
+    AVSKIsFeatureEnabled("no feature");
+    if (Registration *r = Register(Kind::Feature))
+        AVSKEnumerateFeatures(Code<Kind::Feature>(*r), r);
+}
+
+bool CreateLoop(Registration &r) {
+    r.a = Draw().Below(2);
+    const AVSKCreateFlightLoopParams params = {sizeof params, r.a, Code<Kind::Loop>(r), &r};
+    r.removed = true; // not there while the host is asked for the time
+    AVSKFlightLoopID loop = AVSKCreateFlightLoop(&params);
+    r.removed = false;
+    r.handle = loop;
+    if (loop)
+        AVSKScheduleFlightLoop(loop, AnyInterval(), Draw().Below(2));
+    return loop != nullptr;
+}
+
+bool RegisterLoop(Registration &r) {
+    r.removed = true; // likewise
+    AVSKRegisterFlightLoopCallback(Code<Kind::Loop>(r), AnyInterval(), &r);
+    r.removed = false;
+    return false;
+}
+
+void ChangeLoop() {
+    if (Registration *r = Pick(Kind::Loop)) {
+        AVSKScheduleFlightLoop(As<AVSKFlightLoopRecord>(r->handle), AnyInterval(), Draw().Below(2));
+        AVSKSetFlightLoopCallbackInterval(Code<Kind::Loop>(*r), AnyInterval(), Draw().Below(2), r);
     }
 }
 
-// ---- Draw callbacks, sniffers and hot keys
-
 // A registration by values, fresh or once more.
 Registration *ByValues(Kind kind) {
-    if (In().Rarely(3)) {
+    if (Draw().Rarely(3)) {
         Registration *again = Pick(kind);
         if (again && IsSelf(*again))
             return again;
@@ -304,563 +293,546 @@ Registration *ByValues(Kind kind) {
     Registration *r = Register(kind);
     if (r) {
         constexpr int phases[] = {0, 5, 50, 30, 100, 25, 45, 55};
-        r->a = phases[In().Below(8)];
-        r->b = In().Below(2);
+        r->a = Draw().OneOf(phases);
+        r->b = Draw().Below(2);
         r->removed = true; // not there yet
     }
     return r;
 }
 
-void NoteRegistered(Registration &r, int answer, bool underWay) {
-    const Status status = StatusOf(r);
-    if (answer) {
-        REQUIRE(status != Status::Live, "a %s is registered twice", NameOf(r.kind));
-        r.removed = false;
-        r.count = 1;
-        r.serial = ++gFuzz.serial;
-    } else {
-        REQUIRE(status != Status::Gone || underWay || r.owner == NO_PLUGIN_ID,
-                "a %s is refused though it is not registered", NameOf(r.kind));
-    }
+// Registers by values. A pass under way still finds what was removed in it.
+template <class Add>
+void RegisterValues(Kind kind, bool underWay, Add add) {
+    Registration *r = ByValues(kind);
+    if (!r)
+        return;
+    const int answer = add(*r);
+    const Status status = StatusOf(*r);
+    REQUIRE(answer || status != Status::Gone || underWay || r->owner == NO_PLUGIN_ID,
+            "a %s is refused though it is not registered", NameOf(kind));
+    if (!answer)
+        return;
+    REQUIRE(status != Status::Live, "a %s is registered twice", NameOf(kind));
+    REQUIRE(!kRules.nobodyCreatesNothing || r->owner != NO_PLUGIN_ID, "nobody registers a %s", NameOf(kind));
+    r->removed = false;
+    r->count = 1;
+    r->serial = ++gFuzz.serial;
 }
 
-void NoteUnregistered(Registration &r, int answer, bool underWay) {
-    const Status status = StatusOf(r);
-    REQUIRE(answer || status != Status::Live, "a registered %s is not found", NameOf(r.kind));
-    // In the pass under way a removed one is still found.
-    REQUIRE(!answer || status != Status::Gone || underWay || r.owner == NO_PLUGIN_ID, "a removed %s is found",
-            NameOf(r.kind));
+template <class Take>
+void UnregisterValues(Kind kind, bool underWay, Take take) {
+    Registration *r = Pick(kind);
+    if (!r)
+        return;
+    const int answer = take(*r);
+    const Status status = StatusOf(*r);
+    REQUIRE(answer || status != Status::Live, "a registered %s is not found", NameOf(kind));
+    REQUIRE(!answer || status != Status::Gone || underWay || r->owner == NO_PLUGIN_ID, "a removed %s is found",
+            NameOf(kind));
     if (answer)
-        MarkRemoved(r);
+        MarkRemoved(*r);
 }
 
-// Registers or unregisters by values; a pass under way still finds what was removed in it.
-void ValuesCall(Kind kind, bool underWay, int (*add)(Registration &), int (*remove)(Registration &)) {
-    Trace("%s call", NameOf(kind));
-    if (In().Below(3) < 2) {
-        if (Registration *r = ByValues(kind))
-            NoteRegistered(*r, add(*r), underWay);
-    } else if (Registration *r = Pick(kind)) {
-        NoteUnregistered(*r, remove(*r), underWay);
-    }
+void RegisterDraw() {
+    RegisterValues(Kind::Draw, gFuzz.drawHooks > 0,
+                   [](Registration &r) { return AVSKRegisterDrawCallback(Code<Kind::Draw>(r), r.a, r.b, &r); });
 }
 
-void DrawCall() {
-    ValuesCall(
-        Kind::Draw, gFuzz.drawHooks > 0,
-        [](Registration &r) { return AVSKRegisterDrawCallback(r.functions.draw, r.a, r.b, &r); },
-        [](Registration &r) { return AVSKUnregisterDrawCallback(r.functions.draw, r.a, r.b, &r); });
+void UnregisterDraw() {
+    UnregisterValues(Kind::Draw, gFuzz.drawHooks > 0,
+                     [](Registration &r) { return AVSKUnregisterDrawCallback(Code<Kind::Draw>(r), r.a, r.b, &r); });
 }
 
-void SnifferCall() {
-    ValuesCall(
-        Kind::Sniffer, gFuzz.keyHooks > 0,
-        [](Registration &r) { return AVSKRegisterKeySniffer(r.functions.sniffer, r.b, &r); },
-        [](Registration &r) { return AVSKUnregisterKeySniffer(r.functions.sniffer, r.b, &r); });
+void RegisterSniffer() {
+    RegisterValues(Kind::Sniffer, gFuzz.keyHooks > 0,
+                   [](Registration &r) { return AVSKRegisterKeySniffer(Code<Kind::Sniffer>(r), r.b, &r); });
 }
 
-void HotKeyCall() {
-    Trace("HotKeyCall");
-    switch (In().Below(6)) {
-    case 0:
-    case 1:
-        if (Registration *r = Register(Kind::HotKey)) {
-            r->handle = AVSKRegisterHotKey(AnyKey(), AnyFlags(), "a hot key", r->functions.hotKey, r);
-            r->count = 1;
-        }
-        return;
-    case 2:
-        if (Registration *r = PickLatest(Kind::HotKey)) {
-            AVSKUnregisterHotKey(As<AVSKHotKeyInfoRecord>(r->handle));
-            MarkRemoved(*r);
-        }
-        return;
-    case 3: {
-        const int count = AVSKCountHotKeys();
-        int live = 0;
-        for (const Registration &each : gFuzz.registrations)
-            live += each.kind == Kind::HotKey && each.count == 1 && StatusOf(each) == Status::Live;
-        REQUIRE(count >= live, "%d hot keys are counted of %d", count, live);
-        REQUIRE(!AVSKGetNthHotKey(count), "there is a hot key %d of %d", count, count);
-        for (int index = 0; index < count; ++index)
-            REQUIRE(ByHandle(Kind::HotKey, AVSKGetNthHotKey(index)), "hot key %d is nobody's", index);
-        return;
-    }
-    case 4:
-        if (const Registration *r = Pick(Kind::HotKey)) {
-            char key = 0;
-            int flags = 0;
-            char description[AVSK_HOT_KEY_TEXT_SIZE];
-            int plugin = 0;
-            AVSKGetHotKeyInfo(As<AVSKHotKeyInfoRecord>(r->handle), &key, &flags, description, &plugin);
-        }
-        return;
-    default:
-        if (const Registration *r = Pick(Kind::HotKey))
-            AVSKSetHotKeyCombination(As<AVSKHotKeyInfoRecord>(r->handle), AnyKey(), AnyFlags());
-    }
+void UnregisterSniffer() {
+    UnregisterValues(Kind::Sniffer, gFuzz.keyHooks > 0,
+                     [](Registration &r) { return AVSKUnregisterKeySniffer(Code<Kind::Sniffer>(r), r.b, &r); });
 }
 
-// ---- Windows
+bool RegisterHotKey(Registration &r) {
+    r.handle = AVSKRegisterHotKey(AnyKey(), AnyFlags(), "a hot key", Code<Kind::HotKey>(r), &r);
+    r.count = r.handle != nullptr;
+    return r.handle;
+}
+
+void CountHotKeys() {
+    const int count = AVSKCountHotKeys();
+    const auto &all = gFuzz.of[static_cast<std::size_t>(Kind::HotKey)];
+    const auto live = std::count_if(all.begin(), all.end(), [](const Registration *each) {
+        return each->count == 1 && StatusOf(*each) == Status::Live;
+    });
+    REQUIRE(count >= live, "%d hot keys are counted of %d", count, static_cast<int>(live));
+    REQUIRE(!AVSKGetNthHotKey(count), "there is a hot key %d of %d", count, count);
+    for (int index = 0; index < count; ++index)
+        REQUIRE(ByHandle(Kind::HotKey, AVSKGetNthHotKey(index)), "hot key %d is nobody's", index);
+}
+
+void ChangeHotKey() {
+    auto *hotKey = HandleOf<AVSKHotKeyInfoRecord>(Kind::HotKey);
+    char description[AVSK_HOT_KEY_TEXT_SIZE];
+    AVSKGetHotKeyInfo(hotKey, nullptr, nullptr, description, nullptr);
+    AVSKSetHotKeyCombination(hotKey, AnyKey(), AnyFlags());
+}
 
 // The registration of a window that the library still finds, or null. The
 // question itself is harmless before any call that looks the window up.
 Registration *Found(AVSKWindowID window) {
     void *refcon = AVSKGetWindowRefCon(window);
-    for (Registration &each : gFuzz.registrations)
-        if (&each == refcon) {
-            REQUIRE(each.kind == Kind::Window && each.handle == window, "a window has the refcon of a %s",
-                    NameOf(each.kind));
-            return &each;
-        }
-    REQUIRE(!refcon, "a window has the refcon of another run, %p", refcon);
-    return nullptr;
+    Registration *found = ByRefcon(refcon);
+    REQUIRE(found || !refcon, "a window has the refcon of another run, %p", refcon);
+    REQUIRE(!found || (found->kind == Kind::Window && found->handle == window), "a window has the refcon of a %s",
+            NameOf(found->kind));
+    return found;
 }
 
-void WindowCall() {
-    const int what = In().Below(12);
-    Trace("WindowCall %d", what);
-    if (what < 4) {
-        Registration *r = Register(Kind::Window);
-        if (!r)
-            return;
-        const FuzzCode &f = r->functions;
-        const int left = AnyX();
-        const int right = left + In().Below(12) - 1;
-        const int visible = !In().Rarely(6);
-        if (what == 0) {
-            r->handle = AVSKCreateWindow(left, right, right, left, visible, f.drawWindow, f.key, f.click, r);
-        } else {
-            const AVSKCreateWindowParams params = {sizeof params, 0,       16,    16,       0,       visible,
-                                                   f.drawWindow,  f.click, f.key, f.cursor, f.wheel, r};
-            r->handle = AVSKCreateWindowEx(&params);
-        }
-        if (what == 3)
-            AVSKTakeKeyboardFocus(As<AVSKWindowCallbackRecord>(r->handle));
-        return;
-    }
-    const Registration *picked = Pick(Kind::Window);
-    auto *window = As<AVSKWindowCallbackRecord>(picked ? picked->handle : nullptr);
-    switch (what) {
-    case 4:
-    case 5: {
-        Registration *r = Found(window);
-        AVSKDestroyWindow(window);
-        if (r)
-            MarkRemoved(*r);
-        return;
-    }
-    case 6:
-        return AVSKTakeKeyboardFocus(window);
-    case 7:
-        return AVSKTakeKeyboardFocus(nullptr);
-    case 8:
-        return AVSKSetWindowIsVisible(window, In().Below(2));
-    case 9: {
-        Registration *r = Found(window);
-        if (r && r->removed)
-            r->revived = true;
-        AVSKBringWindowToFront(window);
-        return;
-    }
-    case 10: {
-        int at[4] = {};
-        AVSKGetWindowGeometry(window, at, at + 1, at + 2, at + 3);
-        AVSKSetWindowGeometry(window, at[0] + In().Below(3) - 1, at[1], at[2], at[3]);
-        return;
-    }
+bool CreateWindow(Registration &r) {
+    const int left = AnyX();
+    const int right = left + Draw().Below(12) - 1;
+    const Code<Kind::Window> code(r);
+    r.handle = AVSKCreateWindow(left, right, right, left, !Draw().Rarely(6), code, code, code, &r);
+    return r.handle;
+}
+
+bool CreateWindowEx(Registration &r) {
+    const Code<Kind::Window> f(r);
+    const AVSKCreateWindowParams params = {sizeof params, 0, 16, 16, 0, !Draw().Rarely(6), f, f, f, f, f, &r};
+    r.handle = AVSKCreateWindowEx(&params);
+    const bool created = r.handle;
+    if (Draw().Rarely(3))
+        AVSKTakeKeyboardFocus(As<AVSKWindowCallbackRecord>(r.handle));
+    return created;
+}
+
+AVSKWindowID AnyWindow() { return HandleOf<AVSKWindowCallbackRecord>(Kind::Window); }
+
+void DestroyWindow() {
+    AVSKWindowID window = AnyWindow();
+    Remove(Found(window), Removes::Anybodys, [&](Registration &) { AVSKDestroyWindow(window); });
+}
+
+void BringWindowToFront() {
+    AVSKWindowID window = AnyWindow();
+    Registration *r = Found(window);
+    if (r && r->removed)
+        r->revived = true;
+    AVSKBringWindowToFront(window);
+}
+
+void MoveWindow() {
+    AVSKWindowID window = AnyWindow();
+    int at[4] = {};
+    AVSKGetWindowGeometry(window, at, at + 1, at + 2, at + 3);
+    AVSKSetWindowGeometry(window, at[0] + Draw().Below(3) - 1, at[1], at[2], at[3]);
+    AVSKIsWindowInFront(window);
+    AVSKSetWindowIsVisible(window, AVSKGetWindowIsVisible(window) ^ Draw().Below(2));
+    if (Registration *r = Found(window))
+        AVSKSetWindowRefCon(window, r);
+}
+
+bool CreateMenu(Registration &r) {
+    auto *parent = Draw().Flag() ? HandleOf<AVSKMenuInfo_t>(Kind::Menu) : nullptr;
+    const AVSKMenuHandler_f handler = Code<Kind::Menu>(r);
+    AVSKMenuID menu = AVSKCreateMenu("A menu", parent, Draw().Below(3) - 1, Draw().Rarely(8) ? nullptr : handler, &r);
+    r.handle = menu;
+    if (menu)
+        AVSKAppendMenuItem(menu, "An item", nullptr, 0);
+    return menu;
+}
+
+void ClearMenu() {
+    Clearing clearing = {HandleOf<AVSKMenuInfo_t>(Kind::Menu), gFuzz.depth, -1};
+    const AVSKScopedValue nested(gClearing, &clearing);
+    AVSKClearAllMenuItems(clearing.menu);
+}
+
+void ChangeMenu() {
+    AVSKMenuID menu = Draw().Rarely(4) ? AVSKFindPluginsMenu() : HandleOf<AVSKMenuInfo_t>(Kind::Menu);
+    const int index = Draw().Below(5) - 1;
+    int check = 0;
+    switch (Draw().Below(5)) {
+    case 0:
+        return AVSKRemoveMenuItem(menu, index);
+    case 1:
+        return AVSKSetMenuItemName(menu, index, "Another name", 0);
+    case 2:
+        AVSKEnableMenuItem(menu, index, Draw().Below(2));
+        AVSKCheckMenuItem(menu, index, Draw().Below(5) - 1);
+        return AVSKCheckMenuItemState(menu, index, &check);
     default:
-        AVSKIsWindowInFront(window);
-        AVSKGetWindowIsVisible(window);
-        if (Registration *r = Found(window))
-            AVSKSetWindowRefCon(window, r);
+        AVSKAppendMenuItem(menu, "An item", nullptr, 0);
     }
 }
 
-// ---- Menus
+void *AnyCommand() { return HostCommand(Draw().Below(kCommands)); }
 
-void MenuCall() {
-    Trace("MenuCall");
-    const int what = In().Below(8);
-    if (what < 2) {
-        Registration *parent = what == 0 ? nullptr : Pick(Kind::Menu);
-        Registration *r = Register(Kind::Menu);
+void RegisterCommandHandler() {
+    void *command = AnyCommand();
+    Registration *r = Draw().Rarely(4) ? Pick(Kind::Command) : nullptr;
+    if (!r || !IsSelf(*r) || StatusOf(*r) == Status::Gone) {
+        r = Register(Kind::Command);
         if (!r)
             return;
-        const bool handled = !In().Rarely(8);
-        r->handle = AVSKCreateMenu("A menu", parent ? As<AVSKMenuInfo_t>(parent->handle) : nullptr, In().Below(3) - 1,
-                                   handled ? r->functions.menu : nullptr, r);
-        AVSKAppendMenuItem(As<AVSKMenuInfo_t>(r->handle), "An item", nullptr, 0);
-        return;
+        r->handle = command;
+        r->b = Draw().Below(2);
     }
-    Registration *r = PickLatest(Kind::Menu);
+    AVSKRegisterCommandHandler(r->handle, Code<Kind::Command>(*r), r->b, r);
+    ++r->count;
+}
+
+void UnregisterCommandHandler() {
+    Registration *r = Pick(Kind::Command);
     if (!r)
         return;
-    auto *own = As<AVSKMenuInfo_t>(r->handle);
-    AVSKMenuID menu = In().Rarely(4) ? AVSKFindPluginsMenu() : own;
-    const int index = In().Below(5) - 1;
-    switch (what) {
-    case 2: {
-        const bool mine = r->owner == Self();
-        AVSKDestroyMenu(own);
-        if (mine)
-            MarkRemoved(*r);
-        return;
-    }
-    case 3:
-        return AVSKClearAllMenuItems(own);
-    case 4:
-        AVSKAppendMenuItem(menu, "An item", nullptr, 0);
-        return;
-    case 5:
-        return AVSKRemoveMenuItem(menu, index);
-    case 6:
-        AVSKSetMenuItemName(menu, index, "Another name", 0);
-        AVSKEnableMenuItem(menu, index, In().Below(2));
-        return;
-    default: {
-        AVSKCheckMenuItem(menu, index, In().Below(5) - 1);
-        int check = 0;
-        AVSKCheckMenuItemState(menu, index, &check);
-    }
-    }
+    const bool mine = r->owner == Self();
+    AVSKUnregisterCommandHandler(r->handle, Code<Kind::Command>(*r), r->b, r);
+    if (mine && r->count > 0 && --r->count == 0)
+        MarkRemoved(*r);
 }
 
-// ---- Commands, shared data and datarefs
-
-void CommandCall() {
-    Trace("CommandCall");
-    void *command = HostCommand(In().Below(kCommands));
-    switch (In().Below(7)) {
-    case 0:
-    case 1: {
-        Registration *r = In().Rarely(4) ? Pick(Kind::Command) : nullptr;
-        if (!r || !IsSelf(*r) || StatusOf(*r) == Status::Gone) {
-            r = Register(Kind::Command);
-            if (!r)
-                return;
-            r->handle = command;
-            r->b = In().Below(2);
-        }
-        AVSKRegisterCommandHandler(r->handle, r->functions.command, r->b, r);
-        ++r->count;
-        return;
-    }
-    case 2:
-    case 3:
-        if (Registration *r = Pick(Kind::Command)) {
-            const bool mine = r->owner == Self();
-            AVSKUnregisterCommandHandler(r->handle, r->functions.command, r->b, r);
-            if (mine && r->count > 0 && --r->count == 0)
-                MarkRemoved(*r);
-        }
-        return;
-    case 4:
-        return AVSKCommandBegin(command);
-    case 5:
-        return AVSKCommandEnd(command);
-    default:
-        AVSKCommandOnce(command);
-    }
-}
-
-constexpr int kSharedNames = 4;
-const char *const kShared[kSharedNames] = {"fuzz/shared/int", "fuzz/shared/double", "fuzz/shared/ints",
-                                           "fuzz/shared/bytes"};
-constexpr int kSharedTypes[kSharedNames] = {AVSKDataTypeInt, AVSKDataTypeDouble, AVSKDataTypeIntArray,
-                                            AVSKDataTypeData};
-
-void SharedCall() {
-    Trace("SharedCall");
-    const int name = In().Below(kSharedNames);
-    AVSKDataRef ref = AVSKFindDataRef(kShared[name]);
-    switch (In().Below(5)) {
-    case 0:
-    case 1:
-        if (Registration *r = Register(Kind::Shared)) {
-            r->a = name;
-            const int taken = AVSKShareData(kShared[name], kSharedTypes[name], r->functions.dataChanged, r);
-            REQUIRE(taken == 1, "data cannot be shared");
-            r->count = 1;
-        }
-        return;
-    case 2:
-        if (Registration *r = Pick(Kind::Shared)) {
-            const bool mine = r->owner == Self() && r->count > 0;
-            const bool was = StatusOf(*r) == Status::Live;
-            const int answer = AVSKUnshareData(kShared[r->a], kSharedTypes[r->a], r->functions.dataChanged, r);
-            REQUIRE(answer == 1 || !mine || !was, "a subscription is not found");
-            REQUIRE(answer == 0 || r->owner == Self(), "a subscription of plugin %d ends for %d", r->owner, Self());
-            if (answer)
-                MarkRemoved(*r);
-        }
-        return;
-    default: {
-        REQUIRE(ref, "%s is gone", kShared[name]);
-        int values[8] = {1, 2, 3, 4, 5, 6, 7, 8};
-        AVSKSetDatai(ref, 1);
-        AVSKSetDatad(ref, 1);
-        const int offset = In().Below(6) - 1;
-        AVSKSetDatavi(ref, values, offset, 2);
-        AVSKSetDatab(ref, values, offset, 3);
-        AVSKGetDatavi(ref, values, offset, 8);
-        AVSKGetDatab(ref, values, offset, 32);
-    }
-    }
-}
-
-constexpr int kDataNames = 8;
-
-const char *DataName(int number) {
-    static char name[32];
-    std::snprintf(name, sizeof name, "fuzz/data/%d", number);
-    return name;
-}
-
-void DataCall() {
-    Trace("DataCall");
-    const int name = In().Below(kDataNames);
-    AVSKDataRef ref = AVSKFindDataRef(DataName(name));
-    switch (In().Below(6)) {
-    case 0:
-    case 1: {
-        Registration *r = Register(Kind::Data);
-        if (!r)
-            return;
-        r->a = name;
-        r->removed = true;
-        bool owned = false;
-        bool live = false;
-        for (const Registration &each : gFuzz.registrations)
-            if (each.kind == Kind::Data && each.a == name) {
-                owned = owned || StatusOf(each) != Status::Gone;
-                live = live || StatusOf(each) == Status::Live;
-            }
-        REQUIRE(!ref || owned, "%s is owned by nobody who registered it", DataName(name));
-        REQUIRE(ref || !live, "%s lost its owner", DataName(name));
-        const FuzzCode &f = r->functions;
-        if (!ref) {
-            for (Registration &each : gFuzz.registrations)
-                if (each.kind == Kind::Data && each.a == name)
-                    each.removed = true;
-            r->removed = r->owner == NO_PLUGIN_ID;
-        }
-        r->handle = AVSKRegisterDataAccessor(DataName(name), AVSKDataTypeInt | AVSKDataTypeIntArray, In().Below(4) != 0,
-                                             f.readInt, f.writeInt, nullptr, nullptr, nullptr, nullptr, f.readInts,
-                                             f.writeInts, nullptr, nullptr, nullptr, nullptr, r, r);
-        return;
-    }
-    case 2: {
-        Registration *mine = nullptr;
-        for (Registration &each : gFuzz.registrations)
-            if (each.kind == Kind::Data && each.a == name && each.owner == Self() && StatusOf(each) != Status::Gone)
-                mine = &each;
-        AVSKUnregisterDataAccessor(ref);
-        if (mine) {
-            REQUIRE(!ref || StatusOf(*mine) == Status::Limbo || !AVSKFindDataRef(DataName(name)),
-                    "%s is still registered", DataName(name));
-            if (!AVSKFindDataRef(DataName(name)))
-                mine->removed = true;
-        }
-        return;
-    }
-    default: {
-        if (const Registration *r = In().Rarely(3) ? Pick(Kind::Data) : nullptr)
-            ref = As<AVSKData_t>(r->handle); // perhaps nobody's by now
-        int values[4] = {};
-        switch (In().Below(4)) {
-        case 0:
-            AVSKGetDatai(ref);
-            return;
-        case 1:
-            return AVSKSetDatai(ref, 1);
-        case 2:
-            AVSKGetDatavi(ref, values, 0, 4);
-            return;
-        default:
-            AVSKSetDatavi(ref, values, 0, 4);
-            AVSKIsDataRefGood(ref);
-            AVSKCanWriteDataRef(ref);
-            AVSKGetDataRefTypes(ref);
-            return;
-        }
-    }
-    }
-}
-
-// ---- Scenery, planes, camera and the small ones
-
-void SceneryCall() {
-    Trace("SceneryCall");
-    switch (In().Below(8)) {
-    case 0:
-    case 1:
-    case 2:
-        if (Registration *r = Register(Kind::Load))
-            AVSKLoadObjectAsync("an object", r->functions.objectLoaded, r);
-        return;
-    case 3:
-        if (Registration *r = Register(Kind::Object))
-            r->handle = AVSKLoadObject("an object");
-        return;
-    case 4:
-        if (const Registration *r = Pick(Kind::Object))
-            AVSKUnloadObject(r->handle);
-        return;
-    case 5:
-        if (Registration *r = Register(Kind::Probe))
-            r->handle = AVSKCreateProbe(In().Below(2));
-        return;
-    case 6:
-        if (const Registration *r = Pick(Kind::Probe))
-            AVSKDestroyProbe(As<AVSKProbe_t>(r->handle));
-        return;
-    default: {
-        const Registration *probe = Pick(Kind::Probe);
-        AVSKProbeInfo info = {};
-        info.structSize = sizeof info;
-        AVSKProbeTerrainXYZ(probe ? As<AVSKProbe_t>(probe->handle) : nullptr, 1, 2, 3, &info);
-        const Registration *object = Pick(Kind::Object);
-        AVSKDrawInfo places[2] = {};
-        places[0].structSize = places[1].structSize = sizeof *places;
-        AVSKDrawObjects(object ? object->handle : nullptr, 2, places, 0, 0);
-        if (const Registration *r = Register(Kind::Feature))
-            AVSKLookupObjects("a path", 1, 2, r->functions.feature, const_cast<Registration *>(r));
-    }
-    }
-}
-
-void PlaneCall() {
-    Trace("PlaneCall");
-    char path[] = "Aircraft/a/x.acf";
-    char *paths[] = {path, path, nullptr};
-    switch (In().Below(8)) {
-    case 0:
-    case 1:
-    case 2:
-        if (Registration *r = Register(Kind::Planes)) {
-            r->count = 1; // withdrawn if it was not queued
-            if (AVSKAcquirePlanes(In().Flag() ? paths : nullptr, r->functions.planes, r)) {
-                int controller = NO_PLUGIN_ID;
-                REQUIRE(r->count == 1, "planes are offered to the plugin that has them");
-                r->count = 0;
-                AVSKCountAircraft(nullptr, nullptr, &controller);
-            }
-        }
-        return;
-    case 3:
-    case 4:
-        return AVSKReleasePlanes();
-    case 5:
-        AVSKSetActiveAircraftCount(In().Below(5) - 1);
-        AVSKReinitUsersPlane();
-        return;
-    case 6:
-        return AVSKSetAircraftModel(In().Below(5) - 1, path);
-    default: {
-        AVSKSetUsersAircraft(path);
-        char file[512];
-        char folder[512];
-        AVSKGetNthAircraftModel(0, file, folder);
-        AVSKDisableAIForPlane(1);
-    }
-    }
-}
-
-void CameraCall() {
-    Trace("CameraCall");
-    switch (In().Below(4)) {
-    case 0:
-    case 1:
-        if (Registration *r = Register(Kind::Camera)) {
-            gFuzz.camera = r;
-            AVSKControlCamera(In().Below(3), r->functions.camera, r);
-        }
-        return;
-    case 2:
-        return AVSKDontControlCamera();
-    default: {
-        AVSKCameraPosition position;
-        AVSKReadCameraPosition(&position);
-    }
-    }
-}
-
-void SmallCall() {
-    Trace("SmallCall");
-    const int button = 1 + In().Below(4);
-    switch (In().Below(3)) {
-    case 0:
-        gFuzz.buttons.push_back(button);
-        AVSKCommandButtonPress(button);
-        return;
-    case 1:
-        return AVSKCommandButtonRelease(button);
-    default:
-        AVSKDebugString("a line\n");
-        AVSKGetElapsedTime();
-    }
-}
-
-constexpr Choice kActs[] = {
-    {2, [] { Choose("plugin call", kPluginCalls); }},
-    {1, LoopCall},
-    {1, DrawCall},
-    {1, SnifferCall},
-    {3, WindowCall},
-    {1, HotKeyCall},
-    {1, MenuCall},
-    {1, CommandCall},
-    {1, SharedCall},
-    {1, DataCall},
-    {1, SceneryCall},
-    {1, PlaneCall},
-    {1, [] { In().Flag() ? CameraCall() : SmallCall(); }},
+struct SharedName {
+    const char *name;
+    int type;
+};
+constexpr SharedName kShared[] = {
+    {"fuzz/shared/int", AVSKDataTypeInt},
+    {"fuzz/shared/double", AVSKDataTypeDouble},
+    {"fuzz/shared/ints", AVSKDataTypeIntArray},
+    {"fuzz/shared/bytes", AVSKDataTypeData},
 };
 
-void HostReport() { Choose("report", kReports); }
-
-void PluginActs() {
-    ++gCounters.calls;
-    Choose("call", kActs);
+bool Share(Registration &r) {
+    r.a = Draw().Below(4);
+    const SharedName &shared = kShared[r.a];
+    const bool taken = AVSKShareData(shared.name, shared.type, Code<Kind::Shared>(r), &r) == 1;
+    REQUIRE(taken || (kRules.nobodyCreatesNothing && r.owner == NO_PLUGIN_ID), "data cannot be shared");
+    r.count = taken;
+    return taken;
 }
 
-bool MayAct() { return !gFuzz.calm && !In().Empty() && ++gFuzz.actions <= kMaxActions; }
+void Unshare() {
+    Registration *r = Pick(Kind::Shared);
+    if (!r)
+        return;
+    const bool live = r->owner == Self() && r->count > 0 && StatusOf(*r) == Status::Live;
+    const SharedName &shared = kShared[r->a];
+    const int answer = AVSKUnshareData(shared.name, shared.type, Code<Kind::Shared>(*r), r);
+    REQUIRE(answer || !live, "a subscription is not found");
+    REQUIRE(!answer || r->owner == Self(), "a subscription of plugin %d ends for %d", r->owner, Self());
+    if (answer)
+        MarkRemoved(*r);
+}
+
+void UseShared() {
+    const char *name = kShared[Draw().Below(4)].name;
+    AVSKDataRef ref = AVSKFindDataRef(name);
+    REQUIRE(ref, "%s is gone", name);
+    int values[8] = {1, 2, 3, 4, 5, 6, 7, 8};
+    const int offset = Draw().Below(6) - 1;
+    AVSKSetDatai(ref, 1);
+    AVSKSetDatad(ref, 1);
+    AVSKSetDatavi(ref, values, offset, 2);
+    AVSKSetDatab(ref, values, offset, 3);
+    AVSKGetDatavi(ref, values, offset, 8);
+    AVSKGetDatab(ref, values, offset, 32);
+}
+
+constexpr const char *kDataNames[] = {"fuzz/data/0", "fuzz/data/1", "fuzz/data/2", "fuzz/data/3",
+                                      "fuzz/data/4", "fuzz/data/5", "fuzz/data/6", "fuzz/data/7"};
+
+void RegisterData() {
+    const int number = Draw().Below(8);
+    const char *name = kDataNames[number];
+    AVSKDataRef ref = AVSKFindDataRef(name);
+    bool owned = false;
+    bool live = false;
+    for (Registration *each : gFuzz.of[static_cast<std::size_t>(Kind::Data)])
+        if (each->a == number) {
+            const Status status = StatusOf(*each);
+            owned = owned || status != Status::Gone;
+            live = live || status == Status::Live;
+            each->removed = each->removed || !ref;
+        }
+    REQUIRE(!ref || owned, "%s is owned by nobody who registered it", name);
+    REQUIRE(ref || !live, "%s lost its owner", name);
+    Create(Kind::Data, [&](Registration &r) {
+        r.a = number;
+        r.removed = ref || r.owner == NO_PLUGIN_ID;
+        const Code<Kind::Data> f(r);
+        r.handle =
+            AVSKRegisterDataAccessor(name, AVSKDataTypeInt | AVSKDataTypeIntArray, Draw().Below(4) != 0, f, f, nullptr,
+                                     nullptr, nullptr, nullptr, f, f, nullptr, nullptr, nullptr, nullptr, &r, &r);
+        return r.handle != nullptr;
+    });
+}
+
+void UnregisterData() {
+    const int number = Draw().Below(8);
+    const char *name = kDataNames[number];
+    AVSKDataRef ref = AVSKFindDataRef(name);
+    Registration *mine = nullptr;
+    for (Registration *each : gFuzz.of[static_cast<std::size_t>(Kind::Data)])
+        if (each->a == number && each->owner == Self() && StatusOf(*each) != Status::Gone)
+            mine = each;
+    AVSKUnregisterDataAccessor(ref);
+    if (!mine)
+        return;
+    const bool found = AVSKFindDataRef(name);
+    REQUIRE(!ref || StatusOf(*mine) == Status::Limbo || !found, "%s is still registered", name);
+    mine->removed = mine->removed || !found;
+}
+
+void UseData() {
+    AVSKDataRef ref = AVSKFindDataRef(Draw().OneOf(kDataNames));
+    if (Draw().Rarely(3))
+        ref = HandleOf<AVSKData_t>(Kind::Data); // perhaps nobody's by now
+    int values[4] = {};
+    switch (Draw().Below(4)) {
+    case 0:
+        AVSKGetDatai(ref);
+        return;
+    case 1:
+        return AVSKSetDatai(ref, 1);
+    case 2:
+        AVSKGetDatavi(ref, values, 0, 4);
+        return;
+    default:
+        AVSKSetDatavi(ref, values, 0, 4);
+        AVSKIsDataRefGood(ref);
+        AVSKCanWriteDataRef(ref);
+        AVSKGetDataRefTypes(ref);
+    }
+}
+
+bool LoadAsync(Registration &r) {
+    AVSKLoadObjectAsync("an object", Code<Kind::Load>(r), &r);
+    return false;
+}
+
+bool LoadObject(Registration &r) { return (r.handle = AVSKLoadObject("an object")); }
+
+bool CreateProbe(Registration &r) { return (r.handle = AVSKCreateProbe(Draw().Below(2))); }
+
+void UseScenery() {
+    AVSKProbeInfo info = {};
+    info.structSize = sizeof info;
+    AVSKProbeTerrainXYZ(HandleOf<AVSKProbe_t>(Kind::Probe), 1, 2, 3, &info);
+    AVSKDrawInfo places[2] = {};
+    places[0].structSize = places[1].structSize = sizeof *places;
+    AVSKDrawObjects(HandleOf<void>(Kind::Object), 2, places, 0, 0);
+    if (Registration *r = Register(Kind::Feature))
+        AVSKLookupObjects("a path", 1, 2, Code<Kind::Feature>(*r), r);
+}
+
+char aircraft[] = "Aircraft/a/x.acf";
+
+bool AcquirePlanes(Registration &r) {
+    char *paths[] = {aircraft, aircraft, nullptr};
+    r.count = 1; // withdrawn if it was not queued
+    if (!AVSKAcquirePlanes(Draw().Flag() ? paths : nullptr, Code<Kind::Planes>(r), &r))
+        return false;
+    REQUIRE(r.count == 1, "planes are offered to the plugin that has them");
+    r.count = 0;
+    int controller = NO_PLUGIN_ID;
+    AVSKCountAircraft(nullptr, nullptr, &controller);
+    return true;
+}
+
+void UsePlanes() {
+    AVSKSetActiveAircraftCount(Draw().Below(5) - 1);
+    AVSKReinitUsersPlane();
+    AVSKSetAircraftModel(Draw().Below(5) - 1, aircraft);
+    AVSKSetUsersAircraft(aircraft);
+    char file[512];
+    char folder[512];
+    AVSKGetNthAircraftModel(0, file, folder);
+    AVSKDisableAIForPlane(1);
+}
+
+bool ControlCamera(Registration &r) {
+    if (!kRules.nobodyCreatesNothing || r.owner != NO_PLUGIN_ID)
+        gFuzz.camera = &r;
+    AVSKControlCamera(Draw().Below(3), Code<Kind::Camera>(r), &r);
+    return false;
+}
+
+void PressButton() {
+    gFuzz.buttons.push_back(1 + Draw().Below(4));
+    AVSKCommandButtonPress(gFuzz.buttons.back());
+}
+
+void UseSmallOnes() {
+    AVSKDebugString("a line\n");
+    AVSKGetElapsedTime();
+    AVSKCameraPosition position;
+    AVSKReadCameraPosition(&position);
+}
+
+// ---- The tables
+
+// One thing that may be done, so many times as often as one of weight 1.
+struct Choice {
+    int weight;
+    const char *name;
+    void (*act)();
+};
+
+constexpr Choice kReports[] = {
+    {2, "frame", Pass<AVSKHostEventFrame>},
+    {1, "end of frame", Pass<AVSKHostEventFrameEnd>},
+    {2, "draw", DrawAny},
+    {1, "draw windows", [] { DrawScreen(20, 0); }},
+    {2, "click", Click},
+    {2, "key", PressKey},
+    {1, "cursor", [] { Hook([x = AnyX()] { AVSKCursorHook(x, x); }); }},
+    {1, "wheel", [] { Hook([x = AnyX()] { AVSKScrollWheelHook(x, x, 0, 1); }); }},
+    {1, "camera", MoveCamera},
+    {1, "menu item", [] { Hook([item = AnyHostItemID()] { AVSKMenuHook(item); }); }},
+    {1, "menu question", AskAboutMenu},
+    {1, "command", ReportCommand},
+    {1, "event", AnyEvent},
+    {1, "planes", CountPlanes},
+    {1, "load completed", [] { Hook(CompleteLoad); }},
+    {1, "plugins change", ChangePlugins},
+};
+
+constexpr Choice kCalls[] = {
+    {1, "disable itself", [] { AVSKDisablePlugin(Self()); }},
+    {1, "enable itself", [] { Enable(Self()); }},
+    {1, "disable", [] { AVSKDisablePlugin(AnyPlugin()); }},
+    {2, "enable", [] { Enable(AnyPlugin()); }},
+    {1, "reload", [] { MayLoad() ? AVSKReloadPlugins() : void(); }},
+    {2, "send message", SendMessage},
+    {1, "enable feature", EnableFeature},
+    {2, "error callback", SetErrorCallback},
+    {1, "features", EnumerateFeatures},
+    {1, "ask about plugin", AskAboutPlugin},
+    {3, "create loop", [] { Create(Kind::Loop, CreateLoop); }},
+    {2, "register loop", [] { Create(Kind::Loop, RegisterLoop); }},
+    {1, "destroy loop", RemoveByHandle<Kind::Loop, AVSKFlightLoopRecord, AVSKDestroyFlightLoop, Removes::Own>},
+    {1, "unregister loop",
+     [] {
+         Remove(Pick(Kind::Loop), Removes::Anybodys,
+                [](Registration &r) { AVSKUnregisterFlightLoopCallback(Code<Kind::Loop>(r), &r); });
+     }},
+    {2, "change loop", ChangeLoop},
+    {4, "register draw", RegisterDraw},
+    {2, "unregister draw", UnregisterDraw},
+    {4, "register sniffer", RegisterSniffer},
+    {2, "unregister sniffer", UnregisterSniffer},
+    {3, "register hot key", [] { Create(Kind::HotKey, RegisterHotKey); }},
+    {1, "unregister hot key",
+     RemoveByHandle<Kind::HotKey, AVSKHotKeyInfoRecord, AVSKUnregisterHotKey, Removes::Anybodys>},
+    {1, "count hot keys", CountHotKeys},
+    {1, "change hot key", ChangeHotKey},
+    {3, "create window", [] { Create(Kind::Window, CreateWindow); }},
+    {4, "create window ex", [] { Create(Kind::Window, CreateWindowEx); }},
+    {3, "destroy window", DestroyWindow},
+    {2, "focus", [] { AVSKTakeKeyboardFocus(Draw().Flag() ? AnyWindow() : nullptr); }},
+    {2, "bring to front", BringWindowToFront},
+    {2, "move window", MoveWindow},
+    {3, "create menu", [] { Create(Kind::Menu, CreateMenu); }},
+    {1, "destroy menu", RemoveByHandle<Kind::Menu, AVSKMenuInfo_t, AVSKDestroyMenu, Removes::Own>},
+    {1, "clear menu", ClearMenu},
+    {3, "change menu", ChangeMenu},
+    {3, "register handler", RegisterCommandHandler},
+    {2, "unregister handler", UnregisterCommandHandler},
+    {1, "begin command", [] { AVSKCommandBegin(AnyCommand()); }},
+    {1, "end command", [] { AVSKCommandEnd(AnyCommand()); }},
+    {1, "command once", [] { AVSKCommandOnce(AnyCommand()); }},
+    {3, "share", [] { Create(Kind::Shared, Share); }},
+    {1, "unshare", Unshare},
+    {3, "use shared", UseShared},
+    {2, "register data", RegisterData},
+    {1, "unregister data", UnregisterData},
+    {3, "use data", UseData},
+    {3, "load async", [] { Create(Kind::Load, LoadAsync); }},
+    {1, "load object", [] { Create(Kind::Object, LoadObject); }},
+    {1, "unload object", [] { AVSKUnloadObject(HandleOf<void>(Kind::Object)); }},
+    {1, "create probe", [] { Create(Kind::Probe, CreateProbe); }},
+    {1, "destroy probe", [] { AVSKDestroyProbe(HandleOf<AVSKProbe_t>(Kind::Probe)); }},
+    {1, "use scenery", UseScenery},
+    {3, "acquire planes", [] { Create(Kind::Planes, AcquirePlanes); }},
+    {2, "release planes", AVSKReleasePlanes},
+    {2, "use planes", UsePlanes},
+    {2, "control camera", [] { Create(Kind::Camera, ControlCamera); }},
+    {1, "leave camera", AVSKDontControlCamera},
+    {1, "press button", PressButton},
+    {1, "release button", [] { AVSKCommandButtonRelease(1 + Draw().Below(4)); }},
+    {1, "small ones", UseSmallOnes},
+};
+
+// A table with each choice as often as its weight says.
+class Choices {
+  public:
+    template <std::size_t kCount>
+    explicit Choices(const Choice (&table)[kCount]) {
+        for (const Choice &each : table)
+            all.insert(all.end(), static_cast<std::size_t>(each.weight), &each);
+    }
+    void Act(unsigned number) const {
+        const Choice &choice = *all[number % all.size()];
+        TRACE("%s", choice.name);
+        choice.act();
+    }
+
+  private:
+    std::vector<const Choice *> all;
+};
+const Choices &gReports = *new Choices(kReports);
+const Choices &gCalls = *new Choices(kCalls);
+
+void HostReport() { gReports.Act(Draw().Byte()); }
+
+void PluginActs(unsigned number) {
+    ++gCounters.calls;
+    gCalls.Act(number);
+}
+
+bool MayAct() { return !gFuzz.calm && !Draw().Empty() && ++gFuzz.actions <= kMaxActions; }
 
 } // namespace
 
 void ShareNames() {
-    for (int name = 0; name < kSharedNames; ++name)
-        AVSKShareData(kShared[name], kSharedTypes[name], nullptr, nullptr);
+    for (const SharedName &each : kShared)
+        AVSKShareData(each.name, each.type, nullptr, nullptr);
 }
 
-void ActInCallback(const FuzzCode &code) {
+void ActInCallback(int throwsOneIn) {
     if (gFuzz.calm || gFuzz.depth >= kMaxDepth)
         return;
-    const Deeper deeper(gFuzz.depth);
+    const AVSKScopedValue deeper(gFuzz.depth, gFuzz.depth + 1);
     constexpr int counts[] = {0, 1, 1, 2, 2, 3, 4, 0};
-    for (int count = counts[In().Below(8)]; count > 0 && MayAct(); --count) {
-        if (In().Rarely(4))
-            HostReport();
+    for (int count = Draw().OneOf(counts); count > 0 && MayAct(); --count) {
+        const unsigned number = Draw().Byte();
+        if (number < 64)
+            gReports.Act(number);
         else
-            PluginActs();
+            PluginActs(number - 64);
     }
-    if (!In().Rarely(24))
+    if (!Draw().Rarely(throwsOneIn))
         return;
-    Trace("throws");
+    TRACE("throws");
     // A tear-down that holds the exception until it is done unmaps nothing.
-    std::fill(std::begin(gFuzz.kept), std::end(gFuzz.kept), true);
-    if (In().Flag())
-        code.throwOwn();
+    for (File &file : gFuzz.files)
+        file.kept = true;
+    if (Draw().Flag())
+        ThrowOwn();
     throw 1;
 }
 
 void ActAsHost() {
     if (gFuzz.depth >= kMaxDepth || !MayAct())
         return;
-    const Deeper deeper(gFuzz.depth);
+    const AVSKScopedValue deeper(gFuzz.depth, gFuzz.depth + 1);
     try {
-        HostReport();
+        if (kRules.livesInServices && Draw().Rarely(32))
+            Restart();
+        else
+            HostReport();
     } catch (...) {
         Fail("an exception passed a report from a host service");
     }
@@ -869,10 +841,13 @@ void ActAsHost() {
 void ActAtTop() {
     if (!MayAct())
         return;
-    if (In().Below(4) != 3)
-        return HostReport();
+    const unsigned number = Draw().Byte();
+    if (number == 255 && Draw().Rarely(4))
+        return Restart();
+    if (number < 192)
+        return gReports.Act(number);
     try {
-        PluginActs(); // of plugin 0
+        PluginActs(Draw().Byte()); // of plugin 0
     } catch (...) {
         ++gCounters.throws;
     }

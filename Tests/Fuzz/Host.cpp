@@ -5,14 +5,22 @@
 #include "../Support/Slots.h"
 
 #include <cstring>
-#include <list>
+
+Clearing *gClearing = nullptr;
 
 namespace {
 
+struct HostItem {
+    bool named;
+    int id;
+};
+
 struct HostMenu {
     bool destroyed = false;
-    std::vector<std::string> names;
-    std::vector<int> ids;
+    int removals = 0; // under way: the library's own books still have their items
+    std::vector<HostItem> items;
+    int Size() const { return static_cast<int>(items.size()); }
+    HostItem *At(int index) { return index >= 0 && index < Size() ? &items[static_cast<std::size_t>(index)] : nullptr; }
 };
 
 struct LoadRequest {
@@ -26,16 +34,19 @@ int objectCounts[kObjects]; // loads less unloads; their addresses are the objec
 char commandCells[kCommands];
 char probeCells[256];
 unsigned probes = 0;
-std::list<HostMenu> &menus = *new std::list<HostMenu>;
+std::vector<HostMenu> &menus = *new std::vector<HostMenu>; // the handle is the number, from 1 on
 std::vector<LoadRequest> &requests = *new std::vector<LoadRequest>;
 int lastItemID = 0;
 AVSKHostCallbacks table;
 
 // A service that may report something before it returns. Nothing is thrown past it.
 void Service() {
-    if (gFuzz.calm || !gFuzz.in.Rarely(8))
+    ++gFuzz.services;
+    if (gFuzz.calm || --gFuzz.quiet >= 0)
         return;
-    const Deeper host(gFuzz.hostDepth);
+    constexpr int pauses[] = {64, 32, 16, 8, 4, 2, 1, 0};
+    gFuzz.quiet = gFuzz.in.OneOf(pauses);
+    const AVSKScopedValue host(gFuzz.hostDepth, gFuzz.hostDepth + 1);
     ActAsHost();
 }
 
@@ -43,28 +54,34 @@ void Service() {
 void MenuService() {
     if (gFuzz.wildHost)
         Service();
+    else
+        ++gFuzz.services;
 }
+
+void *HandleOf(std::size_t number) { return reinterpret_cast<void *>(number); }
 
 HostMenu &Known(void *menu, const char *service) {
-    for (HostMenu &each : menus)
-        if (&each == menu) {
-            REQUIRE(!each.destroyed || gFuzz.wildHost, "%s is called for a menu that was destroyed", service);
-            return each;
-        }
-    Fail("%s is called for %p, which is no menu", service, menu);
+    if (!menu && gFuzz.wildHost && !kRules.menuIsWhole) {
+        static HostMenu halfMade;
+        halfMade = {};
+        return halfMade;
+    }
+    const auto number = reinterpret_cast<std::uintptr_t>(menu);
+    REQUIRE(number > 0 && number <= menus.size(), "%s is called for %p, which is no menu", service, menu);
+    HostMenu &known = menus[number - 1];
+    REQUIRE(!known.destroyed || gFuzz.wildHost, "%s is called for a menu that was destroyed", service);
+    return known;
 }
-
-int Size(const HostMenu &menu) { return static_cast<int>(menu.names.size()); }
 
 void *CreateMenu(void *parent, int parentItem, const char *name) {
     REQUIRE(name, "createMenu without a name");
     if (parent) {
         const HostMenu &above = Known(parent, "createMenu");
-        REQUIRE(gFuzz.wildHost || (parentItem >= -1 && parentItem < Size(above)), "createMenu under item %d of %d",
-                parentItem, Size(above));
+        REQUIRE(gFuzz.wildHost || (parentItem >= -1 && parentItem < above.Size()), "createMenu under item %d of %d",
+                parentItem, above.Size());
     }
     menus.emplace_back();
-    void *menu = &menus.back();
+    void *menu = HandleOf(menus.size());
     MenuService();
     return menu;
 }
@@ -72,17 +89,13 @@ void *CreateMenu(void *parent, int parentItem, const char *name) {
 int AppendMenuItem(void *menu, int index, const char *name, int) {
     HostMenu &known = Known(menu, "appendMenuItem");
     const int id = ++lastItemID;
-    if (!gFuzz.wildHost)
-        REQUIRE(index >= 0 && index <= Size(known), "appendMenuItem at %d of %d", index, Size(known));
-    if (index >= 0 && index < Size(known)) {
-        const auto at = static_cast<std::size_t>(index);
-        REQUIRE(gFuzz.wildHost || known.names[at].empty(), "appendMenuItem at %d, where \"%s\" is", index,
-                known.names[at].c_str());
-        known.names[at] = name ? name : "";
-        known.ids[at] = id;
+    REQUIRE(gFuzz.wildHost || (index >= 0 && index <= known.Size()), "appendMenuItem at %d of %d", index, known.Size());
+    const HostItem added = {name && *name, id};
+    if (HostItem *item = known.At(index)) {
+        REQUIRE(gFuzz.wildHost || !item->named, "appendMenuItem at %d, where an item is", index);
+        *item = added;
     } else {
-        known.names.emplace_back(name ? name : "");
-        known.ids.push_back(id);
+        known.items.push_back(added);
     }
     MenuService();
     return id;
@@ -90,20 +103,29 @@ int AppendMenuItem(void *menu, int index, const char *name, int) {
 
 void SetMenuItemName(void *menu, int index, const char *name, int) {
     HostMenu &known = Known(menu, "setMenuItemName");
-    REQUIRE(gFuzz.wildHost || (index >= -1 && index < Size(known)), "setMenuItemName of %d of %d", index, Size(known));
-    if (index >= 0 && index < Size(known))
-        known.names[static_cast<std::size_t>(index)] = name ? name : "";
+    REQUIRE(gFuzz.wildHost || (index >= -1 && index < known.Size()), "setMenuItemName of %d of %d", index,
+            known.Size());
+    if (HostItem *item = known.At(index))
+        item->named = name && *name;
+    if (gClearing && gClearing->depth == gFuzz.depth) {
+        if (gClearing->renames < 0)
+            gClearing->renames = known.Size() + known.removals;
+        REQUIRE(!kRules.clearTakesWhatWasThere || gClearing->renames > 0, "clearing a menu follows what is appended");
+        --gClearing->renames;
+        if (gFuzz.wildHost && gFuzz.in.Rarely(4))
+            AVSKAppendMenuItem(gClearing->menu, "Another item", nullptr, 0);
+    }
     MenuService();
 }
 
 void RemoveMenuItem(void *menu, int index) {
     HostMenu &known = Known(menu, "removeMenuItem");
-    REQUIRE(gFuzz.wildHost || (index >= 0 && index < Size(known)), "removeMenuItem of %d of %d", index, Size(known));
-    if (index >= 0 && index < Size(known)) {
-        known.names.erase(known.names.begin() + index);
-        known.ids.erase(known.ids.begin() + index);
-    }
+    REQUIRE(gFuzz.wildHost || known.At(index), "removeMenuItem of %d of %d", index, known.Size());
+    if (known.At(index))
+        known.items.erase(known.items.begin() + index);
+    ++known.removals;
     MenuService();
+    --Known(menu, "removeMenuItem").removals;
 }
 
 void DestroyMenu(void *menu) {
@@ -149,7 +171,7 @@ void LoadObjectAsync(const char *path, void (*completion)(void *, void *), void 
     requests.push_back({completion, argument, false});
     if (gFuzz.calm)
         return;
-    const Deeper host(gFuzz.hostDepth);
+    const AVSKScopedValue host(gFuzz.hostDepth, gFuzz.hostDepth + 1);
     if (gFuzz.in.Rarely(4)) {
         try {
             Complete(requests.back());
@@ -169,28 +191,20 @@ void LoadAircraftModel(int index, const char *path, const char *fileName) {
     Service();
 }
 
-void GetAircraftModel(int, char *outPath, char *outFileName) {
-    Service();
-    std::strcpy(outPath, (gFuzz.root + "Aircraft/a/x.acf").c_str());
-    std::strcpy(outFileName, "x.acf");
-}
-
-int KnownCommand(void *command) {
+void CommandService(void *command) {
     const std::ptrdiff_t number = static_cast<char *>(command) - commandCells;
     REQUIRE(number >= 0 && number < kCommands, "%p is no command", command);
-    return static_cast<int>(number);
-}
-
-void CommandService(void *command) {
-    KnownCommand(command);
     Service();
 }
 
 template <class Result, class... Arguments>
-struct Quiet;
+struct Any;
 template <class Result, class... Arguments>
-struct Quiet<Result (*)(Arguments...)> {
-    static Result Call(Arguments...) { return Result(); }
+struct Any<Result (*)(Arguments...)> {
+    static Result Call(Arguments...) {
+        Service();
+        return Result();
+    }
 };
 
 } // namespace
@@ -200,15 +214,19 @@ const AVSKHostCallbacks *FreshHost(int version, bool fullTable) {
     requests.clear();
     std::memset(objectCounts, 0, sizeof objectCounts);
     lastItemID = 0;
+    gClearing = nullptr;
     AVSKHostCallbacks &t = table;
     t.version = version;
     t.sizeInBytes = fullTable ? static_cast<int>(sizeof t) : 280;
 
-#define FUZZ_FILL(number, name) t.name = Quiet<decltype(t.name)>::Call;
+#define FUZZ_FILL(number, name) t.name = Any<decltype(t.name)>::Call;
     AVSK_TEST_SLOTS(FUZZ_FILL)
 #undef FUZZ_FILL
 
-    t.getScreenSize = [](int *width, int *height) { *width = *height = 256; };
+    t.getScreenSize = [](int *width, int *height) {
+        Service();
+        *width = *height = 256;
+    };
     t.getMouseLocation = [](int *x, int *y, int) {
         Service();
         *x = gFuzz.in.Below(16);
@@ -219,7 +237,11 @@ const AVSKHostCallbacks *FreshHost(int version, bool fullTable) {
         return gFuzz.now;
     };
     t.loadAircraftModel = LoadAircraftModel;
-    t.getAircraftModel = GetAircraftModel;
+    t.getAircraftModel = [](int, char *outPath, char *outFileName) {
+        Service();
+        std::strcpy(outPath, "/Aircraft/a/x.acf");
+        std::strcpy(outFileName, "x.acf");
+    };
     t.countAircraft = [] {
         Service();
         return 4;
@@ -232,8 +254,11 @@ const AVSKHostCallbacks *FreshHost(int version, bool fullTable) {
         if (!gFuzz.passes.empty())
             gFuzz.passes.back().serial = ++gFuzz.serial;
     };
-    t.getSystemPath = [](char *outPath) { std::strcpy(outPath, gFuzz.root.c_str()); };
-    t.getPrefsPath = [](char *outPath) { std::strcpy(outPath, "prefs"); };
+    t.getSystemPath = [](char *outPath) {
+        ++gFuzz.upheavals; // the library asks only while it loads everything again
+        Service();
+        std::strcpy(outPath, "/");
+    };
     t.createMenu = CreateMenu;
     t.appendMenuItem = AppendMenuItem;
     t.setMenuItemName = SetMenuItemName;
@@ -247,10 +272,11 @@ const AVSKHostCallbacks *FreshHost(int version, bool fullTable) {
         REQUIRE(table.version > 3, "showProgress of an old host");
         Service();
     };
-    t.findCommand = [](const char *, const char *, int) -> void * { return HostCommand(gFuzz.in.Below(kCommands)); };
-    t.beginCommand = CommandService;
-    t.continueCommand = CommandService;
-    t.endCommand = CommandService;
+    t.findCommand = [](const char *, const char *, int) -> void * {
+        Service();
+        return HostCommand(gFuzz.in.Below(kCommands));
+    };
+    t.beginCommand = t.continueCommand = t.endCommand = CommandService;
     t.createProbe = []() -> void * {
         Service();
         return &probeCells[probes++ % sizeof probeCells];
@@ -258,24 +284,18 @@ const AVSKHostCallbacks *FreshHost(int version, bool fullTable) {
     t.loadObject = LoadObject;
     t.unloadObject = UnloadObject;
     t.lookupObjects = [](const char *, float, float, void (*enumerator)(const char *, void *), void *reference) {
+        Service();
         for (int i = 0; enumerator && i < 2; ++i)
             enumerator("an object", reference);
         return 2;
     };
     t.loadObjectAsync = LoadObjectAsync;
-    t.receiveMessage = [](int, int, void *) { Service(); };
     return &t;
 }
 
 void *HostCommand(int number) { return &commandCells[number]; }
 
-void *AnyHostMenu() {
-    if (menus.empty())
-        return nullptr;
-    auto at = menus.begin();
-    std::advance(at, gFuzz.in.Byte() % menus.size());
-    return &*at;
-}
+void *AnyHostMenu() { return menus.empty() ? nullptr : HandleOf(1 + gFuzz.in.Byte() % menus.size()); }
 
 int AnyHostItemID() { return lastItemID - gFuzz.in.Below(16); }
 

@@ -4,6 +4,7 @@
 #define AVSK_FUZZ_HOST_H
 
 #include "AVSK/AVSKHost.h"
+#include "AVSK/AVSKMenus.h"
 
 constexpr int kCommands = 4;
 
@@ -14,6 +15,14 @@ const AVSKHostCallbacks *FreshHost(int version, bool fullTable);
 void *HostCommand(int number);
 void *AnyHostMenu(); // as the input says; null if there is none
 int AnyHostItemID();
+
+// While a menu is cleared: how many renames its items may take at this depth of calls.
+struct Clearing {
+    AVSKMenuID menu;
+    int depth;
+    int renames; // left; -1 until the first tells the menu
+};
+extern Clearing *gClearing; // the innermost, or null
 
 // Completes one of the loads that were asked for; again, as the input says.
 void CompleteLoad();

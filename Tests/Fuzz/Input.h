@@ -18,6 +18,10 @@ class Input {
     // True once in so many.
     bool Rarely(int oneIn) { return Below(oneIn) == oneIn - 1; }
     bool Flag() { return (Byte() & 1U) != 0; }
+    template <class T, std::size_t kCount>
+    T OneOf(const T (&values)[kCount]) {
+        return values[Byte() % kCount];
+    }
 
   private:
     const std::uint8_t *at = nullptr;

@@ -11,39 +11,26 @@
 Fuzz &gFuzz = *new Fuzz;
 Counters gCounters = {};
 
-// Thin and fat plugins, one under the first name that is tried of a folder
-// and under the second, one with both; two of the aircraft; one of a scenery.
-const char *const kPuppetFiles[kPuppets] = {
-    "Resources/plugins/p0.avp",      "Resources/plugins/p1/32/lin.avp",
-    "Resources/plugins/p1/lin.avp",  "Resources/plugins/PluginAdmin/lin.avp",
-    "Aircraft/a/plugins/p4/lin.avp", "Aircraft/a/plugins/p5/32/lin.avp",
-    "Scenery/s/plugins/p6/lin.avp",  "Resources/plugins/p7/lin.avp",
-};
-
-static void ProgramError(const char *message) { FuzzError(-1, message); }
-static void ThrowNumber() { throw 1; }
-#define FUZZ_FUNCTION(member, type, function) function,
-const FuzzCode kProgramCode = {-1, FUZZ_CALLBACKS(FUZZ_FUNCTION) ProgramError, ThrowNumber};
+static void Print(const char *format, va_list arguments) {
+    std::vfprintf(stderr, format, arguments);
+    std::fputs("\n", stderr);
+}
 
 void Fail(const char *format, ...) {
     std::fputs("fuzz: broken: ", stderr);
     va_list arguments;
     va_start(arguments, format);
-    std::vfprintf(stderr, format, arguments);
+    Print(format, arguments);
     va_end(arguments);
-    std::fputs("\n", stderr);
     std::abort();
 }
 
-void Trace(const char *format, ...) {
-    if (!gFuzz.trace)
-        return;
+void PrintTrace(const char *format, ...) {
     std::fprintf(stderr, "%*s%d: ", 2 * gFuzz.depth, "", AVSKGetMyID());
     va_list arguments;
     va_start(arguments, format);
-    std::vfprintf(stderr, format, arguments);
+    Print(format, arguments);
     va_end(arguments);
-    std::fputs("\n", stderr);
 }
 
 const char *NameOf(Kind kind) {
@@ -54,33 +41,44 @@ const char *NameOf(Kind kind) {
 }
 
 Incarnation *IncarnationOf(int id) {
-    const PluginRecord *record = AVSKPluginAt(id);
-    for (auto at = gFuzz.incarnations.rbegin(); record && at != gFuzz.incarnations.rend(); ++at)
-        if ((*at)->record.get() == record)
-            return at->get();
-    return nullptr;
+    const PluginRecord *record = PluginAt(id);
+    if (!record || id >= static_cast<int>(gFuzz.latest.size()))
+        return nullptr;
+    Incarnation *who = gFuzz.latest[static_cast<std::size_t>(id)];
+    return who && who->record.get() == record ? who : nullptr;
 }
 
-Incarnation *LatestOf(int index) {
-    for (auto at = gFuzz.incarnations.rbegin(); at != gFuzz.incarnations.rend(); ++at)
-        if ((*at)->index == index)
-            return at->get();
-    return nullptr;
+Incarnation &Begin(int file) {
+    const int id = AVSKGetMyID();
+    if (Incarnation *begun = kRules.constructorsAct ? IncarnationOf(id) : nullptr)
+        return *begun;
+    REQUIRE(id == AVSKCountPlugins() - 1, "file %d starts as %d of %d plugins", file, id, AVSKCountPlugins());
+    REQUIRE(id != AVSK_PLUGIN_AERIVO, "file %d starts in the host's place", file);
+    REQUIRE(!AVSKIsPluginEnabled(id), "file %d is enabled before it starts", file);
+    Incarnation &who = gFuzz.incarnations.emplace_back();
+    who.file = file;
+    who.id = id;
+    who.serial = ++gFuzz.serial;
+    who.entries = gFuzz.files[file].entries;
+    who.record = gAllPlugins[static_cast<unsigned>(id)];
+    gFuzz.latest.resize(std::max<std::size_t>(gFuzz.latest.size(), static_cast<std::size_t>(id) + 1));
+    Incarnation *&latest = gFuzz.latest[static_cast<std::size_t>(id)];
+    if (latest)
+        latest->heir = &who;
+    latest = &who;
+    gFuzz.watched.push_back(&who);
+    return who;
 }
 
 Registration *Register(Kind kind) {
     if (gFuzz.registrations.size() == kMaxRegistrations)
         return nullptr;
-    Registration fresh = {};
-    fresh.kind = kind;
-    fresh.owner = AVSKGetMyID();
-    fresh.who = IncarnationOf(fresh.owner);
-    REQUIRE(fresh.owner <= 0 || fresh.who, "plugin %d is dispatched and was never started", fresh.owner);
-    fresh.functions = fresh.who ? *fresh.who->code : kProgramCode;
-    fresh.serial = ++gFuzz.serial;
-    gFuzz.registrations.push_back(fresh);
-    Registration &added = gFuzz.registrations.back();
-    added.code = &added.functions;
+    const int owner = AVSKGetMyID();
+    const Incarnation *who = IncarnationOf(owner);
+    REQUIRE(owner <= 0 || who, "plugin %d is dispatched and was never started", owner);
+    Registration &added =
+        gFuzz.registrations.emplace_back(Registration{kind, owner, who, who ? who->file : kProgram, ++gFuzz.serial});
+    gFuzz.of[static_cast<std::size_t>(kind)].push_back(&added);
     return &added;
 }
 
@@ -90,47 +88,49 @@ Status StatusOf(const Registration &registration) {
     const Incarnation *who = registration.who;
     if (!who)
         return registration.owner == AVSK_PLUGIN_AERIVO ? Status::Live : Status::Gone;
-    if (!who->record->unloaded)
-        return who->stopped ? Status::Limbo : Status::Live; // being torn down, piece by piece
+    if (!who->record->unloaded) // perhaps being torn down, piece by piece; without a stop entry nobody hears when
+        return who->stopped || !(who->entries & kStopEntry) ? Status::Limbo : Status::Live;
     if (who->accepted || registration.kind == Kind::Load)
         return Status::Gone;
-    for (const auto &heir : gFuzz.incarnations)
-        if (heir->id == who->id && heir->serial > who->serial && heir->accepted && heir->record->unloaded)
+    for (const Incarnation *heir = who->heir; heir; heir = heir->heir)
+        if (heir->accepted && heir->record->unloaded)
             return Status::Gone;
     return Status::Limbo;
 }
 
 Registration *Pick(Kind kind) {
-    int count = 0;
-    for (const Registration &each : gFuzz.registrations)
-        count += each.kind == kind;
-    if (count == 0)
+    const auto &all = gFuzz.of[static_cast<std::size_t>(kind)];
+    if (all.empty())
         return nullptr;
     // From the latest on, so that short inputs mean what was just made.
-    int skip = gFuzz.in.Below(std::min(count, 256));
-    for (auto at = gFuzz.registrations.rbegin(); at != gFuzz.registrations.rend(); ++at)
-        if (at->kind == kind && skip-- == 0)
-            return &*at;
-    return nullptr;
+    return all[all.size() - 1 - static_cast<std::size_t>(gFuzz.in.Byte()) % all.size()];
 }
 
 Registration *ByHandle(Kind kind, const void *handle) {
-    for (auto at = gFuzz.registrations.rbegin(); at != gFuzz.registrations.rend(); ++at)
-        if (at->kind == kind && at->handle == handle)
-            return &*at;
-    return nullptr;
+    const auto &all = gFuzz.of[static_cast<std::size_t>(kind)];
+    const auto found = std::find_if(all.rbegin(), all.rend(), [&](const auto *each) { return each->handle == handle; });
+    return found == all.rend() ? nullptr : *found;
+}
+
+Registration *ByRefcon(const void *refcon) {
+    const auto offset =
+        reinterpret_cast<std::uintptr_t>(refcon) - reinterpret_cast<std::uintptr_t>(gFuzz.registrations.data());
+    const std::size_t index = offset / sizeof(Registration);
+    if (offset % sizeof(Registration) != 0 || index >= gFuzz.registrations.size())
+        return nullptr;
+    return &gFuzz.registrations[index];
 }
 
 Registration &CheckCall(void *refcon, Kind kind) {
     ++gCounters.callbacks;
-    Trace("%s called", NameOf(kind));
-    Registration *found = nullptr;
-    for (Registration &each : gFuzz.registrations)
-        if (&each == refcon)
-            found = &each;
+    TRACE("%s called", NameOf(kind));
+    Registration *found = ByRefcon(refcon);
     REQUIRE(found, "a %s is called with a refcon of another run, %p", NameOf(kind), refcon);
     const Registration &r = *found;
     REQUIRE(r.kind == kind, "a %s is called with the refcon of a %s", NameOf(kind), NameOf(r.kind));
+    REQUIRE(r.file == gFuzz.file, "a %s of file %d is called in file %d", NameOf(kind), r.file, gFuzz.file);
+    if (kind == Kind::Feature) // called on the caller's account, which the caller's own calls may change
+        return *found;
     REQUIRE(AVSKGetMyID() == r.owner, "a %s of plugin %d is called while %d is dispatched", NameOf(kind), r.owner,
             AVSKGetMyID());
     REQUIRE(r.owner != NO_PLUGIN_ID, "a %s of nobody is called", NameOf(kind));
@@ -143,40 +143,52 @@ Registration &CheckCall(void *refcon, Kind kind) {
 
 void CheckQuiet() {
     REQUIRE(AVSKGetMyID() == AVSK_PLUGIN_AERIVO, "between hooks %d is dispatched, not the host", AVSKGetMyID());
-    REQUIRE(gFuzz.frames.empty(), "a file's code is still on the stack");
+    REQUIRE(gFuzz.file == kProgram, "file %d's code is still on the stack", gFuzz.file);
     REQUIRE(gCallFlags.count == gAllPlugins.size(), "flags of %u plugins, records of %zu", gCallFlags.count,
             gAllPlugins.size());
     for (unsigned id = 0; id < gCallFlags.count; ++id) {
         REQUIRE(gAllPlugins[id]->id == static_cast<int>(id), "the record at %u has ID %d", id, gAllPlugins[id]->id);
         REQUIRE((gCallFlags.enabled[id] != 0) == gAllPlugins[id]->enabled, "plugin %u: flag and record differ", id);
     }
-    for (const auto &each : gFuzz.incarnations) {
+    std::erase_if(gFuzz.watched, [](const Incarnation *each) {
         const PluginRecord &record = *each->record;
         if (record.unloaded) {
-            REQUIRE(!record.enabled, "plugin %d of file %d is unloaded and enabled", each->id, each->index);
-            continue;
+            REQUIRE(!record.enabled, "plugin %d of file %d is unloaded and enabled", each->id, each->file);
+            return true;
         }
-        REQUIRE(AVSKPluginAt(each->id) == &record, "plugin %d of file %d left the registry without being unloaded",
-                each->id, each->index);
-        REQUIRE(each->enabled == record.enabled, "plugin %d of file %d: enabled is %d, its calls say %d", each->id,
-                each->index, record.enabled, each->enabled);
-    }
+        REQUIRE(PluginAt(each->id) == &record, "plugin %d of file %d left the registry without being unloaded",
+                each->id, each->file);
+        REQUIRE(each->enabled == record.enabled || !record.enableFunc || !record.disableFunc,
+                "plugin %d of file %d: enabled is %d, its calls say %d", each->id, each->file, record.enabled,
+                each->enabled);
+        return false;
+    });
+}
+
+void CheckAfterStart() {
+    constexpr int installed[] = {0, 1, 3, 7};
+    for (const int file : installed)
+        REQUIRE(gFuzz.files[file].tried, "file %d was not loaded", file);
+    for (const Incarnation *each : gFuzz.watched)
+        REQUIRE(each->asked || each->record->unloaded || !each->record->enableFunc,
+                "plugin %d of file %d was not asked to be enabled", each->id, each->file);
 }
 
 void CheckAfterShutdown() {
     REQUIRE(AVSKCountPlugins() == 0, "%d plugins are left after the shutdown", AVSKCountPlugins());
-    constexpr bool (*holds[])(int) = {AVSKCommandHolds,  AVSKDisplayHolds,    AVSKProcessingHolds,
-                                      AVSKCameraHolds,   AVSKMenuHolds,       AVSKPlaneHolds,
-                                      AVSKDataRefsHolds, AVSKSharedDataHolds, AVSKSceneryHolds};
-    for (const auto &each : gFuzz.incarnations) {
-        REQUIRE(each->record->unloaded, "plugin %d of file %d was not unloaded by the shutdown", each->id, each->index);
-        const bool inherited =
-            std::any_of(gFuzz.incarnations.begin(), gFuzz.incarnations.end(),
-                        [&](const auto &other) { return other->id == each->id && !other->accepted; });
-        for (unsigned module = 0; !inherited && module < std::size(holds); ++module)
-            REQUIRE(!holds[module](each->id), "module %u of the tear-down holds something of plugin %d", module,
-                    each->id);
+    constexpr bool (*holds[])(int) = {CommandsHold, DisplayHolds, ProcessingHolds, CameraHolds, MenusHold,
+                                      PlanesHold,   DataRefsHold, SharedDataHolds, SceneryHolds};
+    std::vector<bool> inherited(gFuzz.latest.size());
+    for (const Incarnation &each : gFuzz.incarnations) {
+        REQUIRE(each.record->unloaded, "plugin %d of file %d was not unloaded by the shutdown", each.id, each.file);
+        if (!each.accepted)
+            inherited[static_cast<std::size_t>(each.id)] = true;
     }
+    for (std::size_t id = 1; id < inherited.size(); ++id)
+        for (unsigned module = 0; !inherited[id] && module < std::size(holds); ++module)
+            REQUIRE(!holds[module](static_cast<int>(id)), "module %u of the tear-down holds something of plugin %zu",
+                    module, id);
     for (int index = 0; index < kPuppets; ++index)
-        REQUIRE(!gFuzz.mapped[index] || gFuzz.kept[index], "file %d is still mapped after the shutdown", index);
+        REQUIRE(gFuzz.files[index].mapped == 0 || gFuzz.files[index].kept, "file %d is still mapped after the shutdown",
+                index);
 }

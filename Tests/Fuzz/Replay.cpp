@@ -17,7 +17,8 @@ int main(int argc, char **argv) {
     if (argc == 2 && fs::is_directory(argv[1]))
         inputs.assign(fs::directory_iterator(argv[1]), {});
     if (inputs.empty()) {
-        std::fputs("usage: avsk_fuzz_replay FOLDER, which holds inputs; for one input use build/fuzz/avsk_fuzz FILE\n",
+        std::fputs("usage: avsk_fuzz_replay FOLDER, which holds inputs; for one input use "
+                   "build/fuzz/avsk_fuzz_sanitize FILE\n",
                    stderr);
         return 2;
     }

@@ -24,6 +24,7 @@ TEST_P(BlameTest, RunNamesWhoEndedIt) {
     const auto [status, said] = RunAvsk("run --root " AVSK_TEST_DIES_ROOT " --frames 3 --key F8@2 --timeout 2",
                                         std::string("AVSK_TEST_DIES=") + GetParam().way);
     EXPECT_EQ(status, GetParam().status) << said;
+    EXPECT_EQ(said.find("a fault of its own"), std::string::npos) << said;
     for (std::size_t at = 0; const std::string &piece : GetParam().said) { // in this order
         at = said.find(piece, at);
         ASSERT_NE(at, std::string::npos) << "no '" << piece << "' in\n" << said;
@@ -54,7 +55,17 @@ INSTANTIATE_TEST_SUITE_P(
         End{"thread", 3, {"avsk: a thread other than the main one, in '", "Dies/lin.avp', died of SIGSEGV"}},
         End{"loop", 3, {"avsk: plugin 'Dies' did not return within 2 s from AVSKFlightLoop_f Tick\n", "Dies.cpp:"}},
         End{"exit", 3, {"avsk: plugin 'Dies' called exit(0)" + kTick, kUnderWay, "Dies.cpp:"}},
-        End{"throw", 1, {"avsk: the run was broken off by an exception of plugin 'Dies' in ", ": enough\n", kLast}},
+        // The report does not need the stack, which is overwritten.
+        End{"smash", 3, {"died of SIGSEGV (there is no code at 0x41414141)" + kTick, "In frame 1\n", kLast}},
+        End{"smashfar", 3, {"died of SIGSEGV (there is no code at 0x41414141)" + kTick, kLast, "overwritten"}},
+        End{"registers", 3, {"died of SIGSEGV (address 0x", kTick, kLast, "Dies.cpp:"}},
+        End{"names", 3, {"(address 0x0 is not mapped)" + kTick, "debugString(text=\"nnn", "\"...)\n", "Dies.cpp:"}},
+        End{"throw",
+            1,
+            {"avsk: the run was broken off by an exception of plugin 'Dies' in ", ": enough\nIn frame 1\n", kLast,
+             "It was thrown here", "Dies.cpp:"}},
+        // The exception that was caught is not the one that is reported.
+        End{"rethrow", 1, {": its type is not derived from std::exception\n", "It was thrown here", "Caught() at "}},
         End{"nothing", 0, {"Dies"}}));
 
 } // namespace

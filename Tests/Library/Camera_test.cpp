@@ -1,9 +1,12 @@
 // Camera control: who places it, and every way in which that ends.
 #include "World.h"
 
-#include <stdexcept>
+#include <array>
+#include <bit>
 
 namespace {
+
+using Fields = std::array<float, 7>;
 
 class Camera : public ThreePlugins {
   protected:
@@ -25,17 +28,13 @@ class Camera : public ThreePlugins {
             return 1;
         };
     }
-    // One update: what the host hears, and its last field, which was 7.
-    static std::string Update(int answer, float last) {
-        float f[7] = {1, 2, 3, 4, 5, 6, 7};
-        EXPECT_EQ(AVSKCameraHook(f, f + 1, f + 2, f + 3, f + 4, f + 5, f + 6), answer);
-        EXPECT_EQ(f[6], last);
-        return TakeCalls();
+    static int Hook(Fields &f) { return AVSKCameraHook(&f[0], &f[1], &f[2], &f[3], &f[4], &f[5], &f[6]); }
+    // One update: the answer, what is heard, and the last field, which was 7.
+    static std::string Update() {
+        Fields fields = {1, 2, 3, 4, 5, 6, 7};
+        return Line(DOES(Hook(fields)), ", ", fields[6]);
     }
-    static std::string ChangeView() {
-        EXPECT_EQ(AVSKEventHook(AVSKHostEventViewChanged, 0, 0, 0), 1);
-        return TakeCalls();
-    }
+    static std::string ChangeView() { return DOES(AVSKEventHook(AVSKHostEventViewChanged, 0, 0, 0)); }
     // The duration, or 0.
     static int Controlled() {
         int duration = 0;
@@ -45,137 +44,97 @@ class Camera : public ThreePlugins {
 };
 
 TEST_F(Camera, PassesEveryFieldBothWays) {
-    const auto expect = [](const AVSKCameraPosition &position, float first) {
-        for (int i = 0; i < 7; ++i)
-            EXPECT_EQ((&position.f1)[i], first + static_cast<float>(i));
-    };
-    Control(a, AVSKCameraForever, [&](AVSKCameraPosition *position, int) {
+    Control(a, AVSKCameraForever, [](AVSKCameraPosition *position, int) {
         EXPECT_EQ(AVSKGetMyID(), 1);
-        expect(*position, 1);
+        EXPECT_EQ(std::bit_cast<Fields>(*position), (Fields{1, 2, 3, 4, 5, 6, 7}));
         *position = {11, 12, 13, 14, 15, 16, 17};
         return 1;
     });
-    AVSKCameraPosition position = {1, 2, 3, 4, 5, 6, 7};
-    float *const f = &position.f1;
-    EXPECT_EQ(AVSKCameraHook(f, f + 1, f + 2, f + 3, f + 4, f + 5, f + 6), 0);
-    expect(position, 11);
-    Host().on.readCameraPosition = [](float *f1, float *, float *, float *, float *, float *, float *f7) {
-        EXPECT_EQ(f7 - f1, 6);
-    };
+    Fields fields = {1, 2, 3, 4, 5, 6, 7};
+    EXPECT_EQ(Hook(fields), 0);
+    EXPECT_EQ(fields, (Fields{11, 12, 13, 14, 15, 16, 17}));
+    host.on.readCameraPosition = [value = 20.0F](auto *...out) mutable { ((*out = ++value), ...); };
+    AVSKCameraPosition position = {};
     AVSKReadCameraPosition(&position);
-    Control(b, AVSKCameraUntilViewChanges, [](AVSKCameraPosition *p, int) { return p->f1 = 0, 0; });
-    TakeCalls();
-    EXPECT_EQ(Update(1, 7), "") << "it declined";
-    EXPECT_EQ(ChangeView(), "") << "and is not told anything more";
+    AVSKReadCameraPosition(nullptr);
+    EXPECT_EQ(std::bit_cast<Fields>(position), (Fields{21, 22, 23, 24, 25, 26, 27}));
+    Control(b, AVSKCameraUntilViewChanges, [](AVSKCameraPosition *p, int) { return p->f7 = 0, 0; });
+    EXPECT_EQ(Update(), "1, 7") << "it declined";
+    EXPECT_EQ(ChangeView(), "1") << "and is not told anything more";
 }
 
 TEST_F(Camera, EndsInWaysOfWhichSomeAreTold) {
-    const struct {
-        const char *way;
-        int duration;
-        std::function<std::string()> end;
-        std::string journal;
-        bool ends;
-    } cases[] = {
-        {"view", AVSKCameraUntilViewChanges, ChangeView, "air loses null", true},
-        {"view", AVSKCameraForever, ChangeView, "", false},
-        {"given up", AVSKCameraForever, [this] { return b.Run(AVSKDontControlCamera), TakeCalls(); }, "", true},
-        {"disabled", AVSKCameraForever, [this] { return AVSKDisablePlugin(air.Id()), TakeCalls(); },
-         "air loses null; disable air", true},
-        {"unloaded", 3, [] { return World::UnloadAircraft(), TakeCalls(); }, "air loses null; disable air; stop air",
-         true},
-        {"another disabled", AVSKCameraForever, [] { return AVSKDisablePlugin(1), TakeCalls(); }, "disable A", false},
-    };
-    for (const auto &each : cases) {
-        SCOPED_TRACE(each.way);
-        Control(air, each.duration, Says("air"));
-        EXPECT_EQ(Controlled(), each.duration);
-        EXPECT_EQ(Update(0, 107), "air places");
-        EXPECT_EQ(each.end(), each.journal);
-        EXPECT_EQ(AVSKIsCameraBeingControlled(nullptr), !each.ends);
-        EXPECT_EQ(Update(each.ends, each.ends ? 7 : 107), each.ends ? "" : "air places");
+    for (const auto &[way, duration, end, journal, ends] :
+         Table<std::string, int, std::function<std::string()>, std::string, bool>{
+             {"view", AVSKCameraUntilViewChanges, ChangeView, "1: air loses null", true},
+             {"view", AVSKCameraForever, ChangeView, "1", false},
+             {"given up", AVSKCameraForever, [&] { return DOES_AS(b, AVSKDontControlCamera()); }, "", true},
+             {"disabled", AVSKCameraForever, [&] { return DOES(AVSKDisablePlugin(air.Id())); },
+              "air loses null; disable air", true},
+             {"unloaded", 3, [] { return DOES(World::UnloadAircraft()); }, "air loses null; disable air; stop air",
+              true},
+             {"another", AVSKCameraForever, [] { return DOES(AVSKDisablePlugin(1)); }, "disable A", false}}) {
+        SCOPED_TRACE(way);
+        Control(air, duration, Says("air"));
+        EXPECT_EQ(Controlled(), duration);
+        EXPECT_EQ(Update(), "0: air places, 107");
+        EXPECT_EQ(end(), journal);
+        EXPECT_EQ(AVSKIsCameraBeingControlled(nullptr), !ends);
+        EXPECT_EQ(Update(), ends ? "1, 7" : "0: air places, 107");
         AVSKDontControlCamera();
-        World::UnloadAircraft(); // is not told again
-        World::LoadAircraft();
-        AVSKEnablePlugin(1);
-        EXPECT_EQ(TakeCalls().find("loses"), std::string::npos);
+        const std::string calls = DOES(World::UnloadAircraft(), World::LoadAircraft(), AVSKEnablePlugin(1));
+        EXPECT_EQ(calls.find("loses"), std::string::npos) << "not again";
     }
 }
 
 TEST_F(Camera, WhoTakesItInsideTheLossIsToldOfTheNext) {
-    const std::function<void()> takes[] = {[&] { Control(air, AVSKCameraUntilViewChanges, Says("other")); },
-                                           [] {
-                                               const auto says = [](AVSKCameraPosition *, int, void *) {
-                                                   return Note("other loses null"), 1;
-                                               };
-                                               AVSKControlCamera(AVSKCameraUntilViewChanges, says, nullptr);
-                                           }};
-    for (const auto &take : takes) {
+    const auto other = [](AVSKCameraPosition *, int, void *) { return Note("other loses null"), 1; };
+    for (const bool plugin : {true, false}) {
         Control(air, AVSKCameraUntilViewChanges, [&](AVSKCameraPosition *, int) {
             Note("loses");
-            take();
-            AVSKEventHook(AVSKHostEventViewChanged, 0, 0, 0);
-            return 1;
+            if (plugin)
+                Control(air, AVSKCameraUntilViewChanges, Says("other"));
+            else
+                AVSKControlCamera(AVSKCameraUntilViewChanges, other, nullptr);
+            return AVSKEventHook(AVSKHostEventViewChanged, 0, 0, 0);
         });
-        EXPECT_EQ(ChangeView(), "loses; other loses null");
+        EXPECT_EQ(ChangeView(), "1: loses; other loses null");
     }
 }
 
-// What a function does in its first call, an update or the loss by a change of the view.
+// What a function does in its first call, an update, which it keeps, or the loss by a change of the view.
 TEST_F(Camera, SurvivesWhatItsFunctionDoes) {
-    const struct {
-        const char *what;
-        std::function<void()> act;
-        std::string updating; // an update that it keeps
-        int left;             // how it is controlled after that update
-        std::string losing;
-        bool isLeft; // after the loss
-    } cases[] = {
-        {"takes control again", [&] { Control(air, AVSKCameraForever, Says("again")); }, "places", AVSKCameraForever,
-         "loses", false},
-        {"gives it up", [] { AVSKDontControlCamera(); }, "places", 0, "loses", false},
-        {"is disabled", [&] { AVSKDisablePlugin(air.Id()); }, "places; loses; disable air", 0, "loses; disable air",
-         false},
-        {"is unloaded", [] { World::UnloadAircraft(); }, "places; loses; disable air; stop air", 0,
-         "loses; disable air; stop air", false},
-        {"changes the view", [] { AVSKEventHook(AVSKHostEventViewChanged, 0, 0, 0); }, "places; loses", 0, "loses",
-         false},
-    };
-    for (const auto &each : cases)
-        for (const bool losing : {false, true}) {
-            SCOPED_TRACE(each.what + std::string(losing ? ", losing" : ", updating"));
-            bool acted = false;
-            Control(air, AVSKCameraUntilViewChanges, [&](AVSKCameraPosition *position, int isLosing) {
-                EXPECT_EQ(isLosing, position == nullptr);
-                Note(isLosing ? "loses" : "places");
-                if (!std::exchange(acted, true)) {
-                    each.act();
-                    air.returned = 0;
-                    EXPECT_TRUE(air.IsMapped());
-                }
-                if (position)
-                    position->f7 = 9;
-                return 1;
-            });
-            EXPECT_EQ(losing ? ChangeView() : Update(0, 9), losing ? each.losing : each.updating);
-            EXPECT_EQ(air.returned, 1) << "the call came back into the plugin";
+    for (const bool isUpdate : {true, false})
+        for (const auto &[what, act, updating, losing, left] :
+             Table<std::string, std::function<void()>, std::string, std::string, int>{
+                 {"takes control again", [&] { Control(air, AVSKCameraForever, Says("again")); }, "", "", 2},
+                 {"gives it up", [] { AVSKDontControlCamera(); }, "", "", 0},
+                 {"is disabled", [&] { AVSKDisablePlugin(air.Id()); }, "; loses; disable air", "; disable air", 0},
+                 {"is unloaded", [] { World::UnloadAircraft(); }, "; loses; disable air; stop air",
+                  "; disable air; stop air", 0},
+                 {"changes the view", [] { AVSKEventHook(AVSKHostEventViewChanged, 0, 0, 0); }, "; loses", "", 0}}) {
+            SCOPED_TRACE(what + (isUpdate ? ", updating" : ", losing"));
+            Control(air, AVSKCameraUntilViewChanges,
+                    [&act = act, acted = false](AVSKCameraPosition *position, int isLosing) mutable {
+                        EXPECT_EQ(isLosing, position == nullptr);
+                        Note(isLosing ? "loses" : "places");
+                        std::exchange(acted, true) ? void() : act();
+                        return position ? position->f7 = 9, 1 : 1;
+                    });
+            EXPECT_EQ(isUpdate ? Update() : ChangeView(),
+                      isUpdate ? "0: places" + updating + ", 9" : "1: loses" + losing);
+            EXPECT_EQ(Controlled(), isUpdate ? left : 0);
             EXPECT_EQ(AVSKGetMyID(), 0);
-            EXPECT_EQ(Controlled(), losing ? each.isLeft : each.left);
-            AVSKDontControlCamera();
-            World::UnloadAircraft();
-            EXPECT_FALSE(air.IsMapped());
-            World::LoadAircraft();
-            TakeCalls();
+            Restart();
         }
 }
 
 TEST_F(Camera, WithoutAFunctionItIsGivenUpByTheFirstUpdateOrView) {
     for (const bool updated : {true, false}) {
         a.Run([] { AVSKControlCamera(AVSKCameraUntilViewChanges, nullptr, nullptr); });
-        EXPECT_EQ(updated ? Update(1, 7) : ChangeView(), "");
+        EXPECT_EQ(updated ? Update() : ChangeView(), updated ? "1, 7" : "1");
         EXPECT_EQ(Controlled(), 0);
     }
-    AVSKReadCameraPosition(nullptr);
 }
 
 // Each of the two is told of its own loss.
@@ -186,7 +145,7 @@ TEST_F(Camera, AControllerIsToldThoughAnotherIsJustBeingTold) {
         AVSKDisablePlugin(2);
         return isLosing;
     });
-    EXPECT_EQ(ChangeView(), "A loses; B loses null; disable B");
+    EXPECT_EQ(ChangeView(), "1: A loses; B loses null; disable B");
     EXPECT_EQ(Controlled(), 0);
 }
 
@@ -194,18 +153,16 @@ TEST_F(Camera, AnExceptionLeavesControlAndTheHostsCameraAsTheyWere) {
     Control(a, AVSKCameraUntilViewChanges, [](AVSKCameraPosition *position, int) -> int {
         if (position)
             position->f7 = 9;
-        throw std::runtime_error("camera");
+        throw 1;
     });
-    EXPECT_THROW(Update(0, 7), std::runtime_error);
-    float f[7] = {};
-    EXPECT_THROW(AVSKCameraHook(f, f + 1, f + 2, f + 3, f + 4, f + 5, f + 6), std::runtime_error);
-    EXPECT_EQ(f[6], 0);
-    EXPECT_EQ(AVSKGetMyID(), 0);
+    Fields fields = {};
+    EXPECT_THROW(Hook(fields), int);
+    EXPECT_EQ(fields, Fields());
     EXPECT_EQ(Controlled(), AVSKCameraUntilViewChanges);
-    EXPECT_THROW(ChangeView(), std::runtime_error);
+    EXPECT_THROW(ChangeView(), int);
     EXPECT_EQ(AVSKGetMyID(), 0);
     Control(b, AVSKCameraUntilViewChanges, Says("B"));
-    EXPECT_EQ(ChangeView(), "B loses null") << "and the next is told";
+    EXPECT_EQ(ChangeView(), "1: B loses null") << "and the next is told";
 }
 
 } // namespace

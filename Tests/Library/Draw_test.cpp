@@ -1,8 +1,6 @@
 // Draw callbacks, and the host's draw codes.
 #include "World.h"
 
-#include "AVSK/AVSKDisplay.h"
-
 namespace {
 
 using Player = std::function<int(int phase, int isBefore)>;
@@ -12,12 +10,10 @@ int Play(int phase, int isBefore, void *refcon) { return (*static_cast<const Pla
 class Draw : public ThreePlugins {
   protected:
     static int Register(const Puppet &owner, Player &player, int phase = 5, int before = 1) {
-        int answer = -1;
-        owner.Run([&] { answer = AVSKRegisterDrawCallback(Play, phase, before, &player); });
-        return answer;
+        return owner.Run([&] { return AVSKRegisterDrawCallback(Play, phase, before, &player); });
     }
     static Player Answers(const char *label, int answer) {
-        return [=](int, int) { return Note(label), answer; };
+        return [=](int, int) { return Note(Line(label, AVSKGetMyID())), answer; };
     }
 };
 
@@ -37,9 +33,8 @@ TEST_F(Draw, EachCodeDispatchesItsPhases) {
         for (const int before : {0, 1, 2, -1}) // the last two never
             EXPECT_EQ(Register(a, player, phase, before), 1);
     a.Run([] { EXPECT_EQ(AVSKRegisterDrawCallback(nullptr, 5, 1, nullptr), 1); });
-    AVSKCreateWindow(
-        0, 1, 1, 0, 1, [](AVSKWindowID, void *refcon) { *static_cast<std::string *>(refcon) = "window"; }, nullptr,
-        nullptr, &calls);
+    const auto window = [](AVSKWindowID, void *refcon) { *static_cast<std::string *>(refcon) = "window"; };
+    AVSKCreateWindow(0, 1, 1, 0, 1, window, nullptr, nullptr, &calls);
     for (int code = -1; code < 28; ++code)
         for (const int given : {1, 2}) {
             answer = given;
@@ -52,16 +47,12 @@ TEST_F(Draw, EachCodeDispatchesItsPhases) {
 }
 
 TEST_F(Draw, TheNewestIsCalledFirstAsItsOwnerAndAllAreThoughOneSuppresses) {
-    Player first = Answers("first", 1);
-    Player suppresses = [](int, int) { return Note(Line("suppresses as ", AVSKGetMyID())), 0; };
-    Player last = Answers("last", 1);
-    Register(a, first);
-    Register(b, suppresses);
-    Register(a, last);
-    EXPECT_EQ(AVSKDoDrawingHook(2, 0), 0);
+    Player first = Answers("first", 1), suppresses = Answers("suppresses", 0), last = Answers("last", 1);
+    for (const auto &[owner, player] : {std::pair(&a, &first), {&b, &suppresses}, {&a, &last}})
+        Register(*owner, *player);
+    EXPECT_EQ(DOES(AVSKDoDrawingHook(2, 0)), "0: last1; suppresses2; first1");
     AVSKDisablePlugin(b.Id());
-    EXPECT_EQ(AVSKDoDrawingHook(2, 0), 1);
-    EXPECT_EQ(Take(), (Lines{"last", "suppresses as 2", "first", "disable B", "last", "first"}));
+    EXPECT_EQ(DOES(AVSKDoDrawingHook(2, 0)), "1: last1; first1");
 }
 
 TEST_F(Draw, ItsFourValuesAreItsNameWhoeverRegisteredItAndAsLongAsThePassLasts) {
@@ -75,24 +66,18 @@ TEST_F(Draw, ItsFourValuesAreItsNameWhoeverRegisteredItAndAsLongAsThePassLasts) 
     EXPECT_EQ(Register(a, player, 5, 0), 1);
     EXPECT_EQ(Register(a, player, 10), 1);
     EXPECT_EQ(AVSKUnregisterDrawCallback(Play, 15, 1, &player), 0);
-    EXPECT_EQ(AVSKDoDrawingHook(2, 0), 0) << "it could not be registered again in the pass";
-    EXPECT_EQ(AVSKDoDrawingHook(2, 0), 1);
-    EXPECT_EQ(Take(), Lines{"called"});
+    EXPECT_EQ(DOES(AVSKDoDrawingHook(2, 0)), "0: called") << "it could not be registered again in the pass";
+    EXPECT_EQ(DOES(AVSKDoDrawingHook(2, 0)), "1");
     EXPECT_EQ(Register(a, player), 1);
 }
 
 TEST_F(Draw, ReflectionsReachOnlyThoseWhoWantThem) {
-    Player mirrored = Answers("mirrored", 0);
-    Player plain = Answers("plain", 1);
+    Player mirrored = Answers("mirrored", 0), plain = Answers("plain", 1);
     Register(a, mirrored);
     Register(b, plain);
     a.Run([] { AVSKEnableFeature("AVSK_WANTS_REFLECTIONS", 5); });
-    EXPECT_EQ(AVSKDoDrawingHook(2, 1), 0);
-    EXPECT_EQ(Take(), Lines{"mirrored"});
-    for (const int reflection : {0, 2, -1}) {
-        AVSKDoDrawingHook(2, reflection);
-        EXPECT_EQ(Take(), (Lines{"plain", "mirrored"}));
-    }
+    for (const int reflection : {0, 1, 2, -1})
+        EXPECT_EQ(DOES(AVSKDoDrawingHook(2, reflection)), reflection == 1 ? "0: mirrored1" : "0: plain2; mirrored1");
 }
 
 } // namespace

@@ -1,8 +1,6 @@
 // Starting the library, and the event switch.
 #include "World.h"
 
-#include "AVSK/AVSKUtilities.h"
-
 #include <regex>
 
 namespace {
@@ -37,13 +35,13 @@ TEST_F(HostHooks, StartCreatesTheMenuWritesTheBuildLoadsAndEnables) {
 
 TEST_F(HostHooks, EventsAreBroadcastWithTheirMessages) {
     // By event, from -1 on: message and parameter.
-    const char *const messages[] = {"",      "",      "",      "101 0", "102 5", "103 0", "",
-                                    "104 0", "105 0", "106 5", "",      "",      "107 0"};
+    const std::string messages[] = {"",      "",      "", "101 0", "102 5", "103 0", "",      "104 0",
+                                    "105 0", "106 5", "", "",      "107 0", "",      "108 5", ""};
     const Puppet &a = world.Install("A");
     world.StartQuietly();
-    for (int event = -1; event < 12; ++event) {
+    for (int event = -1; event < 15; ++event) {
         const std::string message = messages[event + 1];
-        a.Run([&] { EXPECT_EQ(AVSKEventHook(event, 1, 99, 5), 1); });
+        a.Run([&] { EXPECT_EQ(AVSKEventHook(event, 1, 99, event == AVSKHostEventSceneryFolder ? 0 : 5), 1); });
         const Lines heard = Take();
         ASSERT_EQ(heard.size(), message.empty() ? 0U : 2U) << event;
         if (!message.empty()) {
@@ -51,6 +49,16 @@ TEST_F(HostHooks, EventsAreBroadcastWithTheirMessages) {
         }
         EXPECT_EQ(host.TakeLog(), "");
     }
+}
+
+TEST_F(HostHooks, StartedInsideAPluginsCallTheMenuIsTheHosts) {
+    Puppet &a = world.Install("A");
+    a.start = [&] { return AVSKGetMyID(); };
+    world.StartQuietly();
+    a.Run([&] { AVSKInitializePlugins(world.Path("").c_str(), &host.table, 0); });
+    AVSKAppendMenuItem(AVSKFindPluginsMenu(), "item", nullptr, 0);
+    AVSKDisablePlugin(1);
+    EXPECT_EQ(AVSKMenuItemEnabled(host.Menu(2), 0), 1);
 }
 
 } // namespace

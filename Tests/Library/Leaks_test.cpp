@@ -2,11 +2,7 @@
 // in lists that are never out of a walk, and memory and mappings over reloads.
 #include "World.h"
 
-#include "AVSK/AVSKDisplay.h"
-
 #include <cstdlib>
-#include <fstream>
-#include <map>
 
 #include <malloc.h>
 #include <sys/wait.h>

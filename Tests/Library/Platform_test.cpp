@@ -1,12 +1,9 @@
 // Libraries, symbols, folders and the two text functions.
 #include "AVSKDispatch.h"
 #include "AVSKErrors.h"
+#include "AVSKLoader.h"
 #include "AVSKPlatform.h"
 #include "World.h"
-
-#include <algorithm>
-#include <fstream>
-#include <tuple>
 
 #include <dlfcn.h>
 #include <unistd.h>

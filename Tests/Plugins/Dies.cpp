@@ -1,12 +1,12 @@
-// Ends in the way that the environment's AVSK_TEST_DIES names: at a hot key for
-// "abort", while it is loaded for "loading", else in its flight loop. Used by
-// Blame_test.cpp.
+// Ends in the way that AVSK_TEST_DIES names: in a hot key for "abort", while it is
+// loaded for "loading", else in its flight loop. Used by Blame_test.cpp.
 #include "AVSK/AVSK.h"
 
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <stdexcept>
+#include <string>
 #include <string_view>
 #include <thread>
 
@@ -36,6 +36,36 @@ void Loop() {
     }
 }
 
+// Overwrites return addresses with 0x41414141.
+__attribute__((noinline, no_sanitize("address,undefined"))) void Smash(int bytes) {
+    volatile char room[16];
+    volatile char *const begin = room;
+    for (int i = 0; i < bytes; ++i)
+        begin[i] = 'A';
+}
+
+__attribute__((no_sanitize("address,undefined"))) void LoseStack() {
+    asm volatile("movl $0x41414141, %ebp\n\tmovl $0x41414141, %esp\n\tpushl $1");
+}
+
+// Texts far longer than any line of a report.
+void NameLong() {
+    const std::string longest(20000, 'n');
+    AVSKMenuID menu = AVSKCreateMenu(longest.c_str(), nullptr, 0, nullptr, nullptr);
+    AVSKAppendMenuItem(menu, longest.c_str(), nullptr, 0);
+    AVSKCreateCommand(longest.c_str(), longest.c_str());
+    AVSKDebugString(longest.c_str());
+    Write();
+}
+
+void Caught() {
+    try {
+        throw std::runtime_error("caught");
+    } catch (const std::exception &) {
+        throw 5;
+    }
+}
+
 char *const kNoText = reinterpret_cast<char *>(7);
 const struct {
     std::string_view way;
@@ -46,6 +76,11 @@ const struct {
              {"loop", Loop},
              {"thread", [] { std::thread(Write).join(); }},
              {"exit", [] { std::exit(0); }},
+             {"smash", [] { Smash(64); }},
+             {"smashfar", [] { Smash(6000); }},
+             {"registers", LoseStack},
+             {"names", NameLong},
+             {"rethrow", Caught},
              {"throw", [] { throw std::runtime_error("enough"); }},
              {"library", [] { AVSKGetPluginInfo(AVSKGetMyID(), kNoText, nullptr, nullptr, nullptr); }}};
 

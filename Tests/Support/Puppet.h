@@ -14,6 +14,7 @@
 
 #include <functional>
 #include <string>
+#include <type_traits>
 
 using LoopPlayer = std::function<float(float, float, int)>;
 using MenuPlayer = std::function<void(void *itemRef)>;
@@ -53,8 +54,18 @@ struct Puppet {
 
     int Id() const { return AVSKFindPluginBySignature(signature.c_str()); }
     bool IsMapped() const;
-    // Runs f as this plugin, which must be enabled.
-    void Run(const std::function<void()> &f) const;
+    // Runs f as this plugin, which must be enabled, and answers what f does.
+    template <class F>
+    auto Run(F f) const {
+        if constexpr (std::is_void_v<decltype(f())>) {
+            Call(f);
+        } else {
+            decltype(f()) answer{};
+            Call([&] { answer = f(); });
+            return answer;
+        }
+    }
+    void Call(const std::function<void()> &f) const;
 };
 
 // The message by which Run() reaches the plugin; it leaves no line in the journal.

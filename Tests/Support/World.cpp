@@ -145,7 +145,7 @@ bool Puppet::IsMapped() const {
     return false;
 }
 
-void Puppet::Run(const std::function<void()> &f) const {
+void Puppet::Call(const std::function<void()> &f) const {
     bool ran = false;
     std::function<void()> marked = [&] {
         ran = true;

@@ -6,12 +6,21 @@
 #include "FakeHost.h"
 #include "Puppet.h"
 
+#include "AVSK/AVSK.h"
+
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
 #include <memory>
-#include <string>
+#include <tuple>
 #include <utility>
-#include <vector>
+
+// The rows of a table-driven test: for (const auto &[input, output] : Table<int, std::string>{{1, "a"}, ...})
+template <class... Columns>
+using Table = std::vector<std::tuple<Columns...>>;
 
 class World {
   public:
@@ -85,6 +94,23 @@ class ThreePlugins : public InWorld {
 
 // The journal as "line; line", without messages, which come with every aircraft.
 std::string TakeCalls();
+
+// What a call answers and makes happen, "answer: line; line", or only the
+// lines if it answers nothing. What happened before it is forgotten.
+template <class Call>
+std::string Does(Call call) {
+    TakeCalls();
+    if constexpr (std::is_void_v<decltype(call())>) {
+        call();
+        return TakeCalls();
+    } else {
+        const std::string answer = Line(call());
+        const std::string calls = TakeCalls();
+        return calls.empty() ? answer : answer + ": " + calls;
+    }
+}
+#define DOES(...) Does([&] { return __VA_ARGS__; })
+#define DOES_AS(plugin, ...) Does([&] { return (plugin).Run([&] { return __VA_ARGS__; }); })
 
 // Publishes a dataref of the calling plugin, an int if there is a reader.
 AVSKDataRef Publish(const char *name, AVSKGetDatai_f readInt = nullptr, void *refcon = nullptr);

@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <unordered_map>
 #include <vector>
 
 template <class T>
@@ -118,6 +119,51 @@ class AVSKCallbackSequence {
     std::vector<Entry> entries;
     int underWay = 0;
     bool mustReclaim = false;
+};
+
+// Knows which sequences hold items of which plugin, so that unloading a plugin
+// visits only those. For modules that keep many sequences: command handlers and
+// subscribers of shared data.
+//
+// owner is the member of an item that names its plugin. The sequences must not
+// move and must not be destroyed.
+template <class T, int T::*owner>
+class AVSKOwnedSequences {
+  public:
+    using Sequence = AVSKCallbackSequence<T>;
+
+    void Append(Sequence &sequence, const T &item) {
+        ++itemsOf[item.*owner][&sequence];
+        sequence.Append(item);
+    }
+
+    // Erases the oldest item equal to this one, or with newest the last one.
+    bool EraseOne(Sequence &sequence, const T &item, bool newest) {
+        if (!sequence.EraseOne([&item](const T &each) { return each == item; }, newest))
+            return false;
+        auto &sequences = itemsOf[item.*owner];
+        const auto found = sequences.find(&sequence);
+        if (--found->second == 0)
+            sequences.erase(found);
+        return true;
+    }
+
+    // Erases all items of a plugin.
+    void EraseAllOf(int plugin) {
+        const auto node = itemsOf.extract(plugin);
+        if (node.empty())
+            return;
+        for (const auto &[sequence, count] : node.mapped())
+            sequence->EraseAll([plugin](const T &each) { return each.*owner == plugin; });
+    }
+
+    bool Holds(int plugin) const {
+        const auto found = itemsOf.find(plugin);
+        return found != itemsOf.end() && !found->second.empty();
+    }
+
+  private:
+    std::unordered_map<int, std::unordered_map<Sequence *, int>> itemsOf; // counts, by plugin and sequence
 };
 
 #endif

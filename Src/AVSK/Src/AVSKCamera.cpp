@@ -112,4 +112,4 @@ void AVSKCameraDisableHook(int pluginID) { ReleaseFrom(pluginID); }
 
 void AVSKCameraCleanupHook(int pluginID) { ReleaseFrom(pluginID); }
 
-bool AVSKCameraHolds(int pluginID) { return gIsControlled && pluginID == gCurrentControlPlugin; }
+bool CameraHolds(int pluginID) { return gIsControlled && pluginID == gCurrentControlPlugin; }

@@ -1,7 +1,7 @@
-// Datarefs: the registry of names, the pool of records whose addresses are
-// the handles, and typed access. Owns gDataRefs, gNames, gDataBlock,
-// gDataPages, gDataFree and gDataCount; called by plugins and by the library's
-// own values.
+// Datarefs: the index of names, the pool of records, whose addresses are the
+// handles, and typed reads and writes. Owns gDataRefs, gNames, gDataBlock,
+// gDataPages, gDataFree, gDataCount and gOwned; called by plugins, the host and the
+// library. Shared data is in AVSKDataAccessShared.cpp.
 #include "AVSKDataAccess.h"
 
 #include "AVSKDispatch.h"
@@ -15,14 +15,14 @@
 #include <vector>
 
 std::map<std::string, AVSKData_t *> &gDataRefs = *new std::map<std::string, AVSKData_t *>;
-AVSKDataBlock *gDataBlock = nullptr;
-AVSKDataBlock *gDataFree = nullptr;
+DataBlock *gDataBlock = nullptr;
+DataBlock *gDataFree = nullptr;
 int gDataCount = 0;
 
 namespace {
 
-// Finds a name without ordering it: open addressing over records, which are
-// never removed. The ordered map beside it gives the order of cleaning up.
+// A hash table with open addressing; records are never removed. gDataRefs has the
+// same records in the order of their names.
 class NameIndex {
   public:
     AVSKData_t *Find(std::string_view name) const {
@@ -38,7 +38,7 @@ class NameIndex {
         }
     }
 
-    // Makes room for one more record, so that Insert cannot fail.
+    // Reserves a slot for one more record, so that Insert cannot fail.
     void Reserve() {
         if (2 * (used + 1) <= slots.size())
             return;
@@ -56,8 +56,7 @@ class NameIndex {
     }
 
   private:
-    // The name's text stands here too, so that it and the record are fetched
-    // side by side.
+    // The name is here too: its text and the record are fetched in parallel.
     struct Slot {
         std::size_t hash = 0;
         std::string_view name;
@@ -80,13 +79,13 @@ class NameIndex {
 
 NameIndex &gNames = *new NameIndex;
 
-// Each block lies on a page of its own, and a table over the address space
-// says of each page how many of its slots are handed out and which are
-// owned. So a handle is validated without a walk along the blocks.
+// Each block has a memory page of its own. A table over the address space holds
+// for each page how many slots are in use and which have an owner, so a handle
+// is validated without a search of the blocks.
 constexpr std::size_t kPageBits = 12;
 constexpr std::size_t kPageSize = 1U << kPageBits;
 constexpr std::size_t kLeafBits = 10;
-static_assert(sizeof(AVSKDataBlock) <= kPageSize, "a block is one page");
+static_assert(sizeof(DataBlock) <= kPageSize, "a block is one page");
 
 struct DataPage {
     std::uint32_t used = 0;
@@ -103,10 +102,10 @@ DataPage *&LeafOf(std::uintptr_t address) { return gDataPages[address >> (kPageB
 std::size_t PageInLeaf(std::uintptr_t address) { return (address >> kPageBits) & ((1U << kLeafBits) - 1); }
 
 std::size_t SlotOf(std::uintptr_t address) {
-    return ((address & (kPageSize - 1)) - AVSKDataBlock::kHeaderSize) / sizeof(AVSKData_t);
+    return ((address & (kPageSize - 1)) - DataBlock::kHeaderSize) / sizeof(AVSKData_t);
 }
 
-// The page of a handle that a slot was handed out for, else null.
+// The page of the record whose address the handle is, or null.
 DataPage *PageOf(const void *handle) {
     const std::uintptr_t address = AddressOf(handle);
     DataPage *leaf = LeafOf(address);
@@ -114,25 +113,48 @@ DataPage *PageOf(const void *handle) {
         return nullptr;
     DataPage &page = leaf[PageInLeaf(address)];
     // Below the first slot the subtraction wraps to a large number.
-    const std::size_t offset = (address & (kPageSize - 1)) - AVSKDataBlock::kHeaderSize;
+    const std::size_t offset = (address & (kPageSize - 1)) - DataBlock::kHeaderSize;
     if (offset >= page.used * sizeof(AVSKData_t) || offset % sizeof(AVSKData_t) != 0)
         return nullptr;
     return &page;
 }
 
-void SetOwner(AVSKData_t *record, int owner) {
+// The first dataref of each owner, by plugin ID. The others follow in the records.
+std::vector<AVSKData_t *> &gOwned = *new std::vector<AVSKData_t *>;
+
+AVSKData_t *FirstOwned(int owner) {
+    return static_cast<std::size_t>(owner) < gOwned.size() ? gOwned[static_cast<std::size_t>(owner)] : nullptr;
+}
+
+void TakeOwner(AVSKData_t *record, int owner) {
     record->owner = owner;
-    DataPage *page = PageOf(record);
-    const std::uint32_t bit = 1U << SlotOf(AddressOf(record));
     if (owner == NO_PLUGIN_ID)
-        page->owned &= ~bit;
+        return;
+    PageOf(record)->owned |= 1U << SlotOf(AddressOf(record));
+    const auto index = static_cast<std::size_t>(owner);
+    if (index >= gOwned.size())
+        gOwned.resize(index + 1);
+    record->previousOwned = nullptr;
+    record->nextOwned = gOwned[index];
+    if (record->nextOwned)
+        record->nextOwned->previousOwned = record;
+    gOwned[index] = record;
+}
+
+void DropOwner(AVSKData_t *record) {
+    if (record->nextOwned)
+        record->nextOwned->previousOwned = record->previousOwned;
+    if (record->previousOwned)
+        record->previousOwned->nextOwned = record->nextOwned;
     else
-        page->owned |= bit;
+        gOwned[static_cast<std::size_t>(record->owner)] = record->nextOwned;
+    PageOf(record)->owned &= ~(1U << SlotOf(AddressOf(record)));
+    record->owner = NO_PLUGIN_ID;
 }
 
 void AllocDataBlock() {
-    void *memory = ::operator new(sizeof(AVSKDataBlock), std::align_val_t(kPageSize));
-    auto *block = new (memory) AVSKDataBlock();
+    void *memory = ::operator new(sizeof(DataBlock), std::align_val_t(kPageSize));
+    auto *block = new (memory) DataBlock();
     DataPage *&leaf = LeafOf(AddressOf(block));
     if (!leaf)
         leaf = new DataPage[1U << kLeafBits];
@@ -154,8 +176,8 @@ AVSKData_t *AllocDataRef() {
     return record;
 }
 
-// Reads and writes are one function for all types: the accessor's member and
-// its arguments are all that differs.
+// One function reads and one writes all types; the types differ only in the
+// accessor's member and its arguments.
 template <class Result, class... Arguments>
 Result Read(AVSKDataRef ref, Result (*AVSKData_t::*accessor)(void *, Arguments...), Arguments... arguments) {
     if (!ref || !(ref->*accessor))
@@ -232,7 +254,7 @@ AVSKDataRef AVSKRegisterDataAccessor(const char *name, int types, int writable, 
     record->writeData = writeData;
     record->readRefcon = readRefcon;
     record->writeRefcon = writeRefcon;
-    SetOwner(record, AVSKGetDispatchedPlugin());
+    TakeOwner(record, AVSKGetDispatchedPlugin());
     return record;
 }
 
@@ -242,8 +264,8 @@ void AVSKUnregisterDataAccessor(AVSKDataRef ref) {
         AVSKSendError("Dataref is illegal and cannot be unregistered.");
     else if (record->owner != AVSKGetDispatchedPlugin())
         AVSKSendError("Dataref is not owned by you - you cannot unregsiter.");
-    else
-        SetOwner(record, NO_PLUGIN_ID);
+    else if (record->owner != NO_PLUGIN_ID)
+        DropOwner(record);
 }
 
 int AVSKCanWriteDataRef(AVSKDataRef ref) {
@@ -262,17 +284,11 @@ int AVSKGetDataRefTypes(AVSKDataRef ref) {
 }
 
 void AVSKDataRefsCleanupHook(int pluginID) {
-    for (const auto &[name, record] : gDataRefs)
-        if (record->owner == pluginID)
-            SetOwner(record, NO_PLUGIN_ID);
+    while (AVSKData_t *record = FirstOwned(pluginID))
+        DropOwner(record);
 }
 
-bool AVSKDataRefsHolds(int pluginID) {
-    for (const auto &[name, record] : gDataRefs)
-        if (record->owner == pluginID)
-            return true;
-    return false;
-}
+bool DataRefsHold(int pluginID) { return FirstOwned(pluginID) != nullptr; }
 
 int AVSKGetDatai(AVSKDataRef ref) { return Read(ref, &AVSKData_t::readInt); }
 

@@ -1,11 +1,13 @@
-// Results that reach a plugin later than the call that asked for them, and
-// the queues in which they wait.
+// Deliveries, results that reach a plugin later than the call that asked for
+// them, and their queues. Floor 3; defined in AVSKLoaderDeliveries.cpp.
 #ifndef AVSK_DELIVERY_H
 #define AVSK_DELIVERY_H
 
 #include "AVSK/AVSKTypes.h"
 
-// Known to be local, so that it is reached without the global offset table.
+struct PluginRecord;
+
+// Hidden symbols are reached without the global offset table.
 #pragma GCC visibility push(hidden)
 
 // One result. A subclass carries it, and frees itself in DeliverToPlugin.
@@ -14,10 +16,10 @@ class AVSKDelivery {
     AVSKPluginID pluginID = NO_PLUGIN_ID; // -1 also after its plugin was unloaded
     AVSKDelivery *next = nullptr;
     AVSKDelivery *prev = nullptr;
-    bool arrived = false; // sent once; further reports of the same completion are ignored
+    bool arrived = false; // further reports of the same completion are ignored
 
-    // Hands the result to its plugin, or, when cancelled, releases it without
-    // calling any plugin. The library does not touch the delivery afterwards.
+    // Hands the result to its plugin or, when cancelled, releases it without
+    // calling a plugin. The library does not touch the delivery afterwards.
     virtual void DeliverToPlugin(bool cancelled) = 0;
 
   protected:
@@ -28,14 +30,14 @@ class AVSKDelivery {
     ~AVSKDelivery() = default;
 };
 
-// The start of a queue; its next is the delivery queued last. It must not
-// move while something is queued: the first delivery points back at it.
+// The start of a queue; its next is the delivery queued last. A head does not
+// move while something is queued, because the first delivery points back at it.
 class AVSKDeliveryHead final : public AVSKDelivery {
   public:
     void DeliverToPlugin(bool /*cancelled*/) override {} // unreachable: a head is in no queue
 };
 
-extern AVSKDeliveryHead orphaned; // pending deliveries of plugins that are gone
+extern AVSKDeliveryHead orphaned; // pending deliveries of unloaded plugins
 
 // Queues a delivery first.
 void AVSKDeliveryEnqueue(AVSKDeliveryHead &head, AVSKDelivery *d);
@@ -46,9 +48,15 @@ AVSKDelivery *AVSKDeliveryPop(AVSKDeliveryHead &head);
 
 // Queues a delivery with its plugin until the host completes it.
 void AVSKQueueDelivery(AVSKDelivery *d);
-// Says that the host has completed it: delivers it, holds it back while its
-// plugin is disabled, or cancels it if its plugin is gone.
+// The host has completed the request: delivers the result, defers it while the
+// plugin is disabled, or cancels it if the plugin was unloaded.
 void AVSKSendDelivery(AVSKDelivery *d);
+
+// Delivers what was deferred, as long as the plugin stays enabled.
+void DeliverDeferred(PluginRecord &record);
+// Cancels the deferred deliveries of a plugin that is unloaded, and orphans the
+// pending ones: they are cancelled when the host completes them.
+void AbandonDeliveries(PluginRecord &record);
 
 #pragma GCC visibility pop
 

@@ -1,11 +1,12 @@
 // The dispatched plugin, on whose account the library works at this moment,
-// and the guard inside which every call into a plugin is made.
+// and the guard inside which the library calls a plugin. Floor 3; defined in
+// AVSKLoaderRegistry.cpp.
 #ifndef AVSK_DISPATCH_H
 #define AVSK_DISPATCH_H
 
-#include "AVSKLoader.h"
+#include "AVSK/AVSKTypes.h"
 
-// Known to be local, so that it is reached without the global offset table.
+// Hidden symbols are reached without the global offset table.
 #pragma GCC visibility push(hidden)
 
 extern int gDispatchedPlugin;
@@ -13,8 +14,16 @@ extern int gDispatchedPlugin;
 void AVSKSetDispatchedPlugin(int id);
 int AVSKGetDispatchedPlugin();
 
-// What AVSKDebugGetCurrentPluginName answers.
+// What AVSKDebugGetCurrentPluginName returns.
 const char *DebugCurrentPluginName();
+
+// The enabled flags of the registry's records, side by side: a guard reads
+// them without touching a record. Only the registry writes them.
+struct CallFlags {
+    const unsigned char *enabled;
+    unsigned count;
+};
+extern CallFlags gCallFlags;
 
 // Makes a plugin the dispatched one until the end of the scope, and tells
 // whether it may be called:
@@ -29,8 +38,8 @@ const char *DebugCurrentPluginName();
 //         if (guard.Enter(rec.owner))
 //             rec.callback(rec.refcon);
 //
-// The guards under way are frames of a stack. A plugin that is unloaded while
-// one of its calls is among them stays mapped until the stack is empty.
+// The guards under way are the frames of a stack. A plugin that is unloaded
+// while one of them is for it stays mapped until the stack is empty.
 class [[nodiscard]] StDispatchCallback {
   public:
     StDispatchCallback() : previous(gDispatchedPlugin), frame(Push(previous)) {}
@@ -40,9 +49,9 @@ class [[nodiscard]] StDispatchCallback {
         callAllowed = MayCall(id);
     }
 
-    // Inline also where an exception passes, or the guard would live in memory.
-    // The top is put back, not counted down: each call would wait for what the
-    // one before has just stored.
+    // Inline also on the path of an exception; otherwise the guard would live
+    // in memory. The top is restored from the guard, not decremented: a
+    // decrement would wait for the store of the call before.
     [[gnu::always_inline]] ~StDispatchCallback() {
         stack.top = frame;
         gDispatchedPlugin = previous;
@@ -62,29 +71,29 @@ class [[nodiscard]] StDispatchCallback {
         return MayCall(id);
     }
 
-    // Unloads a plugin's library, now or, while one of its calls is under way,
-    // when the last call is over. What such a call still does is on nobody's
-    // account, for a plugin loaded meanwhile may have the same ID.
+    // Unmaps a plugin's library: at once, or when the stack is empty if a call
+    // of the plugin is under way. The rest of such a call is on nobody's
+    // account, because a plugin loaded meanwhile may have the same ID.
     static void ReleaseLibrary(int id, void *handle);
 
   private:
     static bool MayCall(int id) {
         if (static_cast<unsigned>(id) < gCallFlags.count) [[likely]]
             return gCallFlags.enabled[id] != 0;
-        return id == AVSK_PLUGIN_AERIVO; // before there are records
+        return id == AVSK_PLUGIN_AERIVO; // while the registry is empty
     }
 
-    // Kept apart from the guards: nothing points at a guard, so that its
+    // The stack is kept outside the guards. Nothing points at a guard, so its
     // members stay in registers.
     struct Stack {
         int *top; // the frame of the next call
         bool unloadsWait;
     };
 
-    // Calls deeper than the recorded ones share the last frame, which nobody
-    // reads; the one before it only tells the two apart.
+    // Calls nested deeper than kRecordedCalls share the last frame, which
+    // nobody reads. The frame before it separates the two.
     static constexpr int kRecordedCalls = 1024;
-    static int frames[kRecordedCalls + 2]; // the plugins called
+    static int frames[kRecordedCalls + 2]; // plugin IDs
     static constexpr int *kSharedFrame = frames + kRecordedCalls + 1;
 
     static int *Push(int id) {

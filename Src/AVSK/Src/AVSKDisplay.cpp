@@ -12,6 +12,8 @@
 #include "AVSKResourceList.h"
 #include "AVSKScopedValue.h"
 
+#include "AVSK/AVSKPlugins.h"
+
 #include <vector>
 
 struct AVSKDrawCallbackRecord : AVSKResource_t<AVSKDrawCallbackRecord> {
@@ -443,12 +445,14 @@ void DestroyWindowsOf(int pluginID) {
 void RemoveCutOffWindowsOf(int pluginID) {
     std::vector<AVSKWindowCallbackRecord *> cutOff;
     AVSKWindowCallbackRecord::ForEach([pluginID, &cutOff](AVSKWindowCallbackRecord *window) {
-        if (HeldBy(pluginID)(*window))
+        if (window->owner == pluginID)
             cutOff.push_back(window);
     });
     for (AVSKWindowCallbackRecord *window : cutOff) {
+        window->owner = NO_PLUGIN_ID; // a removed window that was brought to the front can still be called
         Forget(window);
-        gWindows.Remove(window);
+        if (!window->IsRemoved())
+            gWindows.Remove(window);
     }
 }
 
@@ -462,7 +466,7 @@ void AVSKDisplayCleanupHook(int pluginID) {
     RemoveHotKeysOf(pluginID);
 }
 
-bool AVSKDisplayHolds(int pluginID) {
+bool DisplayHolds(int pluginID) {
     return gDrawCallbacks.Any(HeldBy(pluginID)) || gWindows.Any(HeldBy(pluginID)) ||
            HoldsKeySniffersOrHotKeys(pluginID);
 }

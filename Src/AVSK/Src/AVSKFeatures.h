@@ -1,11 +1,12 @@
-// Switches by which a plugin asks for newer behaviour.
+// Features, the switches by which a plugin asks for newer behaviour. Floor 3;
+// defined in AVSKLoaderPlugins.cpp.
 #ifndef AVSK_FEATURES_H
 #define AVSK_FEATURES_H
 
-// Known to be local, so that it is reached without the global offset table.
+// Hidden symbols are reached without the global offset table.
 #pragma GCC visibility push(hidden)
 
-enum AVSKFeatureID {
+enum FeatureID {
     kFeatureWantsReflections = 0,
     kFeatureUseNativePaths = 1,
     kFeatureCount = 2
@@ -13,11 +14,11 @@ enum AVSKFeatureID {
 
 extern const char *const kFeatureNames[kFeatureCount];
 
-// The ID of a feature, -1 for an unknown name.
+// The ID of a feature, or -1.
 int AVSKFeatureToID(const char *name);
-// A plugin's setting, 0 for an ID that is no plugin's.
+// A plugin's setting, or 0 if the plugin ID is invalid.
 int AVSKHasFeatureInternal(int pluginID, int featureID);
-// Whether paths that the dispatched plugin gives and gets are converted.
+// Whether paths from and to the dispatched plugin are converted.
 bool AVSKNeedPathConvert();
 
 #pragma GCC visibility pop

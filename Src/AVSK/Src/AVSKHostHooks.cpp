@@ -1,21 +1,16 @@
-// The entry points through which the host starts and stops the library and
-// reports what happens. Each hands over to one handler; AVSKEventHook alone
-// has logic of its own. Owns the host's table.
-#include "AVSKHostTable.h"
-
+// The hooks: entry points through which the host starts and stops the library
+// and reports what happens. Each calls one handler of a module; only
+// AVSKEventHook has logic of its own. No globals; called by the host. Floor 5.
 #include "AVSKDispatch.h"
+#include "AVSKHostTable.h"
 #include "AVSKLoader.h"
 #include "AVSKModules.h"
 
 #include "AVSK/AVSKDataAccess.h"
 #include "AVSK/AVSKDisplay.h"
+#include "AVSK/AVSKPlugins.h"
 
 #include <cstdio>
-#include <cstring>
-
-const AVSKHostCallbacks *gHooks = nullptr;
-AVSKWord gSelf = 0;
-char gDirSeparator[2] = "";
 
 namespace {
 
@@ -25,7 +20,7 @@ void PublishBuild() {
     AVSKSetDatab(AVSKFindDataRef("sim/version/avsk_build_string"), build, 0, length + 1);
 }
 
-// The host is the sender, whoever's call brought us here.
+// The host is the sender, even if a plugin's call led here.
 int Broadcast(int message, AVSKWord parameter) {
     const StDispatchCallback asHost(AVSK_PLUGIN_AERIVO);
     AVSKSendMessageToPlugin(NO_PLUGIN_ID, message, reinterpret_cast<void *>(parameter));
@@ -35,9 +30,7 @@ int Broadcast(int message, AVSKWord parameter) {
 } // namespace
 
 int AVSKInitializePlugins(const char *path, const AVSKHostCallbacks *table, AVSKWord self) {
-    gSelf = self;
-    gHooks = table;
-    std::strcpy(gDirSeparator, "/");
+    SetHostTable(table, self);
     AVSKInitMenus();
     PublishBuild();
     AVSKFindAndLoadPlugins(path ? path : "");
@@ -45,11 +38,10 @@ int AVSKInitializePlugins(const char *path, const AVSKHostCallbacks *table, AVSK
     return AVSK_HOST_INTERFACE;
 }
 
-void AVSKShutdownPlugins() { AVSKDisableAndUnloadPlugins(); }
+void AVSKShutdownPlugins() { DisableAndUnloadPlugins(); }
 
-// Loading leaves the host dispatched. A plugin whose call brought us here is
-// restored, or what it goes on to register would be on the host's account and
-// outlive it.
+// Loading leaves the host dispatched. A guard restores the plugin whose call
+// led here; otherwise the host would own, and keep, what the plugin registers next.
 int AVSKEventHook(int event, float elapsed, int /*unused*/, AVSKWord parameter) {
     switch (event) {
     case AVSKHostEventFrame:
@@ -69,7 +61,7 @@ int AVSKEventHook(int event, float elapsed, int /*unused*/, AVSKWord parameter) 
         Broadcast(AVSKMessagePlaneLoaded, parameter);
         if (parameter == 0) {
             const StDispatchCallback restoring;
-            AVSKLoadUsersAircraftPlugins();
+            LoadUsersAircraftPlugins();
         }
         return 1;
     case AVSKHostEventBroadcast103:
@@ -101,7 +93,7 @@ int AVSKEventHook(int event, float elapsed, int /*unused*/, AVSKWord parameter) 
 
 int AVSKDoDrawingHook(int drawCode, int reflection) { return AVSKDisplayDoDrawingHook(drawCode, reflection); }
 
-// Drags do not come from the host: the window pass asks for them.
+// The host reports no drags: the drawing of the windows asks for the mouse.
 int AVSKMouseClickHook(int x, int y, int down) {
     return AVSKDisplayMouseClickHook(x, y, down ? AVSKMouseDown : AVSKMouseUp);
 }

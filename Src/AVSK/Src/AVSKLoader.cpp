@@ -1,127 +1,78 @@
-// The core: the registry of plugins and who is dispatched, discovery, loading
-// and unloading, enabling and messages, features, deliveries and errors. Owns
-// gAllPlugins, gCallFlags, gEnabledFlags, gCurrentAircraftPluginIDS,
-// gScheduleReload, gDispatchedPlugin, gIsUnloadingAll, gWaitingLibraries,
-// kFeatureNames and orphaned; called by plugins, the host's hooks and every module.
+// The life cycle of plugins: discovery, loading, unloading, enabling, disabling
+// and reloading. Owns gCurrentAircraftPluginIDS, gScheduleReload and
+// gIsUnloadingAll; called by the hooks, the pass of flight loops and plugins.
 //
-// Any call into a plugin or the host may come back in here and load or unload
-// plugins. A function that needs a record after such a call holds a share of
-// it, and asks it whether its plugin is still there.
+// Any call into a plugin or the host may re-enter the loader and load or unload
+// plugins. A function that needs a record after such a call shares it, and then
+// checks whether the plugin was unloaded.
 #include "AVSKLoader.h"
 
+#include "AVSKDelivery.h"
 #include "AVSKDispatch.h"
-#include "AVSKErrors.h"
 #include "AVSKHostTable.h"
+#include "AVSKLoaderRegistry.h"
 #include "AVSKModules.h"
 #include "AVSKPlatform.h"
 #include "AVSKScopedValue.h"
-#include "UTL_unicode.h"
+
+#include "AVSK/AVSKPlugins.h"
 
 #include <algorithm>
-#include <climits>
-#include <cstdarg>
-#include <cstdio>
 #include <cstring>
 #include <exception>
-#include <initializer_list>
 #include <string_view>
+#include <type_traits>
 #include <utility>
 
-// Like the other modules', globals that hold memory are never destroyed: a
-// host may stop the library while the process exits.
-PluginRegistry &gAllPlugins = *new PluginRegistry;
-AVSKCallFlags gCallFlags = {};
 std::vector<int> &gCurrentAircraftPluginIDS = *new std::vector<int>;
 bool gScheduleReload = false;
-int gDispatchedPlugin = AVSK_PLUGIN_AERIVO;
-const char *const kFeatureNames[kFeatureCount] = {"AVSK_WANTS_REFLECTIONS", "AVSK_USE_NATIVE_PATHS"};
-AVSKDeliveryHead orphaned;
-
-int StDispatchCallback::frames[kRecordedCalls + 2];
-constinit StDispatchCallback::Stack StDispatchCallback::stack = {frames, false};
 
 namespace {
 
-using PluginShare = std::shared_ptr<PluginRecord>;
-
-// The order in which an unloaded plugin's things go.
+// Unloading runs the clean-up functions in this order.
 struct ModuleTeardown {
-    void (*cleanup)(int pluginID);
+    void (*cleanUp)(int pluginID);
     bool (*holds)(int pluginID);
 };
 constexpr ModuleTeardown kTeardown[] = {
-    {AVSKCommandCleanupHook, AVSKCommandHolds},
-    {AVSKDisplayCleanupHook, AVSKDisplayHolds},
-    {AVSKProcessingCleanupHook, AVSKProcessingHolds},
-    {AVSKCameraCleanupHook, AVSKCameraHolds},
-    {AVSKMenuCleanupHook, AVSKMenuHolds},
-    {AVSKPlaneCleanupHook, AVSKPlaneHolds},
-    {AVSKDataRefsCleanupHook, AVSKDataRefsHolds},
-    {AVSKSharedDataCleanupHook, AVSKSharedDataHolds},
-    {AVSKSceneryCleanupHook, AVSKSceneryHolds},
+    {AVSKCommandCleanupHook, CommandsHold},
+    {AVSKDisplayCleanupHook, DisplayHolds},
+    {AVSKProcessingCleanupHook, ProcessingHolds},
+    {AVSKCameraCleanupHook, CameraHolds},
+    {AVSKMenuCleanupHook, MenusHold},
+    {AVSKPlaneCleanupHook, PlanesHold},
+    {AVSKDataRefsCleanupHook, DataRefsHold},
+    {AVSKSharedDataCleanupHook, SharedDataHolds},
+    {AVSKSceneryCleanupHook, SceneryHolds},
 };
 
-// The order in which a disabled plugin loses what needs it to be awake.
-constexpr void (*kDisableHooks[])(int pluginID) = {
+// Disabling runs the disable functions in this order.
+constexpr void (*kDisableFunctions[])(int pluginID) = {
     AVSKDisplayDisableHook,
     AVSKCameraDisableHook,
     AVSKPlaneDisableHook,
 };
 
-std::vector<void *> &gWaitingLibraries = *new std::vector<void *>; // unloaded while a call into them was under way
-
-// What stands on the stack of calls for a plugin that was unloaded during its call.
-int FrameOfUnloaded(int id) { return id | INT_MIN; }
-
-int PluginCount() { return static_cast<int>(gAllPlugins.size()); }
-
-PluginShare ShareOf(int id) { return AVSKPluginAt(id) ? gAllPlugins[static_cast<unsigned>(id)] : nullptr; }
-
-// ---- The registry and its flags change together
-
-std::vector<unsigned char> &gEnabledFlags = *new std::vector<unsigned char>;
-
-void PublishFlags() { gCallFlags = {gEnabledFlags.data(), static_cast<unsigned>(gEnabledFlags.size())}; }
-
-int Append(const PluginShare &record) {
-    gEnabledFlags.push_back(record->enabled);
-    gAllPlugins.push_back(record);
-    PublishFlags();
-    return record->id = PluginCount() - 1;
+bool AnyModuleHolds(int id) {
+    return std::any_of(std::begin(kTeardown), std::end(kTeardown),
+                       [id](const ModuleTeardown &module) { return module.holds(id); });
 }
 
-void RemoveLast() {
-    gAllPlugins.pop_back();
-    gEnabledFlags.pop_back();
-    PublishFlags();
-}
-
-PluginRegistry RemoveAll() {
-    gEnabledFlags.clear();
-    PublishFlags();
-    return std::exchange(gAllPlugins, {});
-}
-
-void SetEnabled(PluginRecord &record, bool enabled) {
-    record.enabled = enabled;
-    if (AVSKPluginAt(record.id) == &record)
-        gEnabledFlags[static_cast<unsigned>(record.id)] = enabled;
-}
-
-void Log(std::initializer_list<const char *> pieces) {
-    for (const char *piece : pieces)
-        AVSKDebugString(piece);
+void CleanUp(int id) {
+    for (const ModuleTeardown &module : kTeardown)
+        module.cleanUp(id);
 }
 
 bool gIsUnloadingAll = false;
 
-// Nothing is loaded before the host has its ID, nor while everything is being
-// unloaded, whatever the host reports from inside its services then.
+// Nothing is loaded before the host has its ID, nor while every plugin is
+// being unloaded, whatever the host reports during these calls.
 bool MayLoad() { return !gAllPlugins.empty() && !gIsUnloadingAll; }
 
-// The last calls into plugins that go. Going is finished whatever they
-// throw; the first exception passes on when it is. It may be an object of any
-// of the plugins, so while one is held no library is unmapped.
+// The last calls into plugins that are disabled or unloaded. Unloading
+// completes even if these calls throw; the first exception passes on
+// afterwards. Its type may live in the library of any of the plugins, so none
+// is unmapped while an exception is held.
 class LastCalls {
   public:
     LastCalls() = default;
@@ -155,56 +106,32 @@ class LastCalls {
     static inline int held = 0;
 };
 
-// ---- Deliveries of plugins that go
-
-// Pending deliveries end as cancellations when the host completes them, the
-// completed ones now.
-void AbandonDeliveries(PluginRecord &record) {
-    while (AVSKDelivery *pending = AVSKDeliveryPop(record.pendingDeliveries)) {
-        if (record.id != AVSK_PLUGIN_AERIVO) // which comes back as what it was
-            pending->pluginID = NO_PLUGIN_ID;
-        AVSKDeliveryEnqueue(orphaned, pending);
-    }
-    while (AVSKDelivery *deferred = AVSKDeliveryPop(record.deferredDeliveries)) {
-        deferred->pluginID = NO_PLUGIN_ID;
-        deferred->DeliverToPlugin(true);
-    }
-}
-
 // ---- Loading
 
-// Empties what the loader must never call again.
+using StartFunction = int (*)(char *name, char *signature, char *description);
+
+// Clears everything through which the library could call the plugin.
 void ForgetEntryPoints(PluginRecord &record) {
     record.stopFunc = nullptr;
     record.enableFunc = nullptr;
     record.disableFunc = nullptr;
     record.receiveMessageFunc = nullptr;
     record.errorCallback = nullptr;
-    SetEnabled(record, false);
+    SetPluginEnabled(record, false);
     record.unloaded = true;
 }
 
-// Takes a rejected record out of the registry. Plugins that were loaded
-// during its own start stand behind it and keep their IDs: it stays, empty.
+// Removes a rejected record. If the plugin's start call loaded other plugins,
+// these stand behind it and keep their IDs; then the record stays, empty.
 void Withdraw(const PluginShare &record) {
     ForgetEntryPoints(*record);
     if (!gAllPlugins.empty() && gAllPlugins.back() == record)
-        RemoveLast();
+        RemoveLastPlugin();
     AbandonDeliveries(*record);
 }
 
-bool AnyModuleHolds(int id) {
-    return std::any_of(std::begin(kTeardown), std::end(kTeardown),
-                       [id](const ModuleTeardown &module) { return module.holds(id); });
-}
-
-void CleanUp(int id) {
-    for (const ModuleTeardown &module : kTeardown)
-        module.cleanup(id);
-}
-
-// The three texts a plugin fills in. It is promised 256 bytes each; one that
-// writes more reaches the reserve, not the stack.
+// A text that a plugin fills in at its start. The plugin is promised 256
+// bytes; the reserve protects the stack from one that writes more.
 struct StartText {
     char text[AVSK_TEXT_SIZE];
     char reserve[4096 - AVSK_TEXT_SIZE];
@@ -214,6 +141,103 @@ struct StartText {
         return text;
     }
 };
+
+struct StartTexts {
+    StartText name;
+    StartText signature;
+    StartText description;
+};
+
+// Looks the optional entry points up after the start entry, which it returns.
+StartFunction FindEntryPoints(void *handle, PluginRecord &record) {
+    const auto find = [handle](auto &entry, const char *name) {
+        entry = reinterpret_cast<std::remove_reference_t<decltype(entry)>>(AVSKFindSymbol(handle, name, 1));
+    };
+    StartFunction start = nullptr;
+    find(start, "AVPluginStart");
+    find(record.stopFunc, "AVPluginStop");
+    find(record.enableFunc, "AVPluginEnable");
+    find(record.disableFunc, "AVPluginDisable");
+    find(record.receiveMessageFunc, "AVPluginReceiveMessage");
+    return start;
+}
+
+// Loads a library that has a start entry, and makes its record. Null, and the
+// library is unloaded, if it is not a plugin.
+PluginShare OpenPlugin(const std::string &path, int reportMissing, StartFunction &start) {
+    void *handle = AVSKLoadDLL(path.c_str());
+    if (!handle) {
+        if (reportMissing)
+            WriteLog({"Failed: ", path.c_str(),
+                      ".  (This file is missing, not a DLL or could not be loaded due to another missing DLL.)\n\n"});
+        return nullptr;
+    }
+    auto record = std::make_shared<PluginRecord>();
+    start = FindEntryPoints(handle, *record);
+    if (!start)
+        WriteLog({"Failed: ", path.c_str(),
+                  ".  (This file is a loadable DLL but is missing the AVPluginStart callback.)\n\n"});
+    if (!start || !MayLoad()) { // the host may shut down from inside its log
+        AVSKUnloadDLL(handle);
+        return nullptr;
+    }
+    record->handle = handle;
+    record->path = path;
+    record->name = StripPluginsFolder(path.c_str());
+    record->description = path;
+    return record;
+}
+
+// Calls the start entry of a plugin in the registry. False if the plugin
+// refused, and is withdrawn, or if the host unloaded it during the call.
+bool StartPlugin(const PluginShare &record, StartFunction start, StartTexts &texts) {
+    // A text that the plugin leaves alone is empty.
+    texts.name.text[0] = texts.signature.text[0] = texts.description.text[0] = '\0';
+    bool accepted = false;
+    {
+        const StDispatchCallback starting(record->id);
+        try {
+            accepted = start(texts.name.text, texts.signature.text, texts.description.text) != 0;
+        } catch (...) {
+            Withdraw(record); // the library stays mapped: the exception's type may live in it
+            throw;
+        }
+        if (!accepted && !record->unloaded)
+            WriteLog({"Failed: ", record->path.c_str(),
+                      ". (The plugin refused to start by returning 0 from AVPluginStart.)\n\n"});
+    }
+    if (record->unloaded)
+        return false;
+    if (!accepted)
+        Withdraw(record);
+    return accepted;
+}
+
+// Unloads the library of a plugin that refused to start. What the plugin
+// registered passes to the next plugin with its ID and may call into the
+// library, which then stays mapped.
+void ReleaseRefused(PluginRecord &record) {
+    if (record.handle && !AnyModuleHolds(record.id))
+        StDispatchCallback::ReleaseLibrary(record.id, record.handle);
+}
+
+// Unloads a plugin whose signature is taken, as the dispatched plugin.
+void RejectDuplicate(const PluginShare &record, const std::string &signature) {
+    try {
+        // This frame keeps the library mapped while an exception of its stop call passes.
+        const StDispatchCallback asHost(AVSK_PLUGIN_AERIVO);
+        const AVSKScopedValue dispatched(gDispatchedPlugin, record->id);
+        UnloadOnePlugin(record->id);
+    } catch (...) {
+        Withdraw(record);
+        throw;
+    }
+    Withdraw(record);
+    WriteLog({"Warning: ", record->path.c_str(), " Signature: ", signature.c_str(),
+              ". (A version of this plugin is already loaded.)\n"});
+}
+
+// ---- Folders
 
 std::vector<std::string> SortedContents(const std::string &folder, const char *pattern) {
     std::vector<std::string> names;
@@ -231,7 +255,7 @@ void LoadFatPluginsOf(const std::string &folder, std::vector<int> &ids) {
     const std::vector<std::string> names = SortedContents(folder, "DIR");
     if (names.empty())
         return;
-    Log({"Fetching plugins for ", folder.c_str(), "\n\n"});
+    WriteLog({"Fetching plugins for ", folder.c_str(), "\n\n"});
     for (const std::string &name : names) {
         if (!MayLoad())
             return;
@@ -255,125 +279,18 @@ bool UsersAircraftFolder(std::string &folder) {
     return true;
 }
 
-void SendMessageTo(int receiver, int sender, int message, void *parameter) {
-    const PluginRecord *record = AVSKPluginAt(receiver);
-    if (!record || !record->receiveMessageFunc)
-        return;
-    if (const StDispatchCallback guard(receiver); guard())
-        record->receiveMessageFunc(sender, message, parameter);
+PluginShare HostRecord() {
+    auto host = std::make_shared<PluginRecord>();
+    host->name = "Aerivo";
+    host->path = "corvane.aerivo.aerivo"; // required: found by path, not by signature
+    host->description = "Aerivo flight simulator";
+    if (AVSKHostHasFullTable(gHooks)) // the receiver is the last slot
+        host->receiveMessageFunc = gHooks->receiveMessage;
+    host->enabled = true;
+    return host;
 }
-
-void ReportUnknownFeature() { AVSKSendError("Illegal feature name passed to AVSKEnableFeature"); }
 
 } // namespace
-
-// ---- Dispatch
-
-bool StDispatchCallback::IsUnderWay(int id) {
-    if (stack.top == kSharedFrame)
-        return true;
-    return std::find(frames, stack.top, id) != stack.top;
-}
-
-void StDispatchCallback::ReleaseLibrary(int id, void *handle) {
-    if (!IsUnderWay(id)) {
-        if (handle)
-            AVSKUnloadDLL(handle);
-        return;
-    }
-    std::replace(frames, std::min(stack.top, frames + kRecordedCalls), id, FrameOfUnloaded(id));
-    if (gDispatchedPlugin == id)
-        gDispatchedPlugin = NO_PLUGIN_ID;
-    stack.unloadsWait = true;
-    if (handle)
-        gWaitingLibraries.push_back(handle);
-}
-
-void StDispatchCallback::ReturnPastUnloads(const int *top, int previous) {
-    if (top != frames) {
-        if (top != kSharedFrame && top[-1] == FrameOfUnloaded(previous))
-            gDispatchedPlugin = NO_PLUGIN_ID;
-        return;
-    }
-    // An exception on its way out may be an object of one of these libraries.
-    if (std::uncaught_exceptions() > 0)
-        return;
-    stack.unloadsWait = false;
-    for (void *handle : std::exchange(gWaitingLibraries, {}))
-        AVSKUnloadDLL(handle);
-}
-
-void AVSKSetDispatchedPlugin(int id) { gDispatchedPlugin = id; }
-
-int AVSKGetDispatchedPlugin() { return gDispatchedPlugin; }
-
-const char *DebugCurrentPluginName() {
-    const int id = gDispatchedPlugin;
-    if (id == NO_PLUGIN_ID)
-        return "[NO_PLUGIN_ID]";
-    if (id == AVSK_PLUGIN_AERIVO)
-        return "[AVSK_PLUGIN_AERIVO]";
-    if (id < 0)
-        return "[Bad plugin ID low]";
-    const PluginRecord *record = AVSKPluginAt(id);
-    return record ? record->name.c_str() : "[Bad plugin ID high]";
-}
-
-const char *AVSKDebugGetCurrentPluginName() { return DebugCurrentPluginName(); }
-
-// ---- Registry
-
-int AVSKGetMyID() { return gDispatchedPlugin; }
-
-int AVSKCountPlugins() { return PluginCount(); }
-
-int AVSKGetNthPlugin(int index) { return index; }
-
-int AVSKIsPluginEnabled(int plugin) {
-    const PluginRecord *record = AVSKPluginAt(plugin);
-    return record && record->enabled;
-}
-
-int AVSKFindPluginByPath(const char *path) {
-    if (!path)
-        return NO_PLUGIN_ID;
-    std::string wanted = path;
-    if (AVSKNeedPathConvert())
-        AVSKOldToUTF8(wanted);
-    for (int id = 0; id < PluginCount(); ++id)
-        if (AVSKPluginAt(id)->path == wanted)
-            return id;
-    return NO_PLUGIN_ID;
-}
-
-int AVSKFindPluginBySignature(const char *signature) {
-    if (!signature)
-        return NO_PLUGIN_ID;
-    const std::string_view wanted = signature;
-    for (int id = 0; id < PluginCount(); ++id)
-        if (AVSKPluginAt(id)->signature == wanted)
-            return id;
-    return NO_PLUGIN_ID;
-}
-
-void AVSKGetPluginInfo(int plugin, char *outName, char *outPath, char *outSignature, char *outDescription) {
-    static const PluginRecord kNobody;
-    const PluginRecord *record = AVSKPluginAt(plugin);
-    if (!record)
-        record = &kNobody;
-    if (outName)
-        strcpytrunc(outName, record->name, AVSK_TEXT_SIZE);
-    if (outPath) {
-        std::string path = record->path;
-        if (AVSKNeedPathConvert())
-            AVSKUTF8ToOld(path);
-        strcpytrunc(outPath, path, AVSK_TEXT_SIZE);
-    }
-    if (outSignature)
-        strcpytrunc(outSignature, record->signature, AVSK_TEXT_SIZE);
-    if (outDescription)
-        strcpytrunc(outDescription, record->description, AVSK_TEXT_SIZE);
-}
 
 // ---- Discovery and loading
 
@@ -389,18 +306,10 @@ const char *StripPluginsFolder(const char *path) {
 
 void AVSKFindAndLoadPlugins(const char *hostFolder) {
     AVSKSetDispatchedPlugin(AVSK_PLUGIN_AERIVO);
-
-    auto host = std::make_shared<PluginRecord>();
-    host->name = "Aerivo";
-    host->path = "corvane.aerivo.aerivo"; // found by path, not by signature: both are relied upon
-    host->description = "Aerivo flight simulator";
-    if (AVSKHostHasFullTable(gHooks)) // it is the last slot
-        host->receiveMessageFunc = gHooks->receiveMessage;
-    host->enabled = true;
-    Append(host);
+    AppendPlugin(HostRecord());
 
     const std::string folder = std::string(hostFolder) + "Resources/plugins";
-    Log({"Fetching plugins for ", folder.c_str(), "\n\n"});
+    WriteLog({"Fetching plugins for ", folder.c_str(), "\n\n"});
     const std::vector<std::string> files = SortedContents(folder, "*.avp");
     if (MayLoad())
         LoadFatPlugin(folder + "/PluginAdmin");
@@ -430,7 +339,7 @@ void AVSKFindAndLoadSceneryPlugins(const char *sceneryFolder) {
         AVSKEnablePlugin(id);
 }
 
-void AVSKLoadUsersAircraftPlugins() {
+void LoadUsersAircraftPlugins() {
     std::string folder;
     if (!UsersAircraftFolder(folder))
         return;
@@ -446,108 +355,43 @@ int LoadFatPlugin(const std::string &folder) {
 }
 
 int LoadOnePlugin(const std::string &path, int reportMissing) {
-    void *handle = AVSKLoadDLL(path.c_str());
-    if (!handle) {
-        if (reportMissing)
-            Log({"Failed: ", path.c_str(),
-                 ".  (This file is missing, not a DLL or could not be loaded due to another missing DLL.)\n\n"});
+    StartFunction start = nullptr;
+    const PluginShare record = OpenPlugin(path, reportMissing, start);
+    if (!record)
+        return NO_PLUGIN_ID;
+    AppendPlugin(record);
+    StartTexts texts;
+    const bool started = StartPlugin(record, start, texts);
+    AVSKSetDispatchedPlugin(AVSK_PLUGIN_AERIVO); // not by a guard: the host stays dispatched
+    if (!started) {
+        ReleaseRefused(*record);
         return NO_PLUGIN_ID;
     }
-
-    auto record = std::make_shared<PluginRecord>();
-    const auto find = [handle](auto &entry, const char *name) {
-        entry = reinterpret_cast<std::remove_reference_t<decltype(entry)>>(AVSKFindSymbol(handle, name, 1));
-    };
-    int (*start)(char *, char *, char *) = nullptr;
-    find(start, "AVPluginStart");
-    find(record->stopFunc, "AVPluginStop");
-    find(record->enableFunc, "AVPluginEnable");
-    find(record->disableFunc, "AVPluginDisable");
-    find(record->receiveMessageFunc, "AVPluginReceiveMessage");
-    if (!start) {
-        Log({"Failed: ", path.c_str(),
-             ".  (This file is a loadable DLL but is missing the AVPluginStart callback.)\n\n"});
-        AVSKUnloadDLL(handle);
+    const std::string signature = texts.signature.Take();
+    // The signatures of this record and of the host are empty, so an empty
+    // signature is always a duplicate.
+    if (AVSKFindPluginBySignature(signature.c_str()) != NO_PLUGIN_ID) {
+        RejectDuplicate(record, signature);
         return NO_PLUGIN_ID;
     }
-    if (!MayLoad()) { // the host was told of something missing, and has gone
-        AVSKUnloadDLL(handle);
-        return NO_PLUGIN_ID;
-    }
-    record->handle = handle;
-    record->path = path;
-    record->name = StripPluginsFolder(path.c_str());
-    record->description = path;
-
-    const int id = Append(record);
-    StartText name;
-    StartText signature;
-    StartText description;
-    // A text that the plugin leaves alone is empty.
-    name.text[0] = signature.text[0] = description.text[0] = '\0';
-    bool accepted = false;
-    {
-        const StDispatchCallback starting(id);
-        try {
-            accepted = start(name.text, signature.text, description.text) != 0;
-        } catch (...) {
-            // The library stays mapped: the exception is an object of its.
-            Withdraw(record);
-            throw;
-        }
-        if (!accepted && !record->unloaded)
-            Log({"Failed: ", path.c_str(), ". (The plugin refused to start by returning 0 from AVPluginStart.)\n\n"});
-    }
-    if (record->unloaded) { // by the host, during its own start
-        AVSKSetDispatchedPlugin(AVSK_PLUGIN_AERIVO);
-        return NO_PLUGIN_ID;
-    }
-    if (!accepted) {
-        Withdraw(record);
-        AVSKSetDispatchedPlugin(AVSK_PLUGIN_AERIVO);
-        // What it registered passes to the next plugin with its ID, and may
-        // call into its library: then that stays mapped.
-        if (!AnyModuleHolds(id))
-            StDispatchCallback::ReleaseLibrary(id, handle);
-        return NO_PLUGIN_ID;
-    }
-    AVSKSetDispatchedPlugin(AVSK_PLUGIN_AERIVO);
-
-    const std::string signatureText = signature.Take();
-    // The new record's own signature is still empty, and so is the host's: an
-    // empty signature is always a duplicate.
-    if (AVSKFindPluginBySignature(signatureText.c_str()) != NO_PLUGIN_ID) {
-        try {
-            const StDispatchCallback restoring;
-            AVSKSetDispatchedPlugin(id);
-            UnloadOnePlugin(id);
-        } catch (...) {
-            Withdraw(record);
-            throw;
-        }
-        AVSKSetDispatchedPlugin(AVSK_PLUGIN_AERIVO);
-        Withdraw(record);
-        Log({"Warning: ", path.c_str(), " Signature: ", signatureText.c_str(),
-             ". (A version of this plugin is already loaded.)\n"});
-        return NO_PLUGIN_ID;
-    }
-
-    record->name = name.Take();
-    record->signature = signatureText;
-    record->description = description.Take();
-    Log({"Loaded: ", path.c_str(), " (", signatureText.c_str(), ").\n\n"});
-    return id;
+    record->name = texts.name.Take();
+    record->signature = signature;
+    record->description = texts.description.Take();
+    WriteLog({"Loaded: ", path.c_str(), " (", signature.c_str(), ").\n\n"});
+    return record->id;
 }
 
+// ---- Unloading
+
 void UnloadOnePlugin(int id) {
-    const PluginShare record = ShareOf(id);
+    const PluginShare record = SharePlugin(id);
     if (!record || record->unloaded) // unreachable: a defence, callers pass IDs of records
         return;
     AbandonDeliveries(*record);
 
     LastCalls calls;
-    // Taken first: should the stop call end in here again, the unloading is
-    // finished there, and nothing is left to do when it returns.
+    // Cleared before the call: if the stop call re-enters this function, the
+    // inner call completes the unloading.
     if (void (*const stop)() = std::exchange(record->stopFunc, nullptr))
         calls.Make([id, stop] {
             const StDispatchCallback guard(id);
@@ -557,11 +401,11 @@ void UnloadOnePlugin(int id) {
         calls.Make([id] { CleanUp(id); });
     if (!record->unloaded) {
         ForgetEntryPoints(*record);
-        // A last call, to a window that lost the focus, may have thrown or
-        // registered anew. Now no call is made any more.
+        // A last call, such as to a window that lost the focus, may have thrown
+        // or registered something. From here on the plugin is not called.
         if (calls.Thrown() || AnyModuleHolds(id))
             CleanUp(id);
-        AbandonDeliveries(*record); // what the stop call still asked for
+        AbandonDeliveries(*record); // requested by the stop call
         void *handle = std::exchange(record->handle, nullptr);
         StDispatchCallback::ReleaseLibrary(id, LastCalls::AnyThrown() ? nullptr : handle);
     }
@@ -574,13 +418,13 @@ void AVSKUnloadPlugins() {
     for (int id = 1; id < PluginCount(); ++id)
         calls.Make([id] { UnloadOnePlugin(id); });
     gCurrentAircraftPluginIDS.clear();
-    const PluginRegistry leaving = RemoveAll();
+    const PluginRegistry leaving = RemoveAllPlugins();
     for (const PluginShare &record : leaving)
         AbandonDeliveries(*record);
     calls.Rethrow();
 }
 
-void AVSKDisableAndUnloadPlugins() {
+void DisableAndUnloadPlugins() {
     LastCalls calls;
     calls.Make(AVSKDisableAllPlugins);
     calls.Make(AVSKUnloadPlugins);
@@ -590,61 +434,53 @@ void AVSKDisableAndUnloadPlugins() {
 void AVSKUnloadAcfPlugin() {
     std::vector<PluginShare> leaving;
     for (const int id : std::exchange(gCurrentAircraftPluginIDS, {}))
-        if (PluginShare record = ShareOf(id)) // unreachable: a defence, the list goes with the registry
+        if (PluginShare record = SharePlugin(id)) // unreachable: a defence, the list is cleared with the registry
             leaving.push_back(std::move(record));
     LastCalls calls;
     for (const PluginShare &record : leaving)
-        if (AVSKPluginAt(record->id) == record.get())
+        if (PluginAt(record->id) == record.get())
             calls.Make([&record] { UnloadOnePlugin(record->id); });
-    // Removing one further forward would renumber those behind it.
+    // Removing a record further forward would renumber those behind it.
     while (!gAllPlugins.empty() && std::find(leaving.begin(), leaving.end(), gAllPlugins.back()) != leaving.end()) {
         const PluginShare record = gAllPlugins.back();
-        RemoveLast();
+        RemoveLastPlugin();
         AbandonDeliveries(*record);
     }
     calls.Rethrow();
 }
 
-// ---- Enabling, reloading and messages
+// ---- Enabling, disabling and reloading
 
 int AVSKEnablePlugin(int plugin) {
-    const PluginShare record = plugin > AVSK_PLUGIN_AERIVO ? ShareOf(plugin) : nullptr;
+    const PluginShare record = plugin > AVSK_PLUGIN_AERIVO ? SharePlugin(plugin) : nullptr;
     if (!record || record->unloaded)
         return 0;
     if (!record->enabled) {
         bool accepted = true;
         if (record->enableFunc) {
-            const StDispatchCallback guard(plugin); // called though it is not enabled yet
+            const StDispatchCallback guard(plugin); // not asked: the plugin is not enabled yet
             accepted = record->enableFunc() != 0;
         }
         if (record->unloaded)
             return 0;
-        SetEnabled(*record, accepted);
+        SetPluginEnabled(*record, accepted);
     }
-    if (record->enabled) {
-        const StDispatchCallback guard(plugin);
-        // A delivery may have the plugin disabled: the rest waits on.
-        while (record->enabled) {
-            AVSKDelivery *delivery = AVSKDeliveryPop(record->deferredDeliveries);
-            if (!delivery)
-                break;
-            delivery->DeliverToPlugin(false);
-        }
-    }
+    if (record->enabled)
+        DeliverDeferred(*record);
     return record->enabled;
 }
 
 void AVSKDisablePlugin(int plugin) {
-    const PluginShare record = plugin > AVSK_PLUGIN_AERIVO ? ShareOf(plugin) : nullptr;
+    const PluginShare record = plugin > AVSK_PLUGIN_AERIVO ? SharePlugin(plugin) : nullptr;
     if (!record || !record->enabled)
         return;
-    for (void (*const disable)(int) : kDisableHooks)
+    for (void (*const disable)(int) : kDisableFunctions)
         disable(plugin);
-    if (!record->enabled) // a hook called the plugin, which was disabled from there
+    if (!record->enabled) // disabled meanwhile, by a call of a disable function
         return;
-    SetEnabled(*record, false);
+    SetPluginEnabled(*record, false);
     if (record->disableFunc) {
-        const StDispatchCallback guard(plugin); // called though it is not enabled any more
+        const StDispatchCallback guard(plugin); // not asked: the plugin is disabled
         record->disableFunc();
     }
 }
@@ -661,7 +497,7 @@ void AVSKDisableAllPlugins() {
     calls.Rethrow();
 }
 
-// By index: an entry point may have aircraft plugins loaded or unloaded.
+// By index: an enable or disable entry may cause aircraft plugins to be loaded or unloaded.
 void AVSKEnableACFPlugins() {
     for (std::size_t i = 0; i < gCurrentAircraftPluginIDS.size(); ++i)
         AVSKEnablePlugin(gCurrentAircraftPluginIDS[i]);
@@ -676,7 +512,7 @@ void AVSKReloadPlugins() { gScheduleReload = true; }
 
 void AVSKReloadPluginsInternal() {
     static bool reloading = false;
-    // From inside a plugin's last calls: then the request stands until they are over.
+    // Re-entered from a plugin's last call: the request stands until the next pass.
     if (reloading || gIsUnloadingAll)
         return;
     const AVSKScopedValue flagged(reloading, true);
@@ -697,142 +533,4 @@ void AVSKReloadPluginsInternal() {
         AVSKFindAndLoadAcfPlugins(folder.c_str());
     AVSKEnableAllPlugins();
     calls.Rethrow();
-}
-
-void AVSKSendMessageToPlugin(int target, int message, void *parameter) {
-    const int sender = gDispatchedPlugin;
-    if (target != NO_PLUGIN_ID) {
-        SendMessageTo(target, sender, message, parameter);
-        return;
-    }
-    for (int id = 0; id < PluginCount(); ++id)
-        SendMessageTo(id, sender, message, parameter);
-}
-
-// ---- Features
-
-int AVSKFeatureToID(const char *name) {
-    for (int id = 0; name && id < kFeatureCount; ++id)
-        if (std::strcmp(name, kFeatureNames[id]) == 0)
-            return id;
-    return -1;
-}
-
-int AVSKHasFeatureInternal(int pluginID, int featureID) {
-    const PluginRecord *record = AVSKPluginAt(pluginID);
-    return record ? record->features[featureID] : 0;
-}
-
-bool AVSKNeedPathConvert() { return AVSKHasFeatureInternal(gDispatchedPlugin, kFeatureUseNativePaths) == 0; }
-
-int AVSKHasFeature(const char *name) { return AVSKFeatureToID(name) != -1; }
-
-int AVSKIsFeatureEnabled(const char *name) {
-    const int feature = AVSKFeatureToID(name);
-    if (feature == -1) {
-        ReportUnknownFeature(); // the wording names the enabling function here too
-        return 0;
-    }
-    return AVSKHasFeatureInternal(gDispatchedPlugin, feature);
-}
-
-void AVSKEnableFeature(const char *name, int enable) {
-    const int feature = AVSKFeatureToID(name);
-    if (feature == -1)
-        ReportUnknownFeature();
-    else if (PluginRecord *record = AVSKPluginAt(gDispatchedPlugin))
-        record->features[feature] = enable;
-}
-
-void AVSKEnumerateFeatures(AVSKFeatureEnumerator_f callback, void *reference) {
-    if (!callback)
-        return;
-    for (const char *name : kFeatureNames)
-        callback(name, reference);
-}
-
-// ---- Deliveries
-
-void AVSKDeliveryEnqueue(AVSKDeliveryHead &head, AVSKDelivery *d) {
-    d->next = head.next;
-    d->prev = &head;
-    if (head.next)
-        head.next->prev = d;
-    head.next = d;
-}
-
-void AVSKDeliveryDequeue(AVSKDelivery *d) {
-    if (d->prev)
-        d->prev->next = d->next;
-    if (d->next)
-        d->next->prev = d->prev;
-    d->next = nullptr;
-    d->prev = nullptr;
-}
-
-AVSKDelivery *AVSKDeliveryPop(AVSKDeliveryHead &head) {
-    AVSKDelivery *first = head.next;
-    if (first)
-        AVSKDeliveryDequeue(first);
-    return first;
-}
-
-void AVSKQueueDelivery(AVSKDelivery *d) {
-    PluginRecord *record = AVSKPluginAt(d->pluginID);
-    if (!record) {
-        AVSKSendError("Internal error: async queue pending but the plugin ID is invalid.");
-        return;
-    }
-    d->arrived = false;
-    AVSKDeliveryEnqueue(record->pendingDeliveries, d);
-}
-
-void AVSKSendDelivery(AVSKDelivery *d) {
-    if (std::exchange(d->arrived, true)) // unreachable: a defence, nobody sends one twice
-        return;                          // unreachable: likewise
-    AVSKDeliveryDequeue(d);
-    PluginRecord *record = AVSKPluginAt(d->pluginID);
-    if (!record) { // its plugin is gone
-        d->DeliverToPlugin(true);
-        return;
-    }
-    if (const StDispatchCallback guard(d->pluginID); guard())
-        d->DeliverToPlugin(false);
-    else
-        AVSKDeliveryEnqueue(record->deferredDeliveries, d);
-}
-
-// ---- Errors and the log
-
-void AVSKSetErrorCallback(AVSKError_f callback) {
-    if (PluginRecord *record = AVSKPluginAt(gDispatchedPlugin))
-        record->errorCallback = callback;
-}
-
-bool AVSKHasError() {
-    const PluginRecord *record = AVSKPluginAt(gDispatchedPlugin);
-    return record && record->errorCallback;
-}
-
-void AVSKSendError(const char *message) {
-    if (AVSKHasError())
-        AVSKPluginAt(gDispatchedPlugin)->errorCallback(message);
-}
-
-void AVSKLogPluginWarning(const char *message) {
-    if (const PluginRecord *record = AVSKPluginAt(gDispatchedPlugin))
-        Log({"[", std::string(record->name).c_str(), "]: ", message, "\n"});
-    else
-        Log({"[unknown]: ", message, "\n"});
-}
-
-int AVSK_dprintf(const char *format, ...) {
-    static char buffer[8192];
-    va_list arguments;
-    va_start(arguments, format);
-    std::vsnprintf(buffer, sizeof buffer, format, arguments);
-    va_end(arguments);
-    if (gHooks)
-        AVSKDebugString(buffer);
-    return 0;
 }

@@ -13,6 +13,8 @@
 #include "AVSKModules.h"
 #include "AVSKResourceList.h"
 
+#include "AVSK/AVSKPlugins.h"
+
 #include <algorithm>
 #include <vector>
 
@@ -269,7 +271,7 @@ void AVSKMenuCleanupHook(int pluginID) {
     RemovePluginsMenuItemsOf(pluginID);
 }
 
-bool AVSKMenuHolds(int pluginID) {
+bool MenusHold(int pluginID) {
     return std::any_of(gMenus.begin(), gMenus.end(),
                        [pluginID](const AVSKMenuInfo_t *menu) { return menu->owner == pluginID && menu->handler; });
 }

@@ -206,6 +206,6 @@ void AVSKPlaneCleanupHook(int pluginID) {
     AVSKPlaneDisableHook(pluginID);
 }
 
-bool AVSKPlaneHolds(int pluginID) {
+bool PlanesHold(int pluginID) {
     return pluginID == gOwner || gQueue.Any([pluginID](const Waiting &each) { return each.plugin == pluginID; });
 }

@@ -1,5 +1,5 @@
-// POSIX underneath the library. No globals; called by the loader and by the
-// modules that hand texts to plugins.
+// The POSIX calls of the library. No globals; called by the loader, by the
+// modules that copy texts to plugins, and by plugins for thread-local slots.
 #include "AVSKPlatform.h"
 
 #include "AVSK/AVSKThreadLocal.h"
@@ -29,10 +29,10 @@ void LogLinkerError(const char *reason) {
     AVSKDebugString("\n");
 }
 
-// Why the linker must not be asked to load a file; null if it may. It maps
-// what a library's headers promise and does not look at the file's length:
-// touching what a broken-off copy lacks would end the process. And opening a
-// pipe, it would wait for a writer.
+// Why the dynamic linker must not open a file, or null. The linker maps the
+// segments that the headers name and does not check the file's length: access
+// to a page that a truncated copy lacks ends the process. On a pipe the linker
+// would wait for a writer.
 const char *FaultOf(int file) {
     struct stat info = {};
     fstat(file, &info);
@@ -42,7 +42,7 @@ const char *FaultOf(int file) {
     Elf32_Ehdr header = {};
     if (pread(file, &header, sizeof header, 0) != sizeof header || std::memcmp(header.e_ident, ELFMAG, SELFMAG) != 0 ||
         header.e_ident[EI_CLASS] != ELFCLASS32)
-        return nullptr; // the linker says what is wrong
+        return nullptr; // the linker reports the fault
     std::vector<Elf32_Phdr> parts(header.e_phnum);
     const std::size_t size = parts.size() * sizeof(Elf32_Phdr);
     if (pread(file, parts.data(), size, header.e_phoff) != static_cast<ssize_t>(size))
@@ -132,7 +132,7 @@ void strcpytrunc(char *dst, const std::string &src, int size) {
 }
 
 unsigned int AVSKAllocTLS() {
-    // A number that is no key, should the system have none left.
+    // Stays an invalid key if the system has none left.
     auto key = static_cast<pthread_key_t>(-1);
     pthread_key_create(&key, nullptr);
     return key;

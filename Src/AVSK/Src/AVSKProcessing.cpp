@@ -6,6 +6,7 @@
 #include "AVSKDispatch.h"
 #include "AVSKErrors.h"
 #include "AVSKHostTable.h"
+#include "AVSKLoader.h"
 #include "AVSKModules.h"
 #include "AVSKResourceList.h"
 
@@ -148,7 +149,7 @@ void AVSKProcessingCleanupHook(int pluginID) {
     gFlightLoops.RemoveAll([pluginID](const AVSKFlightLoopRecord &loop) { return loop.owner == pluginID; });
 }
 
-bool AVSKProcessingHolds(int pluginID) {
+bool ProcessingHolds(int pluginID) {
     return gFlightLoops.Any(
         [pluginID](const AVSKFlightLoopRecord &loop) { return loop.owner == pluginID && !loop.IsRemoved(); });
 }

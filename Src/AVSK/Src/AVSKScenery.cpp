@@ -8,12 +8,14 @@
 #include "AVSKDispatch.h"
 #include "AVSKErrors.h"
 #include "AVSKHostTable.h"
+#include "AVSKLoaderRegistry.h"
 #include "AVSKModules.h"
 
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <map>
+#include <memory>
 #include <set>
 #include <utility>
 #include <vector>
@@ -208,7 +210,7 @@ void AVSKSceneryCleanupHook(int pluginID) {
         gHooks->unloadObject(object);
 }
 
-bool AVSKSceneryHolds(int pluginID) {
+bool SceneryHolds(int pluginID) {
     const auto objects = gObjects.find(pluginID);
     return (objects != gObjects.end() && !objects->second.empty()) ||
            std::any_of(gProbes.begin(), gProbes.end(),

@@ -1,5 +1,5 @@
-// A value that a variable has until the end of a scope, also when an exception
-// ends it: what the library sets for a call is restored after the call.
+// Gives a variable a value until the end of the scope and then restores it,
+// also when an exception ends the scope. Floor 0.
 #ifndef AVSK_SCOPED_VALUE_H
 #define AVSK_SCOPED_VALUE_H
 

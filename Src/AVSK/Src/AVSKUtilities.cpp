@@ -1,6 +1,6 @@
-// Keys, buttons, paths and folders, and small services that the host serves,
-// some with a check in front. Owns gButtons; called by plugins, by the host's
-// frame event, and AVSKDebugString by the whole library.
+// Keys, buttons, paths, folders and forwarders to the host, some of which check
+// their arguments. Owns gButtons; called by plugins and by the hook of the frame
+// event. Commands are in AVSKUtilitiesCommands.cpp.
 #include "AVSK/AVSKUtilities.h"
 
 #include "AVSKErrors.h"
@@ -15,9 +15,9 @@
 #include <string>
 #include <vector>
 
-std::vector<int> &gButtons = *new std::vector<int>; // held joystick buttons, in the order of their presses
-
 namespace {
+
+std::vector<int> &gButtons = *new std::vector<int>; // held joystick buttons, in the order of their presses
 
 constexpr int kFirstFileType = 1;
 constexpr int kLastFileType = 2;
@@ -143,7 +143,7 @@ constexpr KeyName kKeyNames[] = {
 };
 static_assert(sizeof kKeyNames / sizeof *kKeyNames == 110);
 
-// Has the host fill a plugin's buffer with a path, in the form the plugin wants.
+// Has the host write a path into a plugin's buffer, and converts it to the plugin's form.
 void GivePath(void (*fill)(char *), char *outPath) {
     if (!outPath)
         return;
@@ -160,7 +160,7 @@ enum ButtonAction {
     kRelease = 1
 };
 
-// The host takes a button in two passes.
+// The host expects two passes for a button.
 void SendButton(int button, ButtonAction action) {
     const int list[] = {button, 0};
     gHooks->commandButton(list, action, 0);
@@ -198,7 +198,7 @@ void AVSKCommandButtonRelease(int button) {
 void AVSKDoRepeatedButtons() {
     if (gButtons.empty())
         return;
-    // A copy: a plugin that hears of the press may press and release others.
+    // A copy: the host may call plugins, which press and release buttons.
     std::vector<int> list = gButtons;
     list.push_back(0);
     gHooks->commandButton(list.data(), kPress, 1);
@@ -263,7 +263,7 @@ int AVSKGetDirectoryContents(const char *folder, int first, char *outNames, int 
         outNames += length;
         space -= length;
     }
-    // The list ends with an empty name and a null, which need room of their own.
+    // The list ends with an empty name and a null pointer, which need space too.
     if (complete && (space == 0 || (outIndices && returned >= indexCount)))
         complete = 0;
     if (complete) {
@@ -277,8 +277,6 @@ int AVSKGetDirectoryContents(const char *folder, int first, char *outNames, int 
 }
 
 // ---- The host's services
-
-void AVSKDebugString(const char *text) { gHooks->debugString(text); }
 
 void AVSKSpeakString(const char *text) { gHooks->speakString(text); }
 
@@ -309,7 +307,7 @@ int AVSKLoadDataFile(int fileType, const char *path) {
     }
     if (!path)
         return 0;
-    // The host may call a plugin, which may change the text it passed us.
+    // A copy: the host may call the plugin, which may change the text.
     return gHooks->loadDataFile(fileType, std::string(path).c_str());
 }
 

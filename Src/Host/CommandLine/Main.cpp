@@ -7,7 +7,6 @@
 
 #include <cstdio>
 #include <exception>
-#include <string>
 
 namespace {
 
@@ -21,16 +20,6 @@ bool OutputIsWhole() {
     return false;
 }
 
-// Exceptions of plugins pass through the library and reach main.
-void ReportException(const std::string &what) {
-    const std::string thrower = ThrownBy();
-    std::fflush(stdout);
-    std::fprintf(stderr, "avsk: the run was broken off by an exception%s%s: %s\n", thrower.empty() ? "" : " of ",
-                 thrower.c_str(), what.c_str());
-    if (!thrower.empty())
-        PrintLastCalls();
-}
-
 } // namespace
 
 int main(int argc, char **argv) {
@@ -41,10 +30,10 @@ int main(int argc, char **argv) {
     } catch (const UsageError &error) {
         std::fprintf(stderr, "avsk: %s\n", error.what());
         return 2;
-    } catch (const std::exception &error) {
+    } catch (const std::exception &error) { // of a plugin: they pass through the library
         ReportException(error.what());
     } catch (...) {
-        ReportException("its type is unknown");
+        ReportException("its type is not derived from std::exception");
     }
     return 1;
 }

@@ -7,9 +7,9 @@
 #include "Observing/Observers.h"
 #include "Observing/Report.h"
 #include "Services/Simulator.h"
-#include "Session/Prompt.h"
-#include "Session/Runner.h"
-#include "Session/Session.h"
+#include "Session/Forms.h"
+#include "Session/Rlwrap.h"
+#include "Session/RunSession.h"
 
 #include <CLI/CLI.hpp>
 
@@ -60,8 +60,9 @@ A picture shows what plugins draw through the interface: dark boxes, texts, numb
 menus opened. It does not show what plugins draw with their own OpenGL calls, scenery objects or aircraft.
 
 Exit status: 0 if all frames were run and every step and expectation of a session succeeded; 1 if one of them failed, a
-plugin exceeded a budget, or a plugin's exception ended the run; 2 if the request cannot be met as it was made; 3 if a
-plugin ended the run by a signal, by exit(), or by a call that took longer than --timeout.)";
+plugin exceeded a budget, a filter or a budget named a plugin that was not there, a file could not be written completely,
+or a plugin's exception ended the run; 2 if the request cannot be met as it was made; 3 if a plugin ended the run by a
+signal, by exit(), or by a call that took longer than --timeout.)";
 
 // The number after the last '@'; no value if it is not a frame of the run.
 std::optional<int> FrameOf(const std::string &text, int frames) {
@@ -209,7 +210,7 @@ int Do(Request &request, char **argv) {
         return 0;
     }
     if (request.interactive)
-        EditLines(argv);
+        RestartUnderRlwrap(argv);
     if (request.interactive || !request.options.file.empty())
         return RunSession(std::move(request.options)); // its folders may be named in the session
     return RunPlainly(request);

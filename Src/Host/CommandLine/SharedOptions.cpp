@@ -41,7 +41,7 @@ CLI::Option *AddPlugins(CLI::App &command, std::vector<std::string> &plugins, co
 }
 
 void AddObservingOptions(CLI::App &command, ObservingOptions &options) {
-    const char *group = "Watching";
+    const char *group = "Observing";
     CLI::Option *trace =
         command
             .add_option("--trace", options.trace.file,

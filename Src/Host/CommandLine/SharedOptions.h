@@ -21,7 +21,7 @@ SessionOptions QuietOptions();
 CLI::Option *AddRoot(CLI::App &command, std::string &root);
 CLI::Option *AddFrames(CLI::App &command, int &frames);
 CLI::Option *AddPlugins(CLI::App &command, std::vector<std::string> &plugins, const std::string &help);
-// Those that watch a run.
+// The options of the observers.
 void AddObservingOptions(CLI::App &command, ObservingOptions &options);
 
 } // namespace host

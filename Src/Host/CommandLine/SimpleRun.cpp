@@ -1,10 +1,11 @@
 // A run of a number of frames; see SimpleRun.h.
 #include "SimpleRun.h"
 
+#include "Common/Terminal.h"
 #include "Observing/Observers.h"
 #include "Services/Lifetime.h"
 #include "Services/Simulator.h"
-#include "Session/ChosenRoot.h"
+#include "Session/TemporaryRoot.h"
 
 #include <cstdio>
 #include <filesystem>
@@ -14,13 +15,15 @@
 #include <utility>
 #include <vector>
 
+#include <unistd.h>
+
 namespace host {
 
 namespace fs = std::filesystem;
 
 int RunFrames(SimpleRun run) {
     SessionOptions &options = run.options;
-    ChosenRoot chosen; // must outlive the plugins
+    TemporaryRoot chosen; // must outlive the plugins
     std::error_code error;
     const bool hasRoot = options.rootGiven || run.needsPlugins || fs::is_directory("Resources/plugins", error);
     const bool isTemporary = !options.plugins.empty() || !hasRoot;
@@ -43,10 +46,10 @@ int RunFrames(SimpleRun run) {
     observers.ReportLoaded();
     StopPlugins(*simulator);
     observers.ReportUnloaded();
-    const std::vector<std::string> excesses = observers.Times().OverBudget();
-    for (const std::string &excess : excesses)
-        std::printf("budget: %s\n", excess.c_str());
-    return excesses.empty() ? 0 : 1;
+    const std::vector<std::string> failures = observers.Failures();
+    for (const std::string &failure : failures)
+        std::printf("%s\n", Emphasised(Emphasis::Failure, failure, STDOUT_FILENO).c_str());
+    return failures.empty() ? 0 : 1;
 }
 
 } // namespace host

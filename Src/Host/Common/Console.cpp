@@ -1,6 +1,7 @@
 // The log and the progress line; see Console.h.
 #include "Console.h"
 
+#include "Terminal.h"
 #include "UsageError.h"
 
 #include <cerrno>
@@ -10,7 +11,7 @@
 
 namespace host {
 
-Console::Console(bool quiet, const std::string &logFile) : mQuiet(quiet), mWatched(isatty(STDERR_FILENO) == 1) {
+Console::Console(bool quiet, const std::string &logFile) : mQuiet(quiet), mFileName(logFile) {
     if (logFile.empty())
         return;
     mFile.reset(std::fopen(logFile.c_str(), "w"));
@@ -43,7 +44,8 @@ void Console::Log(std::string_view original) {
     // Flush at once: the last line before a plugin crashes matters most.
     if (mFile) {
         std::fwrite(text.data(), 1, text.size(), mFile.get());
-        std::fflush(mFile.get());
+        if (std::fflush(mFile.get()) != 0 && mFileError == 0)
+            mFileError = errno;
     }
     if (!mQuiet) {
         ClearProgress();
@@ -52,10 +54,16 @@ void Console::Log(std::string_view original) {
     }
 }
 
+std::string Console::LogFault() const {
+    if (mFileError == 0)
+        return "";
+    return "--log: '" + mFileName + "' is not complete: " + std::strerror(mFileError);
+}
+
 void Console::ShowProgress(int frame, int frames) {
     constexpr double kPatience = 1.0;
     constexpr double kBetween = 0.1;
-    if (!mWatched || mKeeps)
+    if (!HasColours(STDERR_FILENO) || mKeeps)
         return;
     const double now = Seconds();
     if (now < kPatience || now - mLastShown < kBetween)

@@ -31,7 +31,10 @@ class Console {
     // Writes a line of the host to the log.
     void Note(const std::string &line) { Log("avsk: " + line + "\n"); }
 
-    // Shows the progress of a longer run if standard error is a terminal.
+    // Why the log file is not complete; empty if it is complete or there is none.
+    std::string LogFault() const;
+
+    // Shows the progress of a longer run on a terminal with colours.
     void ShowProgress(int frame, int frames);
     void ClearProgress();
 
@@ -44,7 +47,8 @@ class Console {
     };
 
     bool mQuiet;
-    bool mWatched;
+    std::string mFileName;
+    int mFileError = 0;
     bool mShown = false;
     double mLastShown = 0;
     std::chrono::steady_clock::time_point mStarted = std::chrono::steady_clock::now();

@@ -1,8 +1,9 @@
-// Decodes UTF-8, for measuring and drawing texts.
+// Decodes UTF-8, for measuring, cutting and drawing texts.
 #ifndef AVSK_HOST_COMMON_UTF8_H
 #define AVSK_HOST_COMMON_UTF8_H
 
 #include <cstddef>
+#include <string>
 #include <string_view>
 
 namespace host {
@@ -36,6 +37,25 @@ inline std::size_t CountCharacters(std::string_view text) {
         TakeCharacter(text);
     return count;
 }
+
+// A text for one line of a table: control characters become '?', and a text of
+// more characters than that is cut and ends in "...".
+inline std::string OneLine(std::string_view text, std::size_t most) {
+    constexpr std::string_view kCut = "...";
+    const bool isCut = CountCharacters(text) > most;
+    std::string_view left = text;
+    for (std::size_t count = isCut ? most - kCut.size() : most; count > 0 && !left.empty(); --count)
+        TakeCharacter(left);
+    std::string line(text.substr(0, text.size() - left.size()));
+    for (char &c : line) {
+        if (static_cast<unsigned char>(c) < ' ')
+            c = '?';
+    }
+    return isCut ? line.append(kCut) : line;
+}
+
+// The characters of a name in a table.
+constexpr std::size_t kWidestName = 40;
 
 } // namespace host
 

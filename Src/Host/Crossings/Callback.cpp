@@ -1,5 +1,6 @@
-// Thunks; see Callback.h. They are made by the page and never given back: the
-// library may call one for as long as it likes.
+// Makes thunks; see Callback.h. They are allocated by the page and never freed,
+// because the library may call one until the process ends. Owns the pages, the
+// map from functions to thunks, and the functions' names.
 #include "Callback.h"
 
 #include "Symbols.h"
@@ -32,7 +33,7 @@ static_assert(offsetof(Callback, entry) == 0);
 constexpr std::size_t kPage = 4096;
 constexpr std::size_t kThunks = kPage / sizeof(Thunk);
 
-// One page of code, filled before it becomes executable, and what it leads to.
+// One page of thunks, filled before it becomes executable, and their callbacks.
 struct Page {
     std::array<Callback, kThunks> callbacks;
     Thunk *thunks;
@@ -69,13 +70,13 @@ std::pair<Callback *, Function> NewThunk() {
 } // namespace
 
 Function Wrap(Function function, const CallbackKind &kind, Side side, AVSKPluginID owner) {
-    // The library passes some callbacks straight on to the host.
+    // The library passes some callbacks on to the host: those are thunks already.
     if (!function || CallbackOf(reinterpret_cast<const void *>(function)))
         return function;
     auto &[callback, thunk] = gThunks[{function, &kind}];
     if (!thunk)
         std::tie(callback, thunk) = NewThunk();
-    // Another plugin's code may lie at the address by now.
+    // A plugin that was loaded since may have other code at this address.
     if (callback->owner != owner || owner == NO_PLUGIN_ID)
         gNames.erase(callback);
     *callback = {kind.entry, function, &kind, side, owner};

@@ -1,7 +1,7 @@
-// Callbacks on their way into the library, and through it to the host: each is
-// replaced by a thunk, a few bytes of code that lead past the observers. The
-// same callback always gets the same thunk, so what the library compares and
-// hands back stays as it was, and no refcon is touched.
+// Callbacks that are passed to the library, or through it to the host. Each is
+// replaced by a thunk, a few bytes of code that jump to the observing layer. A
+// callback always gets the same thunk, so comparisons by the library have the
+// same result, and no refcon changes.
 #ifndef AVSK_HOST_CALLBACK_H
 #define AVSK_HOST_CALLBACK_H
 
@@ -11,8 +11,8 @@
 
 namespace crossings {
 
-// A callback type: its prototype, and the code that observes a call of it.
-// That takes the Callback in a register, ahead of the arguments.
+// A callback type: its prototype, and the function that observes calls of it.
+// That function takes a Callback in a register, and the arguments on the stack.
 struct CallbackKind {
     Prototype what;
     void (*entry)();
@@ -21,20 +21,20 @@ struct CallbackKind {
 using Function = void (*)();
 
 struct Callback {
-    Function entry; // the thunk jumps to where the first word points
+    Function entry; // first: the thunk jumps to the address in the first word
     Function function = nullptr;
     const CallbackKind *kind = nullptr;
-    Side side = Side::Plugin; // whose function it is
+    Side side = Side::Plugin; // the side that defines the function
     AVSKPluginID owner = NO_PLUGIN_ID;
 };
 
-// The thunk of a callback that the code of a side hands over. Null stays null.
+// The thunk of a callback that this side and plugin passed. Null for null.
 Function Wrap(Function function, const CallbackKind &kind, Side side, AVSKPluginID owner);
 
-// What a thunk stands for; null if the address is not one's.
+// The callback of a thunk; null if the address is no thunk.
 const Callback *CallbackOf(const void *function);
 
-// The function's own name where its file says it, else file and offset.
+// The function's name, or its file and offset if the file has no symbol for it.
 const std::string &NameOf(const Callback &callback);
 
 } // namespace crossings

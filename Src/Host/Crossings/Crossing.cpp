@@ -1,8 +1,9 @@
-// The stack of calls and its observers; see Crossing.h.
+// Keeps the stack of calls and notifies the observers; see Crossing.h. Owns the
+// innermost call, the observers, and the labels of plugins.
 #include "Crossing.h"
 
 #include "Callback.h"
-#include "Format.h"
+#include "ValueText.h"
 #include "Words.h"
 
 #include "AVSK/AVSKPlugins.h"
@@ -20,17 +21,17 @@ namespace crossings {
 namespace {
 
 Crossing *gInnermost = nullptr;
-Crossing::Clock::duration gObserving{}; // the time that observers took so far
-// Never destroyed: plugins may call until the very end of the process.
+Crossing::Clock::duration gObserving{}; // the time spent in observers so far
+// Never destroyed: plugins may call until the process ends.
 std::map<AVSKPluginID, std::string> &gLabels = *new std::map<AVSKPluginID, std::string>;
 
-// There before the first static observer is.
+// Constructed on first use: static observers register before main().
 std::vector<Observer *> &Observers() {
     static auto &observers = *new std::vector<Observer *>;
     return observers;
 }
 
-// Other threads than the main one may only use the library's thread slots, which concern nobody.
+// False on other threads, which may only use the library's thread slots.
 thread_local bool tObserved = false;
 
 __attribute__((constructor)) void ObserveThisThread() { tObserved = true; }
@@ -40,7 +41,7 @@ AVSKPluginID Dispatched() {
     return AVSKGetMyID();
 }
 
-// An entry point belongs to the plugin that is being called, another callback to who registered it.
+// An entry point belongs to the called plugin, another callback to the plugin that registered it.
 AVSKPluginID Owner(const Callback &callback, AVSKPluginID dispatched) {
     return callback.owner == NO_PLUGIN_ID ? dispatched : callback.owner;
 }
@@ -56,7 +57,7 @@ std::string NameFromPath(std::string_view path) {
     return std::string(name);
 }
 
-// The library learns a plugin's name a moment later than the observers of its start.
+// At the end of a start the library does not know the plugin's name yet, but the buffer holds it.
 void NoteName(const Crossing &start) {
     std::array<char, AVSK_TEXT_SIZE> name{};
     const auto *given = static_cast<const char *>(start["outName"].pointer);
@@ -75,7 +76,7 @@ Crossing::Crossing(const Prototype &prototype, Side callee, std::span<const Valu
         plugin = Owner(*called, dispatched);
     gInnermost = this;
     if (IsStart())
-        gLabels.erase(plugin); // the ID may have been another's
+        gLabels.erase(plugin); // the ID may have belonged to another plugin
     const Unobserved calls;
     const Clock::time_point start = Clock::now();
     began = start;
@@ -109,7 +110,7 @@ const Value &Crossing::operator[](const char *parameter) const {
         if (TakeWord(names) == wanted)
             return value;
     }
-    assert(!"a parameter of this name");
+    assert(!"no parameter of this name");
     static const Value nothing{};
     return nothing;
 }
@@ -131,7 +132,7 @@ const std::string &LabelOf(AVSKPluginID plugin) {
     std::array<char, AVSK_TEXT_SIZE> name{};
     std::array<char, AVSK_TEXT_SIZE> path{};
     AVSKGetPluginInfo(plugin, name.data(), path.data(), nullptr, nullptr);
-    // A plugin that has not started goes by its path.
+    // The library answers the path while a plugin has not started.
     const bool hasName = name.front() && !std::string_view(name.data()).ends_with(".avp");
     std::string label = hasName ? name.data() : NameFromPath(path.data());
     static const std::string nobody = "nobody";

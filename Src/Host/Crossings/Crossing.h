@@ -1,11 +1,10 @@
-// The library's border, and every call across it.
+// Every call between plugins, library and host: a crossing of the library's border.
 //
 // A program that is linked with this layer defines the library's exported
-// names itself and hands each call on, so plugins and the program come past
-// here on their way in. Callbacks, entry points and the host's table are
-// replaced where the library learns of them, so its calls out come past too.
-// Observers see each call begin and end, nested as they happened. The library
-// knows nothing of it.
+// names itself and hands each call on, so calls into the library pass through
+// here. Callbacks, entry points and the host's table are replaced when the
+// library receives them, so calls out of it pass through here too. Observers
+// see the begin and the end of each call. The library does not know of them.
 #ifndef AVSK_HOST_CROSSING_H
 #define AVSK_HOST_CROSSING_H
 
@@ -19,7 +18,7 @@
 
 namespace crossings {
 
-// Who calls, and who is called.
+// The side that calls or is called.
 enum class Side : std::uint8_t {
     Host,
     Library,
@@ -29,7 +28,7 @@ enum class Side : std::uint8_t {
 // One function, as the public headers declare it.
 struct Prototype {
     const char *name;
-    const char *parameters; // their names: "x,y,refcon"
+    const char *parameters; // names: "x,y,refcon"
 };
 
 struct Callback;
@@ -49,13 +48,14 @@ struct Value {
     };
 
     Kind kind = Kind::Nothing;
-    int length = -1; // of a text that may lack its end; -1: it has one
+    bool isHandle = false; // of the library or the host
+    int length = -1;       // of a text without a terminating zero; -1: it has one
     union {
         int integer;
         AVSKWord word;
         double real;
         const char *text;
-        const void *pointer = nullptr; // of a function too
+        const void *pointer = nullptr; // also of a function
         const struct StructureView *structure;
     };
 };
@@ -94,7 +94,7 @@ Value ValueOf(T argument) {
     return value;
 }
 
-// A call across the border, while it lasts.
+// A call across the border, from its begin to its end.
 class Crossing {
   public:
     using Clock = std::chrono::steady_clock;
@@ -106,7 +106,7 @@ class Crossing {
     Crossing(const Crossing &) = delete;
     Crossing &operator=(const Crossing &) = delete;
 
-    // The call came back; without this it ended by an exception.
+    // Notes that the call returned. Without this an exception ended it.
     void Return(const Value &value = {}) noexcept {
         result = value;
         returned = true;
@@ -117,9 +117,9 @@ class Crossing {
     const Side to;
     const std::span<const Value> arguments;
     const Callback *const callback;
-    // Whose code runs in it, or on whose behalf: the host is 0.
+    // The plugin whose code runs, or for which the library or host works; the host is 0.
     AVSKPluginID plugin;
-    // The plugin that the library takes the caller for.
+    // The plugin that the library considers the caller.
     const AVSKPluginID dispatched;
     Crossing *const outer; // null for the outermost
     const int depth;       // 0 for the outermost
@@ -128,19 +128,19 @@ class Crossing {
     Clock::time_point began;
     Clock::time_point ended;
 
-    // An argument by its name. The name must be one.
+    // An argument by its name, which must be the name of a parameter.
     const Value &operator[](const char *parameter) const;
-    // Whether a plugin is being started, which is when its ID becomes its own.
+    // Whether this is a plugin's start, from which on the ID belongs to that plugin.
     bool IsStart() const;
-    // Without what observing the calls within took. For Ends() only.
+    // Without the time that observing the inner calls took. Valid in Ends() only.
     Clock::duration Duration() const { return ended - began - mObserving; }
 
   private:
     Clock::duration mObserving{};
 };
 
-// Sees every call of the main thread. What it calls of the library itself is
-// not observed. An observer must outlive all calls or be removed.
+// Sees every call on the main thread, except the calls that observers make
+// themselves. An observer must outlive all calls or be removed.
 class Observer {
   public:
     virtual ~Observer() = default;
@@ -151,18 +151,18 @@ class Observer {
 void AddObserver(Observer &observer);
 void RemoveObserver(Observer &observer);
 
-// The innermost call that has not come back; null if none.
+// The innermost call under way; null if there is none.
 const Crossing *Innermost();
-// Whose code runs now.
+// The side whose code runs now.
 Side CurrentSide();
-// Whether calls are to be observed now: on the main thread, and not by an observer itself.
+// Whether calls are observed now: true on the main thread outside of observers.
 bool AreObserved();
 
-// A plugin by its name, or by its folder while it has none; "host" for 0. The
-// text stays until the plugin of that ID is another one.
+// A plugin's name, or its folder's while it has none; "host" for 0. The text
+// stays valid until the ID is given to another plugin.
 const std::string &LabelOf(AVSKPluginID plugin);
 
-// Calls within are not observed.
+// Calls during its lifetime are not observed.
 class Unobserved {
   public:
     Unobserved() noexcept;

@@ -1,9 +1,9 @@
-// Plugins' entry points. The library looks them up by name, so this program
-// defines the function it does that with; whatever else is looked up goes
-// straight on to the dynamic linker's own.
+// Wraps the entry points of plugins. The library finds them with dlsym(), so
+// this program defines dlsym(). Lookups of other names go on to the dynamic
+// linker's dlsym().
 //
-// Built without sanitizers, which look up names of their own before they work:
-// that path calls nothing that other files might hold an instrumented copy of.
+// Built without sanitizers, because they call dlsym() before they are
+// initialised. That path must call no function that is instrumented elsewhere.
 #include "Kinds.h"
 #include "RealSymbols.h"
 #include "Symbols.h"
@@ -29,7 +29,7 @@ Lookup RealLookup() {
             real = reinterpret_cast<Lookup>(dlvsym(RTLD_NEXT, "dlsym", version));
     }
     if (!real)
-        std::abort(); // nothing works without it
+        std::abort(); // nothing works without dlsym()
     return real;
 }
 
@@ -42,7 +42,7 @@ bool MayBeEntryPoint(const char *name) {
     return true;
 }
 
-// Null for all names but those of entry points.
+// Null if the name is not that of an entry point.
 void *EntryPoint(void *handle, const char *name) {
     for (const CallbackKind *kind : kEntryPoints) {
         if (std::strcmp(kind->what.name, name) != 0)
@@ -50,7 +50,7 @@ void *EntryPoint(void *handle, const char *name) {
         void *address = RealLookup()(handle, name);
         if (kind == &k_AVPluginStart)
             ForgetSymbolsNear(address);
-        // Whose it is shows when it is called.
+        // The owner is known when it is called.
         const auto function = reinterpret_cast<Function>(address);
         return reinterpret_cast<void *>(Wrap(function, *kind, Side::Plugin, NO_PLUGIN_ID));
     }
@@ -59,15 +59,16 @@ void *EntryPoint(void *handle, const char *name) {
 
 } // namespace
 
-// The answer in the lower half if the upper one is not zero; else the function to ask.
+// If the upper half is not zero, the lower half is the result of the lookup; else
+// it is the dynamic linker's dlsym(), to be called.
 extern "C" __attribute__((used, visibility("hidden"))) std::uint64_t AvskLookUp(void *handle, const char *name) {
     void *entry = MayBeEntryPoint(name) ? EntryPoint(handle, name) : nullptr;
     constexpr std::uint64_t kFinal = std::uint64_t{1} << 32;
     return entry ? kFinal | reinterpret_cast<std::uintptr_t>(entry) : reinterpret_cast<std::uintptr_t>(RealLookup());
 }
 
-// What RTLD_NEXT means depends on the caller, so the dynamic linker must be
-// reached with nothing of ours on the stack.
+// RTLD_NEXT depends on the caller's address, so this jumps to the dynamic
+// linker's dlsym() with the stack as the caller left it.
 asm(R"(
     .text
     .globl dlsym

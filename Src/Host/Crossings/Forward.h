@@ -1,5 +1,6 @@
-// Handing one call on across the border: what the entries of the table of
-// prototypes become. Callbacks in the arguments are replaced on the way.
+// Hands one call on across the border and lets the observers see it. Callbacks
+// in the arguments are replaced by thunks. Used by the macros that read the
+// table of prototypes.
 #ifndef AVSK_HOST_FORWARD_H
 #define AVSK_HOST_FORWARD_H
 
@@ -15,7 +16,7 @@
 
 namespace crossings {
 
-// ---- Arguments whose type alone does not say how they are handed on
+// ---- Arguments whose type alone does not say how they are passed on; see generate_prototypes.py
 
 template <class F>
 struct Called {
@@ -35,8 +36,14 @@ struct Start {
     int count;
 };
 
-// A copy of a structure whose callbacks are replaced, and its fields as they
-// were. One that the library will refuse for its size is handed on as it is.
+template <class T>
+struct Handle {
+    explicit Handle(T *argument) : handle(argument) {}
+    T *handle;
+};
+
+// A copy of a structure with its callbacks replaced, and the original fields for
+// observers. A structure whose size the library will refuse is passed on unchanged.
 template <class T>
 class Structure {
   public:
@@ -55,8 +62,8 @@ class Structure {
     StructureView mView{};
 };
 
-// The host's table is replaced by one that leads past the observers to the
-// slots of the given one, as they are at the time of the call.
+// The host's table is replaced by one whose slots are observed. They call the
+// slots of the given table, read at the time of each call.
 template <>
 class Structure<AVSKHostCallbacks> {
   public:
@@ -71,9 +78,9 @@ class Structure<AVSKHostCallbacks> {
 template <class T>
 Structure(const T *) -> Structure<T>;
 
-// ---- What is passed on for an argument, and what observers see
+// ---- What is passed on for an argument, and the value that observers see
 
-// Whose callbacks the arguments of the call under way are.
+// The side and plugin that pass the arguments of the present call.
 struct Giver {
     Side side;
     AVSKPluginID plugin;
@@ -86,7 +93,7 @@ F Replace(F function, const CallbackKind &kind) {
     return reinterpret_cast<F>(Wrap(reinterpret_cast<Function>(function), kind, giver.side, giver.plugin));
 }
 
-// By reference: a number that a function answers may lose bits on the way.
+// By reference: a floating-point number that is returned by value may lose bits.
 template <class T>
 const T &Passed(const T &argument) {
     return argument;
@@ -101,6 +108,10 @@ const T *Passed(const Structure<T> &structure) {
 }
 inline char *Passed(const Text &argument) { return argument.text; }
 inline const char *Passed(const Start &argument) { return argument.text; }
+template <class T>
+T *Passed(const Handle<T> &argument) {
+    return argument.handle;
+}
 
 template <class F>
 Value ValueOf(const Called<F> &called) {
@@ -109,6 +120,12 @@ Value ValueOf(const Called<F> &called) {
 template <class T>
 Value ValueOf(const Structure<T> &structure) {
     return structure.Shown();
+}
+template <class T>
+Value ValueOf(const Handle<T> &argument) {
+    Value value = ValueOf(argument.handle);
+    value.isHandle = true;
+    return value;
 }
 inline Value ValueOf(const Text &argument) { return ValueOf(static_cast<const char *>(argument.text)); }
 inline Value ValueOf(const Start &argument) {
@@ -119,7 +136,7 @@ inline Value ValueOf(const Start &argument) {
 
 // ---- The call
 
-// To be called with the arguments.
+// A function object: calls the target with the arguments that it is called with.
 template <class R, class... P>
 struct Forward {
     const Prototype &what;

@@ -1,5 +1,6 @@
-// The library's exported names, each handed on to the library. Plugins bind to
-// these first; the library itself is linked so that it does not.
+// Defines the library's exported names; each definition hands the call on to the
+// library. Plugins bind to these definitions because the dynamic linker looks in
+// the program first. The library is linked so that its own calls stay inside it.
 #include "Forward.h"
 #include "Kinds.h"
 #include "RealSymbols.h"
@@ -9,14 +10,15 @@
 
 using namespace crossings;
 
-// NOLINTBEGIN(bugprone-macro-parentheses): declarations cannot have them
-#define AVSK_CALLBACK(result, name, names, arguments, ...)
-#define AVSK_SERVICE(result, name, parameters, names, arguments)
-#define AVSK_FUNCTION(result, name, parameters, names, arguments)                                                      \
+// NOLINTBEGIN(bugprone-macro-parentheses): a declaration cannot have them
+#define AVSK_CALLBACK(result, name, parameters, entry, names, ...)
+#define AVSK_SERVICE(result, name, parameters, names, ...)
+#define AVSK_FUNCTION(result, name, parameters, names, ...)                                                            \
     result name parameters {                                                                                           \
         static constexpr Prototype what{#name, names};                                                                 \
         static const auto next = reinterpret_cast<decltype(&name)>(NextSymbol(#name));                                 \
-        return Forward{what, Side::Library, nullptr, next} arguments;                                                  \
+        const Forward handOn{what, Side::Library, nullptr, next};                                                      \
+        return handOn(__VA_ARGS__);                                                                                    \
     }
 #include "Prototypes.inc"
 // NOLINTEND(bugprone-macro-parentheses)

@@ -1,5 +1,5 @@
-// What a thunk leads to: one function for each callback type, which observes
-// the call of the callback behind it.
+// Defines the kinds of callbacks. A kind's entry is the function to which the
+// thunks of its callbacks lead; it observes the call and hands it on.
 #include "Kinds.h"
 
 #include "Forward.h"
@@ -8,14 +8,15 @@
 
 namespace crossings {
 
-// The thunk puts the callback into the first register; the arguments lie where
+// The thunk passes the Callback in the first register. The arguments lie where
 // the caller put them.
-#define AVSK_FUNCTION(result, name, parameters, names, arguments)
-#define AVSK_SERVICE(result, name, parameters, names, arguments)
-#define AVSK_CALLBACK(result, name, names, arguments, ...)                                                             \
-    static __attribute__((regparm(1))) result Enter_##name(const Callback *callback __VA_OPT__(, ) __VA_ARGS__) {      \
-        const auto function = reinterpret_cast<result (*)(__VA_ARGS__)>(callback->function);                           \
-        return Forward{callback->kind->what, callback->side, callback, function} arguments;                            \
+#define AVSK_FUNCTION(result, name, parameters, names, ...)
+#define AVSK_SERVICE(result, name, parameters, names, ...)
+#define AVSK_CALLBACK(result, name, parameters, entry, names, ...)                                                     \
+    static __attribute__((regparm(1))) result Enter_##name entry {                                                     \
+        const auto function = reinterpret_cast<result(*) parameters>(called->function);                                \
+        const Forward handOn{called->kind->what, called->side, called, function};                                      \
+        return handOn(__VA_ARGS__);                                                                                    \
     }                                                                                                                  \
     const CallbackKind k_##name{{#name, names}, reinterpret_cast<Function>(Enter_##name)};
 #include "Prototypes.inc"

@@ -1,4 +1,4 @@
-// The callback types, one kind for each.
+// One kind for each callback type and entry point of plugins.
 #ifndef AVSK_HOST_KINDS_H
 #define AVSK_HOST_KINDS_H
 
@@ -6,9 +6,9 @@
 
 namespace crossings {
 
-#define AVSK_FUNCTION(result, name, parameters, names, arguments)
-#define AVSK_SERVICE(result, name, parameters, names, arguments)
-#define AVSK_CALLBACK(result, name, names, arguments, ...) extern const CallbackKind k_##name;
+#define AVSK_FUNCTION(result, name, parameters, names, ...)
+#define AVSK_SERVICE(result, name, parameters, names, ...)
+#define AVSK_CALLBACK(result, name, parameters, entry, names, ...) extern const CallbackKind k_##name;
 #include "Prototypes.inc"
 #undef AVSK_CALLBACK
 #undef AVSK_SERVICE

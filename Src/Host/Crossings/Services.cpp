@@ -1,4 +1,5 @@
-// The table that the library gets in the place of the host's.
+// The table of services that the library gets instead of the host's. Owns both
+// the replacement and the pointer to the host's table.
 #include "Services.h"
 
 #include "Forward.h"
@@ -11,18 +12,21 @@ namespace {
 
 const AVSKHostCallbacks *gTable = nullptr; // the host's own
 
-// NOLINTBEGIN(bugprone-macro-parentheses): declarations cannot have them
-#define AVSK_CALLBACK(result, name, names, arguments, ...)
-#define AVSK_FUNCTION(result, name, parameters, names, arguments)
-#define AVSK_SERVICE(result, name, parameters, names, arguments)                                                       \
+// NOLINTBEGIN(bugprone-macro-parentheses): a declaration cannot have them
+#define AVSK_CALLBACK(result, name, parameters, entry, names, ...)
+#define AVSK_FUNCTION(result, name, parameters, names, ...)
+#define AVSK_SERVICE(result, name, parameters, names, ...)                                                             \
     constexpr Prototype kPrototype_##name{#name, (names)};                                                             \
-    result Serve_##name parameters { return Forward{kPrototype_##name, Side::Host, nullptr, gTable->name} arguments; }
+    result Serve_##name parameters {                                                                                   \
+        const Forward handOn{kPrototype_##name, Side::Host, nullptr, gTable->name};                                    \
+        return handOn(__VA_ARGS__);                                                                                    \
+    }
 #include "Prototypes.inc"
 #undef AVSK_SERVICE
 // NOLINTEND(bugprone-macro-parentheses)
 
 constexpr const Prototype *kServices[] = {
-#define AVSK_SERVICE(result, name, parameters, names, arguments) &kPrototype_##name,
+#define AVSK_SERVICE(result, name, parameters, names, ...) &kPrototype_##name,
 #include "Prototypes.inc"
 #undef AVSK_SERVICE
 };
@@ -31,7 +35,7 @@ constexpr const Prototype *kServices[] = {
 AVSKHostCallbacks gReplacement = {
     .version = 0,
     .sizeInBytes = 0,
-#define AVSK_SERVICE(result, name, parameters, names, arguments) .name = Serve_##name,
+#define AVSK_SERVICE(result, name, parameters, names, ...) .name = Serve_##name,
 #include "Prototypes.inc"
 };
 

@@ -8,7 +8,7 @@
 
 namespace crossings {
 
-// A slot of the host's table, named as in AVSKHostCallbacks; null if there is none.
+// The prototype of a slot, by its name in AVSKHostCallbacks; null if there is none.
 const Prototype *FindService(std::string_view name);
 int CountParameters(const Prototype &function);
 

@@ -1,4 +1,4 @@
-// The structures that carry callbacks; see Forward.h.
+// The structures that contain callbacks; see Forward.h.
 #include "Forward.h"
 #include "Kinds.h"
 

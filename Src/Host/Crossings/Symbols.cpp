@@ -1,5 +1,6 @@
-// Reads symbol tables; see Symbols.h. The dynamic linker knows the exported
-// names only, and plugins export next to nothing.
+// Reads symbol tables from files; see Symbols.h. The dynamic linker knows only
+// exported names, and plugins export little else than their entry points. Owns
+// the symbols of the files that were read.
 #include "Symbols.h"
 
 #include <algorithm>
@@ -27,7 +28,7 @@ struct Symbol {
     std::string name;
 };
 
-// A file's bytes, from which only what lies inside is read.
+// A file's bytes. Reads are checked against its size.
 class Image {
   public:
     explicit Image(const std::string &path) {
@@ -72,7 +73,7 @@ std::vector<Elf32_Shdr> Sections(const Image &image) {
     return sections;
 }
 
-// Of all tables, from the lowest address on.
+// The functions of all symbol tables, by ascending address.
 std::vector<Symbol> ReadSymbols(const std::string &path) {
     const Image image(path);
     const std::vector<Elf32_Shdr> sections = Sections(image);
@@ -103,7 +104,7 @@ const std::vector<Symbol> &SymbolsOf(const std::string &path) {
     return file->second;
 }
 
-// A reader of one plugin's trace needs neither the parameters nor its unnamed namespaces.
+// Demangles a name and leaves out parameters and unnamed namespaces.
 std::string Readable(const std::string &symbol) {
     int status = 0;
     const std::unique_ptr<char, decltype(&std::free)> demangled(

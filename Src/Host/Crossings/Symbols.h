@@ -1,4 +1,4 @@
-// Names of functions, static ones too, from the symbol tables of their files.
+// Names of functions, including static ones, from the symbol tables of their files.
 #ifndef AVSK_HOST_SYMBOLS_H
 #define AVSK_HOST_SYMBOLS_H
 
@@ -6,10 +6,10 @@
 
 namespace crossings {
 
-// "Tick" or "lights::Tick", without parameters; "lin.avp+0x1234" where the
-// file has no symbol there.
+// The function at an address: "Tick" or "lights::Tick", without parameters, or
+// "lin.avp+0x1234" if the file has no symbol for it.
 std::string SymbolAt(const void *address);
-// Reads the file of an address anew when it is asked for: it may have been replaced.
+// Forgets the symbols of the file that an address belongs to: the file may have been replaced.
 void ForgetSymbolsNear(const void *address);
 
 } // namespace crossings

@@ -1,4 +1,4 @@
-// Texts that list words between separators, such as a prototype's parameters.
+// Texts that are lists of words, such as the parameters of a prototype.
 #ifndef AVSK_HOST_WORDS_H
 #define AVSK_HOST_WORDS_H
 
@@ -7,7 +7,7 @@
 
 namespace crossings {
 
-// Takes the first word off a list, and one of the separators with it.
+// Removes the first word of a list and the separator behind it. Returns the word.
 inline std::string_view TakeWord(std::string_view &words, std::string_view separators = ",") {
     const std::string_view first = words.substr(0, words.find_first_of(separators));
     words.remove_prefix(std::min(first.size() + 1, words.size()));

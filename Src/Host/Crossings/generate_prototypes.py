@@ -1,20 +1,23 @@
-"""Writes the table of everything that crosses the library's border.
+"""Writes the table of every function that crosses the library's border.
 
-Read from the public headers at build time, so a new function is in the table
-as soon as it is declared. Each entry is a macro call that the sources beside
-this script define as they need:
+The table is made from the public headers at build time, so it contains a new
+function as soon as a header declares it. Each entry is a macro call; the
+sources beside this script define the macros as they need:
 
-    AVSK_FUNCTION(result, name, (parameters), "names", (arguments))    an exported function
-    AVSK_SERVICE(result, name, (parameters), "names", (arguments))     a slot of the host's table
-    AVSK_CALLBACK(result, name, "names", (arguments), parameters...)   a callback, or an entry point of plugins
+    AVSK_FUNCTION(result, name, (parameters), "names", arguments...)    an exported function
+    AVSK_SERVICE(result, name, (parameters), "names", arguments...)     a slot of the host's table
+    AVSK_CALLBACK(result, name, (parameters), (entry), "names", arguments...)
+                                   a callback type, or an entry point of plugins; "entry" is the
+                                   parameters behind the Callback that the thunk passes
 
-Arguments are the parameters' names, dressed where the type alone does not
-tell enough:
+The arguments are the parameters' names. One whose type alone does not say how
+it is passed on or shown is wrapped:
 
     Called(function, kind)       a callback of that kind
-    Text(text)                   a text, though not const
+    Text(text)                   a text, though its type is not const
     Start(text, count)           the first bytes of a text
     Structure(params)            a structure with callbacks in it
+    Handle(window)               a handle, which traces show by name
 
 usage: generate_prototypes.py OUTPUT HEADER...
 """
@@ -24,16 +27,21 @@ import sys
 
 STRUCTURES = ("const AVSKCreateWindowParams *", "const AVSKCreateFlightLoopParams *", "const AVSKHostCallbacks *")
 
+HANDLES = ("AVSKCommandRef", "AVSKDataRef", "AVSKFlightLoopID", "AVSKHotKeyID", "AVSKMenuID", "AVSKObjectRef",
+           "AVSKWindowID")
+# The host's table declares its handles as void *.
+HANDLES_OF_SERVICES = ("command", "menu", "object", "parent")
+
 
 def declarations(text):
-    """The statements of a header, each on one line, without comments and directives."""
+    """A header without comments and directives, on one line."""
     text = re.sub(r"/\*.*?\*/", " ", text, flags=re.S)
     text = re.sub(r"^\s*#(.*\\\n)*.*$", "", text, flags=re.M)
     return re.sub(r"\s+", " ", text)
 
 
 def split(parameters):
-    """At the commas that are not in parentheses."""
+    """The parts between commas, except commas in parentheses."""
     parts, depth = [""], 0
     for character in parameters:
         depth += (character == "(") - (character == ")")
@@ -47,7 +55,7 @@ def split(parameters):
 
 class Parameter:
     def __init__(self, text):
-        # A function's name stands in the middle of its type.
+        # The name of a function pointer stands inside its type.
         function = re.fullmatch(r"(.*)\(\*(\w+)\)\((.*)\)", text)
         plain = re.fullmatch(r"(.*?)(\w+)", text)
         if not function and not plain:
@@ -59,39 +67,46 @@ class Parameter:
 
 
 def arguments(owner, parameters):
-    """What is passed on for each parameter."""
-    dressed = []
+    """What is passed on for each parameter, as further arguments of a macro."""
+    wrapped = []
     for before, parameter, after in zip([None] + parameters, parameters, parameters[1:] + [None]):
         name = parameter.name
         if parameter.called is not None:
-            dressed.append(f"Called({name}, k_{owner}_{name})")
+            wrapped.append(f"Called({name}, k_{owner}_{name})")
         elif parameter.type.endswith("_f"):
-            dressed.append(f"Called({name}, k_{parameter.type})")
+            wrapped.append(f"Called({name}, k_{parameter.type})")
+        elif parameter.type in HANDLES or (parameter.type == "void *" and name in HANDLES_OF_SERVICES):
+            wrapped.append(f"Handle({name})")
         elif parameter.type in STRUCTURES:
-            dressed.append(f"Structure({name})")
+            wrapped.append(f"Structure({name})")
         elif (parameter.type, name) == ("char *", "text"):
-            dressed.append(f"Text({name})")
+            wrapped.append(f"Text({name})")
         elif (parameter.type, name) == ("const char *", "text") and after and after.name == "count":
-            dressed.append(f"Start({name}, count)")
+            wrapped.append(f"Start({name}, count)")
         else:
-            dressed.append(name)
-    return ", ".join(dressed)
+            wrapped.append(name)
+    return "".join(", " + argument for argument in wrapped)
 
 
 def names(parameters):
     return ",".join(parameter.name for parameter in parameters)
 
 
+def listed(parameters):
+    return "(" + ", ".join(parameters) + ")"
+
+
 def function(macro, result, name, text):
     parameters = [Parameter(part) for part in split(text)]
-    return (f"{macro}({result.strip()}, {name}, ({', '.join(p.text for p in parameters)}), "
-            f'"{names(parameters)}", ({arguments(name, parameters)}))')
+    return (f"{macro}({result.strip()}, {name}, {listed(p.text for p in parameters)}, "
+            f'"{names(parameters)}"{arguments(name, parameters)})')
 
 
 def callback(result, name, text):
     parameters = [Parameter(part) for part in split(text)]
-    listed = "".join(", " + p.text for p in parameters)
-    return f'AVSK_CALLBACK({result.strip()}, {name}, "{names(parameters)}", ({arguments(name, parameters)}){listed})'
+    texts = [p.text for p in parameters]
+    return (f"AVSK_CALLBACK({result.strip()}, {name}, {listed(texts)}, {listed(['const Callback *called'] + texts)}, "
+            f'"{names(parameters)}"{arguments(name, parameters)})')
 
 
 def entries(text):
@@ -119,7 +134,7 @@ def main():
     for header in headers:
         with open(header, encoding="utf-8") as file:
             found += entries(declarations(file.read()))
-    # Callbacks first: functions name their kinds.
+    # Callbacks first: the entries of functions name the callbacks' kinds.
     lines = [line for _, line in sorted(found, key=lambda entry: entry[0])]
     with open(output, "w", encoding="utf-8") as file:
         file.write("// Made from the public headers by generate_prototypes.py.\n" + "\n".join(lines) + "\n")

@@ -1,17 +1,20 @@
-// The stack of functions; see Backtrace.h. The lines come from addr2line, which
-// stands beside every compiler: it is another process, so whatever this one
-// has come to does not matter to it.
+// Writes the stack of functions; see Backtrace.h. Source lines come from
+// addr2line, which is part of binutils. It is a process of its own, so the state
+// of this one does not affect it.
 #include "Backtrace.h"
 
+#include "Fault.h"
 #include "History.h"
 
 #include <algorithm>
 #include <array>
 #include <cstdint>
 #include <cstdlib>
+#include <set>
 #include <span>
 #include <string>
 #include <string_view>
+#include <tuple>
 
 #include <csignal>
 #include <dlfcn.h>
@@ -27,18 +30,13 @@ using crossings::Line;
 
 namespace {
 
-constexpr std::size_t kShown = 32;
-constexpr unsigned kPatience = 5; // seconds for addr2line
+constexpr std::size_t kShown = std::tuple_size_v<decltype(Stack::frames)>;
+constexpr unsigned kPatience = 5;       // seconds for addr2line
+constexpr unsigned kWholePatience = 15; // seconds for a stack
 
-std::string &gProgram = *new std::string;    // this one's file
-std::string &gSymbolizer = *new std::string; // empty without one
-
-struct Frame {
-    const char *file; // null: nobody's code
-    std::uintptr_t offset;
-    bool isNamed;  // by a symbol of its own: in a file without them all addr2line takes the next best
-    int times = 1; // that it follows itself
-};
+std::string &gProgram = *new std::string;                   // the path of this program
+std::string &gSymbolizer = *new std::string;                // the path of addr2line; empty without it
+std::set<std::string> &gFiles = *new std::set<std::string>; // of stacks that are kept
 
 Frame FrameAt(std::uintptr_t address) {
     Dl_info info{};
@@ -50,13 +48,11 @@ Frame FrameAt(std::uintptr_t address) {
     return {file, address - map->l_addr, info.dli_sname || std::string_view(file).ends_with(".avp")};
 }
 
-// The observers' own functions, which stand between any two that matter.
+// The functions of the observing layer, which are between any two of interest.
 bool IsOfObservers(std::string_view what) {
     return what.find("crossings::") != std::string_view::npos ||
            what.find("/Prototypes.inc:") != std::string_view::npos;
 }
-
-void AddHex(Line &line, std::uintptr_t number) { line.Add(crossings::ValueOf(reinterpret_cast<const void *>(number))); }
 
 void WriteFrame(const Frame &frame, std::string_view what) {
     Line line;
@@ -67,7 +63,7 @@ void WriteFrame(const Frame &frame, std::string_view what) {
         line.Add(file.empty() ? std::string_view("no file's code at ") : file.substr(file.rfind('/') + 1));
         if (!file.empty())
             line.Add('+');
-        AddHex(line, frame.offset);
+        line.AddHex(frame.offset);
     } else if (noSource != std::string_view::npos) {
         line.Add(what.substr(0, noSource));
         line.Add(" in ");
@@ -84,12 +80,12 @@ void WriteFrame(const Frame &frame, std::string_view what) {
     WriteError(line.Text());
 }
 
-// What addr2line says about frames of one file. Nothing if it cannot be run.
+// The output of addr2line for frames of one file. Empty if it cannot be run.
 std::string_view Symbolize(std::span<const Frame> frames, std::span<char> buffer) {
     std::array<Line, kShown> offsets;
     std::array<const char *, kShown + 4> arguments{gSymbolizer.c_str(), "-Cfipe", frames.front().file};
     for (std::size_t i = 0; i < frames.size(); ++i) {
-        AddHex(offsets[i], frames[i].offset);
+        offsets[i].AddHex(frames[i].offset);
         offsets[i].Add('\0');
         arguments[i + 3] = offsets[i].Text().data();
     }
@@ -120,13 +116,13 @@ std::string_view Symbolize(std::span<const Frame> frames, std::span<char> buffer
 }
 
 void WriteFramesOfOneFile(std::span<const Frame> frames) {
-    static std::array<char, 32 * 1024> buffer; // there is but one report
+    static std::array<char, 32 * 1024> buffer; // there is only one report
     std::string_view text = Symbolize(frames, buffer);
     for (const Frame &frame : frames) {
         std::string_view line = text.substr(0, text.find('\n'));
         if (!IsOfObservers(line))
             WriteFrame(frame, line);
-        // Behind it are the functions that it was inlined into.
+        // The next lines are the functions into which this one was inlined.
         for (;;) {
             text.remove_prefix(std::min(line.size() + 1, text.size()));
             line = text.substr(0, text.find('\n'));
@@ -141,7 +137,7 @@ void WriteFramesOfOneFile(std::span<const Frame> frames) {
     }
 }
 
-// A call of what is no code leaves nothing to unwind from but the address to return to.
+// After a call of an address without code, unwinding starts at the return address.
 void ReturnFromNowhere(ucontext_t &context) {
     greg_t &stack = context.uc_mcontext.gregs[REG_ESP];
     context.uc_mcontext.gregs[REG_EIP] = *reinterpret_cast<const greg_t *>(stack);
@@ -155,6 +151,37 @@ std::span<void *const> FromContextOn(std::span<void *const> stack, const ucontex
                                : std::find_if(stack.begin(), stack.end(),
                                               [](void *address) { return FileAt(address) != gProgram.c_str(); });
     return begin == stack.end() ? stack : std::span<void *const>(begin, stack.end());
+}
+
+// The frames of a stack. Unless the first address is an instruction, all are
+// return addresses, which lie behind the call.
+Stack FramesOf(std::span<void *const> addresses, bool isFirstExact) {
+    Stack stack;
+    for (void *address : addresses) {
+        const Frame frame = FrameAt(reinterpret_cast<std::uintptr_t>(address) - (isFirstExact ? 0 : 1));
+        isFirstExact = false;
+        Frame *last = stack.count > 0 ? &stack.frames[stack.count - 1] : nullptr;
+        if (last && last->file == frame.file && last->offset == frame.offset)
+            ++last->times;
+        else if (stack.count < kShown)
+            stack.frames[stack.count++] = frame;
+        else
+            stack.isCut = true;
+    }
+    return stack;
+}
+
+void WriteInterruptedStack(ucontext_t *context) {
+    bool isExact = context != nullptr;
+    if (context && !FileAt(InstructionOf(*context))) {
+        ReturnFromNowhere(*context);
+        isExact = false;
+    }
+    static std::array<void *, 256> addresses;
+    const auto depth = static_cast<std::size_t>(backtrace(addresses.data(), static_cast<int>(addresses.size())));
+    Stack stack = FramesOf(FromContextOn({addresses.data(), depth}, context), isExact);
+    stack.isCut = depth == addresses.size();
+    WriteStack(stack);
 }
 
 } // namespace
@@ -178,34 +205,49 @@ void PrepareBacktrace() {
 }
 
 void WriteBacktrace(ucontext_t *context) {
-    bool isExact = context != nullptr; // other frames are addresses to return to, behind the call
-    if (context && !FileAt(InstructionOf(*context))) {
-        ReturnFromNowhere(*context);
-        isExact = false;
-    }
-    static std::array<void *, 256> stack;
-    const int depth = backtrace(stack.data(), static_cast<int>(stack.size()));
-    std::array<Frame, kShown> frames;
-    std::size_t count = 0;
     WriteError("The stack, the innermost function first:\n");
-    for (void *address : FromContextOn({stack.data(), static_cast<std::size_t>(depth)}, context)) {
-        const Frame frame = FrameAt(reinterpret_cast<std::uintptr_t>(address) - (isExact ? 0 : 1));
-        isExact = false;
-        if (count > 0 && frames[count - 1].file == frame.file && frames[count - 1].offset == frame.offset)
-            ++frames[count - 1].times;
-        else if (count < kShown)
-            frames[count++] = frame;
-        else
-            break;
+    // A child follows the stack: if the stack is overwritten, only the child faults.
+    const pid_t child = _Fork();
+    if (child == 0) {
+        for (const int signal : kFatalSignals)
+            std::signal(signal, SIG_DFL);
+        std::signal(SIGALRM, SIG_DFL);
+        sigset_t none;
+        sigemptyset(&none);
+        sigprocmask(SIG_SETMASK, &none, nullptr);
+        alarm(kWholePatience);
+        WriteInterruptedStack(context);
+        _exit(0);
     }
-    for (std::span<const Frame> left(frames.data(), count); !left.empty();) {
+    int status = 0;
+    if (child > 0 && waitpid(child, &status, 0) == child && status == 0)
+        return;
+    const void *instruction = context ? InstructionOf(*context) : nullptr;
+    if (FileAt(instruction))
+        WriteFramesOfOneFile(std::array{FrameAt(reinterpret_cast<std::uintptr_t>(instruction))});
+    WriteError("  The callers are unknown: the stack is overwritten.\n");
+}
+
+Stack StackOf(std::span<void *const> addresses) {
+    Stack stack = FramesOf(FromContextOn(addresses, nullptr), /*isFirstExact=*/false);
+    for (Frame &frame : std::span(stack.frames).first(stack.count)) {
+        char *path = frame.file ? realpath(frame.file, nullptr) : nullptr;
+        if (frame.file)
+            frame.file = gFiles.emplace(path ? path : frame.file).first->c_str();
+        std::free(path);
+    }
+    return stack;
+}
+
+void WriteStack(const Stack &stack) {
+    for (std::span<const Frame> left(stack.frames.data(), stack.count); !left.empty();) {
         const auto end = std::find_if(left.begin(), left.end(),
                                       [&left](const Frame &frame) { return frame.file != left.front().file; });
         const auto ofOneFile = static_cast<std::size_t>(end - left.begin());
         WriteFramesOfOneFile(left.first(ofOneFile));
         left = left.subspan(ofOneFile);
     }
-    if (depth == static_cast<int>(stack.size()))
+    if (stack.isCut)
         WriteError("  ... and more\n");
 }
 

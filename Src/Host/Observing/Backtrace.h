@@ -1,20 +1,44 @@
-// The stack of functions, with names and lines as far as their files tell.
+// The stack of functions, with names and source lines where the files have them.
 #ifndef AVSK_HOST_OBSERVING_BACKTRACE_H
 #define AVSK_HOST_OBSERVING_BACKTRACE_H
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <span>
 
 #include <ucontext.h>
 
 namespace host {
 
-// Loads and looks up what is needed, while that can be done.
+struct Frame {
+    const char *file; // null: no file
+    std::uintptr_t offset;
+    bool isNamed;  // by its own symbol: in a stripped file addr2line names any symbol nearby
+    int times = 1; // how often it follows itself
+};
+
+struct Stack {
+    std::array<Frame, 32> frames{};
+    std::size_t count = 0;
+    bool isCut = false;
+};
+
+// Loads and looks up everything that writing a stack needs.
 void PrepareBacktrace();
 
-// Writes to standard error from where a signal came in, which the context says
-// and which may be changed; null: from the caller on, without this program's
-// own functions at the beginning. Safe in a signal handler.
+// Writes the stack to standard error, from the place at which a signal came in;
+// the context may be changed. With a null context from the caller on, without
+// this program's own functions at the beginning. Safe in a signal handler. A
+// stack that cannot be followed is no fault.
 void WriteBacktrace(ucontext_t *context);
 
-// The file whose code is at an address; null if it is nobody's.
+// Looks up return addresses, without this program's own functions at the
+// beginning. The result stays valid when the files are unloaded or renamed.
+Stack StackOf(std::span<void *const> addresses);
+void WriteStack(const Stack &stack);
+
+// The file that an address belongs to; null if there is none.
 const char *FileAt(const void *address);
 
 } // namespace host

@@ -1,10 +1,16 @@
-// Who ended the run; see Blame.h. A report is made in signal handlers, so it
-// uses only what was made ready before, and writes what is most certain first.
+// Reports who ended the run; see Blame.h. Reports are written in signal handlers,
+// so they use only prepared data, and write the most certain facts first. Owns
+// the history of calls.
 #include "Blame.h"
 
 #include "Backtrace.h"
 #include "Fault.h"
 #include "History.h"
+#include "Place.h"
+#include "Thrown.h"
+
+#include "Common/Terminal.h"
+#include "Crossings/Format.h"
 
 #include <array>
 #include <atomic>
@@ -33,16 +39,18 @@ namespace {
 constexpr unsigned kReportPatience = 20; // seconds
 constexpr std::size_t kHandlersStack = 256 * 1024;
 
-const int kOverdue = SIGRTMAX - 3; // seldom anybody's
+const int kOverdue = SIGRTMAX - 3; // rarely used by others
 
 History gHistory;
 Blame *gBlame = nullptr;
+const int *gFrame = nullptr; // of the simulator; not read through the Blame, which may be overwritten
+int gLastFrame = 0;          // when the Blame ended
 pthread_t gMainThread;
 std::atomic<bool> gReporting = false;
 
 bool IsMainThread() { return pthread_equal(pthread_self(), gMainThread) != 0; }
 
-// The plugins' or the host's, when the library runs code on their behalf.
+// The plugin or host that a call is made for.
 void AddBehalf(Line &line, const History::Call &call) {
     if (call.forHost)
         return line.Add("the host");
@@ -59,7 +67,7 @@ void AddCulprit(Line &line, const History::Call *call) {
     AddBehalf(line, *call);
 }
 
-void AddPlace(Line &line, const History::Call *call) {
+void AddTitleAndCaller(Line &line, const History::Call *call) {
     if (!call)
         return;
     line.Add(call->title.Text());
@@ -69,7 +77,7 @@ void AddPlace(Line &line, const History::Call *call) {
     AddBehalf(line, *call);
 }
 
-// What is read by nobody is written by a child: if that gets stuck or dies, nothing else does.
+// A child flushes the output: corrupted streams can only stop or end the child.
 void FlushOutput() {
     const pid_t child = _Fork();
     if (child <= 0)
@@ -86,11 +94,34 @@ void FlushOutput() {
     _exit(kBlamedStatus);
 }
 
-void WriteCalls(const Line &head) {
-    if (isatty(STDERR_FILENO) == 1)
+void WritePlace(int frame) {
+    Line line;
+    if (frame > 0) {
+        line.Add("In frame ");
+        line.Add(frame);
+    } else {
+        line.Add("Before the first frame");
+    }
+    if (!Place().empty()) {
+        line.Add(", at ");
+        line.Add(Place());
+    }
+    line.Add('\n');
+    WriteError(line.Text());
+}
+
+void WriteHead(std::string_view head) {
+    if (HasColours(STDERR_FILENO))
         WriteError("\r\033[K"); // there may be a progress line
-    WriteError(head.Text());
+    WriteError(EmphasisBegin(Emphasis::Failure, STDERR_FILENO));
+    WriteError(head);
+    WriteError(EmphasisEnd(STDERR_FILENO));
     WriteError("\n");
+}
+
+void WriteCalls(const Line &head) {
+    WriteHead(head.Text());
+    WritePlace(gFrame ? *gFrame : gLastFrame);
     gHistory.WriteOpen();
     gHistory.WriteLast();
 }
@@ -110,8 +141,8 @@ void WriteCalls(const Line &head) {
     _exit(kBlamedStatus);
 }
 
-// Code of a plugin that no call of the library's has led to: of one that is
-// being loaded, or in a thread.
+// Names the file of code that the library did not call: code that runs while its
+// file is loaded, or in another thread. False if it is not such code.
 bool AddStray(Line &line, const void *instruction) {
     const History::Call *call = gHistory.Innermost();
     const char *file = FileAt(instruction);
@@ -130,9 +161,10 @@ void OnFault(int signal, siginfo_t *info, void *interrupted) {
     auto *context = static_cast<ucontext_t *>(interrupted);
     const auto *instruction = reinterpret_cast<const void *>(context->uc_mcontext.gregs[REG_EIP]);
     const History::Call *call = nullptr;
+    const bool isObserversFault = IsMainThread() && !crossings::AreObserved();
     if (IsMainThread() && IsStackFull(*info))
-        call = gHistory.InnermostOfPlugins();            // whoever needed the last of it
-    else if (IsMainThread() && crossings::AreObserved()) // else it is the bench that is at fault
+        call = gHistory.InnermostOfPlugins();
+    else if (IsMainThread() && !isObserversFault)
         call = gHistory.Innermost();
     Line head;
     head.Add("avsk: ");
@@ -142,13 +174,19 @@ void OnFault(int signal, siginfo_t *info, void *interrupted) {
     AddCause(head, *info, instruction);
     if (call) {
         head.Add(" in ");
-        AddPlace(head, call);
+        AddTitleAndCaller(head, call);
+    } else if (isObserversFault && gHistory.Innermost()) {
+        head.Add(" while it observed ");
+        head.Add(gHistory.Innermost()->title.Text());
+        head.Add(" of ");
+        AddCulprit(head, gHistory.Innermost());
+        head.Add(", which may have corrupted memory");
     }
     Report(head, context);
 }
 
-// The innermost of the plugins' calls that takes so long; those in it may be
-// short ones of many. Else the outermost of all calls.
+// The innermost call of a plugin that has taken almost the whole time: calls
+// inside it may be short. Else the outermost of all calls.
 const History::Call *OverdueCall(double limit) {
     constexpr double kNearly = 0.9;
     const Crossing::Clock::time_point now = Crossing::Clock::now();
@@ -172,11 +210,11 @@ void OnOverdue(int /*signal*/, siginfo_t * /*info*/, void *interrupted) {
     head.Add(" did not return within ");
     head.Add(gBlame->Limit());
     head.Add(" s from ");
-    AddPlace(head, call);
+    AddTitleAndCaller(head, call);
     Report(head, static_cast<ucontext_t *>(interrupted));
 }
 
-// The program's own end comes when no call is under way.
+// A regular end of the program comes when no call is under way.
 void OnExit(int status, void * /*unused*/) {
     if (!gBlame || !gHistory.Innermost() || gReporting.exchange(true))
         return;
@@ -191,12 +229,12 @@ void OnExit(int status, void * /*unused*/) {
     head.Add(")");
     if (IsMainThread()) {
         head.Add(" in ");
-        AddPlace(head, gHistory.Innermost());
+        AddTitleAndCaller(head, gHistory.Innermost());
     }
     Report(head, nullptr);
 }
 
-// The sanitizers have said what is wrong and where; what follows is who was at it. The status is theirs.
+// Adds the calls to the report of a sanitizer, which also sets the exit status.
 void OnSanitizersEnd() {
     if (!gBlame || !gHistory.Innermost() || gReporting.exchange(true))
         return;
@@ -204,7 +242,7 @@ void OnSanitizersEnd() {
     head.Add("avsk: a sanitizer ended the run, in ");
     AddCulprit(head, gHistory.Innermost());
     head.Add(" in ");
-    AddPlace(head, gHistory.Innermost());
+    AddTitleAndCaller(head, gHistory.Innermost());
     WriteCalls(head);
 }
 
@@ -214,7 +252,7 @@ struct Blame::Handlers {
     std::array<struct sigaction, kFatalSignals.size()> fatal{};
     struct sigaction overdue {};
     stack_t stack{};
-    // Not from the heap: there may be nothing left of that. What lies beside it is never touched.
+    // Not from the heap, which may be corrupted.
     void *memory = mmap(nullptr, kHandlersStack, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
 
     Handlers() {
@@ -225,7 +263,7 @@ struct Blame::Handlers {
         struct sigaction action {};
         sigaddset(&action.sa_mask, kOverdue);
         action.sa_sigaction = OnFault;
-        action.sa_flags = SA_SIGINFO | SA_ONSTACK | SA_NODEFER; // a second fault is to be seen, too
+        action.sa_flags = SA_SIGINFO | SA_ONSTACK | SA_NODEFER; // so that a second fault is noticed
         for (std::size_t i = 0; i < fatal.size(); ++i)
             sigaction(kFatalSignals[i], &action, &fatal[i]);
         action.sa_sigaction = OnOverdue;
@@ -246,7 +284,7 @@ struct Blame::Handlers {
     Handlers &operator=(const Handlers &) = delete;
 };
 
-Blame::Blame(double timeout) {
+Blame::Blame(const int &frame, double timeout) {
     [[maybe_unused]] static const int once = on_exit(OnExit, nullptr);
     if (__sanitizer_set_death_callback)
         __sanitizer_set_death_callback(OnSanitizersEnd);
@@ -254,6 +292,7 @@ Blame::Blame(double timeout) {
     LearnStack();
     PrepareBacktrace();
     gBlame = this;
+    gFrame = &frame;
     mBefore = std::make_unique<Handlers>();
     if (timeout > 0)
         mWatchdog.emplace(timeout, kOverdue);
@@ -265,6 +304,8 @@ Blame::~Blame() {
     mWatchdog.reset(); // before the handler of its signal
     mBefore.reset();
     gBlame = nullptr;
+    gLastFrame = *gFrame;
+    gFrame = nullptr;
 }
 
 void Blame::Begins(const Crossing &crossing) {
@@ -278,6 +319,8 @@ void Blame::Begins(const Crossing &crossing) {
 
 void Blame::Ends(const Crossing &crossing) {
     gHistory.Ends(crossing);
+    if (crossing.depth == 0 && !crossing.returned)
+        KeepThrownStacks();
     const bool isPlugins = crossing.depth == mPluginDepth;
     if (isPlugins)
         mPluginDepth = -1;
@@ -287,17 +330,23 @@ void Blame::Ends(const Crossing &crossing) {
         mWatchdog->Restart(crossing.ended);
 }
 
-std::string ThrownBy() {
+void ReportException(std::string_view what) {
+    std::string head = "avsk: the run was broken off by an exception";
     const History::Call *call = gHistory.Thrown();
+    if (call) {
+        Line thrower;
+        AddCulprit(thrower, call);
+        thrower.Add(" in ");
+        AddTitleAndCaller(thrower, call);
+        head.append(" of ").append(thrower.Text());
+    }
+    std::fflush(stdout);
+    WriteHead(head.append(": ").append(what));
     if (!call)
-        return "";
-    Line line;
-    AddCulprit(line, call);
-    line.Add(" in ");
-    AddPlace(line, call);
-    return std::string(line.Text());
+        return;
+    WritePlace(gLastFrame);
+    gHistory.WriteLast();
+    WriteThrownStack();
 }
-
-void PrintLastCalls() { gHistory.WriteLast(); }
 
 } // namespace host

@@ -1,6 +1,6 @@
-// The end of a run by a plugin's fault: a signal, a call that takes too long,
-// an exit(). Says which plugin it was and what it was doing, and ends the
-// process with status 3. Of an exception it remembers who threw it.
+// Reports a plugin that ends the run: by a signal, a call that takes too long, or
+// exit(). The report names the plugin and what it was doing; the process ends
+// with status 3. Exceptions are reported by main(), which then ends with status 1.
 #ifndef AVSK_HOST_OBSERVING_BLAME_H
 #define AVSK_HOST_OBSERVING_BLAME_H
 
@@ -10,17 +10,18 @@
 
 #include <memory>
 #include <optional>
-#include <string>
+#include <string_view>
 
 namespace host {
 
 constexpr int kBlamedStatus = 3;
 
-// Made on the main thread, one at a time.
+// Constructed on the main thread, one at a time.
 class Blame : public crossings::Observer {
   public:
-    // Seconds that one call into the library or a plugin may take; 0: for ever.
-    explicit Blame(double timeout);
+    // The seconds that one call into the library or a plugin may take; 0: no limit.
+    // The frame's number is read when a report is written.
+    Blame(const int &frame, double timeout);
     ~Blame() override;
     Blame(const Blame &) = delete;
     Blame &operator=(const Blame &) = delete;
@@ -32,17 +33,16 @@ class Blame : public crossings::Observer {
     double Limit() const { return mWatchdog ? mWatchdog->Limit() : 0; }
 
   private:
-    struct Handlers; // those that were there before
+    struct Handlers; // installs ours and restores the previous ones
     std::unique_ptr<Handlers> mBefore;
     std::optional<Watchdog> mWatchdog;
-    int mPluginDepth = -1; // of the outermost call of a plugin; -1: none
+    int mPluginDepth = -1; // depth of the outermost call of a plugin; -1: none
 };
 
-// Who threw the exception that has reached main, also when the Blame is gone:
-// "plugin 'Menu' in AVSKMenuHandler_f OnPick"; empty if it crossed no border.
-std::string ThrownBy();
-// The last calls before it, on standard error.
-void PrintLastCalls();
+// Reports the exception that is being handled: which plugin threw it, what it
+// says, the last calls, and the stack where it was thrown. Also valid without a
+// Blame, after the run.
+void ReportException(std::string_view what);
 
 } // namespace host
 

@@ -2,6 +2,7 @@
 #include "CallLog.h"
 
 #include "Crossings/Services.h"
+#include "Crossings/ValueText.h"
 #include "Services/Simulator.h"
 
 #include <algorithm>
@@ -19,6 +20,25 @@ using crossings::Crossing;
 using crossings::Side;
 using crossings::Value;
 
+// The handles of the host's own objects, by name.
+class HostHandles : public crossings::HandleNames {
+  public:
+    explicit HostHandles(const Simulator &simulator) : mSimulator(simulator) {}
+
+    std::string_view NameOf(const void *handle) const override {
+        if (const Menu *menu = mSimulator.menus.Known(handle))
+            return menu->name;
+        if (const Command *command = mSimulator.commands.Known(handle))
+            return command->name;
+        if (mSimulator.objects.Known(handle))
+            return static_cast<const Object *>(handle)->path;
+        return mSimulator.probes.Known(handle) ? "probe" : "";
+    }
+
+  private:
+    const Simulator &mSimulator;
+};
+
 // A list of buttons ends with 0.
 std::string ListOf(const Value &buttons) {
     std::string list;
@@ -31,7 +51,7 @@ bool IsList(const Crossing &crossing, std::size_t index) {
     return index == 0 && std::string_view(crossing.what.name) == "commandButton";
 }
 
-std::optional<double> NumberIn(const std::string &text) {
+std::optional<double> ParseNumber(const std::string &text) {
     double number = 0;
     const char *end = text.data() + text.size();
     const auto [stop, error] = std::from_chars(text.data(), end, number);
@@ -49,13 +69,14 @@ int CallLog::CountArguments(std::string_view slot) {
 }
 
 void CallLog::Begins(const Crossing &crossing) {
-    // What else goes to the host are its own callbacks.
+    // Other calls to the host are its own callbacks.
     if (crossing.to != Side::Host || crossing.callback)
         return;
     Arguments arguments;
     for (std::size_t i = 0; i < crossing.arguments.size(); ++i) {
         const Value &value = crossing.arguments[i];
-        arguments.push_back(mSimulator.console.WithoutRoot(IsList(crossing, i) ? ListOf(value) : TextOf(value)));
+        const std::string text = IsList(crossing, i) ? ListOf(value) : StableText(value, HostHandles(mSimulator));
+        arguments.push_back(mSimulator.console.WithoutRoot(text));
     }
     mCalls[crossing.what.name][std::move(arguments)] = ++mLast;
 }
@@ -88,54 +109,15 @@ std::string CallLog::Latest(const std::string &slot) const {
     return text;
 }
 
-std::string CallLog::TextOf(const Value &value) const {
-    constexpr AVSKWord kFirstPage = 4096;
-    std::array<char, 32> text{};
-    switch (value.kind) {
-    case Value::Kind::Nothing:
-        return "nothing";
-    case Value::Kind::Integer:
-    case Value::Kind::Character:
-        return std::to_string(value.integer);
-    case Value::Kind::Word:
-        // Words carry numbers and addresses alike; an address differs from run to run.
-        return value.word < kFirstPage ? std::to_string(value.word) : "word";
-    case Value::Kind::Real:
-        std::snprintf(text.data(), text.size(), "%.6g", value.real);
-        return text.data();
-    case Value::Kind::Text:
-        return value.text ? value.text : "null";
-    case Value::Kind::Function:
-        return value.pointer ? "function" : "null";
-    case Value::Kind::Pointer:
-        return Describe(value.pointer);
-    case Value::Kind::Structure:
-        return "pointer";
-    }
-    return "";
-}
-
-std::string CallLog::Describe(const void *handle) const {
-    if (!handle)
-        return "null";
-    if (const Menu *menu = mSimulator.menus.Known(handle))
-        return menu->name;
-    if (const Command *command = mSimulator.commands.Known(handle))
-        return command->name;
-    if (const Object *object = mSimulator.objects.Known(handle) ? static_cast<const Object *>(handle) : nullptr)
-        return object->path;
-    return mSimulator.probes.Known(handle) ? "probe" : "pointer";
-}
-
 bool Matches(const std::string &wanted, const std::string &seen) {
     constexpr double kClose = 1e-4;
     if (wanted == "*" || wanted == seen)
         return true;
     const std::size_t tilde = wanted.find('~');
-    const auto a = NumberIn(wanted.substr(0, tilde));
-    const auto b = NumberIn(seen);
+    const auto a = ParseNumber(wanted.substr(0, tilde));
+    const auto b = ParseNumber(seen);
     const auto tolerance = tilde == std::string::npos ? std::optional(kClose * std::max(1.0, std::fabs(a.value_or(0))))
-                                                      : NumberIn(wanted.substr(tilde + 1));
+                                                      : ParseNumber(wanted.substr(tilde + 1));
     return a && b && tolerance && std::fabs(*a - *b) <= *tolerance;
 }
 

@@ -1,5 +1,5 @@
-// What the table of services was asked during a session: each call with its
-// arguments as text. Expectations look here. Nothing is recorded in other runs.
+// The calls of the host's services during a session, with their arguments as
+// text. Expectations search it. It exists in sessions only.
 #ifndef AVSK_HOST_OBSERVING_CALL_LOG_H
 #define AVSK_HOST_OBSERVING_CALL_LOG_H
 
@@ -30,25 +30,21 @@ class CallLog : public crossings::Observer {
     void Ends(const crossings::Crossing & /*crossing*/) override {}
     void Forget() { mCalls.clear(); }
 
-    // Whether a slot was called with arguments that match; those behind the
-    // last one wanted may be any.
+    // Whether a slot was called with arguments that match. Arguments behind the
+    // last wanted one may have any value.
     bool Contains(const std::string &slot, const Arguments &wanted) const;
-    // The different calls of a slot that came last, for a reader.
+    // The last different calls of a slot, for a reader.
     std::string Latest(const std::string &slot) const;
 
   private:
-    std::string TextOf(const crossings::Value &value) const;
-    // A handle by the name of what it stands for, never by its address, which is another in each run.
-    std::string Describe(const void *handle) const;
-
     const Simulator &mSimulator;
     long mLast = 0;
-    // Alike calls of many frames take the room of one. The number tells the order of the last ones.
+    // Equal calls are stored once, with the number of the last one.
     std::map<std::string, std::map<Arguments, long>, std::less<>> mCalls;
 };
 
-// Whether a text is what a session's word stands for: "*" is anything, numbers
-// agree to four digits or to the tolerance in "1.5~0.1".
+// Whether a text matches a word of a session: "*" matches everything, numbers
+// match to four digits or within the tolerance in "1.5~0.1".
 bool Matches(const std::string &wanted, const std::string &seen);
 
 } // namespace host

@@ -1,4 +1,5 @@
-// Signals in words; see Fault.h. All but LearnStack() is safe in a signal handler.
+// Signals in words; see Fault.h. Owns the address at which the main thread's
+// stack ends. Everything except LearnStack() is safe in a signal handler.
 #include "Fault.h"
 
 #include <cstdint>
@@ -37,7 +38,7 @@ void AddAccess(Line &line, const siginfo_t &signal, const void *instruction) {
     if (signal.si_code == SI_KERNEL)
         return line.Add("a vector access that is not aligned, or a privileged instruction");
     if (IsStackFull(signal))
-        return line.Add("the stack is full: an endless recursion, or arrays that are too large for it");
+        return line.Add("the stack is full: an endless recursion, or arrays that are too large");
     if (signal.si_addr == instruction) {
         line.Add("there is no code at ");
         return AddAddress(line, signal.si_addr);
@@ -53,7 +54,7 @@ void AddAccess(Line &line, const siginfo_t &signal, const void *instruction) {
 }
 
 void AddReason(Line &line, const siginfo_t &signal, const void *instruction) {
-    // Sent by a process, which need not be another one.
+    // A process sent it, possibly this one.
     if (signal.si_code <= 0) {
         if (signal.si_pid != getpid()) {
             line.Add("sent by process ");
@@ -92,19 +93,14 @@ void LearnStack() {
 }
 
 bool IsStackFull(const siginfo_t &signal) {
-    constexpr std::uintptr_t kGap = 1024 * 1024; // the kernel leaves it below the stack when something else lies there
+    constexpr std::uintptr_t kGap = 1024 * 1024; // that the kernel keeps free below the stack
     constexpr std::uintptr_t kLastPages = 64 * 1024;
     const auto place = reinterpret_cast<std::uintptr_t>(signal.si_addr);
     return signal.si_signo == SIGSEGV && signal.si_code > 0 && signal.si_code != SI_KERNEL && gStackEnd != 0 &&
            place >= gStackEnd - kGap && place < gStackEnd + kLastPages;
 }
 
-void AddAddress(Line &line, const void *address) {
-    if (address)
-        line.Add(crossings::ValueOf(address));
-    else
-        line.Add("0x0");
-}
+void AddAddress(Line &line, const void *address) { line.AddHex(reinterpret_cast<std::uintptr_t>(address)); }
 
 void AddCause(Line &line, const siginfo_t &signal, const void *instruction) {
     line.Add(NameOf(signal.si_signo));

@@ -1,5 +1,7 @@
-// Calls as text; see History.h.
+// Stores calls as text; see History.h.
 #include "History.h"
+
+#include "Crossings/Format.h"
 
 #include <algorithm>
 #include <exception>
@@ -38,7 +40,7 @@ void WriteError(std::string_view text) {
 
 void History::Begins(const Crossing &crossing) {
     if (mHasThrown && std::uncaught_exceptions() == 0)
-        mHasThrown = false; // somebody caught it
+        mHasThrown = false; // it was caught
     Call &call = Slot(crossing.depth);
     call.to = crossing.to;
     call.forHost = crossing.plugin == AVSK_PLUGIN_AERIVO;
@@ -75,7 +77,7 @@ void History::Push(int depth) {
 }
 
 void History::AddResult(const Crossing &crossing) {
-    // The latest of this depth, unless it is too long ago.
+    // The last open one of this depth, if it is still stored.
     for (unsigned back = 1; back <= std::min(mCount, kLast); ++back) {
         Past &past = mLast[(mCount - back) % kLast];
         if (!past.isOpen || past.depth != crossing.depth)
@@ -86,7 +88,7 @@ void History::AddResult(const Crossing &crossing) {
     }
 }
 
-// An exception passes from the innermost call outward; calls that destructors
+// An exception ends calls from the innermost outward. Calls that destructors
 // make meanwhile return.
 void History::NoteException(const Crossing &crossing) {
     if (crossing.returned) {

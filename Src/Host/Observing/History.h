@@ -1,14 +1,14 @@
-// The calls under way and the last ones, kept as text: when a plugin has
-// ended the run nothing can be looked up any more. Allocates nothing but what
-// the names of functions need the first time.
+// The calls under way and the last ones, as text, because after a crash nothing
+// can be looked up. Allocates only for the names of functions, the first time.
 #ifndef AVSK_HOST_OBSERVING_HISTORY_H
 #define AVSK_HOST_OBSERVING_HISTORY_H
 
 #include "Crossings/Crossing.h"
-#include "Crossings/Format.h"
+#include "Crossings/Line.h"
 
 #include <array>
 #include <cstddef>
+#include <string_view>
 
 namespace host {
 
@@ -16,8 +16,8 @@ class History {
   public:
     struct Call {
         crossings::Side to;
-        bool forHost;           // no plugin has to do with it
-        crossings::Line plugin; // whose code runs in it, or on whose behalf
+        bool forHost;           // no plugin is involved
+        crossings::Line plugin; // whose code runs, or for which the library or host works
         crossings::Line title;  // "AVSKMenuHandler_f OnPick"
         crossings::Line text;   // "library > Menu  AVSKMenuHandler_f OnPick(menuRef=...)"
     };
@@ -25,14 +25,15 @@ class History {
     void Begins(const crossings::Crossing &crossing);
     void Ends(const crossings::Crossing &crossing);
 
-    // The call under way at that depth, or the deepest that is kept. Null if there is none.
+    // The call under way at a depth, or the deepest that is stored. Null if there is none.
     const Call *Open(int depth) const;
     const Call *Innermost() const { return Open(mDepth - 1); }
     const Call *InnermostOfPlugins() const;
-    // The call that the present exception, or the one that ended last, left first. Null if there is none.
+    // The innermost call that the last exception ended. Null if there is none.
     const Call *Thrown() const { return mHasThrown ? &mThrown : nullptr; }
 
-    // Safe in a signal handler. Of the host's own calls the last ones are only those that led to a plugin.
+    // Write to standard error; safe in a signal handler. The last calls leave out
+    // the host's calls that did not lead to a plugin.
     void WriteOpen() const;
     void WriteLast() const;
 
@@ -53,16 +54,16 @@ class History {
     void NoteException(const crossings::Crossing &crossing);
 
     std::array<Call, kDeepest> mOpen{};
-    Call mDeeper{}; // the one that began last
+    Call mDeeper{}; // the last call deeper than that
     int mDepth = 0;
     std::array<Past, kLast> mLast{};
-    unsigned mCount = 0; // of all that were among the last ones
-    int mPushed = 0;     // of those under way, the outermost are among them, so many
+    unsigned mCount = 0; // of all calls that were added to mLast
+    int mPushed = 0;     // so many of the calls under way, the outermost, were added to it
     Call mThrown{};
     bool mHasThrown = false;
 };
 
-// Writes to standard error, in signal handlers too.
+// Writes to standard error. Safe in a signal handler.
 void WriteError(std::string_view text);
 
 } // namespace host

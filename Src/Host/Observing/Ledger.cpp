@@ -39,7 +39,7 @@ bool Succeeded(Success success, const Crossing &crossing) {
     case Success::Always:
         return true;
     case Success::Before:
-        return false; // done long since
+        return false; // the effect occurred when the call began
     }
     return false;
 }
@@ -56,15 +56,15 @@ std::string MadeBy(const Crossing &crossing, int frame) {
     return frame > 0 ? text + ", frame " + std::to_string(frame) : text;
 }
 
-// In one line of a table.
+// Fit for one line of a table.
 std::string Printable(std::string text) {
     std::replace_if(
         text.begin(), text.end(), [](char c) { return static_cast<unsigned char>(c) < ' '; }, '?');
     return text;
 }
 
-// Nobody is called when it arrives.
-bool IsSilent(const Possession &load) { return load.otherKey.starts_with("0;"); }
+// Whether the plugin gave no callback, so that it is not notified.
+bool IsSilent(const Possession &load) { return !load.otherKey.numbers.empty() && load.otherKey.numbers[0] == 0; }
 
 } // namespace
 
@@ -123,7 +123,7 @@ void Ledger::Apply(const Rule &rule, const Call &call) {
     }
 }
 
-// ---- Possessions come and go
+// ---- Gains and losses
 
 void Ledger::Gain(const Rule &rule, const Call &call) {
     Possession made;
@@ -131,20 +131,17 @@ void Ledger::Gain(const Rule &rule, const Call &call) {
     made.owner = call.crossing.dispatched;
     if (made.owner == AVSK_PLUGIN_AERIVO)
         return;
-    const std::string_view keys = rule.keys;
-    const std::size_t bar = keys.find('|');
-    made.key = call.Key(keys.substr(0, bar));
-    if (bar != std::string_view::npos)
-        made.otherKey = call.Key(keys.substr(bar + 1));
+    made.key = call.KeyOf(rule.key);
+    made.otherKey = call.KeyOf(rule.otherKey);
     const Uniqueness uniqueness = TraitsOf(made.kind).uniqueness;
     const auto isSame = [&made](const Possession &known) {
-        return known.kind == made.kind && !made.key.empty() && known.key == made.key;
+        return known.kind == made.kind && !made.key.IsEmpty() && known.key == made.key;
     };
     if (uniqueness == Uniqueness::OnePerPlugin &&
         std::any_of(mOwned.begin(), mOwned.end(),
                     [&](const Possession &known) { return isSame(known) && known.owner == made.owner; }))
         return;
-    // The library gives addresses out again, and what one plugin may have at a time passes on.
+    // The library reuses addresses, and a second plugin can take what only one can have.
     if (uniqueness == Uniqueness::One)
         std::erase_if(mOwned, isSame);
     if (call.crossing.result.kind == Value::Kind::Pointer)
@@ -155,7 +152,7 @@ void Ledger::Gain(const Rule &rule, const Call &call) {
 }
 
 void Ledger::Lose(const Rule &rule, const Call &call) {
-    const std::string key = call.Key(rule.keys);
+    const Key key = call.KeyOf(rule.key);
     const auto find = [&](bool callersOnly) {
         return std::find_if(mOwned.rbegin(), mOwned.rend(), [&](const Possession &known) {
             return known.kind == rule.kind && HasKey(known, key) &&
@@ -175,7 +172,7 @@ void Ledger::Lose(const Rule &rule, const Call &call) {
 }
 
 void Ledger::LoseNth(const Rule &rule, const Call &call) {
-    const std::string key = call.Key(rule.keys);
+    const Key key = call.KeyOf(rule.key);
     int index = call["index"].integer;
     const auto found = std::find_if(mOwned.begin(), mOwned.end(), [&](const Possession &known) {
         return known.kind == rule.kind && known.owner == call.crossing.dispatched && HasKey(known, key) && index-- == 0;
@@ -185,16 +182,16 @@ void Ledger::LoseNth(const Rule &rule, const Call &call) {
 }
 
 void Ledger::LoseItems(const Rule &rule, const Call &call) {
-    const std::string key = call.Key(rule.keys);
+    const Key key = call.KeyOf(rule.key);
     const Possession *menu = Find(Kind::Menu, key);
     if (menu && menu->owner == call.crossing.dispatched)
         std::erase_if(mOwned, [&](const Possession &known) { return known.kind == rule.kind && HasKey(known, key); });
 }
 
-// ---- Loads, on their way to becoming objects
+// ---- Asynchronous loads, which become objects
 
 void Ledger::Arrive(const Call &call) {
-    const std::string key = call.Key("argument");
+    const Key key = call.KeyOf({Argument("argument")});
     for (Possession &load : mOwned) {
         if (load.kind == Kind::Load && load.key == key) {
             load.handle = call["object"].pointer;
@@ -206,8 +203,9 @@ void Ledger::Arrive(const Call &call) {
 void Ledger::Settle(const Call &call) {
     const Crossing &crossing = call.crossing;
     if (crossing.to == Side::Plugin && crossing.callback) {
-        const auto function = reinterpret_cast<std::uintptr_t>(crossing.callback->function);
-        const std::string key = std::to_string(function) + ";" + call.Key("refcon");
+        const Key key{{reinterpret_cast<std::uintptr_t>(crossing.callback->function),
+                       reinterpret_cast<std::uintptr_t>(call["refcon"].pointer)},
+                      ""};
         const void *object = call["object"].pointer;
         const auto load = std::find_if(mOwned.begin(), mOwned.end(), [&](const Possession &known) {
             return known.kind == Kind::Load && known.arrived && known.owner == crossing.plugin &&
@@ -231,11 +229,11 @@ void Ledger::SettleLoad(Possessions::iterator load) {
         return;
     }
     load->kind = Kind::Object;
-    load->key = std::to_string(reinterpret_cast<std::uintptr_t>(load->handle)) + ";";
-    load->otherKey.clear();
+    load->key = {{reinterpret_cast<std::uintptr_t>(load->handle)}, ""};
+    load->otherKey = {};
 }
 
-// ---- Plugins go
+// ---- Unloaded plugins
 
 void Ledger::NoteNames() {
     for (int i = 1; i < AVSKCountPlugins(); ++i) {
@@ -249,8 +247,8 @@ void Ledger::NoteNames() {
     }
 }
 
-// A plugin that is gone without a stop call has been cleared away by the
-// library already; else that comes next.
+// After a stop call the library has yet to clear away what the plugin left;
+// without a stop call it has done so (isCleared).
 void Ledger::Leave(AVSKPluginID plugin, bool isCleared) {
     if (!isCleared)
         NoteNames();
@@ -264,7 +262,7 @@ void Ledger::Leave(AVSKPluginID plugin, bool isCleared) {
         if (isOwn(known) && traits.canBeGivenBack && (isCleared ? !traits.canBeTaken : Exists(known)))
             departed.left.push_back(known);
     }
-    // Its menus take others' items with them.
+    // Items of other plugins in its menus are destroyed with the menus.
     for (const Possession &menu : Possessions(mOwned)) {
         if (menu.kind == Kind::Menu && isOwn(menu))
             std::erase_if(mOwned,

@@ -1,5 +1,5 @@
-// Who owns what: everything plugins have made and not given back, with the
-// call that made it. Kept from the calls that cross the library's border.
+// Who owns what: everything that plugins have created and not given back, with
+// the call that created it. Learned from the calls across the library's border.
 #ifndef AVSK_HOST_OBSERVING_LEDGER_H
 #define AVSK_HOST_OBSERVING_LEDGER_H
 
@@ -28,20 +28,20 @@ class Ledger : public crossings::Observer {
     void Begins(const crossings::Crossing &crossing) override;
     void Ends(const crossings::Crossing &crossing) override;
 
-    // One line each, grouped by plugin: what a plugin owns now, and, of those
-    // that were unloaded, what they left for the library to clear away. Of one
-    // plugin, by name or signature, or of all.
+    // One line for each possession, grouped by plugin: what loaded plugins own,
+    // and what unloaded plugins left to the library. Of one plugin, by name or
+    // signature, or of all.
     std::vector<std::string> Owned(const std::string &plugin = "") const;
     std::vector<std::string> LeftBehind(const std::string &plugin = "") const;
     // Whether a plugin of this name or signature was unloaded.
     bool WasUnloaded(const std::string &plugin) const;
 
-    // In the order in which they were made.
+    // In the order of their creation.
     std::vector<Possession> OwnedBy(AVSKPluginID plugin, Kind kind) const;
-    // What the library still has, whoever made it, of a kind that it can be asked about.
+    // What still exists in the library, of any plugin. For kinds of which the library can tell.
     std::vector<Possession> StillThere(Kind kind) const;
-    // Anyone's; null if there is none.
-    const Possession *Find(Kind kind, const std::string &key) const;
+    // Of any plugin; null if there is none.
+    const Possession *Find(Kind kind, const Key &key) const;
 
   private:
     using Possessions = std::vector<Possession>;
@@ -53,6 +53,7 @@ class Ledger : public crossings::Observer {
         Identity identity;
         Possessions left;
     };
+    // A rule whose condition was false when the call began.
     struct Refusal {
         const crossings::Crossing *crossing;
         const Rule *rule;
@@ -75,7 +76,7 @@ class Ledger : public crossings::Observer {
     std::unordered_map<const crossings::Prototype *, std::vector<const Rule *>> mRules; // of functions seen so far
     std::vector<Refusal> mRefusals;                                                     // of calls under way
     Possessions mOwned;
-    Possessions mReturned; // though the library still has them
+    Possessions mReturned; // but still in the library
     std::map<AVSKPluginID, Identity> mNames;
     std::vector<Departed> mDeparted;
 };

@@ -1,9 +1,9 @@
-// The table of rules; see LedgerRules.h. Results and refusals are those that
-// the public headers document.
+// The table of rules; see LedgerRules.h. Their results and refusals are those
+// that the public headers document.
 #include "LedgerRules.h"
 
-#include "Crossings/Format.h"
 #include "Crossings/Symbols.h"
+#include "Crossings/ValueText.h"
 #include "Crossings/Words.h"
 #include "Ledger.h"
 #include "Services/Simulator.h"
@@ -14,23 +14,23 @@
 #include "AVSK/AVSKMenus.h"
 #include "AVSK/AVSKUtilities.h"
 
-#include <array>
-
 namespace host {
 namespace {
 
 using crossings::Value;
+using crossings::WholeText;
 
-// ---- Values as text
+// ---- Parts of keys
 
-std::string TextOf(const Value &value) {
-    std::array<char, AVSK_PATH_SIZE> text{};
-    if (value.kind != Value::Kind::Text || !value.text)
-        return "";
-    return crossings::ReadText(value.text, -1, text.data(), text.size()) ? text.data() : "unreadable";
-}
+constexpr Part kMenu = Argument("menu");
+constexpr Part kCallback = Argument("callback");
+constexpr Part kRefcon = Argument("refcon");
+constexpr Parts kDraw = {kCallback, Argument("phase"), Argument("wantsBefore"), kRefcon};
+constexpr Parts kSniffer = {kCallback, Argument("beforeWindows"), kRefcon};
+constexpr Parts kSubscription = {Argument("name"), Argument("type"), kCallback, kRefcon};
+constexpr Parts kHandler = {Argument("command"), Argument("handler"), IsSet("before"), kRefcon};
 
-std::string NumberOf(const Value &value) { return std::to_string(value.integer); }
+// ---- Values
 
 bool IsTrue(const Value &value) {
     switch (value.kind) {
@@ -48,19 +48,31 @@ bool IsTrue(const Value &value) {
     }
 }
 
-std::string KeyPart(const Value &value) {
+std::string IntegerText(const Value &value) { return std::to_string(value.integer); }
+
+// Different for different values of a kind.
+std::uintptr_t NumberFor(const Value &value) {
     switch (value.kind) {
     case Value::Kind::Integer:
     case Value::Kind::Character:
-        return NumberOf(value);
-    case Value::Kind::Text:
-        return TextOf(value);
+        return static_cast<std::uintptr_t>(value.integer);
     case Value::Kind::Function:
     case Value::Kind::Pointer:
-        return std::to_string(reinterpret_cast<std::uintptr_t>(value.pointer));
+        return reinterpret_cast<std::uintptr_t>(value.pointer);
     default:
-        return "";
+        return 0;
     }
+}
+
+Value FieldOf(const Value &argument, std::string_view name) {
+    if (argument.kind != Value::Kind::Structure)
+        return {};
+    std::string_view fields = argument.structure->fields;
+    for (const Value &field : argument.structure->values) {
+        if (crossings::TakeWord(fields) == name)
+            return field;
+    }
+    return {};
 }
 
 std::string FunctionName(const Value &value) {
@@ -73,46 +85,52 @@ std::string CommandName(const Call &call) {
     return command ? command->name : "no command";
 }
 
+bool IsPluginsMenu(const Call &call) { return call.KeyOf({kMenu}) == call.KeyOf({kPluginsMenu}); }
+
+const Possession *FindMenu(const Call &call) { return call.ledger.Find(Kind::Menu, call.KeyOf({kMenu})); }
+
 std::string MenuName(const Call &call) {
-    const Possession *menu = call.ledger.Find(Kind::Menu, call.Key("menu"));
-    return menu ? menu->what : call.Key("menu") == call.Key("@Plugins") ? "Plugins" : "a menu of the simulator's";
+    const Possession *menu = FindMenu(call);
+    return menu ? menu->what : IsPluginsMenu(call) ? "Plugins" : "a menu of the simulator's";
 }
 
-// ---- What was made
+// ---- Descriptions of possessions
 
-std::string NameText(const Call &call) { return TextOf(call["name"]); }
-std::string PathText(const Call &call) { return TextOf(call["path"]); }
+std::string NameText(const Call &call) { return WholeText(call["name"]); }
+std::string PathText(const Call &call) { return WholeText(call["path"]); }
 
 std::string SubscriptionText(const Call &call) { return NameText(call) + " (" + FunctionName(call["callback"]) + ")"; }
 
 std::string CreatedLoopText(const Call &call) {
-    const std::string name = FunctionName(call["params.callbackFunc"]);
-    return IsTrue(call["params.phase"]) ? name + " (after the step)" : name;
+    const std::string name = FunctionName(call.ValueOf(Field("params", "callbackFunc")));
+    return IsTrue(call.ValueOf(Field("params", "phase"))) ? name + " (after the step)" : name;
 }
 
 std::string RegisteredLoopText(const Call &call) { return FunctionName(call["callback"]); }
 
 std::string DrawText(const Call &call) {
     return FunctionName(call["callback"]) + " (" + (IsTrue(call["wantsBefore"]) ? "before" : "after") + " phase " +
-           NumberOf(call["phase"]) + ")";
+           IntegerText(call["phase"]) + ")";
 }
 
 std::string SnifferText(const Call &call) {
     return FunctionName(call["callback"]) + (IsTrue(call["beforeWindows"]) ? " (before" : " (after") + " windows)";
 }
 
-// As it was made, though it may have moved since: that is what its source says.
-std::string WindowText(const Call &call, const std::string &prefix) {
+// The rectangle of its creation: the source of the plugin shows that one.
+std::string WindowText(const Call &call, Part (*part)(const char *name)) {
     std::string text;
     for (const char *side : {"left", "top", "right", "bottom"})
-        text += (text.empty() ? "" : ",") + NumberOf(call[prefix + side]);
-    return text + " (" + FunctionName(call[prefix + "drawFunc"]) + ")";
+        text += (text.empty() ? "" : ",") + IntegerText(call.ValueOf(part(side)));
+    return text + " (" + FunctionName(call.ValueOf(part("drawFunc"))) + ")";
 }
-std::string WindowText(const Call &call) { return WindowText(call, ""); }
-std::string WindowExText(const Call &call) { return WindowText(call, "params."); }
+std::string CreatedWindowText(const Call &call) { return WindowText(call, Argument); }
+std::string CreatedWindowExText(const Call &call) {
+    return WindowText(call, [](const char *name) { return Field("params", name); });
+}
 
 std::string HotKeyText(const Call &call) {
-    return TextOf(call["description"]) + " (" +
+    return WholeText(call["description"]) + " (" +
            AVSKGetVirtualKeyDescription(static_cast<char>(call["virtualKey"].integer)) + ")";
 }
 
@@ -125,8 +143,8 @@ std::string HandlerText(const Call &call) {
            (IsTrue(call["before"]) ? ", before)" : ", after)");
 }
 
-std::string ButtonText(const Call &call) { return NumberOf(call["button"]); }
-std::string ProbeText(const Call &call) { return "type " + NumberOf(call["type"]); }
+std::string ButtonText(const Call &call) { return IntegerText(call["button"]); }
+std::string ProbeText(const Call &call) { return "type " + IntegerText(call["type"]); }
 
 std::string CameraText(const Call &call) {
     return FunctionName(call["cameraFunc"]) +
@@ -135,111 +153,101 @@ std::string CameraText(const Call &call) {
 
 std::string PlanesText(const Call & /*call*/) { return "the other aircraft"; }
 
-// ---- When a call has its effect
+// ---- Conditions
 
-// A name that somebody publishes stays theirs.
+// A name that is published already stays its owner's.
 bool IsUnpublished(const Call &call) {
-    const Value name = call["name"];
+    const Value &name = call["name"];
     return name.text && !AVSKFindDataRef(name.text);
 }
 
-// Null shares without subscribing.
+// A null callback shares without a subscription.
 bool HasCallback(const Call &call) { return IsTrue(call["callback"]); }
 
-// Then an item of the "Plugins" menu opens it.
+// The library adds an item to the "Plugins" menu for a menu without parent.
 bool HasNoParent(const Call &call) { return !IsTrue(call["parent"]); }
 
-bool MenuExists(const Call &call) {
-    return call.Key("menu") == call.Key("@Plugins") || call.ledger.Find(Kind::Menu, call.Key("menu"));
-}
+bool MenuExists(const Call &call) { return IsPluginsMenu(call) || FindMenu(call); }
 
-// The simulator's own are found, not created.
+// A command of the simulator is found, not created.
 bool IsNoHostCommand(const Call &call) {
-    const Value name = call["name"];
+    const Value &name = call["name"];
     const Command *command = name.text ? call.simulator.commands.Find(name.text) : nullptr;
     return name.text && (!command || !command->act);
 }
 
-bool PlaneGoes(const Call &call) { return call["event"].integer == AVSKHostEventPlaneUnloaded; }
+bool IsPlaneUnloaded(const Call &call) { return call["event"].integer == AVSKHostEventPlaneUnloaded; }
 
 // ---- The rules
 
-using E = Effect;
-using K = Kind;
-using S = Success;
-using W = Whose;
-
 constexpr Rule kRules[] = {
-    {"AVSKRegisterDataAccessor", E::Gain, K::Dataref, "=", S::IfNotZero, W::Callers, NameText, IsUnpublished},
-    {"AVSKUnregisterDataAccessor", E::Lose, K::Dataref, "ref"},
-    {"AVSKShareData", E::Gain, K::Subscription, "name,type,callback,refcon", S::IfNotZero, W::Callers, SubscriptionText,
-     HasCallback},
-    {"AVSKUnshareData", E::Lose, K::Subscription, "name,type,callback,refcon"},
+    Gain("AVSKRegisterDataAccessor", Kind::Dataref, {kResult}, NameText).OnlyIf(IsUnpublished),
+    Lose("AVSKUnregisterDataAccessor", Kind::Dataref, {Argument("ref")}),
+    Gain("AVSKShareData", Kind::Subscription, kSubscription, SubscriptionText).OnlyIf(HasCallback),
+    Lose("AVSKUnshareData", Kind::Subscription, kSubscription),
 
-    {"AVSKCreateFlightLoop", E::Gain, K::Loop, "=|params.callbackFunc,params.refcon", S::IfNotZero, W::Callers,
-     CreatedLoopText},
-    {"AVSKDestroyFlightLoop", E::Lose, K::Loop, "loop"},
-    {"AVSKRegisterFlightLoopCallback", E::Gain, K::Loop, "|callback,refcon", S::IfNotZero, W::Callers,
-     RegisteredLoopText},
-    {"AVSKUnregisterFlightLoopCallback", E::Lose, K::Loop, "callback,refcon", S::IfNotZero, W::Anyones},
+    Gain("AVSKCreateFlightLoop", Kind::Loop, {kResult}, CreatedLoopText)
+        .OtherKey({Field("params", "callbackFunc"), Field("params", "refcon")}),
+    Lose("AVSKDestroyFlightLoop", Kind::Loop, {Argument("loop")}),
+    Gain("AVSKRegisterFlightLoopCallback", Kind::Loop, {}, RegisteredLoopText).OtherKey({kCallback, kRefcon}),
+    Lose("AVSKUnregisterFlightLoopCallback", Kind::Loop, {kCallback, kRefcon}, Whose::Anyones),
 
-    {"AVSKRegisterDrawCallback", E::Gain, K::Draw, "callback,phase,wantsBefore,refcon", S::IfNotZero, W::Callers,
-     DrawText},
-    {"AVSKUnregisterDrawCallback", E::Lose, K::Draw, "callback,phase,wantsBefore,refcon", S::IfNotZero, W::Anyones},
-    {"AVSKRegisterKeySniffer", E::Gain, K::Sniffer, "callback,beforeWindows,refcon", S::IfNotZero, W::Callers,
-     SnifferText},
-    {"AVSKUnregisterKeySniffer", E::Lose, K::Sniffer, "callback,beforeWindows,refcon", S::IfNotZero, W::Anyones},
-    {"AVSKCreateWindow", E::Gain, K::Window, "=", S::IfNotZero, W::Callers, WindowText},
-    {"AVSKCreateWindowEx", E::Gain, K::Window, "=", S::IfNotZero, W::Callers, WindowExText},
-    {"AVSKDestroyWindow", E::Lose, K::Window, "window", S::IfNotZero, W::Anyones},
-    {"AVSKRegisterHotKey", E::Gain, K::HotKey, "=", S::IfNotZero, W::Callers, HotKeyText},
-    {"AVSKUnregisterHotKey", E::Lose, K::HotKey, "hotKey", S::IfNotZero, W::Anyones},
+    Gain("AVSKRegisterDrawCallback", Kind::Draw, kDraw, DrawText),
+    Lose("AVSKUnregisterDrawCallback", Kind::Draw, kDraw, Whose::Anyones),
+    Gain("AVSKRegisterKeySniffer", Kind::Sniffer, kSniffer, SnifferText),
+    Lose("AVSKUnregisterKeySniffer", Kind::Sniffer, kSniffer, Whose::Anyones),
+    Gain("AVSKCreateWindow", Kind::Window, {kResult}, CreatedWindowText),
+    Gain("AVSKCreateWindowEx", Kind::Window, {kResult}, CreatedWindowExText),
+    Lose("AVSKDestroyWindow", Kind::Window, {Argument("window")}, Whose::Anyones),
+    Gain("AVSKRegisterHotKey", Kind::HotKey, {kResult}, HotKeyText),
+    Lose("AVSKUnregisterHotKey", Kind::HotKey, {Argument("hotKey")}, Whose::Anyones),
 
-    {"AVSKCreateMenu", E::Gain, K::Item, "@Plugins", S::IfNotZero, W::Callers, OpeningItemText, HasNoParent},
-    {"AVSKCreateMenu", E::Gain, K::Menu, "=", S::IfNotZero, W::Callers, NameText},
-    {"AVSKDestroyMenu", E::LoseItems, K::Item, "menu"},
-    {"AVSKDestroyMenu", E::Lose, K::Menu, "menu"},
-    {"AVSKAppendMenuItem", E::Gain, K::Item, "menu", S::IfNotNegative, W::Callers, ItemText},
-    {"AVSKAppendMenuSeparator", E::Gain, K::Item, "menu", S::IfNotZero, W::Callers, SeparatorText, MenuExists},
-    {"AVSKRemoveMenuItem", E::LoseNth, K::Item, "menu"},
-    {"AVSKClearAllMenuItems", E::LoseItems, K::Item, "menu"},
+    Gain("AVSKCreateMenu", Kind::Item, {kPluginsMenu}, OpeningItemText).OnlyIf(HasNoParent),
+    Gain("AVSKCreateMenu", Kind::Menu, {kResult}, NameText),
+    Lose("AVSKDestroyMenu", Kind::Item, {kMenu}).As(Effect::LoseItems),
+    Lose("AVSKDestroyMenu", Kind::Menu, {kMenu}),
+    Gain("AVSKAppendMenuItem", Kind::Item, {kMenu}, ItemText).When(Success::IfNotNegative),
+    Gain("AVSKAppendMenuSeparator", Kind::Item, {kMenu}, SeparatorText).OnlyIf(MenuExists),
+    Lose("AVSKRemoveMenuItem", Kind::Item, {kMenu}).As(Effect::LoseNth),
+    Lose("AVSKClearAllMenuItems", Kind::Item, {kMenu}).As(Effect::LoseItems),
 
-    {"AVSKCreateCommand", E::Gain, K::Command, "=", S::IfNotZero, W::Callers, NameText, IsNoHostCommand},
-    {"AVSKRegisterCommandHandler", E::Gain, K::Handler, "command,handler,?before,refcon", S::IfNotZero, W::Callers,
-     HandlerText},
-    {"AVSKUnregisterCommandHandler", E::Lose, K::Handler, "command,handler,?before,refcon"},
-    // Held also if a handler throws.
-    {"AVSKCommandBegin", E::Gain, K::Hold, "command", S::Always, W::Callers, CommandName},
-    {"AVSKCommandEnd", E::Lose, K::Hold, "command"},
-    // A button knows no owner: any release will do.
-    {"AVSKCommandButtonPress", E::Gain, K::Button, "button", S::IfNotZero, W::Callers, ButtonText},
-    {"AVSKCommandButtonRelease", E::Lose, K::Button, "button", S::IfNotZero, W::CallersFirst},
+    Gain("AVSKCreateCommand", Kind::Command, {kResult}, NameText).OnlyIf(IsNoHostCommand),
+    Gain("AVSKRegisterCommandHandler", Kind::Handler, kHandler, HandlerText),
+    Lose("AVSKUnregisterCommandHandler", Kind::Handler, kHandler),
+    // The command is held even if a handler throws.
+    Gain("AVSKCommandBegin", Kind::Hold, {Argument("command")}, CommandName).When(Success::Always),
+    Lose("AVSKCommandEnd", Kind::Hold, {Argument("command")}),
+    // A button has no owner: any plugin can release it.
+    Gain("AVSKCommandButtonPress", Kind::Button, {Argument("button")}, ButtonText),
+    Lose("AVSKCommandButtonRelease", Kind::Button, {Argument("button")}, Whose::CallersFirst),
 
-    {"AVSKCreateProbe", E::Gain, K::Probe, "=", S::IfNotZero, W::Callers, ProbeText},
-    {"AVSKDestroyProbe", E::Lose, K::Probe, "probe", S::IfNotZero, W::Anyones},
-    {"AVSKLoadObject", E::Gain, K::Object, "=", S::IfNotZero, W::Callers, PathText},
-    {"AVSKUnloadObject", E::Lose, K::Object, "object"},
-    // The host's number of a load is the only thing that tells loads apart.
-    {"loadObjectAsync", E::Gain, K::Load, "argument|^callback,^refcon", S::Before, W::Callers, PathText},
-    {"loadObjectAsync_completion", E::Arrive, K::Load, "argument", S::Before},
-    {"loadObjectAsync_completion", E::Settle, K::Load, "argument", S::Always},
-    {"AVSKObjectLoaded_f", E::Settle, K::Load, "", S::Always},
-    {"AVSKEnablePlugin", E::Settle, K::Load, "", S::Always},
+    Gain("AVSKCreateProbe", Kind::Probe, {kResult}, ProbeText),
+    Lose("AVSKDestroyProbe", Kind::Probe, {Argument("probe")}, Whose::Anyones),
+    Gain("AVSKLoadObject", Kind::Object, {kResult}, PathText),
+    Lose("AVSKUnloadObject", Kind::Object, {Argument("object")}),
+    // The host's number of a load is the only thing that distinguishes loads.
+    Gain("loadObjectAsync", Kind::Load, {Argument("argument")}, PathText)
+        .OtherKey({OuterArgument("callback"), OuterArgument("refcon")})
+        .When(Success::Before),
+    On("loadObjectAsync_completion", Success::Before, Effect::Arrive),
+    On("loadObjectAsync_completion", Success::Always, Effect::Settle),
+    On("AVSKObjectLoaded_f", Success::Always, Effect::Settle),
+    On("AVSKEnablePlugin", Success::Always, Effect::Settle),
 
-    {"AVSKControlCamera", E::Gain, K::Camera, "@", S::IfNotZero, W::Callers, CameraText},
-    {"AVSKDontControlCamera", E::Lose, K::Camera, "@", S::IfNotZero, W::Anyones},
-    {"AVSKAcquirePlanes", E::Gain, K::Planes, "@", S::IfNotZero, W::Callers, PlanesText},
-    {"AVSKReleasePlanes", E::Lose, K::Planes, "@"},
+    Gain("AVSKControlCamera", Kind::Camera, {kSingle}, CameraText),
+    Lose("AVSKDontControlCamera", Kind::Camera, {kSingle}, Whose::Anyones),
+    Gain("AVSKAcquirePlanes", Kind::Planes, {kSingle}, PlanesText),
+    Lose("AVSKReleasePlanes", Kind::Planes, {kSingle}),
 
-    // A plugin without AVPluginStop shows only by what comes after it.
-    {"AVPluginStart", E::Leave, K::Dataref, "", S::Before},
-    {"AVPluginStart", E::Leave, K::Dataref, "", S::IfRefused},
-    {"AVPluginStop", E::Leave, K::Dataref, "", S::Always},
-    {"AVSKReloadPlugins", E::Name},
-    {"AVSKEventHook", E::Name, K::Dataref, "", S::Before, W::Callers, nullptr, PlaneGoes},
-    {"AVSKEventHook", E::LeaveGone, K::Dataref, "", S::Always, W::Callers, nullptr, PlaneGoes},
-    {"AVSKShutdownPlugins", E::Name, K::Dataref, "", S::Before},
-    {"AVSKShutdownPlugins", E::LeaveGone, K::Dataref, "", S::Always},
+    // If a plugin has no AVPluginStop, the next event shows that it is unloaded.
+    On("AVPluginStart", Success::Before, Effect::Leave),
+    On("AVPluginStart", Success::IfRefused, Effect::Leave),
+    On("AVPluginStop", Success::Always, Effect::Leave),
+    On("AVSKReloadPlugins", Success::IfNotZero, Effect::Name),
+    On("AVSKEventHook", Success::Before, Effect::Name).OnlyIf(IsPlaneUnloaded),
+    On("AVSKEventHook", Success::Always, Effect::LeaveGone).OnlyIf(IsPlaneUnloaded),
+    On("AVSKShutdownPlugins", Success::Before, Effect::Name),
+    On("AVSKShutdownPlugins", Success::Always, Effect::LeaveGone),
 };
 
 } // namespace
@@ -253,44 +261,35 @@ std::vector<const Rule *> FindRules(std::string_view function) {
     return rules;
 }
 
-Value Call::operator[](std::string_view name) const {
-    const crossings::Crossing *call = &crossing;
-    if (name == "=")
-        return call->result;
-    if (name.starts_with('^')) {
-        name.remove_prefix(1);
-        call = call->outer;
-    }
-    if (!call)
+Value Call::ValueOf(const Part &part) const {
+    switch (part.source) {
+    case Source::Argument:
+        return crossing[part.argument];
+    case Source::IsArgumentSet:
+        return crossings::ValueOf(IsTrue(crossing[part.argument]) ? 1 : 0);
+    case Source::Field:
+        return FieldOf(crossing[part.argument], part.field);
+    case Source::OuterArgument:
+        return crossing.outer ? (*crossing.outer)[part.argument] : Value{};
+    case Source::Result:
+        return crossing.result;
+    case Source::PluginsMenu:
+        return crossings::ValueOf(AVSKFindPluginsMenu());
+    default:
         return {};
-    const std::size_t dot = name.find('.');
-    const Value argument = (*call)[std::string(name.substr(0, dot)).c_str()];
-    if (dot == std::string_view::npos)
-        return argument;
-    if (argument.kind != Value::Kind::Structure)
-        return {};
-    const crossings::StructureView &structure = *argument.structure;
-    std::string_view fields = structure.fields;
-    for (const Value &field : structure.values) {
-        if (crossings::TakeWord(fields) == name.substr(dot + 1))
-            return field;
     }
-    return {};
 }
 
-std::string Call::Key(std::string_view names) const {
-    std::string key;
-    while (!names.empty()) {
-        const std::string_view name = crossings::TakeWord(names);
-        if (name == "@Plugins")
-            key += KeyPart(crossings::ValueOf(AVSKFindPluginsMenu()));
-        else if (name == "@")
-            key += name;
-        else if (name.starts_with('?'))
-            key += IsTrue((*this)[name.substr(1)]) ? '1' : '0';
+Key Call::KeyOf(const Parts &parts) const {
+    Key key;
+    for (const Part &part : parts) {
+        if (part.source == Source::None)
+            break;
+        const Value value = ValueOf(part);
+        if (value.kind == Value::Kind::Text)
+            key.text = WholeText(value);
         else
-            key += KeyPart((*this)[name]);
-        key += ';';
+            key.numbers.push_back(NumberFor(value));
     }
     return key;
 }

@@ -1,4 +1,5 @@
-// Which calls give a plugin something, and which take it away again: one table.
+// The rules of the ledger: which calls give a plugin something, and which take
+// it away. One table, applied by Ledger.cpp.
 #ifndef AVSK_HOST_OBSERVING_LEDGER_RULES_H
 #define AVSK_HOST_OBSERVING_LEDGER_RULES_H
 
@@ -6,7 +7,10 @@
 
 #include "Crossings/Crossing.h"
 
+#include <array>
+#include <cassert>
 #include <cstdint>
+#include <initializer_list>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -16,59 +20,125 @@ namespace host {
 class Ledger;
 struct Simulator;
 
-// A call, with what is needed to judge it.
+// Where a part of a possession's key comes from.
+enum class Source : std::uint8_t {
+    None,
+    Argument,
+    IsArgumentSet, // 1 if the argument is not 0, else 0
+    Field,         // of a structure that is an argument
+    OuterArgument, // of the call that led to this one
+    Result,
+    PluginsMenu, // the menu of that name, whatever the call
+    Single,      // the same for all calls: there is at most one possession of the kind
+};
+
+struct Part {
+    Source source = Source::None;
+    const char *argument = "";
+    const char *field = "";
+};
+
+constexpr Part Argument(const char *name) { return {Source::Argument, name}; }
+constexpr Part IsSet(const char *argument) { return {Source::IsArgumentSet, argument}; }
+constexpr Part Field(const char *argument, const char *field) { return {Source::Field, argument, field}; }
+constexpr Part OuterArgument(const char *name) { return {Source::OuterArgument, name}; }
+inline constexpr Part kResult{Source::Result};
+inline constexpr Part kPluginsMenu{Source::PluginsMenu};
+inline constexpr Part kSingle{Source::Single};
+
+// The parts of a key. Those behind the last one are Source::None.
+struct Parts : std::array<Part, 4> {
+    constexpr Parts(std::initializer_list<Part> parts = {}) : array{} {
+        assert(parts.size() <= size());
+        std::size_t count = 0;
+        for (const Part &part : parts)
+            (*this)[count++] = part;
+    }
+};
+
+// A call, with what is needed to apply a rule to it.
 struct Call {
     const crossings::Crossing &crossing;
     const Simulator &simulator;
     const Ledger &ledger;
 
-    // An argument by its name: "refcon", or "params.refcon" for a field of a
-    // structure, or "^refcon" for one of the call that led to this one. "=" is
-    // the result. Of kind Nothing if there is none.
-    crossings::Value operator[](std::string_view name) const;
-    // The values of names that are separated by commas. "?before" is whether
-    // it is not 0, "@Plugins" the menu of that name, "@" always the same.
-    std::string Key(std::string_view names) const;
+    // An argument by its name.
+    const crossings::Value &operator[](const char *argument) const { return crossing[argument]; }
+    // Of kind Nothing if the call has no such value.
+    crossings::Value ValueOf(const Part &part) const;
+    Key KeyOf(const Parts &parts) const;
 };
 
 enum class Effect : std::uint8_t {
     Gain,
     Lose,
-    LoseNth,   // the one at the caller's "index" among its own
-    LoseItems, // all of a menu, if it is the caller's
-    Arrive,    // a load has its object, or none
-    Settle,    // its plugin has been told
-    Name,      // plugins are about to go: their names are noted
-    Leave,     // the plugin that was called is gone
-    LeaveGone, // all that are gone
+    LoseNth,   // among the caller's own, the one at the argument "index"
+    LoseItems, // all items of a menu that belongs to the caller
+    Arrive,    // the host has finished a load
+    Settle,    // the plugin was notified of a finished load
+    Name,      // plugins are about to be unloaded: note their names
+    Leave,     // the called plugin is unloaded
+    LeaveGone, // all plugins that no longer exist are unloaded
 };
 
+// When the effect occurs.
 enum class Success : std::uint8_t {
-    IfNotZero, // or no result at all
+    IfNotZero, // at the end, if the result is not zero or there is none
     IfNotNegative,
-    IfRefused, // the opposite of the first
-    Always,    // whatever comes of it
-    Before,    // not even that: as soon as the call begins
+    IfRefused, // at the end, if the result is zero or an exception ended the call
+    Always,    // at the end, whatever the result
+    Before,    // when the call begins
 };
 
 enum class Whose : std::uint8_t {
     Callers,
     Anyones,
-    CallersFirst,
+    CallersFirst, // else anyone's
 };
+
+using Describe = std::string (*)(const Call &call);
+using Condition = bool (*)(const Call &call);
 
 struct Rule {
     const char *function;
     Effect effect;
     Kind kind = Kind::Dataref;
-    const char *keys = ""; // names for Call::Key(); a second set behind '|'
+    Parts key{};
+    Parts otherKey{};
     Success success = Success::IfNotZero;
     Whose whose = Whose::Callers;
-    std::string (*what)(const Call &call) = nullptr; // of a gain
-    bool (*only)(const Call &call) = nullptr;        // judged before the call
+    Describe what = nullptr;  // of a gain
+    Condition only = nullptr; // checked when the call begins
+
+    // Copies with another column filled.
+    constexpr Rule OtherKey(const Parts &parts) const { return With(&Rule::otherKey, parts); }
+    constexpr Rule When(Success when) const { return With(&Rule::success, when); }
+    constexpr Rule OnlyIf(Condition condition) const { return With(&Rule::only, condition); }
+    constexpr Rule As(Effect other) const { return With(&Rule::effect, other); }
+
+    template <class T>
+    constexpr Rule With(T Rule::*column, const T &value) const;
 };
 
-// The rules of a function, in the order they are to be applied.
+template <class T>
+constexpr Rule Rule::With(T Rule::*column, const T &value) const {
+    Rule rule = *this;
+    rule.*column = value;
+    return rule;
+}
+
+constexpr Rule Gain(const char *function, Kind kind, const Parts &key, Describe what) {
+    return {.function = function, .effect = Effect::Gain, .kind = kind, .key = key, .what = what};
+}
+constexpr Rule Lose(const char *function, Kind kind, const Parts &key, Whose whose = Whose::Callers) {
+    return {.function = function, .effect = Effect::Lose, .kind = kind, .key = key, .whose = whose};
+}
+// A rule that concerns no single kind of possession.
+constexpr Rule On(const char *function, Success success, Effect effect) {
+    return {.function = function, .effect = effect, .success = success};
+}
+
+// The rules of a function, in the order in which they are applied.
 std::vector<const Rule *> FindRules(std::string_view function);
 
 } // namespace host

@@ -1,6 +1,7 @@
-// What the ledger answers, to a reader and to expectations; see Ledger.h.
-#include "Common/Utf8.h"
+// The lists and queries of the ledger; see Ledger.h.
 #include "Ledger.h"
+
+#include "Common/Utf8.h"
 #include "Services/Simulator.h"
 
 #include "AVSK/AVSKPlugins.h"
@@ -19,7 +20,7 @@ Row RowOf(const std::string &plugin, const Possession &possession, const Console
     return {plugin, TraitsOf(possession.kind).word, console.WithoutRoot(possession.what), possession.madeBy};
 }
 
-// Columns of equal width, except that a long text does not push all others aside.
+// Aligned columns. A text that is too long shifts only its own line.
 std::vector<std::string> LinesOf(const std::vector<Row> &rows) {
     constexpr std::size_t kWidest = 44;
     std::array<std::size_t, kColumns> widths{};
@@ -96,7 +97,7 @@ std::vector<Possession> Ledger::StillThere(Kind kind) const {
     return found;
 }
 
-const Possession *Ledger::Find(Kind kind, const std::string &key) const {
+const Possession *Ledger::Find(Kind kind, const Key &key) const {
     const auto found = std::find_if(mOwned.begin(), mOwned.end(),
                                     [&](const Possession &known) { return known.kind == kind && HasKey(known, key); });
     return found == mOwned.end() ? nullptr : &*found;

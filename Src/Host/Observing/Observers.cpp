@@ -1,5 +1,7 @@
-// Puts the observers together; see Observers.h.
+// Constructs the observers and prints their lists; see Observers.h.
 #include "Observers.h"
+
+#include "Services/Simulator.h"
 
 #include <cstdio>
 #include <utility>
@@ -16,23 +18,40 @@ void PrintList(const char *title, const std::vector<std::string> &lines, const c
 }
 
 Observers::Observers(const Simulator &simulator, ObservingOptions options)
-    : mOptions(std::move(options)), mBlame(mOptions.timeout), mLedger(simulator), mProfile(simulator), mLoading(simulator) {
+    : mSimulator(simulator), mOptions(std::move(options)), mBlame(simulator.frame, mOptions.timeout),
+      mLedger(simulator), mProfile(simulator), mLoading(simulator) {
     if (mOptions.budget > 0)
         mProfile.SetBudget("", mOptions.budget);
     if (!mOptions.trace.file.empty())
         mTrace.emplace(mOptions.trace);
 }
 
-void Observers::ReportLoaded() const {
+void Observers::ReportLoaded() {
+    mProfile.EndFrames();
     if (mOptions.owners)
         PrintList("\nOwned by plugins:", mLedger.Owned());
 }
 
-void Observers::ReportUnloaded() const {
+void Observers::ReportUnloaded() {
     if (mOptions.owners)
         PrintList("\nLeft behind when they were unloaded:", mLedger.LeftBehind());
     if (mOptions.profile)
         PrintList("\nTime in plugins:", mProfile.Table(), "none");
+}
+
+std::vector<std::string> Observers::Failures() {
+    std::vector<std::string> failures;
+    for (const std::vector<std::string> &lines : {mProfile.OverBudget(), mProfile.UnusedBudgets()}) {
+        for (const std::string &line : lines)
+            failures.push_back("budget: " + line);
+    }
+    if (mTrace) {
+        for (std::string &line : mTrace->Finish())
+            failures.push_back(std::move(line));
+    }
+    if (const std::string fault = mSimulator.console.LogFault(); !fault.empty())
+        failures.push_back(fault);
+    return failures;
 }
 
 } // namespace host

@@ -1,9 +1,10 @@
-// What a run is watched with, as the command line asks: the trace, the times,
-// who owns what, and the blame when a plugin ends the run.
+// The observers of the crossings that a run has: ledger, profile and blame, and
+// the trace if the command line asks for it. Sessions add a call log.
 #ifndef AVSK_HOST_OBSERVING_OBSERVERS_H
 #define AVSK_HOST_OBSERVING_OBSERVERS_H
 
 #include "Blame.h"
+#include "HandleBook.h"
 #include "Ledger.h"
 #include "Loading.h"
 #include "ObservingOptions.h"
@@ -19,12 +20,12 @@ namespace host {
 
 struct Simulator;
 
-// On standard output: the lines below the title, or "nothing" or the like.
+// Prints a title and the lines below it, or another text if there are none.
 void PrintList(const char *title, const std::vector<std::string> &lines, const char *none = "nothing");
 
 class Observers {
   public:
-    // Begins to watch. The simulator must outlive it. Throws UsageError.
+    // Begins to observe. The simulator must outlive it. Throws UsageError.
     Observers(const Simulator &simulator, ObservingOptions options);
     Observers(const Observers &) = delete;
     Observers &operator=(const Observers &) = delete;
@@ -34,12 +35,19 @@ class Observers {
     const Profile &Times() const { return mProfile; }
     const Publications &Published() const { return mPublications; }
 
-    // Print what was asked for: while the plugins are loaded, and when they are gone.
-    void ReportLoaded() const;
-    void ReportUnloaded() const;
+    // Print what the options ask for. To be called after the last frame, and after
+    // the plugins are unloaded.
+    void ReportLoaded();
+    void ReportUnloaded();
+    // A line for each reason why the run failed that the observers know: a budget
+    // that was exceeded, a filter or budget for a plugin that was not there, a file
+    // that could not be written. To be called once, at the end.
+    std::vector<std::string> Failures();
 
   private:
+    const Simulator &mSimulator;
     const ObservingOptions mOptions;
+    HandleBook mHandles;
     Blame mBlame;
     Ledger mLedger;
     Profile mProfile;

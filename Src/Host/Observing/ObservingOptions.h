@@ -1,4 +1,4 @@
-// What a run is observed for.
+// The options of the observers.
 #ifndef AVSK_HOST_OBSERVING_OBSERVING_OPTIONS_H
 #define AVSK_HOST_OBSERVING_OBSERVING_OPTIONS_H
 
@@ -10,15 +10,15 @@ namespace host {
 struct TraceOptions {
     std::string file;                   // empty: no trace
     std::vector<std::string> plugins;   // patterns of names; all if empty
-    std::vector<std::string> functions; // likewise
+    std::vector<std::string> functions; // patterns of names; all if empty
 };
 
 struct ObservingOptions {
     TraceOptions trace;
     bool owners = false;
     bool profile = false;
-    double budget = 0;  // milliseconds that a plugin may take in a frame; 0: any
-    double timeout = 0; // seconds that a call may take; 0: any
+    double budget = 0;  // milliseconds that a plugin may take in a frame; 0: no limit
+    double timeout = 0; // seconds that a call may take; 0: no limit
 };
 
 } // namespace host

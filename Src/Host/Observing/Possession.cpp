@@ -16,7 +16,7 @@ bool DatarefExists(const Possession &dataref) {
     return AVSKIsDataRefGood(static_cast<AVSKDataRef>(const_cast<void *>(dataref.handle))) != 0;
 }
 
-// Of a window that is gone the library writes nothing.
+// The library writes nothing if the window does not exist.
 bool WindowExists(const Possession &window) {
     int left = INT_MIN;
     int top = INT_MIN;
@@ -44,12 +44,12 @@ constexpr std::array kTraits = {
     KindTraits{"menu", Uniqueness::One, true, false, nullptr},
     KindTraits{"item", Uniqueness::Many, true, false, nullptr},
     KindTraits{"handler", Uniqueness::Many, true, false, nullptr},
-    KindTraits{"command", Uniqueness::OnePerPlugin, false, false, nullptr}, // stays for the host's life
+    KindTraits{"command", Uniqueness::OnePerPlugin, false, false, nullptr}, // the host keeps it
     KindTraits{"hold", Uniqueness::OnePerPlugin, true, false, nullptr},
     KindTraits{"button", Uniqueness::Many, true, false, nullptr},
     KindTraits{"probe", Uniqueness::One, true, false, nullptr},
     KindTraits{"object", Uniqueness::Many, true, false, nullptr},
-    KindTraits{"load", Uniqueness::Many, false, false, nullptr}, // nobody can call it off
+    KindTraits{"load", Uniqueness::Many, false, false, nullptr}, // cannot be cancelled
     KindTraits{"camera", Uniqueness::One, true, true, CameraExists},
     KindTraits{"planes", Uniqueness::One, true, true, PlanesExist},
 };
@@ -64,8 +64,8 @@ bool Exists(const Possession &possession) {
     return !exists || exists(possession);
 }
 
-bool HasKey(const Possession &possession, const std::string &key) {
-    return !key.empty() && (possession.key == key || possession.otherKey == key);
+bool HasKey(const Possession &possession, const Key &key) {
+    return !key.IsEmpty() && (possession.key == key || possession.otherKey == key);
 }
 
 std::optional<Kind> KindOf(std::string_view word) {

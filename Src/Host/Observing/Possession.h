@@ -1,4 +1,4 @@
-// A thing that a plugin has made and can give back.
+// A thing that a plugin has created or acquired, and can give back.
 #ifndef AVSK_HOST_OBSERVING_POSSESSION_H
 #define AVSK_HOST_OBSERVING_POSSESSION_H
 
@@ -8,6 +8,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace host {
 
@@ -32,18 +33,27 @@ enum class Kind : std::uint8_t {
     Planes,
 };
 
+// Distinguishes a possession from others of its kind.
+struct Key {
+    std::vector<std::uintptr_t> numbers; // addresses too
+    std::string text;
+
+    bool IsEmpty() const { return numbers.empty() && text.empty(); }
+    bool operator==(const Key &other) const = default;
+};
+
 struct Possession {
     Kind kind = Kind::Dataref;
     AVSKPluginID owner = NO_PLUGIN_ID;
-    std::string key;              // tells it from others of its kind
-    std::string otherKey;         // another way to name it, if there is one
-    const void *handle = nullptr; // the library's, for datarefs and windows; of a load the object that arrived
-    bool arrived = false;         // of a load: its plugin has not been told yet
-    std::string what;             // as it was made, without addresses
+    Key key;
+    Key otherKey;                 // of calls that identify it in another way; may be empty
+    const void *handle = nullptr; // of the library; of a load the object that arrived
+    bool arrived = false;         // a load is finished, and its plugin has not been notified yet
+    std::string what;             // a description at the time of its creation, without addresses
     std::string madeBy;           // "AVSKCreateMenu in AVPluginStart"
 };
 
-// How many there can be of one key.
+// How many possessions of a kind can have the same key.
 enum class Uniqueness : std::uint8_t {
     Many,
     OnePerPlugin,
@@ -51,21 +61,21 @@ enum class Uniqueness : std::uint8_t {
 };
 
 struct KindTraits {
-    const char *word; // for a reader
+    const char *word; // in lists and sessions
     Uniqueness uniqueness;
     bool canBeGivenBack;
-    bool canBeTaken; // by the library, while its plugin stays
-    // Whether it is still there, where the library can be asked; else null.
+    bool canBeTaken; // the library can take it from a loaded plugin
+    // Asks the library whether it still exists; null if the library cannot tell.
     bool (*exists)(const Possession &possession);
 };
 const KindTraits &TraitsOf(Kind kind);
 
-// As far as the library can be asked.
+// True also if the library cannot tell.
 bool Exists(const Possession &possession);
-bool HasKey(const Possession &possession, const std::string &key);
+bool HasKey(const Possession &possession, const Key &key);
 
 std::optional<Kind> KindOf(std::string_view word);
-// All of them: "dataref, subscription, ...".
+// The words of all kinds: "dataref, subscription, ...".
 std::string KindWords();
 
 } // namespace host

@@ -1,6 +1,8 @@
 // Adds up the time in plugins; see Profile.h.
 #include "Profile.h"
 
+#include "Common/NearestName.h"
+#include "Common/Utf8.h"
 #include "Crossings/Format.h"
 #include "Services/Simulator.h"
 
@@ -36,7 +38,7 @@ void Profile::Begins(const Crossing &crossing) {
     if (!IsPlugins(crossing))
         return;
     if (crossing.IsStart())
-        mCalls.erase(crossing.plugin); // the ID may have been another's
+        mCalls.erase(crossing.plugin); // the ID may have belonged to another plugin
     if (mSimulator.frame != mFrame)
         CloseFrame();
     mInner.emplace_back();
@@ -50,7 +52,7 @@ void Profile::Ends(const Crossing &crossing) {
     mInner.pop_back();
     if (!mInner.empty())
         mInner.back() += whole;
-    // A plugin gets its name, and maybe another's ID, in its start.
+    // A plugin gets its name at its start, and possibly the ID of an unloaded one.
     if (crossing.IsStart())
         mKnown.clear();
     Row &row = RowOf(crossing);
@@ -79,9 +81,9 @@ void Profile::CloseFrame() {
                 entry.second.worstFrame = mFrame;
             }
         }
-        // Plugins are loaded before the first frame, and may take their time.
+        // Frame 0 is loading, which has no budget.
         const double budget = BudgetOf(plugin);
-        if (mFrame > 0 && budget > 0 && Milliseconds(all) > budget) {
+        if (mHasBudgets && mFrame > 0 && budget > 0 && Milliseconds(all) > budget) {
             Excess &excess = mExcesses[plugin];
             ++excess.frames;
             if (all > excess.time)
@@ -93,6 +95,11 @@ void Profile::CloseFrame() {
     mFrame = mSimulator.frame;
 }
 
+void Profile::EndFrames() {
+    CloseFrame();
+    mHasBudgets = false;
+}
+
 double Profile::BudgetOf(const std::string &plugin) const {
     for (const std::string &name : {plugin, std::string()}) {
         if (const auto found = mBudgets.find(name); found != mBudgets.end())
@@ -101,7 +108,8 @@ double Profile::BudgetOf(const std::string &plugin) const {
     return 0;
 }
 
-std::vector<std::string> Profile::Table() const {
+std::vector<std::string> Profile::Table() {
+    CloseFrame();
     struct Entry {
         std::string plugin;
         std::string callback;
@@ -109,7 +117,8 @@ std::vector<std::string> Profile::Table() const {
     };
     std::vector<Entry> entries;
     std::size_t widest = std::strlen("plugin");
-    for (const auto &[plugin, rows] : mRows) {
+    for (const auto &[name, rows] : mRows) {
+        const std::string plugin = OneLine(name, kWidestName);
         widest = std::max(widest, plugin.size());
         for (const auto &[callback, row] : rows)
             entries.push_back({plugin, callback, row});
@@ -122,7 +131,20 @@ std::vector<std::string> Profile::Table() const {
     for (const auto &[plugin, callback, row] : entries)
         lines.push_back(Formatted("%-*s  %9ld  %10.3f  %9.2f  %11d  %6.3f  %s", width, plugin.c_str(), row.calls,
                                   Milliseconds(row.total), Milliseconds(row.total) * 1e3 / row.calls, row.worstFrame,
-                                  Milliseconds(std::max(row.worst, row.present)), callback.c_str()));
+                                  Milliseconds(row.worst), callback.c_str()));
+    return lines;
+}
+
+std::vector<std::string> Profile::UnusedBudgets() const {
+    std::vector<std::string> started;
+    for (const auto &[plugin, rows] : mRows)
+        started.push_back(plugin);
+    std::vector<std::string> lines;
+    for (const auto &[plugin, milliseconds] : mBudgets) {
+        if (!plugin.empty() && !mRows.contains(plugin))
+            lines.push_back("no plugin '" + plugin + "' was started, so its budget was not checked" +
+                            DidYouMean(plugin, started));
+    }
     return lines;
 }
 

@@ -1,4 +1,4 @@
-// Time spent in plugins, by plugin and callback, and a budget for each frame.
+// The time spent in plugins, by plugin and callback, and budgets for each frame.
 #ifndef AVSK_HOST_OBSERVING_PROFILE_H
 #define AVSK_HOST_OBSERVING_PROFILE_H
 
@@ -13,24 +13,29 @@ namespace host {
 
 struct Simulator;
 
-// A callback's time is its own: what other callbacks took that it caused is
-// theirs. What the library and the host did for it is part of it.
+// A callback's time includes the library's and the host's work for it. It does
+// not include other callbacks that it caused: that time is theirs.
 class Profile : public crossings::Observer {
   public:
     explicit Profile(const Simulator &simulator);
     ~Profile() override;
 
-    // The most that a plugin may take in a frame. An empty name is every
-    // plugin without a budget of its own.
+    // The most that a plugin may take in a frame. An empty name means all
+    // plugins without a budget of their own.
     void SetBudget(const std::string &plugin, double milliseconds) { mBudgets[plugin] = milliseconds; }
 
     void Begins(const crossings::Crossing &crossing) override;
     void Ends(const crossings::Crossing &crossing) override;
 
-    // A table, the plugin and callback that took longest first.
-    std::vector<std::string> Table() const;
-    // The plugins that took more than their budget, one line each: how often,
-    // when most, and where that went.
+    // Ends the last frame: unloading, which follows, has no budget.
+    void EndFrames();
+
+    // A table; the plugin and callback with the most time come first.
+    std::vector<std::string> Table();
+    // A line for each budget of a plugin that was never started.
+    std::vector<std::string> UnusedBudgets() const;
+    // One line for each plugin that exceeded its budget: the worst frame, its
+    // slowest callback, and how many frames exceeded it.
     std::vector<std::string> OverBudget() const;
     // How often a plugin called the library.
     long CallsOf(AVSKPluginID plugin) const;
@@ -41,11 +46,11 @@ class Profile : public crossings::Observer {
     struct Row {
         long calls = 0;
         Time total{};
-        Time present{}; // in the frame that is running
-        Time worst{};   // in a frame
+        Time present{}; // in the present frame
+        Time worst{};   // the most in one frame
         int worstFrame = 0;
     };
-    // A plugin's worst frame among those over its budget.
+    // The worst frame of a plugin over its budget.
     struct Excess {
         int frames = 0;
         int frame = 0;
@@ -64,8 +69,9 @@ class Profile : public crossings::Observer {
     std::map<std::pair<const crossings::Callback *, AVSKPluginID>, Row *> mKnown;
     std::map<std::string, Excess> mExcesses;
     std::map<AVSKPluginID, long> mCalls;
-    std::vector<Time> mInner; // for each callback under way, the time of those it caused
+    std::vector<Time> mInner; // for each callback under way, the time of the callbacks that it caused
     int mFrame = 0;
+    bool mHasBudgets = true; // false while plugins are unloaded at the end
 };
 
 } // namespace host

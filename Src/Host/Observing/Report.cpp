@@ -1,6 +1,7 @@
 // The table of plugins at the end of a run; see Report.h.
 #include "Report.h"
 
+#include "Common/Terminal.h"
 #include "Common/Utf8.h"
 #include "Services/Simulator.h"
 
@@ -14,6 +15,8 @@
 #include <string>
 #include <vector>
 
+#include <unistd.h>
+
 namespace host {
 namespace {
 
@@ -24,8 +27,8 @@ Row Describe(const Profile &times, AVSKPluginID id) {
     std::array<char, AVSK_TEXT_SIZE> name{};
     std::array<char, AVSK_TEXT_SIZE> signature{};
     AVSKGetPluginInfo(id, name.data(), nullptr, signature.data(), nullptr);
-    return {std::to_string(id), name.data(), signature.data(), AVSKIsPluginEnabled(id) != 0 ? "yes" : "no",
-            std::to_string(times.CallsOf(id))};
+    return {std::to_string(id), OneLine(name.data(), kWidestName), OneLine(signature.data(), kWidestName),
+            AVSKIsPluginEnabled(id) != 0 ? "yes" : "no", std::to_string(times.CallsOf(id))};
 }
 
 void PrintRow(const Row &row, const std::array<std::size_t, kColumns> &widths) {
@@ -61,8 +64,12 @@ void PrintReport(const Simulator &simulator, const Profile &times) {
         for (std::size_t i = 0; i < kColumns; ++i)
             widths[i] = std::max(widths[i], CountCharacters(row[i]));
     }
-    for (const Row &row : rows)
-        PrintRow(row, widths);
+    std::fputs(std::string(EmphasisBegin(Emphasis::Heading, STDOUT_FILENO)).c_str(), stdout);
+    PrintRow(rows[0], widths);
+    std::fputs(std::string(EmphasisEnd(STDOUT_FILENO)).c_str(), stdout);
+    for (std::size_t i = 1; i < rows.size(); ++i)
+        PrintRow(rows[i], widths);
+    std::printf("\nCalls: how often the plugin called the library since it was loaded.\n");
     std::fflush(stdout);
 }
 

@@ -1,4 +1,4 @@
-// What is printed when the frames are done. Called by Main.cpp.
+// The report of a run. Called by SimpleRun.cpp.
 #ifndef AVSK_HOST_OBSERVING_REPORT_H
 #define AVSK_HOST_OBSERVING_REPORT_H
 
@@ -7,7 +7,7 @@ namespace host {
 class Profile;
 struct Simulator;
 
-// Two lines about the run, and the table of plugins. While they are still loaded.
+// Prints two lines about the run and the table of plugins, which must still be loaded.
 void PrintReport(const Simulator &simulator, const Profile &times);
 
 } // namespace host

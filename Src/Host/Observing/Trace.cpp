@@ -1,13 +1,15 @@
 // The trace's file and filters; see Trace.h.
 #include "Trace.h"
 
+#include "Common/NearestName.h"
 #include "Common/UsageError.h"
 #include "Crossings/Callback.h"
-#include "Crossings/Format.h"
+#include "Crossings/Prototypes.h"
 
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
+#include <utility>
 
 #include <fnmatch.h>
 
@@ -16,32 +18,82 @@ namespace {
 
 using crossings::Crossing;
 
-bool Matches(const std::vector<std::string> &patterns, const std::string &text) {
-    return std::any_of(patterns.begin(), patterns.end(), [&text](const std::string &pattern) {
-        return fnmatch(pattern.c_str(), text.c_str(), FNM_CASEFOLD) == 0;
-    });
+bool Matches(const std::string &pattern, const std::string &text) {
+    return fnmatch(pattern.c_str(), text.c_str(), FNM_CASEFOLD) == 0;
+}
+
+bool MatchesAny(const std::vector<std::string> &patterns, const std::string &text) {
+    return std::any_of(patterns.begin(), patterns.end(),
+                       [&text](const std::string &pattern) { return Matches(pattern, text); });
+}
+
+template <class Names>
+bool IsMatched(const std::string &pattern, const Names &names) {
+    return std::any_of(names.begin(), names.end(),
+                       [&pattern](const std::string &name) { return Matches(pattern, name); });
+}
+
+// Plugins' own functions have other names.
+bool IsOfInterface(const std::string &pattern) { return Matches("AVSK*", pattern) || Matches("AVPlugin*", pattern); }
+
+// The patterns that match none of the interface's names; callbacks may have such names.
+std::vector<std::string> UnknownFunctions(const std::vector<std::string> &patterns) {
+    const std::vector<std::string> names = crossings::PrototypeNames();
+    std::vector<std::string> unknown;
+    for (const std::string &pattern : patterns) {
+        if (IsMatched(pattern, names))
+            continue;
+        if (IsOfInterface(pattern))
+            throw UsageError("--trace-function: there is no function, callback type or entry point '" + pattern + "'" +
+                             DidYouMean(pattern, names));
+        unknown.push_back(pattern);
+    }
+    return unknown;
 }
 
 } // namespace
 
 Trace::Trace(const TraceOptions &options)
-    : mOptions(options), mFile(std::fopen(options.file.c_str(), "w"), std::fclose) {
+    : mOptions(options), mFile(nullptr), mPlugins{"host"}, mUnknown(UnknownFunctions(options.functions)) {
+    mFile = std::fopen(options.file.c_str(), "w");
     if (!mFile)
         throw UsageError("--trace: cannot write '" + options.file + "' (" + std::strerror(errno) +
                          "): name a file in a folder that exists and is writable");
-    std::setvbuf(mFile.get(), nullptr, _IOLBF, BUFSIZ);
-    mWriter = options.file.ends_with(".json") ? MakeJsonWriter(mFile.get()) : MakeTextWriter(mFile.get());
+    std::setvbuf(mFile, nullptr, _IOLBF, BUFSIZ);
+    mWriter = options.file.ends_with(".json") ? MakeJsonWriter(mFile) : MakeTextWriter(mFile);
     crossings::AddObserver(*this);
 }
 
 Trace::~Trace() {
+    if (mFile)
+        Finish();
+}
+
+std::vector<std::string> Trace::Finish() {
     crossings::RemoveObserver(*this);
-    mWriter.reset();
-    if (std::ferror(mFile.get()) != 0 || std::fflush(mFile.get()) != 0)
-        std::fprintf(stderr, "avsk: the trace '%s' is not complete: writing it failed\n", mOptions.file.c_str());
+    mWriter.reset(); // writes the end
+    std::vector<std::string> faults;
+    const bool isWhole = std::ferror(mFile) == 0;
+    if (std::fclose(std::exchange(mFile, nullptr)) != 0 || !isWhole)
+        faults.push_back("--trace: '" + mOptions.file + "' is not complete: writing it failed");
+    for (const std::string &pattern : mOptions.plugins) {
+        if (!IsMatched(pattern, mPlugins))
+            faults.push_back("--trace-plugin: no plugin '" + pattern + "' was started" +
+                             DidYouMean(pattern, std::vector<std::string>(mPlugins.begin(), mPlugins.end())));
+    }
+    for (const std::string &pattern : mUnknown) {
+        if (IsMatched(pattern, mCallbacks))
+            continue;
+        std::vector<std::string> names = crossings::PrototypeNames();
+        names.insert(names.end(), mCallbacks.begin(), mCallbacks.end());
+        faults.push_back("--trace-function: no function is called '" + pattern +
+                         "', and no callback of that name was called" + DidYouMean(pattern, names));
+    }
+    return faults;
 }
 
 void Trace::Begins(const Crossing &crossing) {
+    NoteNames(crossing);
     if (!IsWanted(crossing))
         return;
     mWriter->Begin(crossing, static_cast<int>(mShown.size()));
@@ -49,18 +101,27 @@ void Trace::Begins(const Crossing &crossing) {
 }
 
 void Trace::Ends(const Crossing &crossing) {
+    if (crossing.IsStart())
+        mPlugins.insert(crossings::LabelOf(crossing.plugin));
     if (mShown.empty() || mShown.back() != &crossing)
         return;
     mShown.pop_back();
     mWriter->End(crossing, static_cast<int>(mShown.size()));
 }
 
+void Trace::NoteNames(const Crossing &crossing) {
+    if (crossing.IsStart())
+        mPlugins.insert(crossings::LabelOf(crossing.plugin)); // the folder's name
+    if (!mUnknown.empty() && crossing.callback)
+        mCallbacks.insert(crossings::NameOf(*crossing.callback));
+}
+
 bool Trace::IsWanted(const Crossing &crossing) const {
-    if (!mOptions.functions.empty() && !Matches(mOptions.functions, crossing.what.name) &&
-        !(crossing.callback && Matches(mOptions.functions, crossings::NameOf(*crossing.callback))))
+    if (!mOptions.functions.empty() && !MatchesAny(mOptions.functions, crossing.what.name) &&
+        !(crossing.callback && MatchesAny(mOptions.functions, crossings::NameOf(*crossing.callback))))
         return false;
-    return mOptions.plugins.empty() || Matches(mOptions.plugins, crossings::LabelOf(crossing.plugin)) ||
-           (crossing.outer && Matches(mOptions.plugins, crossings::LabelOf(crossing.outer->plugin)));
+    return mOptions.plugins.empty() || MatchesAny(mOptions.plugins, crossings::LabelOf(crossing.plugin)) ||
+           (crossing.outer && MatchesAny(mOptions.plugins, crossings::LabelOf(crossing.outer->plugin)));
 }
 
 } // namespace host

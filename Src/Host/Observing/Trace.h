@@ -1,6 +1,5 @@
-// Writes every call across the library's border to a file, nested, with its
-// arguments, result and duration: as text for a reader, or as JSON that trace
-// viewers open.
+// Writes every call across the library's border to a file, with arguments, result
+// and duration: as indented text, or as JSON for trace viewers.
 #ifndef AVSK_HOST_OBSERVING_TRACE_H
 #define AVSK_HOST_OBSERVING_TRACE_H
 
@@ -9,14 +8,15 @@
 
 #include <cstdio>
 #include <memory>
+#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
 
 namespace host {
 
-// One form of trace. Calls that the filters leave out do not come here, so the
-// depth is that among the others.
+// A format of the trace. It gets only calls that pass the filters; the depth
+// counts only these.
 class TraceWriter {
   public:
     virtual ~TraceWriter() = default;
@@ -24,27 +24,37 @@ class TraceWriter {
     virtual void End(const crossings::Crossing &crossing, int depth) = 0;
 };
 
-// Line by line, so that nothing is missing when a plugin ends the run. They do
-// not own the file.
+// The file is written line by line, so it is complete when a plugin ends the run.
+// The writers do not own the file.
 std::unique_ptr<TraceWriter> MakeTextWriter(std::FILE *file);
 std::unique_ptr<TraceWriter> MakeJsonWriter(std::FILE *file);
 
 class Trace : public crossings::Observer {
   public:
-    // JSON if the file's name ends so. Throws UsageError if it cannot be written.
+    // JSON if the file's name ends in .json. Throws UsageError if it cannot be
+    // written or a filter names a function that does not exist.
     explicit Trace(const TraceOptions &options);
     ~Trace() override;
 
     void Begins(const crossings::Crossing &crossing) override;
     void Ends(const crossings::Crossing &crossing) override;
 
+    // Closes the file. A line for each reason why the trace is not what was asked
+    // for: it could not be written, or a filter matched nothing.
+    std::vector<std::string> Finish();
+
   private:
     bool IsWanted(const crossings::Crossing &crossing) const;
+    void NoteNames(const crossings::Crossing &crossing);
 
     const TraceOptions mOptions;
-    std::unique_ptr<std::FILE, int (*)(std::FILE *)> mFile;
+    std::FILE *mFile; // null when it is closed
     std::unique_ptr<TraceWriter> mWriter;
-    std::vector<const crossings::Crossing *> mShown; // those that have begun and not ended
+    std::set<std::string> mPlugins; // names of plugins that were started
+    // Patterns that match no function of the interface, and the names of callbacks that they may match.
+    std::vector<std::string> mUnknown;
+    std::set<std::string> mCallbacks;
+    std::vector<const crossings::Crossing *> mShown; // those under way
 };
 
 } // namespace host

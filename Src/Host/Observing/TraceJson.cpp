@@ -1,8 +1,9 @@
-// The trace as an array of trace events, a begin and an end for each call.
-// Viewers open it also when the end is missing, after a crash.
+// The trace as a JSON array of trace events: a begin and an end for each call.
+// Viewers also open it without its end, after a crash.
 #include "Trace.h"
 
 #include "Crossings/Format.h"
+#include "Crossings/ValueText.h"
 #include "Crossings/Words.h"
 
 #include <nlohmann/json.hpp>
@@ -22,9 +23,9 @@ ordered_json JsonOf(const Value &value) {
     if (value.kind == Value::Kind::Integer)
         return value.integer;
     if (value.kind == Value::Kind::Real)
-        return value.real; // null for what is no number
+        return value.real; // null if it is not a number
     Line line;
-    line.Add(value);
+    crossings::AddValue(line, value);
     return std::string(line.Text());
 }
 
@@ -73,7 +74,7 @@ class JsonWriter : public TraceWriter {
     }
 
     void Write(const ordered_json &event) {
-        // Names come from plugins, in whatever bytes they like.
+        // Names come from plugins and may be no valid UTF-8.
         const std::string text = event.dump(-1, ' ', /*ensure_ascii=*/true, ordered_json::error_handler_t::replace);
         std::fprintf(mFile, "%s%s", mIsFirst ? "" : ",\n", text.c_str());
         mIsFirst = false;

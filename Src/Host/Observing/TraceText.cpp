@@ -1,5 +1,5 @@
-// The trace as text. A call that makes no further ones takes one line, others
-// an opening and a closing one:
+// The trace as text. A call without inner calls takes one line; other calls take
+// an opening and a closing line:
 //
 //       0.016701  host > library  AVSKEventHook(event=0, ...) {
 //       0.016705    library > Menu  AVSKFlightLoop_f Tick(...) = 1  [2.1 us]
@@ -58,7 +58,7 @@ class TextWriter : public TraceWriter {
             mLine.Add("  ");
     }
 
-    // Arguments may fill the line; what follows them is never cut.
+    // Long arguments are cut, the result and the duration never.
     void Write(std::string_view end) {
         const std::string_view text = mLine.Text();
         std::fprintf(mFile, "%.*s%.*s\n", static_cast<int>(text.size()), text.data(), static_cast<int>(end.size()),
@@ -69,7 +69,7 @@ class TextWriter : public TraceWriter {
     std::FILE *mFile;
     const Crossing::Clock::time_point mStart = Crossing::Clock::now();
     Line mLine;
-    bool mIsHeld = false; // a begun call's line, until it is clear whether it makes others
+    bool mIsHeld = false; // the line of a call that has not made inner calls yet
 };
 
 } // namespace

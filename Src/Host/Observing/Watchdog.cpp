@@ -8,12 +8,12 @@
 namespace host {
 
 Watchdog::Watchdog(double seconds, int signal) : mSeconds(seconds), mSignal(signal) {
-    // Signals to the process are the main thread's.
+    // The thread blocks all signals, so that the main thread receives them.
     sigset_t all;
     sigset_t before;
     sigfillset(&all);
     pthread_sigmask(SIG_SETMASK, &all, &before);
-    mThread = std::thread([this] { Watch(); });
+    mThread = std::thread([this] { Run(); });
     pthread_sigmask(SIG_SETMASK, &before, nullptr);
 }
 
@@ -27,7 +27,7 @@ Watchdog::~Watchdog() {
 }
 
 std::uint32_t Watchdog::Milliseconds(Clock::time_point time) const {
-    // 0 says that nothing is watched.
+    // 0 means that no call is under way.
     return static_cast<std::uint32_t>(std::chrono::duration_cast<std::chrono::milliseconds>(time - mStart).count()) + 1;
 }
 
@@ -36,12 +36,12 @@ bool Watchdog::IsOverdue() const {
     return since != kNothing && (Milliseconds(Clock::now()) - since) / 1000.0 >= mSeconds;
 }
 
-void Watchdog::Watch() {
+void Watchdog::Run() {
     const std::chrono::duration<double> period(std::min(mSeconds / 8, 0.25));
     std::unique_lock lock(mMutex);
     while (!mWakened.wait_for(lock, period, [this] { return mEnds; })) {
         if (IsOverdue())
-            pthread_kill(mWatched, mSignal);
+            pthread_kill(mTarget, mSignal);
     }
 }
 

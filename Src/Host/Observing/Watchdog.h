@@ -1,5 +1,5 @@
-// Sees to it that no call takes for ever. A thread that sleeps most of the
-// time: periodic signals would end the plugins' own sleeps.
+// Notices calls that take too long. It is a thread that sleeps most of the time,
+// because periodic signals would interrupt the plugins' own sleeps.
 #ifndef AVSK_HOST_OBSERVING_WATCHDOG_H
 #define AVSK_HOST_OBSERVING_WATCHDOG_H
 
@@ -18,11 +18,11 @@ class Watchdog {
   public:
     using Clock = std::chrono::steady_clock;
 
-    // The signal goes to the thread that makes the watchdog, from time to time while a call is overdue.
+    // While a call is overdue, sends the signal periodically to the thread that made the watchdog.
     Watchdog(double seconds, int signal);
     ~Watchdog();
 
-    // What is watched begins or ends.
+    // A call begins or ends.
     void Restart(Clock::time_point now) { mSince = Milliseconds(now); }
     void Stop() { mSince = kNothing; }
     // Also safe in a signal handler.
@@ -33,17 +33,17 @@ class Watchdog {
     static constexpr std::uint32_t kNothing = 0;
 
     std::uint32_t Milliseconds(Clock::time_point time) const;
-    void Watch();
+    void Run();
 
     const double mSeconds;
     const int mSignal;
-    const pthread_t mWatched = pthread_self();
+    const pthread_t mTarget = pthread_self();
     const Clock::time_point mStart = Clock::now();
     std::atomic<std::uint32_t> mSince = kNothing;
     std::mutex mMutex;
     std::condition_variable mWakened;
     bool mEnds = false;
-    std::thread mThread; // the last: it uses all others
+    std::thread mThread; // last, because it uses the other members
 };
 
 } // namespace host

@@ -1,4 +1,4 @@
-// What a run or a session is asked for, on the command line or by the session's own set-up.
+// The options of a run or a session, from the command line and from the session's set-up.
 #ifndef AVSK_HOST_SESSION_SESSION_OPTIONS_H
 #define AVSK_HOST_SESSION_SESSION_OPTIONS_H
 
@@ -13,9 +13,9 @@ namespace host {
 struct SessionOptions {
     SimulatorOptions simulator;
     ObservingOptions observing;
-    std::string file;                 // the session; empty when it is typed
-    bool rootGiven = false;           // on the command line: it overrides the session's own
-    std::vector<std::string> plugins; // those to load; all of the root's if empty
+    std::string file;                 // the session; empty if it is typed
+    bool rootGiven = false;           // a root was named
+    std::vector<std::string> plugins; // to load; empty: all plugins of the root
 };
 
 } // namespace host

@@ -1,8 +1,13 @@
-// What the steps of a session do, each by the simulator's own way: the user's
-// hands, the world and the host. See Forms.cpp for their words.
+// The step words of a session: each does what a user, the world or the
+// simulator does. The table at the end lists them.
+#include "Forms.h"
+#include "LoadedPlugins.h"
+#include "MenuPaths.h"
 #include "Runner.h"
+#include "Values.h"
 
 #include "Common/Text.h"
+#include "Observing/DatarefValues.h"
 
 #include "AVSK/AVSKDataAccess.h"
 #include "AVSK/AVSKHost.h"
@@ -18,7 +23,7 @@
 namespace host {
 namespace {
 
-constexpr int kForever = 1 << 30; // frames: until the key is let go
+constexpr int kForever = 1 << 30; // frames: until the key is released
 const std::string kFine;
 
 void MoveMouse(Simulator &simulator, int x, int y) {
@@ -27,7 +32,7 @@ void MoveMouse(Simulator &simulator, int x, int y) {
 }
 
 void MoveMouse(Simulator &simulator, const std::string &point) {
-    const std::vector<int> place = IntegersOf(point);
+    const std::vector<int> place = Integers(point);
     MoveMouse(simulator, place[0], place[1]);
 }
 
@@ -47,7 +52,7 @@ char CharacterOf(const std::string &key, int code) {
 void PressKey(SessionRunner &run, const Step &step, int frames) {
     constexpr int kShift = 1;
     constexpr int kControl = 2;
-    const int code = KeyOf(step[0]);
+    const int code = KeyCode(step[0]);
     run.Sim().input.PressKey(CharacterOf(step[0], code), static_cast<char>(code), frames,
                              (step.Has("shift") ? kShift : 0) | (step.Has("control") ? kControl : 0));
 }
@@ -56,10 +61,6 @@ std::string NoCommand(const std::string &name) {
     return "there is no command '" + name +
            "': plugins create theirs when they start, the host's are sim/flight/... "
            "and sim/view/...";
-}
-
-std::string NoPlugin(const std::string &name) {
-    return "no plugin of this name or signature is loaded: '" + name + "'";
 }
 
 std::string FinishLoads(SessionRunner &run, const Step &step, bool fail) {
@@ -72,21 +73,19 @@ std::vector<T> NumbersFrom(const std::vector<std::string> &texts) {
     std::vector<T> numbers;
     numbers.reserve(texts.size());
     for (const std::string &text : texts)
-        numbers.push_back(static_cast<T>(NumberOf(text)));
+        numbers.push_back(static_cast<T>(Number(text)));
     return numbers;
 }
 
-} // namespace
-
-namespace steps {
+// ---- The words
 
 std::string Frames(SessionRunner &run, const Step &step) {
-    run.RunFrames(static_cast<int>(NumberOf(step[0])));
+    run.RunFrames(Integer(step[0]));
     return kFine;
 }
 
 std::string Seconds(SessionRunner &run, const Step &step) {
-    run.RunFrames(static_cast<int>(std::clamp(std::round(NumberOf(step[0]) * run.Sim().options.fps), 1.0, 1e9)));
+    run.RunFrames(static_cast<int>(std::clamp(std::round(Number(step[0]) * run.Sim().options.fps), 1.0, 1e9)));
     return kFine;
 }
 
@@ -117,9 +116,9 @@ std::string Click(SessionRunner &run, const Step &step) {
 // The library asks where the mouse is once a frame.
 std::string Drag(SessionRunner &run, const Step &step) {
     constexpr int kFrames = 4;
-    const std::vector<int> from = IntegersOf(step[0]);
-    const std::vector<int> to = IntegersOf(step[1]);
-    const int frames = step.Count() > 2 ? static_cast<int>(NumberOf(step[2])) : kFrames;
+    const std::vector<int> from = Integers(step[0]);
+    const std::vector<int> to = Integers(step[1]);
+    const int frames = step.Count() > 2 ? Integer(step[2]) : kFrames;
     MoveMouse(run.Sim(), step[0]);
     ChangeMouseButton(run.Sim(), 1);
     for (int i = 1; i <= frames; ++i) {
@@ -134,9 +133,8 @@ std::string Drag(SessionRunner &run, const Step &step) {
 
 std::string Wheel(SessionRunner &run, const Step &step) {
     MoveMouse(run.Sim(), step[0]);
-    AVSKScrollWheelHook(run.Sim().display.mouseX, run.Sim().display.mouseY,
-                        step.Count() > 2 ? static_cast<int>(NumberOf(step[2])) : 0,
-                        static_cast<int>(NumberOf(step[1])));
+    AVSKScrollWheelHook(run.Sim().display.mouseX, run.Sim().display.mouseY, step.Count() > 2 ? Integer(step[2]) : 0,
+                        Integer(step[1]));
     return kFine;
 }
 
@@ -152,7 +150,7 @@ std::string KeyDown(SessionRunner &run, const Step &step) {
 }
 
 std::string KeyUp(SessionRunner &run, const Step &step) {
-    return run.Sim().input.ReleaseKey(static_cast<char>(KeyOf(step[0]))) ? kFine : "this key is not down";
+    return run.Sim().input.ReleaseKey(static_cast<char>(KeyCode(step[0]))) ? kFine : "this key is not down";
 }
 
 std::string Type(SessionRunner &run, const Step &step) {
@@ -169,7 +167,7 @@ std::string Type(SessionRunner &run, const Step &step) {
 std::string PickMenu(SessionRunner &run, const Step &step) {
     const FoundItem found = FindItem(run.Sim().menus, step[0]);
     if (!found.menu)
-        return "no such item; there is " + found.there;
+        return "no such item; there is " + found.seen;
     if (AVSKMenuItemEnabled(found.menu, found.index) == 0)
         return "the item is disabled: it cannot be picked";
     AVSKMenuHook(found.menu->items[static_cast<std::size_t>(found.index)].id);
@@ -201,7 +199,7 @@ std::string EndCommand(SessionRunner &run, const Step &step) {
 }
 
 std::string Button(SessionRunner &run, const Step &step) {
-    const int button = static_cast<int>(NumberOf(step[0]));
+    const int button = Integer(step[0]);
     if (step.Has("press"))
         return run.Sim().input.HoldButton(button) ? kFine : "the button is down already";
     return run.Sim().input.ReleaseButton(button) ? kFine : "the button is not down";
@@ -219,7 +217,7 @@ std::string ChangeView(SessionRunner &run, const Step &step) {
 }
 
 std::string Load(SessionRunner &run, const Step &step) {
-    const int index = step.Count() > 2 ? static_cast<int>(NumberOf(step[2])) : 0;
+    const int index = step.Count() > 2 ? Integer(step[2]) : 0;
     const std::string file = ResolvePath(run.Sim().options.root, step[1]);
     std::error_code error;
     if (index >= Fleet::kCount)
@@ -254,23 +252,23 @@ std::string FailLoads(SessionRunner &run, const Step &step) { return FinishLoads
 std::string SendMessage(SessionRunner & /*run*/, const Step &step) {
     constexpr AVSKPluginID kEverybody = -1;
     const bool all = step[0] == "all";
-    const AVSKPluginID plugin = all ? kEverybody : SessionRunner::FindPlugin(step[0]);
+    const AVSKPluginID plugin = all ? kEverybody : FindPlugin(step[0]);
     if (!all && plugin == NO_PLUGIN_ID)
         return NoPlugin(step[0]);
     std::string text = step.Count() > 2 ? step[2] : "";
-    AVSKSendMessageToPlugin(plugin, static_cast<int>(NumberOf(step[1])), step.Count() > 2 ? text.data() : nullptr);
+    AVSKSendMessageToPlugin(plugin, Integer(step[1]), step.Count() > 2 ? text.data() : nullptr);
     return kFine;
 }
 
 std::string Enable(SessionRunner & /*run*/, const Step &step) {
-    const AVSKPluginID plugin = SessionRunner::FindPlugin(step[0]);
+    const AVSKPluginID plugin = FindPlugin(step[0]);
     if (plugin == NO_PLUGIN_ID)
         return NoPlugin(step[0]);
     return AVSKEnablePlugin(plugin) != 0 ? kFine : "the plugin refused";
 }
 
 std::string Disable(SessionRunner & /*run*/, const Step &step) {
-    const AVSKPluginID plugin = SessionRunner::FindPlugin(step[0]);
+    const AVSKPluginID plugin = FindPlugin(step[0]);
     if (plugin == NO_PLUGIN_ID)
         return NoPlugin(step[0]);
     AVSKDisablePlugin(plugin);
@@ -284,20 +282,15 @@ std::string Reload(SessionRunner &run, const Step & /*step*/) {
 }
 
 std::string SetDataref(SessionRunner & /*run*/, const Step &step) {
-    AVSKDataRef ref = AVSKFindDataRef(step[0].c_str());
-    std::string name = step[0];
-    int offset = 0;
-    if (const std::size_t open = name.rfind('['); !ref && open != std::string::npos && name.ends_with(']')) {
-        offset = static_cast<int>(NumberOf(std::string_view(name).substr(open + 1, name.size() - open - 2)));
-        ref = AVSKFindDataRef(name.substr(0, open).c_str());
-    }
-    if (!ref || AVSKIsDataRefGood(ref) == 0)
+    const auto [ref, index] = FindDataref(step[0]);
+    const int offset = index.value_or(0);
+    if (!ref)
         return "nobody publishes it";
     if (AVSKCanWriteDataRef(ref) == 0)
         return "it cannot be written";
     const int types = AVSKGetDataRefTypes(ref);
     const int count = static_cast<int>(step.Count()) - 1;
-    const double number = NumberOf(step[1]);
+    const double number = Number(step[1]);
     if ((types & AVSKDataTypeData) != 0 && step.words[1].quoted)
         AVSKSetDatab(ref, std::string(step[1]).data(), offset, static_cast<int>(step[1].size()));
     else if ((types & AVSKDataTypeFloatArray) != 0)
@@ -333,10 +326,10 @@ std::string Mark(SessionRunner &run, const Step & /*step*/) {
 }
 
 std::string ListPossessions(SessionRunner &run, const Step &step) {
-    const Ledger &owners = run.Watch().Owners();
+    const Ledger &owners = run.Observing().Owners();
     const std::string plugin = step.Count() > 0 ? step[0] : "";
-    const bool isKnown = plugin.empty() || (run.IsLoaded() ? SessionRunner::FindPlugin(plugin) != NO_PLUGIN_ID
-                                                           : owners.WasUnloaded(plugin));
+    const bool isKnown =
+        plugin.empty() || (run.IsLoaded() ? FindPlugin(plugin) != NO_PLUGIN_ID : owners.WasUnloaded(plugin));
     if (!isKnown)
         return run.IsLoaded() ? NoPlugin(plugin) : "no plugin of this name or signature was loaded: '" + plugin + "'";
     if (run.IsLoaded())
@@ -351,5 +344,49 @@ std::string UnloadAll(SessionRunner &run, const Step & /*step*/) {
     return kFine;
 }
 
-} // namespace steps
+} // namespace
+
+std::span<const Form> StepForms() {
+    static constexpr Form kForms[] = {
+        {"frames", "COUNT", "runs so many frames", Frames},
+        {"seconds", "NUMBER", "runs the frames of so many simulated seconds", Seconds},
+        {"move", "POINT", "moves the mouse; y points upward", Move},
+        {"press", "", "presses the mouse button", Press},
+        {"release", "", "releases the mouse button", Release},
+        {"click", "POINT", "moves the mouse, presses the button, runs a frame, releases the button", Click},
+        {"drag", "POINT POINT [COUNT]", "drags from the first point to the second in so many frames; the default is 4",
+         Drag},
+        {"wheel", "POINT INTEGER [INTEGER]", "turns the wheel by so many clicks; then the wheel's number, 0 by default",
+         Wheel},
+        {"key", "KEY [shift|control]+", "presses a key, runs a frame, releases the key", TypeKey},
+        {"keydown", "KEY [shift|control]+", "presses a key and holds it", KeyDown},
+        {"keyup", "KEY", "releases a held key", KeyUp},
+        {"type", "TEXT", "presses the key of each character, one frame each", Type},
+        {"menu", "PATH", "picks a menu item, for example \"Plugins/Lights/Beacon\"", PickMenu},
+        {"command", "NAME", "begins and ends a command", RunCommand},
+        {"begin", "NAME", "begins a command and holds it: each frame continues it", BeginCommand},
+        {"end", "NAME", "ends a held command", EndCommand},
+        {"button", "COUNT press|release", "presses or releases a joystick button", Button},
+        {"view", "tower|chase|cockpit|next", "changes the view", ChangeView},
+        {"load", "aircraft FILE [COUNT]", "loads the model of the user's aircraft, or of another, in a frame", Load},
+        {"report", "scenery", "reports the scenery folders of the set-up again", ReportScenery},
+        {"crash", "", "reports that the aircraft crashed: broadcasts message 101", Crash},
+        {"hold", "loads", "makes asynchronous loads wait for 'complete' or 'fail'", HoldLoads},
+        {"complete", "loads [FILE]", "completes the waiting loads, or those of one file", CompleteLoads},
+        {"fail", "loads [FILE]", "lets the waiting loads fail, or those of one file", FailLoads},
+        {"message", "PLUGIN INTEGER [TEXT]", "sends a message to a plugin or to 'all', with the text or null",
+         SendMessage},
+        {"enable", "PLUGIN", "enables a plugin", Enable},
+        {"disable", "PLUGIN", "disables a plugin", Disable},
+        {"reload", "", "unloads and loads all plugins, in a frame", Reload},
+        {"set", "NAME VALUE+", "writes a dataref: a number, numbers or a text; NAME[3] is an element", SetDataref},
+        {"screenshot", "FILE", "runs a frame and writes a picture of it to a .png file", TakeScreenshot},
+        {"mark", "", "later 'expect log' and 'expect call' look back to this line only", Mark, kAlsoAfterUnload},
+        {"ps", "[PLUGIN]", "prints what the plugins, or this one, own; after 'unload' what they left behind",
+         ListPossessions, kAlsoAfterUnload},
+        {"unload", "", "unloads all plugins", UnloadAll, kUnloads},
+    };
+    return kForms;
+}
+
 } // namespace host

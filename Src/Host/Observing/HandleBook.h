@@ -1,0 +1,41 @@
+// Names of handles for traces and reports: of datarefs, commands, menus, hot keys
+// and objects the name, of windows the rectangle, of flight loops the function.
+// They are learned from the calls that create or find the handles.
+#ifndef AVSK_HOST_OBSERVING_HANDLE_BOOK_H
+#define AVSK_HOST_OBSERVING_HANDLE_BOOK_H
+
+#include "Crossings/Crossing.h"
+#include "Crossings/ValueText.h"
+
+#include <map>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+
+namespace host {
+
+class HandleBook : public crossings::Observer, public crossings::HandleNames {
+  public:
+    HandleBook();
+    ~HandleBook() override;
+    HandleBook(const HandleBook &) = delete;
+    HandleBook &operator=(const HandleBook &) = delete;
+
+    void Begins(const crossings::Crossing & /*crossing*/) override {}
+    void Ends(const crossings::Crossing &crossing) override;
+
+    std::string_view NameOf(const void *handle) const override;
+
+  private:
+    struct Entry {
+        std::string name;  // with the function that created or found it
+        std::string shown; // with a number if others of that name exist
+    };
+
+    std::unordered_map<const void *, Entry> mEntries;
+    std::map<std::string, int> mCounts; // of handles by name
+};
+
+} // namespace host
+
+#endif

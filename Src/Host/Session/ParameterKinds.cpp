@@ -1,0 +1,117 @@
+// The table of parameter kinds; see ParameterKinds.h.
+#include "ParameterKinds.h"
+
+#include "Values.h"
+
+#include "Crossings/Words.h"
+#include "Observing/CallLog.h"
+#include "Observing/Possession.h"
+
+#include <algorithm>
+#include <cctype>
+#include <stdexcept>
+
+namespace host {
+namespace {
+
+constexpr int kMost = 10'000'000;
+
+bool IsText(const Word &word) { return !word.text.empty(); }
+
+bool IsCount(const Word &word) {
+    const auto number = ReadInteger(word.text);
+    return number && *number > 0 && *number <= kMost;
+}
+
+bool IsInteger(const Word &word) { return ReadInteger(word.text).has_value(); }
+
+bool IsPositive(const Word &word) {
+    const auto number = ReadNumber(word.text);
+    return number && *number > 0 && *number <= kMost;
+}
+
+bool IsPoint(const Word &word) { return ReadIntegers(word.text, ',', 2).has_value(); }
+bool IsRectangle(const Word &word) { return ReadIntegers(word.text, ',', 4).has_value(); }
+bool IsSize(const Word &word) { return ReadIntegers(word.text, 'x', 2).has_value(); }
+bool IsKey(const Word &word) { return KeyCode(word.text) != 0; }
+bool IsSlot(const Word &word) { return CallLog::CountArguments(word.text) >= 0; }
+bool IsPossession(const Word &word) { return KindOf(word.text).has_value(); }
+
+bool IsValue(const Word &word) {
+    const std::string_view text = word.text;
+    const std::size_t tilde = text.find('~');
+    return word.quoted || tilde == std::string_view::npos ||
+           (ReadNumber(text.substr(0, tilde)) && ReadNumber(text.substr(tilde + 1)));
+}
+
+constexpr ParameterKind kKinds[] = {
+    {"TEXT", IsText, "a text"},
+    {"NAME", IsText, "a name"},
+    {"PLUGIN", IsText, "a plugin's name or signature"},
+    {"PATH", IsText, "a path"},
+    {"DIR", IsText, "a folder"},
+    {"FILE", IsText, "a file"},
+    {"COUNT", IsCount, "a whole number from 1 to 10000000"},
+    {"INTEGER", IsInteger, "a whole number"},
+    {"NUMBER", IsPositive, "a number above 0, at most 10000000"},
+    {"POINT", IsPoint, "a point X,Y"},
+    {"RECT", IsRectangle, "a rectangle LEFT,TOP,RIGHT,BOTTOM"},
+    {"SIZE", IsSize, "a size WIDTHxHEIGHT"},
+    {"KEY", IsKey, "a key (a letter, a digit, F1 to F24, or a name such as Escape or \"Page Up\")"},
+    {"SLOT", IsSlot, "a host service, named as in AVSKHostCallbacks"},
+    {"KIND", IsPossession, "a kind of possession"},
+    {"VALUE", IsValue, "a value (a text, a number, or NUMBER~TOLERANCE)"},
+};
+
+const ParameterKind *FindKind(std::string_view mark) {
+    const auto *const found = std::find_if(std::begin(kKinds), std::end(kKinds),
+                                           [mark](const ParameterKind &kind) { return kind.mark == mark; });
+    if (found != std::end(kKinds))
+        return found;
+    if (std::isupper(static_cast<unsigned char>(mark.front())) != 0)
+        throw std::logic_error("a form has the unknown parameter kind " + std::string(mark));
+    return nullptr;
+}
+
+} // namespace
+
+bool Parameter::Accepts(const Word &word) const {
+    if (kind)
+        return kind->accepts(word);
+    std::string_view left = word.quoted ? "" : choices;
+    while (!left.empty()) {
+        if (crossings::TakeWord(left, "|") == word.text)
+            return true;
+    }
+    return false;
+}
+
+std::string Parameter::Meaning() const {
+    if (kind && kind->accepts == IsPossession)
+        return std::string(kind->meaning) + " (" + KindWords() + ")";
+    if (kind)
+        return std::string(kind->meaning);
+    std::string text = "'" + std::string(choices) + "'";
+    for (std::size_t at = 0; (at = text.find('|', at)) != std::string::npos; at += 6)
+        text.replace(at, 1, "' or '");
+    return text;
+}
+
+std::vector<Parameter> ParametersOf(std::string_view parameters) {
+    std::vector<Parameter> read;
+    while (!parameters.empty()) {
+        std::string_view mark = crossings::TakeWord(parameters, " ");
+        Parameter parameter{nullptr, "", false, mark.ends_with('+')};
+        if (parameter.repeated)
+            mark.remove_suffix(1);
+        parameter.optional = mark.starts_with('[');
+        if (parameter.optional)
+            mark = mark.substr(1, mark.size() - 2);
+        parameter.kind = FindKind(mark);
+        parameter.choices = mark;
+        read.push_back(parameter);
+    }
+    return read;
+}
+
+} // namespace host

@@ -1,0 +1,124 @@
+// The puppets: plugins whose code lies in the program. Each function of them
+// exists once for each file, so that a call of code that is not mapped, or is
+// unmapped before the call returns, is a fault that is seen.
+#ifndef AVSK_FUZZ_PUPPETS_H
+#define AVSK_FUZZ_PUPPETS_H
+
+#include "Model.h"
+
+#include "AVSK/AVSK.h"
+
+#include <cmath>
+#include <tuple>
+#include <type_traits>
+#include <utility>
+
+// A call of a file's code.
+class InFile {
+  public:
+    explicit InFile(int index);
+    ~InFile();
+    InFile(const InFile &) = delete;
+    InFile &operator=(const InFile &) = delete;
+
+  private:
+    const int previous;
+    const int mapping;
+};
+
+// The function of a file among those of all files: kCalls::Call<file>.
+template <class Calls, int... kFiles>
+auto Select(int file, std::integer_sequence<int, kFiles...>) {
+    constexpr decltype(&Calls::template Call<0>) calls[] = {Calls::template Call<kFiles>...};
+    return calls[file];
+}
+template <class Calls>
+auto OfFile(int file) {
+    return Select<Calls>(file, std::make_integer_sequence<int, kPuppets + 1>());
+}
+
+// A function as that of each file.
+template <auto kTarget, class Pointer = decltype(kTarget)>
+struct InFiles;
+template <auto kTarget, class Result, class... Arguments>
+struct InFiles<kTarget, Result (*)(Arguments...)> {
+    template <int kFile>
+    static Result Call(Arguments... arguments) {
+        const InFile call(kFile);
+        return kTarget(arguments...);
+    }
+};
+
+// What holds for every callback, and for those of a kind.
+void CheckLoop(const Registration &r, float total, int counter);
+void CheckCamera(const Registration &r, const AVSKCameraPosition *position, int isLosingControl);
+template <Kind kKind, class... Arguments>
+void Check(Registration &r, Arguments... arguments) {
+    const auto all = std::make_tuple(arguments...);
+    if constexpr (kKind == Kind::Loop)
+        CheckLoop(r, std::get<1>(all), std::get<2>(all));
+    if constexpr (kKind == Kind::Camera)
+        CheckCamera(r, std::get<0>(all), std::get<1>(all));
+    if constexpr (kKind == Kind::Draw)
+        REQUIRE(gFuzz.drawHooks > 0 && std::get<0>(all) == r.a && std::get<1>(all) == r.b,
+                "a draw callback of %d/%d is called for %d/%d", r.a, r.b, std::get<0>(all), std::get<1>(all));
+    if constexpr (kKind == Kind::Sniffer || kKind == Kind::HotKey)
+        REQUIRE(gFuzz.keyHooks > 0, "a %s runs without a key", NameOf(kKind));
+    if constexpr (kKind == Kind::Window) {
+        bool losingFocus = false; // the one that ends with a number
+        if constexpr (std::is_same_v<
+                          std::tuple_element_t<sizeof...(arguments) - 1, decltype(std::make_tuple(arguments...))>, int>)
+            losingFocus = std::get<sizeof...(arguments) - 1>(all) != 0;
+        REQUIRE(losingFocus || std::get<0>(all) == r.handle, "a window is called as another");
+        REQUIRE(sizeof...(arguments) != 2 || gFuzz.drawHooks > 0, "a window is drawn outside a pass");
+    }
+    if constexpr (kKind == Kind::Command)
+        REQUIRE(std::get<0>(all) == r.handle, "a handler of one command is called for another");
+    if constexpr (kKind == Kind::Load)
+        REQUIRE(!std::exchange(r.done, true), "an object is delivered twice");
+    if constexpr (kKind == Kind::Planes)
+        REQUIRE(r.count-- > 0, "planes are offered to a plugin that does not wait");
+}
+
+// A callback of a kind. Its refcon is its last argument of that type, a menu's its first.
+template <Kind kKind, class Result, class... Arguments>
+struct Callback {
+    template <int kFile>
+    static Result Call(Arguments... arguments) {
+        const InFile call(kFile);
+        void *refcon = nullptr;
+        const auto take = [&](auto argument) {
+            if constexpr (std::is_same_v<decltype(argument), void *>)
+                refcon = kKind == Kind::Menu && refcon ? refcon : argument;
+        };
+        (take(arguments), ...);
+        Check<kKind>(CheckCall(refcon, kKind), arguments...);
+        ActInCallback(24);
+        constexpr float intervals[] = {0, -1, 1, -1, 0.25F, -2, -0.5F, 1e30F, -1e30F, INFINITY, -INFINITY, NAN};
+        constexpr int answers[] = {1, 0, 1, 2, 1, 3, -1, 0};
+        if constexpr (std::is_same_v<Result, float>)
+            return gFuzz.in.OneOf(intervals);
+        else if constexpr (!std::is_void_v<Result>)
+            return gFuzz.in.OneOf(answers);
+    }
+};
+
+// The callbacks of a kind that a file has, of whatever type is wanted.
+template <Kind kKind>
+struct Code {
+    explicit Code(const Registration &r) : file(r.file) {}
+    template <class Result, class... Arguments>
+    using Function = Result (*)(Arguments...);
+    template <class Result, class... Arguments>
+    operator Function<Result, Arguments...>() const {
+        return OfFile<Callback<kKind, Result, Arguments...>>(file);
+    }
+    const int file;
+};
+
+// The error callback of a file.
+AVSKError_f ErrorCallback(int file);
+// Throws an object whose type and destructor are those of the file whose code runs.
+[[noreturn]] void ThrowOwn();
+
+#endif
