@@ -20,7 +20,7 @@ namespace {
 std::string List() {
     std::string text;
     std::string_view header;
-    std::vector<TableRow> rows;
+    std::vector<std::vector<std::string>> rows;
     const auto finish = [&] {
         if (rows.empty())
             return;

@@ -3,14 +3,14 @@
 #include "SharedOptions.h"
 #include "SimpleRun.h"
 
-#include "Observing/Lists.h"
+#include "Observing/DatarefNames.h"
+#include "Observing/Descriptions.h"
 #include "Observing/Observers.h"
 #include "Services/Simulator.h"
 
 #include <CLI/CLI.hpp>
 
 #include <cstdio>
-#include <functional>
 #include <memory>
 #include <string>
 #include <utility>
@@ -19,7 +19,13 @@
 namespace host {
 namespace {
 
-using List = std::function<std::vector<std::string>(Simulator &, Observers &, const std::string &pattern)>;
+// What there is to list, after the last frame.
+struct Listed {
+    const Simulator &simulator;
+    const DatarefNames &datarefs;
+    const Ledger &owners;
+};
+using List = std::vector<std::string> (*)(const Listed &listed, const std::string &pattern);
 
 struct Request {
     SessionOptions options = QuietOptions();
@@ -29,7 +35,7 @@ struct Request {
 constexpr const char *kListsHelp = R"(
 PATTERN is any part of a name; with * for any text it is a whole name: 'sim/*/x'. Upper and lower case are equal.
 
-Without --root and --plugin, plugins of ./Resources/plugins are loaded; without that folder, no plugin.
+Without --root and --plugin, the plugins of ./Resources/plugins are loaded; without that folder, no plugin.
 
 Exit status: 0, or 2 if no name matches or a plugin that was named does not exist.)";
 
@@ -44,7 +50,7 @@ void AddPattern(CLI::App &command, std::string &pattern, const std::string &help
 
 // A command that runs the plugins for a while and then prints a list.
 void AddListCommand(CLI::App &app, Job &job, const std::string &name, const std::string &help,
-                    const std::string &footer, const List &list) {
+                    const std::string &footer, List list) {
     const auto request = std::make_shared<Request>();
     CLI::App *command = app.add_subcommand(name, help);
     AddPattern(*command, request->pattern, "list only the names that match");
@@ -55,11 +61,12 @@ void AddListCommand(CLI::App &app, Job &job, const std::string &name, const std:
     command->callback([request, root, list, &job] {
         request->options.rootGiven = root->count() > 0;
         job = [request, list] {
+            const DatarefNames datarefs; // must be there before the plugins start
             SimpleRun run;
             run.options = std::move(request->options);
             run.needsPlugins = false;
             run.report = [&](Simulator &simulator, Observers &observers) {
-                Print(list(simulator, observers, request->pattern));
+                Print(list({simulator, datarefs, observers.Owners()}, request->pattern));
             };
             return RunFrames(std::move(run));
         };
@@ -73,16 +80,16 @@ void AddDatarefsCommand(CLI::App &app, Job &job) {
         app, job, "datarefs", "Lists the datarefs of the simulator and of the plugins.",
         "The list has the type, whether plugins may write it, the value after the last frame, the unit, and\n"
         "what it means or which plugin publishes it. Of an array the first three values are shown.",
-        [](Simulator & /*simulator*/, Observers &observers, const std::string &pattern) {
-            return ListDatarefs(observers.Published(), pattern);
+        [](const Listed &listed, const std::string &pattern) {
+            return DescribeDatarefs(listed.datarefs, listed.owners, pattern);
         });
 }
 
 void AddCommandsCommand(CLI::App &app, Job &job) {
     AddListCommand(app, job, "commands", "Lists the commands of the simulator and of the plugins.",
                    "The list has the command's owner, the keys and joystick buttons that run it, and its description.",
-                   [](Simulator &simulator, Observers &observers, const std::string &pattern) {
-                       return ListCommands(simulator.commands, observers.Published(), pattern);
+                   [](const Listed &listed, const std::string &pattern) {
+                       return DescribeCommands(listed.simulator.commands, listed.owners, pattern);
                    });
 }
 
@@ -97,7 +104,7 @@ void AddKeysCommand(CLI::App &app, Job &job) {
         "are equal.\n\nExit status: 0, or 2 if no key matches.");
     command->callback([pattern, &job] {
         job = [pattern] {
-            Print(ListKeys(*pattern));
+            Print(DescribeKeys(*pattern));
             return 0;
         };
     });

@@ -1,4 +1,4 @@
-// Aligns the texts of a table.
+// Lays out rows of text in columns.
 #ifndef AVSK_HOST_COMMON_COLUMNS_H
 #define AVSK_HOST_COMMON_COLUMNS_H
 
@@ -7,11 +7,8 @@
 
 namespace host {
 
-using TableRow = std::vector<std::string>;
-
-// One line for each row. A column is as wide as its widest text, except the last
-// one, which is not padded. All rows have the same number of texts.
-std::vector<std::string> AlignColumns(const std::vector<TableRow> &rows);
+// One line for each row. Columns are two blanks apart; the last one is not padded.
+std::vector<std::string> AlignColumns(const std::vector<std::vector<std::string>> &rows);
 
 } // namespace host
 

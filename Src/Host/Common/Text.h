@@ -34,6 +34,16 @@ inline std::string Join(const std::vector<std::string> &texts, std::string_view 
     return joined;
 }
 
+// The texts between commas; of many only the first ones and the number of the others.
+inline std::string Shortened(std::vector<std::string> texts, std::size_t most = 12) {
+    if (texts.size() > most) {
+        const std::string others = std::to_string(texts.size() - most) + " others";
+        texts.resize(most);
+        texts.push_back(others);
+    }
+    return Join(texts);
+}
+
 } // namespace host
 
 #endif

@@ -1,20 +1,18 @@
 // Reads datarefs through the library; see DatarefValues.h.
 #include "DatarefValues.h"
 
+#include "Common/Text.h"
+
 #include <algorithm>
 #include <array>
 #include <charconv>
 #include <cstdio>
+#include <utility>
 
 namespace host {
 namespace {
 
 constexpr int kMostElements = 1 << 20; // a plugin may return any count
-
-AVSKDataRef FindPublished(const std::string &name) {
-    AVSKDataRef ref = AVSKFindDataRef(name.c_str());
-    return ref && AVSKIsDataRefGood(ref) != 0 ? ref : nullptr;
-}
 
 template <typename T>
 std::vector<std::string> TextsOf(const std::vector<T> &numbers) {
@@ -45,6 +43,36 @@ std::string ReadBytes(AVSKDataRef ref) {
 }
 
 } // namespace
+
+AVSKDataRef FindPublished(const std::string &name) {
+    AVSKDataRef ref = AVSKFindDataRef(name.c_str());
+    return ref && AVSKIsDataRefGood(ref) != 0 ? ref : nullptr;
+}
+
+std::string DatarefTypes(AVSKDataRef ref) {
+    static constexpr std::pair<int, const char *> kTypes[] = {{AVSKDataTypeInt, "int"},
+                                                              {AVSKDataTypeFloat, "float"},
+                                                              {AVSKDataTypeDouble, "double"},
+                                                              {AVSKDataTypeFloatArray, "float array"},
+                                                              {AVSKDataTypeIntArray, "int array"},
+                                                              {AVSKDataTypeData, "data"}};
+    const int types = AVSKGetDataRefTypes(ref);
+    std::vector<std::string> names;
+    for (const auto &[type, name] : kTypes) {
+        if ((types & type) != 0)
+            names.emplace_back(name);
+    }
+    return names.empty() ? "no type" : Join(names);
+}
+
+std::optional<int> CountElements(AVSKDataRef ref) {
+    const int types = AVSKGetDataRefTypes(ref);
+    const int count = (types & AVSKDataTypeFloatArray) != 0 ? AVSKGetDatavf(ref, nullptr, 0, 0)
+                      : (types & AVSKDataTypeIntArray) != 0 ? AVSKGetDatavi(ref, nullptr, 0, 0)
+                      : (types & AVSKDataTypeData) != 0     ? AVSKGetDatab(ref, nullptr, 0, 0)
+                                                            : 0;
+    return count > 0 ? std::optional(count) : std::nullopt;
+}
 
 FoundDataref FindDataref(const std::string &name) {
     const std::size_t open = name.rfind('[');

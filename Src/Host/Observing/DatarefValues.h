@@ -16,8 +16,17 @@ struct FoundDataref {
     std::optional<int> index;
 };
 
+// The dataref of exactly this name; null if nobody publishes it.
+AVSKDataRef FindPublished(const std::string &name);
+
 // NAME, or NAME[3] for an element if no dataref has that whole name.
 FoundDataref FindDataref(const std::string &name);
+
+// "int", "float array", "int, float, double" ...
+std::string DatarefTypes(AVSKDataRef ref);
+
+// How many elements or bytes an array has; nothing if it is none, or cannot be read.
+std::optional<int> CountElements(AVSKDataRef ref);
 
 // All values. A dataref with several types is read as the most precise number.
 std::vector<std::string> ReadDataref(AVSKDataRef ref);

@@ -9,7 +9,6 @@
 #include "Loading.h"
 #include "ObservingOptions.h"
 #include "Profile.h"
-#include "Publications.h"
 #include "Trace.h"
 
 #include <optional>
@@ -33,7 +32,6 @@ class Observers {
     Ledger &Owners() { return mLedger; }
     Profile &Times() { return mProfile; }
     const Profile &Times() const { return mProfile; }
-    const Publications &Published() const { return mPublications; }
 
     // Print what the options ask for. To be called after the last frame, and after
     // the plugins are unloaded.
@@ -51,7 +49,6 @@ class Observers {
     Blame mBlame;
     Ledger mLedger;
     Profile mProfile;
-    Publications mPublications;
     Loading mLoading;
     std::optional<Trace> mTrace;
 };

@@ -1,8 +1,9 @@
-// Makes the lists; see Lists.h.
-#include "Lists.h"
+// Collects what the library, the services and the ledger say; see Descriptions.h.
+#include "Descriptions.h"
 
+#include "DatarefNames.h"
 #include "DatarefValues.h"
-#include "Publications.h"
+#include "Ledger.h"
 
 #include "Common/Columns.h"
 #include "Common/NearestName.h"
@@ -12,8 +13,11 @@
 #include "Services/Datarefs.h"
 #include "Services/Input.h"
 
+#include "AVSK/AVSKPlugins.h"
 #include "AVSK/AVSKUtilities.h"
 
+#include <algorithm>
+#include <array>
 #include <cctype>
 #include <utility>
 
@@ -21,6 +25,8 @@
 
 namespace host {
 namespace {
+
+using TableRow = std::vector<std::string>;
 
 // The names that match a pattern. Throws UsageError if there are none.
 std::vector<std::string> Select(const std::vector<std::string> &names, const std::string &pattern, const char *what,
@@ -43,20 +49,22 @@ std::vector<std::string> Select(const std::vector<std::string> &names, const std
 
 // ---- Datarefs
 
-std::string TypesText(AVSKDataRef ref, std::size_t count) {
-    constexpr std::pair<int, const char *> kNames[] = {
-        {AVSKDataTypeInt, "int"},        {AVSKDataTypeFloat, "float"},
-        {AVSKDataTypeDouble, "double"},  {AVSKDataTypeFloatArray, "float[]"},
-        {AVSKDataTypeIntArray, "int[]"}, {AVSKDataTypeData, "bytes"}};
-    const int types = AVSKGetDataRefTypes(ref);
-    std::vector<std::string> texts;
-    for (const auto &[bit, name] : kNames) {
-        if ((types & bit) != 0)
-            texts.emplace_back(name);
+std::string NameOf(AVSKPluginID plugin) {
+    std::array<char, AVSK_TEXT_SIZE> name{};
+    AVSKGetPluginInfo(plugin, name.data(), nullptr, nullptr, nullptr);
+    return name.data();
+}
+
+// The plugin that owns something of this description; empty if none does.
+std::string OwnerOf(Kind kind, const std::string &what, const Ledger &owners) {
+    for (int i = 1; i < AVSKCountPlugins(); ++i) {
+        const AVSKPluginID plugin = AVSKGetNthPlugin(i);
+        for (const Possession &owned : owners.OwnedBy(plugin, kind)) {
+            if (owned.what == what)
+                return NameOf(plugin);
+        }
     }
-    if (texts.size() == 1 && texts[0].ends_with("[]"))
-        texts[0].insert(texts[0].size() - 1, std::to_string(count));
-    return texts.empty() ? "none" : Join(texts, "+");
+    return "";
 }
 
 std::string ValueText(AVSKDataRef ref, const std::vector<std::string> &values) {
@@ -73,23 +81,18 @@ std::string ValueText(AVSKDataRef ref, const std::vector<std::string> &values) {
     std::vector<std::string> shown = values;
     if (shown.size() > kMostElements) {
         shown.resize(kMostElements);
-        shown.emplace_back("...");
+        shown.push_back("... (" + std::to_string(values.size()) + ")");
     }
     return shown.empty() ? "-" : Join(shown, " ");
 }
 
-TableRow DatarefRow(const std::string &name, const Publication &publication) {
-    AVSKDataRef ref = AVSKFindDataRef(name.c_str());
-    const std::vector<std::string> values = ReadDataref(ref);
-    const DatarefDescription *description = Datarefs::Describe(name);
-    return {name,
-            TypesText(ref, values.size()),
-            AVSKCanWriteDataRef(ref) != 0 ? "writable" : "read-only",
-            ValueText(ref, values),
-            description ? description->unit : "-",
-            description            ? description->meaning
-            : publication.isShared ? "shared; first by plugin " + publication.owner
-                                   : "of plugin " + publication.owner};
+std::string MeaningOf(const std::string &name, const DatarefNames &datarefs, const Ledger &owners) {
+    if (const DatarefDescription *description = Datarefs::Describe(name))
+        return description->meaning;
+    if (datarefs.IsShared(name))
+        return "shared by plugins";
+    const std::string owner = OwnerOf(Kind::Dataref, name, owners);
+    return owner.empty() ? "-" : "of plugin " + owner;
 }
 
 // ---- Keys
@@ -128,34 +131,35 @@ std::string KeyConstant(const std::string &name) {
 
 } // namespace
 
-std::vector<std::string> ListDatarefs(const Publications &published, const std::string &pattern) {
-    const auto datarefs = published.Datarefs();
-    std::vector<std::string> names;
-    names.reserve(datarefs.size());
-    for (const auto &[name, publication] : datarefs)
-        names.push_back(name);
+std::vector<std::string> DescribeDatarefs(const DatarefNames &datarefs, const Ledger &owners,
+                                          const std::string &pattern) {
     std::vector<TableRow> rows{{"name", "type", "access", "value", "unit", "meaning"}};
-    for (const std::string &name : Select(names, pattern, "dataref", "avsk datarefs"))
-        rows.push_back(DatarefRow(name, datarefs.at(name)));
+    for (const std::string &name : Select(datarefs.Published(), pattern, "dataref", "avsk datarefs")) {
+        AVSKDataRef ref = FindPublished(name);
+        const DatarefDescription *description = Datarefs::Describe(name);
+        rows.push_back({name, DatarefTypes(ref), AVSKCanWriteDataRef(ref) != 0 ? "writable" : "read-only",
+                        ValueText(ref, ReadDataref(ref)), description ? description->unit : "-",
+                        MeaningOf(name, datarefs, owners)});
+    }
     return AlignColumns(rows);
 }
 
-std::vector<std::string> ListCommands(const CommandTable &commands, const Publications &published,
-                                      const std::string &pattern) {
+std::vector<std::string> DescribeCommands(const CommandTable &commands, const Ledger &owners,
+                                          const std::string &pattern) {
     std::vector<std::string> names;
     for (const auto &command : commands.All())
         names.push_back(command->name);
     std::vector<TableRow> rows{{"name", "owner", "bound to", "description"}};
     for (const std::string &name : Select(names, pattern, "command", "avsk commands")) {
         const Command *command = commands.Find(name);
+        const std::string owner = command->act ? "simulator" : OwnerOf(Kind::Command, name, owners);
         const std::string bindings = Input::BindingsOf(name);
-        rows.push_back({name, command->act ? "simulator" : published.CreatorOf(name), bindings.empty() ? "-" : bindings,
-                        command->description});
+        rows.push_back({name, owner.empty() ? "-" : owner, bindings.empty() ? "-" : bindings, command->description});
     }
     return AlignColumns(rows);
 }
 
-std::vector<std::string> ListKeys(const std::string &pattern) {
+std::vector<std::string> DescribeKeys(const std::string &pattern) {
     std::vector<std::string> names;
     for (int code = 1; code < kCodes; ++code) {
         if (std::string name = KeyName(code); !name.empty())
