@@ -31,10 +31,10 @@ int AVSKDebugStrin(const char *text);
 int START(char *outName, char *outSignature, char *outDescription) {
     (void)outDescription;
 #if !defined(NAMELESS)
-    outName[0] = 'M';
+    outName[0] = 'M', outName[1] = 0;
 #endif
 #if !defined(UNSIGNED)
-    outSignature[0] = 'm';
+    outSignature[0] = 'm', outSignature[1] = 0;
 #endif
 #if defined(UNDEFINED)
     return AVSKDebugStrin("") + 1;

@@ -70,11 +70,20 @@ fs::path Target(const fs::path &name, const fs::path &inside) {
     return (isPlugin ? parent : name) / "lin.avp";
 }
 
-// The misplaced plugins in the folder NAME.
-void FindMisplaced(const fs::path &folder, const fs::path &name, std::vector<PluginFile> &files) {
+// What a link stands for: in a temporary root the plugins are links.
+fs::path RealPath(const fs::path &path) {
+    std::error_code error;
+    const fs::path real = fs::canonical(path, error);
+    return error ? path : real;
+}
+
+// The misplaced plugins in a plugin's folder.
+void FindMisplaced(const fs::path &start, std::vector<PluginFile> &files) {
     constexpr int kDeepest = 4;
     std::error_code error;
-    const fs::path start = folder / name;
+    const fs::path real = RealPath(start);
+    const fs::path folder = real.parent_path();
+    const fs::path name = real.filename();
     for (fs::recursive_directory_iterator entry(start, fs::directory_options::follow_directory_symlink, error), end;
          !error && entry != end; entry.increment(error)) {
         if (entry.depth() >= kDeepest)
@@ -134,7 +143,6 @@ std::vector<PluginFile> FindPluginFiles(const std::string &folder, PluginFolder 
     std::error_code error;
     for (fs::directory_iterator entry(folder, error), end; !error && entry != end; entry.increment(error)) {
         const fs::path &path = entry->path();
-        const fs::path name = path.filename();
         std::error_code ignored;
         if (fs::is_directory(path, ignored)) {
             bool isFound = false;
@@ -145,11 +153,15 @@ std::vector<PluginFile> FindPluginFiles(const std::string &folder, PluginFolder 
                 }
             }
             if (!isFound)
-                FindMisplaced(folder, name, files);
+                FindMisplaced(path, files);
         } else if (HasExtension(path, ".avp") && kind == PluginFolder::Simulators) {
             files.push_back({path.string(), ""});
         } else if (IsMeantAsPlugin(path)) {
-            files.push_back({path.string(), NotLoaded(folder, name.stem() / "lin.avp")});
+            const fs::path stem = RealPath(path).stem();
+            files.push_back(
+                {path.string(), kind == PluginFolder::Simulators
+                                    ? "is not loaded under this name: rename it to '" + stem.string() + ".avp'"
+                                    : NotLoaded(folder, stem / "lin.avp")});
         }
     }
     std::sort(files.begin(), files.end(), [](const PluginFile &a, const PluginFile &b) { return a.path < b.path; });

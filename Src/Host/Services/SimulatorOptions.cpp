@@ -60,7 +60,7 @@ void CheckFolders(SimulatorOptions &options, const std::string &aircraft) {
     std::error_code error;
     constexpr std::string_view kPlugins = "Resources/plugins/";
     if (options.root.ends_with(kPlugins))
-        throw UsageError("--root: '" + given + "' is the folder of the plugins: " + advice + ", which is '" +
+        throw UsageError("--root: '" + given + "' is the folder of the plugins: name the simulator's folder, '" +
                          options.root.substr(0, options.root.size() - kPlugins.size()) + "'");
     if (!fs::is_directory(options.root + "Resources/plugins", error))
         throw UsageError("--root: no folder Resources/plugins in '" + given + "': " + advice);
