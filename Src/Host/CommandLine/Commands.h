@@ -18,6 +18,10 @@ using Job = std::function<int()>;
 // The job must outlive the parser. argv is that of the program.
 void AddRunCommand(CLI::App &app, Job &job, char **argv);
 void AddPsCommand(CLI::App &app, Job &job);
+void AddDatarefsCommand(CLI::App &app, Job &job);
+void AddCommandsCommand(CLI::App &app, Job &job);
+void AddKeysCommand(CLI::App &app, Job &job);
+void AddFunctionsCommand(CLI::App &app, Job &job);
 void AddNewCommand(CLI::App &app, Job &job);
 
 // Reads the command line. The job is empty if the parser has done what was

@@ -9,6 +9,11 @@ namespace host {
 constexpr const char *kNewCMakeLists = R"file(cmake_minimum_required(VERSION 3.20)
 project(@NAME@ VERSION 1.0 LANGUAGES @LANGUAGE@)
 
+# Optimised, with the lines that reports of crashes and traces name.
+if(NOT CMAKE_BUILD_TYPE AND NOT CMAKE_CONFIGURATION_TYPES)
+  set(CMAKE_BUILD_TYPE RelWithDebInfo CACHE STRING "Debug, Release, RelWithDebInfo or MinSizeRel" FORCE)
+endif()
+
 find_package(AVSK 2.10 REQUIRED)
 
 # A folder like the simulator's, to run the plugin in.

@@ -4,6 +4,9 @@
 #include "SimpleRun.h"
 
 #include "Common/UsageError.h"
+#include "Observing/Observers.h"
+#include "Observing/Report.h"
+#include "Services/Simulator.h"
 #include "Session/Help.h"
 #include "Session/Rlwrap.h"
 #include "Session/RunSession.h"
@@ -15,9 +18,12 @@
 #include <charconv>
 #include <cstring>
 #include <filesystem>
+#include <fstream>
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
+#include <system_error>
 #include <utility>
 #include <vector>
 
@@ -26,9 +32,15 @@
 namespace host {
 namespace {
 
+namespace fs = std::filesystem;
+
 constexpr const char *kRunExamples = R"(Examples:
   avsk run --root build/release/demo
       the plugins in build/release/demo/Resources/plugins, for 300 frames
+  avsk run build/sim/Resources/plugins/Counter/lin.avp --frames 60
+      one plugin, without a simulator's folder
+  avsk run --root sim --plugin Lights --plugin Menu
+      two of the plugins in sim/Resources/plugins
   avsk run --root sim --aircraft sim/Aircraft/Trainer --frames 3600 --quiet --log flight.txt
       a minute with an aircraft's own plugins; the log goes to a file only
   avsk run --root sim --scenery sim/Scenery/Island --fps 20 --screenshot island.png@40
@@ -103,7 +115,7 @@ Screenshot ParseScreenshot(const std::string &text, int frames) {
         if (!shot.file.ends_with(".png"))
             throw UsageError(wrong + "names no .png file" + advice);
     }
-    const std::string folder = std::filesystem::path(shot.file).parent_path().string();
+    const std::string folder = fs::path(shot.file).parent_path().string();
     const bool exists = access(shot.file.c_str(), F_OK) == 0;
     const std::string target = exists ? shot.file : folder.empty() ? "." : folder;
     if (access(target.c_str(), W_OK) != 0)
@@ -121,46 +133,77 @@ struct Request {
     std::vector<std::string> keys;
 };
 
-// A session contains these itself, so they are refused together with one.
-void AddRunOnlyOptions(CLI::App &run, Request &request, CLI::Option *session, CLI::Option *interactive) {
+// A session contains these itself, so they are refused together with one. Returns them.
+std::vector<CLI::Option *> AddRunOnlyOptions(CLI::App &run, Request &request) {
     SimulatorOptions &simulator = request.options.simulator;
-    const auto unlessSession = [&](CLI::Option *option) {
-        option->excludes(session)->excludes(interactive);
-        return option;
-    };
-    unlessSession(AddFrames(run, simulator.frames));
-    unlessSession(run.add_option("--fps", simulator.fps, "frames per simulated second"))
-        ->check(PositiveNumber())
-        ->capture_default_str();
-    unlessSession(
-        run.add_option("--aircraft", request.aircraft, "folder of the user's aircraft, whose plugins are loaded too"))
-        ->type_name("DIR");
-    unlessSession(run.add_option("--scenery", simulator.scenery,
-                                 "a scenery folder whose plugins are loaded too; can be repeated"))
-        ->type_name("DIR")
-        ->allow_extra_args(false);
-    unlessSession(run.add_option("--screenshot", request.screenshots,
-                                 "write a picture of the last frame or of frame FRAME, 1024 x 768; can be repeated"))
-        ->type_name("FILE.png[@FRAME]")
-        ->allow_extra_args(false);
-    unlessSession(run.add_option("--key", request.keys,
-                                 "press a key in frame FRAME and hold it for half a second; can be repeated"))
-        ->type_name("KEY@FRAME")
-        ->allow_extra_args(false);
+    const std::vector<CLI::Option *> added{
+        AddFrames(run, simulator.frames),
+        run.add_option("--fps", simulator.fps, "frames per simulated second")
+            ->check(PositiveNumber())
+            ->capture_default_str(),
+        run.add_option("--aircraft", request.aircraft, "folder of the user's aircraft, whose plugins are loaded too")
+            ->type_name("DIR"),
+        run.add_option("--scenery", simulator.scenery, "a scenery folder whose plugins are loaded too; can be repeated")
+            ->type_name("DIR")
+            ->allow_extra_args(false),
+        run.add_option("--screenshot", request.screenshots,
+                       "write a picture of the last frame or of frame FRAME, 1024 x 768; can be repeated")
+            ->type_name("FILE.png[@FRAME]")
+            ->allow_extra_args(false),
+        run.add_option("--key", request.keys,
+                       "press a key in frame FRAME and hold it for half a second; can be repeated")
+            ->type_name("KEY@FRAME")
+            ->allow_extra_args(false)};
+    for (CLI::Option *option : added)
+        option->group("Without a session");
+    return added;
+}
+
+// Whether a path given where a session is expected is a plugin instead: a
+// library, whatever its name, a .avp file, or a plugin's folder.
+bool IsPlugin(const fs::path &path) {
+    std::error_code error;
+    if (fs::is_directory(path, error))
+        return fs::exists(path / "lin.avp", error) || fs::exists(path / "32/lin.avp", error);
+    constexpr std::string_view kMagic = "\x7f"
+                                        "ELF";
+    std::string begin(kMagic.size(), '\0');
+    std::ifstream(path, std::ios::binary).read(begin.data(), static_cast<std::streamsize>(begin.size()));
+    return begin == kMagic || path.extension() == ".avp";
+}
+
+// Tells a plugin from a session. Throws UsageError for options that do not belong together.
+void SortOut(Request &request, const std::vector<CLI::Option *> &runOnly) {
+    SessionOptions &options = request.options;
+    if (!options.file.empty() && IsPlugin(options.file)) {
+        options.plugins.push_back(fs::absolute(std::exchange(options.file, "")).string());
+    } else if (request.interactive && !options.file.empty()) {
+        throw UsageError("--interactive: the lines are read from standard input: leave out the session '" +
+                         options.file + "'");
+    }
+    if (!request.interactive && options.file.empty())
+        return;
+    for (const CLI::Option *option : runOnly) {
+        if (option->count() > 0)
+            throw UsageError(option->get_name() + ": a session says this itself: leave out the option or the session" +
+                             "; 'avsk run --words' lists the words of sessions");
+    }
 }
 
 int RunPlainly(Request &request) {
     SimulatorOptions &simulator = request.options.simulator;
-    if (!request.options.plugins.empty())
-        throw UsageError("--plugin: belongs to a session: name one, or say --interactive");
     if (!request.options.keptRoot.empty())
         throw UsageError("--keep-root: belongs to a session: name one, or say --interactive");
-    CheckFolders(simulator, request.aircraft);
     for (const std::string &text : request.screenshots)
         simulator.screenshots.push_back(ParseScreenshot(text, simulator.frames));
     for (const std::string &text : request.keys)
         simulator.keys.push_back(ParseKey(text, simulator.frames));
-    return RunFrames(std::move(request.options), /*report=*/true);
+    SimpleRun run;
+    run.options = std::move(request.options);
+    run.aircraft = request.aircraft;
+    run.namesRoot = true;
+    run.report = [](Simulator &flown, Observers &observers) { PrintReport(flown, observers.Times()); };
+    return RunFrames(std::move(run));
 }
 
 int Do(Request &request, char **argv) {
@@ -182,25 +225,24 @@ void AddRunCommand(CLI::App &app, Job &job, char **argv) {
     SessionOptions &options = request->options;
     CLI::App *run = app.add_subcommand("run", "Loads the plugins, flies a number of frames and reports.");
     CLI::Option *const root = AddRoot(*run, options.simulator.root);
-    CLI::Option *const session =
-        run->add_option("session", options.file, "a session: a file of steps and expectations, see below")
-            ->type_name("SESSION.avs");
-    CLI::Option *const interactive =
-        run->add_flag("--interactive", request->interactive, "read the session's lines from standard input");
-    interactive->excludes(session);
+    run->add_option("FILE", options.file,
+                    "a session, which is a file of steps and expectations; or a plugin to run: lin.avp or its folder")
+        ->type_name("");
+    run->add_flag("--interactive", request->interactive, "read the session's lines from standard input");
     run->add_flag("--words", request->words, "list the words of sessions");
-    AddPlugins(*run, options.plugins, "of a session: load only this plugin; can be repeated");
+    AddPlugins(*run, options.plugins, "load only this plugin; can be repeated");
     run->add_option("--keep-root", options.keptRoot,
                     "of a session that chooses plugins: make its root in this folder and keep it, with the files that "
                     "plugins write there")
         ->type_name("DIR");
-    AddRunOnlyOptions(*run, *request, session, interactive);
+    const std::vector<CLI::Option *> runOnly = AddRunOnlyOptions(*run, *request);
     run->add_option("--log", options.simulator.logFile, "also write the log to this file")->type_name("FILE");
     run->add_flag("--quiet", options.simulator.quiet, "keep the log off standard output");
     AddObservingOptions(*run, options.observing);
     run->footer(kRunExamples);
-    run->callback([request, root, &job, argv] {
+    run->callback([request, root, runOnly, &job, argv] {
         request->options.rootGiven = root->count() > 0;
+        SortOut(*request, runOnly);
         job = [request, argv] { return Do(*request, argv); };
     });
 }

@@ -17,6 +17,13 @@ const CLI::Validator &PositiveNumber() {
     return validator;
 }
 
+SessionOptions QuietOptions() {
+    SessionOptions options;
+    options.simulator.frames = 60;
+    options.simulator.quiet = true;
+    return options;
+}
+
 CLI::Option *AddRoot(CLI::App &command, std::string &root) {
     return command.add_option("--root", root, "the simulator's folder; must hold Resources/plugins")
         ->type_name("DIR")

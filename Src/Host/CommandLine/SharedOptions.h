@@ -3,6 +3,7 @@
 #define AVSK_HOST_COMMAND_LINE_SHARED_OPTIONS_H
 
 #include "Observing/ObservingOptions.h"
+#include "Session/SessionOptions.h"
 
 #include <CLI/CLI.hpp>
 
@@ -13,6 +14,9 @@ namespace host {
 
 // Accepts finite numbers above 0.
 const CLI::Validator &PositiveNumber();
+
+// The options of a command that runs a while and prints a list: 60 frames, no log.
+SessionOptions QuietOptions();
 
 CLI::Option *AddRoot(CLI::App &command, std::string &root);
 CLI::Option *AddFrames(CLI::App &command, int &frames);

@@ -3,14 +3,15 @@
 
 #include "Common/Terminal.h"
 #include "Observing/Observers.h"
-#include "Observing/Report.h"
 #include "Services/Lifetime.h"
 #include "Services/Simulator.h"
 #include "Session/TemporaryRoot.h"
 
 #include <cstdio>
+#include <filesystem>
 #include <memory>
 #include <string>
+#include <system_error>
 #include <utility>
 #include <vector>
 
@@ -18,23 +19,30 @@
 
 namespace host {
 
-int RunFrames(SessionOptions options, bool report) {
+namespace fs = std::filesystem;
+
+int RunFrames(SimpleRun run) {
+    SessionOptions &options = run.options;
     TemporaryRoot chosen; // must outlive the plugins
-    if (!options.plugins.empty()) {
+    std::error_code error;
+    const bool hasRoot = options.rootGiven || run.needsPlugins || fs::is_directory("Resources/plugins", error);
+    const bool isTemporary = !options.plugins.empty() || !hasRoot;
+    if (isTemporary)
         options.simulator.root = chosen.Make(options.rootGiven ? options.simulator.root : "", options.plugins);
-        CheckFolders(options.simulator, /*aircraft=*/"");
-    }
+    CheckFolders(options.simulator, run.aircraft);
     const auto simulator = std::make_unique<Simulator>(std::move(options.simulator));
-    if (!report)
-        simulator->console.Keep(simulator->options.root); // keeps a temporary root out of the lists
+    if (isTemporary || !run.namesRoot)
+        simulator->console.Keep(simulator->options.root);
     Observers observers(*simulator, options.observing);
     Prepare(*simulator);
-    StartPlugins(*simulator);
-    while (simulator->frame < simulator->options.frames)
+    StartPlugins(*simulator, run.needsPlugins);
+    while (simulator->frame < simulator->options.frames) {
         simulator->RunFrame();
+        simulator->console.Forget(); // nobody looks at the log
+    }
     simulator->console.ClearProgress();
-    if (report)
-        PrintReport(*simulator, observers.Times());
+    if (run.report)
+        run.report(*simulator, observers);
     observers.ReportLoaded();
     StopPlugins(*simulator);
     observers.ReportUnloaded();

@@ -19,7 +19,7 @@ void PrintList(const char *title, const std::vector<std::string> &lines, const c
 
 Observers::Observers(const Simulator &simulator, ObservingOptions options)
     : mSimulator(simulator), mOptions(std::move(options)), mBlame(simulator.frame, mOptions.timeout),
-      mLedger(simulator), mProfile(simulator) {
+      mLedger(simulator), mProfile(simulator), mLoading(simulator) {
     if (mOptions.budget > 0)
         mProfile.SetBudget("", mOptions.budget);
     if (!mOptions.trace.file.empty())

@@ -6,6 +6,7 @@
 #include "Blame.h"
 #include "HandleBook.h"
 #include "Ledger.h"
+#include "Loading.h"
 #include "ObservingOptions.h"
 #include "Profile.h"
 #include "Trace.h"
@@ -48,6 +49,7 @@ class Observers {
     Blame mBlame;
     Ledger mLedger;
     Profile mProfile;
+    Loading mLoading;
     std::optional<Trace> mTrace;
 };
 

@@ -11,6 +11,9 @@
 namespace host {
 namespace {
 
+// The names of 19 datarefs begin with this; an index and a bracket follow.
+constexpr std::string_view kOtherPilot = "sim/private/net_disables/ai_loc[";
+
 // The accessors of one dataref; a null accessor is a type that it does not have.
 struct Accessors {
     AVSKGetDatai_f readInt = nullptr;
@@ -64,28 +67,75 @@ float ReadElapsed(void *refcon) { return static_cast<Simulator *>(refcon)->Elaps
 
 } // namespace
 
+struct Datarefs::Row {
+    std::string_view name;
+    DatarefDescription description;
+    Accessors accessors;
+    void *(*refcon)(Simulator &simulator);
+};
+
+std::span<const Datarefs::Row> Datarefs::Rows() {
+    constexpr Accessors kDouble{.readDouble = ReadDouble, .writeDouble = WriteDouble};
+    constexpr Accessors kFleet{.readFloats = ReadFleet, .writeFloats = WriteFleet};
+    static constexpr Row kRows[] = {
+        {"sim/aircraft/x",
+         {"metres", "east of the start, per aircraft; 0 is the user's; the host overwrites those that it flies"},
+         kFleet,
+         [](Simulator &simulator) -> void * { return &simulator.fleet.x; }},
+        {"sim/aircraft/y",
+         {"metres", "above the sea, per aircraft, as sim/aircraft/x"},
+         kFleet,
+         [](Simulator &simulator) -> void * { return &simulator.fleet.y; }},
+        {"sim/aircraft/z",
+         {"metres", "south of the start, per aircraft, as sim/aircraft/x"},
+         kFleet,
+         [](Simulator &simulator) -> void * { return &simulator.fleet.z; }},
+        {"sim/flight/altitude",
+         {"metres", "the user's aircraft above the sea"},
+         {.readFloat = ReadDoubleAsFloat},
+         [](Simulator &simulator) -> void * { return &simulator.aeroplane.altitude; }},
+        {"sim/flight/heading",
+         {"degrees", "the user's aircraft's heading: 0 is north, clockwise"},
+         {.readFloat = ReadDoubleAsFloat},
+         [](Simulator &simulator) -> void * { return &simulator.aeroplane.heading; }},
+        {"sim/flight/latitude",
+         {"degrees", "the user's aircraft; north is positive"},
+         kDouble,
+         [](Simulator &simulator) -> void * { return &simulator.aeroplane.latitude; }},
+        {"sim/flight/longitude",
+         {"degrees", "the user's aircraft; east is positive"},
+         kDouble,
+         [](Simulator &simulator) -> void * { return &simulator.aeroplane.longitude; }},
+        {"sim/time/elapsed",
+         {"seconds", "simulated time since the start"},
+         {.readFloat = ReadElapsed},
+         [](Simulator &simulator) -> void * { return &simulator; }},
+        {"sim/version/avsk_build_string",
+         {"text", "the build date and time of the library, which writes it"},
+         {.readData = ReadBuild, .writeData = WriteBuild},
+         [](Simulator &simulator) -> void * { return &simulator.datarefs; }},
+    };
+    return kRows;
+}
+
 void Datarefs::Publish(Simulator &simulator) {
-    Register("sim/version/avsk_build_string", {.readData = ReadBuild, .writeData = WriteBuild}, this);
-    Register("sim/time/elapsed", {.readFloat = ReadElapsed}, &simulator);
-
-    Aeroplane &plane = simulator.aeroplane;
-    Register("sim/flight/latitude", {.readDouble = ReadDouble, .writeDouble = WriteDouble}, &plane.latitude);
-    Register("sim/flight/longitude", {.readDouble = ReadDouble, .writeDouble = WriteDouble}, &plane.longitude);
-    Register("sim/flight/altitude", {.readFloat = ReadDoubleAsFloat}, &plane.altitude);
-    Register("sim/flight/heading", {.readFloat = ReadDoubleAsFloat}, &plane.heading);
-
-    // Position of each aircraft, in local metres. The host overwrites those of the aircraft that it flies.
-    Fleet &fleet = simulator.fleet;
-    Register("sim/aircraft/x", {.readFloats = ReadFleet, .writeFloats = WriteFleet}, &fleet.x);
-    Register("sim/aircraft/y", {.readFloats = ReadFleet, .writeFloats = WriteFleet}, &fleet.y);
-    Register("sim/aircraft/z", {.readFloats = ReadFleet, .writeFloats = WriteFleet}, &fleet.z);
-
-    // The library writes these when a plugin takes an aircraft over.
+    for (const Row &row : Rows())
+        Register(row.name.data(), row.accessors, row.refcon(simulator));
     for (int i = 1; i < Fleet::kCount; ++i) {
-        const std::string name = "sim/private/net_disables/ai_loc[" + std::to_string(i) + "]";
+        const std::string name = std::string(kOtherPilot) + std::to_string(i) + "]";
         Register(name.c_str(), {.readInt = ReadInt, .writeInt = WriteInt},
-                 &fleet.otherPilot[static_cast<std::size_t>(i)]);
+                 &simulator.fleet.otherPilot[static_cast<std::size_t>(i)]);
     }
+}
+
+const DatarefDescription *Datarefs::Describe(std::string_view name) {
+    static constexpr DatarefDescription kOtherPilotText{
+        "0 or 1", "1 while a plugin flies this aircraft instead of the host; the library writes it"};
+    const auto rows = Rows();
+    const auto found = std::find_if(rows.begin(), rows.end(), [name](const Row &row) { return row.name == name; });
+    if (found != rows.end())
+        return &found->description;
+    return name.starts_with(kOtherPilot) ? &kOtherPilotText : nullptr;
 }
 
 std::string Datarefs::Build() const { return {mBuild.data(), strnlen(mBuild.data(), mBuild.size())}; }

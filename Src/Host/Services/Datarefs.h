@@ -3,11 +3,18 @@
 #define AVSK_HOST_SERVICES_DATAREFS_H
 
 #include <array>
+#include <span>
 #include <string>
+#include <string_view>
 
 namespace host {
 
 struct Simulator;
+
+struct DatarefDescription {
+    const char *unit;
+    const char *meaning;
+};
 
 class Datarefs {
   public:
@@ -15,10 +22,16 @@ class Datarefs {
     // and the first plugin find them. The simulator must not move.
     void Publish(Simulator &simulator);
 
+    // Describes a dataref of the simulator; null for any other name.
+    static const DatarefDescription *Describe(std::string_view name);
+
     // The build date that the library writes; empty if it wrote none.
     std::string Build() const;
 
   private:
+    struct Row;
+    static std::span<const Row> Rows();
+
     std::array<char, 64> mBuild{};
 
     static int ReadBuild(void *refcon, void *bytes, int offset, int max);

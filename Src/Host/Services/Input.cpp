@@ -1,10 +1,9 @@
 // The services for keys and buttons, and the commands bound to them.
 //
-// Keys. Flags are 1 shift, 2 control, 4 down, 8 up. Slot 21 presses a key for
-// two frames: type 1 gives its virtual key code, any other type its character,
-// whose virtual key is that of the capital letter. Plugins see the key before
-// its command runs. Slot 23 runs the command of a virtual key code without a key
-// event. Bound keys: F4 next view, F5 climb, F6 descend, F7 level.
+// Keys. Slot 21 presses a key for two frames: type 1 gives its virtual key code,
+// any other type its character, whose virtual key is that of the capital letter.
+// Plugins see the key before its command runs. Slot 23 runs the command of a
+// virtual key code without a key event. Bound keys: F4 next view, F5 climb, F6 descend, F7 level.
 //
 // Buttons. 1 climb, 2 descend, 3 next view; other buttons do nothing. Pass 0
 // reports changes: the first press of a button begins its command, the last
@@ -12,17 +11,18 @@
 // commands, except in the frame in which they began.
 #include "Input.h"
 
+#include "Common/Text.h"
 #include "ServiceTable.h"
 #include "Simulator.h"
 
+#include "AVSK/AVSKUtilities.h"
+
 #include <algorithm>
 #include <cctype>
+#include <span>
 
 namespace host {
 namespace {
-
-constexpr int kDown = 4;
-constexpr int kUp = 8;
 
 struct Binding {
     int number; // of a virtual key or a button
@@ -33,13 +33,17 @@ constexpr Binding kKeyBindings[] = {
     {115, "sim/view/next"}, {116, "sim/flight/climb"}, {117, "sim/flight/descend"}, {118, "sim/flight/level"}};
 constexpr Binding kButtonBindings[] = {{1, "sim/flight/climb"}, {2, "sim/flight/descend"}, {3, "sim/view/next"}};
 
-template <std::size_t N>
-Command *FindBound(const CommandTable &commands, const Binding (&bindings)[N], int number) {
+const char *NameBound(std::span<const Binding> bindings, int number) {
     for (const Binding &binding : bindings) {
         if (binding.number == number)
-            return commands.Find(binding.command);
+            return binding.command;
     }
     return nullptr;
+}
+
+Command *FindBound(const CommandTable &commands, std::span<const Binding> bindings, int number) {
+    const char *name = NameBound(bindings, number);
+    return name ? commands.Find(name) : nullptr;
 }
 
 void SimulateKeyPress(int keyType, int key) {
@@ -73,7 +77,7 @@ void Input::PressKey(char character, char virtualKey, int frames, int modifiers)
     const auto same = [virtualKey](const Key &key) { return key.virtualKey == virtualKey; };
     if (const auto down = std::find_if(mKeys.begin(), mKeys.end(), same); down != mKeys.end())
         LetGo(down->press);
-    const bool taken = AVSKKeyPressHook(character, kDown | modifiers, virtualKey) == 0;
+    const bool taken = AVSKKeyPressHook(character, kKeyDown | modifiers, virtualKey) == 0;
     Command *command = taken ? nullptr : Bound(virtualKey);
     mKeys.push_back(
         {++mLastPress, character, virtualKey, modifiers, command, mSimulator.frame, mSimulator.frame + frames});
@@ -87,7 +91,7 @@ void Input::LetGo(int press) {
         return;
     const Key key = *found;
     mKeys.erase(found);
-    AVSKKeyPressHook(key.character, kUp | key.modifiers, key.virtualKey);
+    AVSKKeyPressHook(key.character, kKeyUp | key.modifiers, key.virtualKey);
     if (key.command) // it began, so it ends even if a plugin consumes the release
         mSimulator.commands.Run(key.command, CommandPhase::End);
 }
@@ -167,6 +171,21 @@ std::vector<int> Input::ButtonsDown() const {
 
 Command *Input::Bound(char virtualKey) const {
     return FindBound(mSimulator.commands, kKeyBindings, static_cast<unsigned char>(virtualKey));
+}
+
+const char *Input::BoundName(int virtualKey) { return NameBound(kKeyBindings, virtualKey); }
+
+std::string Input::BindingsOf(std::string_view command) {
+    std::vector<std::string> names;
+    for (const Binding &binding : kKeyBindings) {
+        if (binding.command == command)
+            names.emplace_back(AVSKGetVirtualKeyDescription(static_cast<char>(binding.number)));
+    }
+    for (const Binding &binding : kButtonBindings) {
+        if (binding.command == command)
+            names.push_back("button " + std::to_string(binding.number));
+    }
+    return Join(names);
 }
 
 void Input::ChangeButton(int button, bool release, int pass) {

@@ -3,12 +3,22 @@
 #define AVSK_HOST_SERVICES_INPUT_H
 
 #include <map>
+#include <string>
+#include <string_view>
 #include <vector>
 
 namespace host {
 
 struct Command;
 struct Simulator;
+
+// The bits of a key's flags.
+enum KeyFlag {
+    kKeyShift = 1,
+    kKeyControl = 2,
+    kKeyDown = 4,
+    kKeyUp = 8,
+};
 
 class Input {
   public:
@@ -37,6 +47,10 @@ class Input {
     void StepKeys();
     // The command bound to a key; null if there is none.
     Command *Bound(char virtualKey) const;
+    // The name of that command; null if there is none.
+    static const char *BoundName(int virtualKey);
+    // The keys and buttons that are bound to a command: "F5, button 1". May be empty.
+    static std::string BindingsOf(std::string_view command);
 
     // One button of a list that the library passes; see Input.cpp.
     void ChangeButton(int button, bool release, int pass);

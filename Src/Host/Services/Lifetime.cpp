@@ -1,6 +1,7 @@
 // The library's start and end; see Lifetime.h.
 #include "Lifetime.h"
 
+#include "PluginFiles.h"
 #include "ServiceTable.h"
 #include "Simulator.h"
 
@@ -24,17 +25,18 @@ void Prepare(Simulator &simulator) {
     gTable = MakeTable();
 }
 
-void StartPlugins(Simulator &simulator) {
+void StartPlugins(Simulator &simulator, bool isOneNeeded) {
     simulator.datarefs.Publish(simulator);
     AVSKInitializePlugins(simulator.options.root.c_str(), &gTable, /*self=*/0);
     simulator.fleet.Update(simulator);
     simulator.fleet.ReportUsersAircraft(simulator, AVSKHostEventPlaneLoaded);
     simulator.ReportScenery();
-    if (AVSKCountPlugins() <= 1) { // the host itself is one
+    if (isOneNeeded && AVSKCountPlugins() <= 1) { // the host itself is one
         AVSKShutdownPlugins();
-        throw UsageError("no plugin was loaded from '" + simulator.options.root +
-                         "Resources/plugins': put one there as NAME/lin.avp or NAME.avp; the log, without --quiet, "
-                         "says what was tried");
+        const std::string folder = simulator.options.root + "Resources/plugins";
+        if (FindPluginFiles(folder, PluginFolder::Simulators).empty())
+            throw UsageError("no plugin in '" + folder + "': put one there as NAME/lin.avp or NAME.avp");
+        throw UsageError("no plugin was loaded; the lines above say why");
     }
 }
 

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <filesystem>
+#include <string_view>
 #include <system_error>
 
 namespace host {
@@ -57,6 +58,10 @@ void CheckFolders(SimulatorOptions &options, const std::string &aircraft) {
         throw UsageError("--root: the full path of '" + given + "' is longer than " + std::to_string(kLongestRoot) +
                          " bytes, more than plugins have room for: use a shorter path");
     std::error_code error;
+    constexpr std::string_view kPlugins = "Resources/plugins/";
+    if (options.root.ends_with(kPlugins))
+        throw UsageError("--root: '" + given + "' is the folder of the plugins: name the simulator's folder, '" +
+                         options.root.substr(0, options.root.size() - kPlugins.size()) + "'");
     if (!fs::is_directory(options.root + "Resources/plugins", error))
         throw UsageError("--root: no folder Resources/plugins in '" + given + "': " + advice);
 

@@ -1,0 +1,53 @@
+// Says on standard error why a plugin was not loaded or does not work: one line
+// for each fault. The library's own log says little, and nothing of files that
+// it does not look for.
+#ifndef AVSK_HOST_OBSERVING_LOADING_H
+#define AVSK_HOST_OBSERVING_LOADING_H
+
+#include "Crossings/Crossing.h"
+#include "Services/PluginFiles.h"
+
+#include <set>
+#include <string>
+#include <vector>
+
+namespace host {
+
+struct Simulator;
+
+class Loading : public crossings::Observer {
+  public:
+    explicit Loading(const Simulator &simulator);
+    ~Loading() override;
+    Loading(const Loading &) = delete;
+    Loading &operator=(const Loading &) = delete;
+
+    void Begins(const crossings::Crossing &crossing) override;
+    void Ends(const crossings::Crossing &crossing) override;
+
+  private:
+    // A plugin whose AVPluginStart returned.
+    struct Started {
+        std::string path;
+        bool accepted;
+        std::string name;
+        std::string signature;
+    };
+
+    void NoteStart(const crossings::Crossing &crossing);
+    void Report(const std::string &folder, PluginFolder kind);
+    void ReportStart(const Started &started);
+    // Why the dynamic linker did not load a file.
+    std::string ReasonOf(const std::string &path) const;
+    void Say(const std::string &path, const std::string &fault);
+
+    const Simulator &mSimulator;
+    std::vector<Started> mStarted;
+    bool mReasonFollows = false;
+    std::vector<std::string> mReasons; // of the dynamic linker, as the library logged them
+    std::set<std::string> mSaid;
+};
+
+} // namespace host
+
+#endif

@@ -1,0 +1,196 @@
+// Searches plugin folders and examines plugin files; see PluginFiles.h. Used by
+// the observer that explains why a plugin was not loaded.
+#include "PluginFiles.h"
+
+#include "Common/NearestName.h"
+#include "Elf/ElfFile.h"
+
+#include <algorithm>
+#include <array>
+#include <cctype>
+#include <filesystem>
+#include <string_view>
+#include <system_error>
+
+namespace host {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr std::array<std::string_view, 5> kEntryPoints{"AVPluginStart", "AVPluginStop", "AVPluginEnable",
+                                                       "AVPluginDisable", "AVPluginReceiveMessage"};
+
+std::string InLowerCase(std::string text) {
+    std::transform(text.begin(), text.end(), text.begin(),
+                   [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+    return text;
+}
+
+bool Contains(const std::vector<std::string> &names, std::string_view name) {
+    return std::find(names.begin(), names.end(), name) != names.end();
+}
+
+bool IsEntryPoint(const std::string &name) {
+    return std::find(kEntryPoints.begin(), kEntryPoints.end(), name) != kEntryPoints.end();
+}
+
+// ---- Folders
+
+bool HasExtension(const fs::path &path, const char *extension) {
+    return InLowerCase(path.extension().string()) == extension;
+}
+
+// Whether a file in the wrong place is a plugin. Plugins may have libraries of their own beside them.
+bool IsMeantAsPlugin(const fs::path &path) {
+    std::error_code error;
+    if (!fs::is_regular_file(path, error))
+        return false;
+    if (HasExtension(path, ".avp"))
+        return true;
+    if (!HasExtension(path, ".so"))
+        return false;
+    const ElfFile file = ReadElf(path.string()).file;
+    const auto starts = [](const std::string &name) {
+        return InLowerCase(name).find("avpluginstart") != std::string::npos;
+    };
+    return std::any_of(file.exported.begin(), file.exported.end(), starts) ||
+           std::any_of(file.hidden.begin(), file.hidden.end(), starts);
+}
+
+std::string NotLoaded(const fs::path &folder, const fs::path &target) {
+    return "is not loaded from this place: move it to '" + (folder / target).string() + "'";
+}
+
+// Where a misplaced file of the folder NAME belongs: NAME/Mine/lin.avp to
+// Mine/lin.avp, but NAME/64/lin.avp and all others to NAME/lin.avp.
+fs::path Target(const fs::path &name, const fs::path &inside) {
+    constexpr std::size_t kShortestName = 4; // "64", "bin" and the like are no plugins' names
+    const fs::path parent = inside.parent_path().filename();
+    const bool isPlugin = inside.filename() == "lin.avp" && parent.string().size() >= kShortestName;
+    return (isPlugin ? parent : name) / "lin.avp";
+}
+
+// What a link stands for: in a temporary root the plugins are links.
+fs::path RealPath(const fs::path &path) {
+    std::error_code error;
+    const fs::path real = fs::canonical(path, error);
+    return error ? path : real;
+}
+
+// The misplaced plugins in a plugin's folder.
+void FindMisplaced(const fs::path &start, std::vector<PluginFile> &files) {
+    constexpr int kDeepest = 4;
+    std::error_code error;
+    const fs::path real = RealPath(start);
+    const fs::path folder = real.parent_path();
+    const fs::path name = real.filename();
+    for (fs::recursive_directory_iterator entry(start, fs::directory_options::follow_directory_symlink, error), end;
+         !error && entry != end; entry.increment(error)) {
+        if (entry.depth() >= kDeepest)
+            entry.disable_recursion_pending();
+        const fs::path &path = entry->path();
+        if (IsMeantAsPlugin(path))
+            files.push_back({path.string(), NotLoaded(folder, Target(name, path.lexically_relative(start)))});
+    }
+}
+
+// ---- Files
+
+std::string MachineFault(const ElfFile &file) {
+    if (file.type == ElfFile::Type::Object)
+        return "is an object file: link it with -shared";
+    if (file.type == ElfFile::Type::Program)
+        return "is a program: compile it with -fPIC and link it with -shared";
+    if (file.IsForX86())
+        return "";
+    return "is built for " + file.machine +
+           (file.bits == 32 && file.machine == "x86-64" ? " with 32-bit pointers" : "") + ": compile it with -m32";
+}
+
+// What a file has instead of an entry point; empty if nothing like it.
+std::string EntryPointFault(const ElfFile &file, const std::string &entry) {
+    const std::string header = "include AVSK/AVSK.h, which declares it";
+    for (const auto *names : {&file.exported, &file.hidden}) {
+        const auto mangled = std::find_if(names->begin(), names->end(), [&entry](const std::string &name) {
+            return name.starts_with("_Z") && name.find(std::to_string(entry.size()) + entry) != std::string::npos;
+        });
+        if (mangled != names->end())
+            return std::string(names == &file.exported ? "exports " : "defines ") + *mangled + " instead of " + entry +
+                   ": declare it extern \"C\", or " + header;
+    }
+    if (Contains(file.hidden, entry))
+        return "does not export " + entry + ", which is static or has hidden visibility: " + header;
+    return "";
+}
+
+// Exported names that are like an entry point which the file lacks.
+void FindMisspelt(const ElfFile &file, const std::vector<std::string> &missing, std::vector<std::string> &faults) {
+    constexpr std::size_t kFarthest = 2;
+    for (const std::string &name : file.exported) {
+        if (IsEntryPoint(name) || name.starts_with("_Z"))
+            continue;
+        const auto nearest = NearestNames(name, missing, 1);
+        if (!nearest.empty() &&
+            (InLowerCase(name).starts_with("avplugin") || EditDistance(name, nearest.front()) <= kFarthest))
+            faults.push_back("exports " + name + "; did you mean " + nearest.front() + "?");
+    }
+}
+
+} // namespace
+
+std::vector<PluginFile> FindPluginFiles(const std::string &folder, PluginFolder kind) {
+    std::vector<PluginFile> files;
+    std::error_code error;
+    for (fs::directory_iterator entry(folder, error), end; !error && entry != end; entry.increment(error)) {
+        const fs::path &path = entry->path();
+        std::error_code ignored;
+        if (fs::is_directory(path, ignored)) {
+            bool isFound = false;
+            for (const char *file : {"32/lin.avp", "lin.avp"}) {
+                if (fs::exists(path / file, ignored)) {
+                    files.push_back({(path / file).string(), ""});
+                    isFound = true;
+                }
+            }
+            if (!isFound)
+                FindMisplaced(path, files);
+        } else if (HasExtension(path, ".avp") && kind == PluginFolder::Simulators) {
+            files.push_back({path.string(), ""});
+        } else if (IsMeantAsPlugin(path)) {
+            const fs::path stem = RealPath(path).stem();
+            files.push_back(
+                {path.string(), kind == PluginFolder::Simulators
+                                    ? "is not loaded under this name: rename it to '" + stem.string() + ".avp'"
+                                    : NotLoaded(folder, stem / "lin.avp")});
+        }
+    }
+    std::sort(files.begin(), files.end(), [](const PluginFile &a, const PluginFile &b) { return a.path < b.path; });
+    return files;
+}
+
+std::vector<std::string> FaultsOfPluginFile(const std::string &path) {
+    const auto [file, fault] = ReadElf(path);
+    if (!fault.empty())
+        return {fault};
+    std::vector<std::string> faults;
+    if (std::string machine = MachineFault(file); !machine.empty())
+        faults.push_back(std::move(machine));
+    if (!file.hasSymbols || file.type == ElfFile::Type::Object)
+        return faults;
+    const std::size_t before = faults.size();
+    std::vector<std::string> missing;
+    for (const std::string_view entry : kEntryPoints) {
+        if (Contains(file.exported, entry))
+            continue;
+        if (std::string found = EntryPointFault(file, std::string(entry)); !found.empty())
+            faults.push_back(std::move(found));
+        else
+            missing.emplace_back(entry);
+    }
+    FindMisspelt(file, missing, faults);
+    if (faults.size() == before && Contains(missing, kEntryPoints.front()))
+        faults.push_back("exports no AVPluginStart, which every plugin needs");
+    return faults;
+}
+
+} // namespace host

@@ -1,0 +1,31 @@
+// Looks at the plugin files of a folder without loading them: which of them the
+// library tries to load, and what is wrong with a file.
+#ifndef AVSK_HOST_SERVICES_PLUGIN_FILES_H
+#define AVSK_HOST_SERVICES_PLUGIN_FILES_H
+
+#include <string>
+#include <vector>
+
+namespace host {
+
+enum class PluginFolder {
+    Simulators, // Resources/plugins: NAME/lin.avp and NAME.avp are loaded
+    Extra,      // the folder "plugins" of an aircraft or a scenery: NAME/lin.avp only
+};
+
+struct PluginFile {
+    std::string path;   // as the library opens it
+    std::string advice; // where it belongs; empty if the library tries to load it
+};
+
+// The plugins of a folder, by path. Of a folder NAME without lin.avp it finds
+// misplaced files: every .avp file, and shared libraries with an entry point.
+std::vector<PluginFile> FindPluginFiles(const std::string &folder, PluginFolder kind);
+
+// Why the library cannot load a file or does not find an entry point: texts such
+// as "is built for x86-64: compile it with -m32". Empty if nothing is found.
+std::vector<std::string> FaultsOfPluginFile(const std::string &path);
+
+} // namespace host
+
+#endif
