@@ -4,6 +4,7 @@
 #include "World.h"
 
 #include <filesystem>
+#include <ostream>
 #include <string>
 #include <utility>
 #include <vector>
@@ -20,6 +21,8 @@ struct Case {
     int status;
     std::vector<std::string> pieces; // of the output, in order; ROOT as above
 };
+
+void PrintTo(const Case &now, std::ostream *out) { *out << now.arguments; }
 
 struct CommandLineTest : testing::TestWithParam<Case> {};
 

@@ -189,7 +189,7 @@ std::vector<std::string> FaultsOfPluginFile(const std::string &path) {
     }
     FindMisspelt(file, missing, faults);
     if (faults.size() == before && Contains(missing, kEntryPoints.front()))
-        faults.push_back("exports no AVPluginStart, which every plugin needs");
+        faults.emplace_back("exports no AVPluginStart, which every plugin needs");
     return faults;
 }
 
