@@ -187,8 +187,8 @@ bool CopyText(std::string &to, const char *from, const char *function) {
 }
 
 void ReportOutOfMemory() {
-    const std::initializer_list<const char *> message = {"AVSK: out of memory in a call of plugin '",
-                                                         DebugCurrentPluginName(), "'; the simulator cannot continue\n"};
+    const std::initializer_list<const char *> message = {
+        "AVSK: out of memory in a call of plugin '", DebugCurrentPluginName(), "'; the simulator cannot continue\n"};
     for (const char *piece : message)
         std::fputs(piece, stderr);
     WriteLog(message);
