@@ -28,8 +28,8 @@ void LogLinkerError(const char *reason) {
     AVSKDebugString("\n");
 }
 
-// The same for a file that the linker is not given.
-void LogRefusedFile(const char *path, const char *reason) {
+void LogUnreadableFile(const char *path, int error) {
+    const char *reason = std::strerror(error);
     for (const char *piece : {"dlerror:", path, ": ", reason, "\n"})
         AVSKDebugString(piece);
 }
@@ -37,21 +37,23 @@ void LogRefusedFile(const char *path, const char *reason) {
 // A link that leads to itself names nothing.
 bool IsAbsence(int error) { return error == ENOENT || error == ENOTDIR || error == ELOOP; }
 
-// Why the dynamic linker must not open a file, or null. The linker maps the
-// segments that the headers name and does not check the file's length: access
-// to a page that a truncated copy lacks ends the process. On a pipe the linker
-// would wait for a writer.
+// Says why the dynamic linker must not open a file. Returns null if it may, or,
+// with errno set, if the file cannot be read. The linker maps the segments that
+// the headers name and does not check the file's length: access to a page that a
+// truncated copy lacks ends the process. On a pipe the linker would wait for a
+// writer.
 const char *FaultOf(int file) {
+    errno = 0;
     struct stat info = {};
     if (fstat(file, &info) != 0)
-        return std::strerror(errno);
+        return nullptr;
     if (S_ISFIFO(info.st_mode))
         return "a pipe, not a library";
     constexpr const char *kBreaksOff = "the file breaks off: copy it again";
     Elf32_Ehdr header = {};
     const ssize_t length = pread(file, &header, sizeof header, 0);
     if (length < 0)
-        return std::strerror(errno);
+        return nullptr;
     if (length != sizeof header || std::memcmp(header.e_ident, ELFMAG, SELFMAG) != 0 ||
         header.e_ident[EI_CLASS] != ELFCLASS32)
         return nullptr; // the linker reports the fault
@@ -59,7 +61,7 @@ const char *FaultOf(int file) {
         Elf32_Phdr part = {};
         const ssize_t read = pread(file, &part, sizeof part, off_t{header.e_phoff} + i * off_t{sizeof part});
         if (read < 0)
-            return std::strerror(errno);
+            return nullptr;
         if (read != sizeof part)
             return kBreaksOff;
         if (part.p_type == PT_LOAD &&
@@ -79,13 +81,14 @@ void *AVSKLoadDLL(const char *path) {
     const int file = open(path, O_RDONLY | O_NONBLOCK | O_CLOEXEC);
     if (file < 0) {
         if (!IsAbsence(errno))
-            LogRefusedFile(path, std::strerror(errno));
+            LogUnreadableFile(path, errno);
         return nullptr;
     }
     const char *fault = FaultOf(file);
+    const int error = errno;
     close(file);
-    if (fault) {
-        LogRefusedFile(path, fault);
+    if (fault || error != 0) {
+        fault ? LogLinkerError(fault) : LogUnreadableFile(path, error);
         return nullptr;
     }
 
