@@ -13,17 +13,17 @@
 #include <memory>
 #include <vector>
 
-// Rules that the library does not follow yet. Set one to true together with the
-// change of the library. The last two enable actions that crash without it.
+// Rules of the library that the model checks or, for the last two, actions that
+// need them. One that is false is not followed or not modelled yet.
 struct Rules {
-    bool throwingEntryStopsNobody = false; // the other plugins are loaded and enabled before the exception propagates
-    bool earlierLifeIsNobody = false;      // stack frames of an earlier life restore -1 as the dispatched plugin
-    bool nobodyCreatesNothing = false;     // plugin -1 gets a neutral result without a service call
-    bool enablingAnswersZero = false;      // enabling a plugin that is being enabled returns 0
-    bool clearTakesWhatWasThere = false;   // clearing a menu keeps items that its service calls append
-    bool menuIsWhole = false;              // no stale handle finds a menu that the host is creating
-    bool constructorsAct = false;          // a file's constructors and destructors call the library, as its plugin
-    bool livesInServices = false;          // the host restarts the library from inside a service
+    bool throwingEntryStopsNobody = true; // the other plugins are loaded and enabled before the exception propagates
+    bool earlierLifeIsNobody = true;      // stack frames of an earlier life restore -1 as the dispatched plugin
+    bool nobodyCreatesNothing = true;     // plugin -1 gets a neutral result without a service call
+    bool enablingAnswersZero = true;      // enabling a plugin that is being enabled returns 0
+    bool clearTakesWhatWasThere = true;   // clearing a menu keeps items that its service calls append
+    bool menuIsWhole = false;             // no stale handle finds a menu that the host is creating
+    bool constructorsAct = false;         // a file's constructors and destructors call the library, as its plugin
+    bool livesInServices = false;         // the host restarts the library from inside a service
 };
 constexpr Rules kRules;
 
