@@ -34,7 +34,8 @@ struct Request {
 constexpr const char *kListsHelp = R"(
 Without --root and --plugin, the plugins of ./Resources/plugins are loaded; without that folder, no plugin.
 
-Exit status: 0, or 2 if no name matches or a plugin that was named does not exist.)";
+Exit status: 0; 1 if an exception of a plugin ended the run; 2 if no name matches or a plugin that was named does not
+exist; 3 if a plugin ended the run in another way.)";
 
 // A command that runs the plugins for a while and then prints a list.
 void AddListCommand(CLI::App &app, Job &job, const std::string &name, const std::string &help,
@@ -66,8 +67,9 @@ void AddListCommand(CLI::App &app, Job &job, const std::string &name, const std:
 void AddDatarefsCommand(CLI::App &app, Job &job) {
     AddListCommand(
         app, job, "datarefs", "Lists the datarefs of the simulator and of the plugins.",
-        "The list has the type, whether plugins may write it, the value after the last frame, the unit, the\n"
-        "owner, and the meaning. Of an array the first three values are shown.",
+        "The list has the type, whether plugins may write it, the value after the last frame, the unit, the owner\n"
+        "(a plugin, 'simulator', or 'shared' if plugins share the value), and the meaning. Of an array the first\n"
+        "three values are shown.",
         [](const Listed &listed, const std::string &pattern) {
             return ListDatarefs(listed.datarefs, listed.owners, pattern, Values::Shown);
         });
