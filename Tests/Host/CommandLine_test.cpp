@@ -142,7 +142,7 @@ const Case kCases[] = {
     {"AWrongDatarefHasANearestName", {}, "datarefs sim/time/elapse_", 2, {"did you mean 'sim/time/elapsed'?"}},
     {"CommandsHaveOwnerAndKeys",
      {},
-     "commands --root DEMO A",
+     "commands --root DEMO",
      0,
      {"sim/flight/climb", "simulator  F5, button 1  Climb", "aerivo/samples/wave  Commands   -"}},
     {"KeysAreConstants",
