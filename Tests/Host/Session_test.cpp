@@ -86,23 +86,22 @@ TEST_F(SessionTest, AllWrongLinesAreReportedAndNothingRuns) {
 }
 
 TEST_F(SessionTest, ThePromptExplainsWordsAndListsWhatThereIs) {
-    Expect(
-        1,
-        "help key\nhelp framse\nplugin Menu\nplugin Window\nframes 1\ndatarefs flight*TUDE\ndatarefs "
-        "*LONgitude\nwindows\nmenus\ncommands\n"
-        "get sim/flight/altitud\nexpect no owns Mneu hold\nreload\nexpect no log \"new plugin\"\n"
-        "expect call showMessage\nhelp expect no file\nhelp quit\nquit\n",
-        {"key KEY [shift|control]+\n", "one of   'shift' or 'control'; optional; can be repeated\n",
-         "no word 'framse'; did you mean 'frames'?\n", "input:6: frame 1: datarefs flight*TUDE: no dataref matches ",
-         "Datarefs:\n  name                  type    access     unit     owner      meaning\n  sim/flight/longitude ",
-         "Windows:\n  Window  40,500,392,410 visible front\n", "    Sample lights\n      Beacon         checked\n",
-         "      Reset          disabled\n", "sim/flight/climb    simulator  F5, button 1  Climb while held\n",
-         "input:11:5: frame 1: get sim/flight/altitud: nobody publishes 'sim/flight/altitud'; did you mean ",
-         "input:12: frame 1: expect no owns Mneu hold: seen: no plugin with the name or signature 'Mneu' is loaded; "
-         "did you mean 'Menu'?",
-         "expect [no] file PATH [TEXT]\n", "\nquit  at the prompt: ends the session\n",
-         "input: 2 frames, 8 steps, 3 expectations, 3 failed\n"},
-        "--interactive --root " AVSK_TEST_DEMO);
+    Expect(1,
+           "help key\nhelp framse\nplugin Menu\nplugin Window\nframes 1\ndatarefs flight*TUDE\ndatarefs "
+           "*LONgitude\nwindows\nmenus\ncommands\n"
+           "get sim/flight/altitud\nexpect no owns Mneu hold\nreload\nexpect no log \"new plugin\"\n"
+           "expect call showMessage\nhelp expect no file\nhelp quit\nquit\n",
+           {"key KEY [shift|control]+\n", "one of   'shift' or 'control'; optional; can be repeated\n",
+            "no word 'framse'; did you mean 'frames'?\n", "input:6: frame 1: datarefs flight*TUDE: no dataref matches ",
+            "Datarefs:\n  name                  type    access    unit     owner      meaning\n  sim/flight/longitude ",
+            "Windows:\n  Window  40,500,392,410 visible front\n", "    Sample lights\n      Beacon         checked\n",
+            "      Reset          disabled\n", "sim/flight/climb    simulator  F5, button 1  Climb while held\n",
+            "input:11:5: frame 1: get sim/flight/altitud: nobody publishes 'sim/flight/altitud'; did you mean ",
+            "input:12: frame 1: expect no owns Mneu hold: seen: no plugin with the name or signature 'Mneu' is loaded; "
+            "did you mean 'Menu'?",
+            "expect [no] file PATH [TEXT]\n", "\nquit  at the prompt: ends the session\n",
+            "input: 2 frames, 8 steps, 3 expectations, 3 failed\n"},
+           "--interactive --root " AVSK_TEST_DEMO);
 }
 
 TEST_F(SessionTest, FilesInTheRootAreExpectedReportedAndKept) {
