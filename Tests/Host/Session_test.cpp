@@ -70,13 +70,14 @@ TEST_F(SessionTest, SetStoresWhatTheTypeHoldsAndRefusesTheRest) {
 TEST_F(SessionTest, AllWrongLinesAreReportedAndNothingRuns) {
     Expect(2,
            "\xEF\xBB\xBFplugin Menu\nroot nowhere\nframse 3\nlog \"x\"\nexpect frames\nexpect view cokpit\n"
-           "menu \"a\nscreen 9x99999\nunlaod\nexpect nothing left\nexpect no nothing left\n",
+           "menu \"a\nscreen 9x99999\nunlaod\nexpect nothing left\nexpect no nothing left\n\"ps\"\n",
            {":3:1: unknown word 'framse'; did you mean 'frames'?\n",
             ":4:1: 'log' is an expectation: write 'expect [no] log TEXT'\n", ":5:8: 'frames' is no expectation",
             ":6:13: expected 'tower' or 'chase' or 'cockpit', found 'cokpit': write 'expect [no] view ",
             "; did you mean 'cockpit'?\n", ":7:6: this text does not end",
             ":8:1: 'screen' belongs before the first step", ":9:1: unknown word 'unlaod'; did you mean 'unload'?\n",
-            ":11:1: there is no 'expect no nothing'"});
+            ":11:1: there is no 'expect no nothing'",
+            ":12:1: a text where a word is expected: write ps without quotes"});
     Expect(2, "plugin Mneu\nplugin Windw\nframes 1\n",
            {"s.avs:1:8: no plugin 'Mneu' in ", "; did you mean 'Menu'?\navsk: ", "s.avs:2:8: no plugin 'Windw'"});
     Expect(2, "plugin Menu\nframes 1\n", {"s.avs:1:8: no plugin 'Menu': no root was named"}, "");
@@ -85,20 +86,22 @@ TEST_F(SessionTest, AllWrongLinesAreReportedAndNothingRuns) {
 }
 
 TEST_F(SessionTest, ThePromptExplainsWordsAndListsWhatThereIs) {
-    Expect(
-        1,
-        "help key\nhelp framse\nplugin Menu\nplugin Window\nframes 1\ndatarefs flight*TUDE\nwindows\nmenus\ncommands\n"
-        "get sim/flight/altitud\nexpect no owns Mneu hold\nreload\nexpect no log \"new plugin\"\n"
-        "expect call showMessage\nquit\n",
-        {"key KEY [shift|control]+\n", "one of   'shift' or 'control'; optional; can be repeated\n",
-         "no word 'framse'; did you mean 'frames'?\n", "Datarefs:\n  none\n",
-         "Windows:\n  Window  40,500,392,410 visible front\n", "    Sample lights\n      Beacon         checked\n",
-         "      Reset          disabled\n", "sim/flight/climb    Climb while held\n",
-         "input:10:5: frame 1: get sim/flight/altitud: nobody publishes 'sim/flight/altitud'; did you mean ",
-         "input:11: frame 1: expect no owns Mneu hold: seen: no plugin with the name or signature 'Mneu' is loaded; "
-         "did you mean 'Menu'?",
-         "input: 2 frames, 7 steps, 3 expectations, 2 failed\n"},
-        "--interactive --root " AVSK_TEST_DEMO);
+    Expect(1,
+           "help key\nhelp framse\nplugin Menu\nplugin Window\nframes 1\ndatarefs flight*TUDE\ndatarefs "
+           "*LONgitude\nwindows\nmenus\ncommands\n"
+           "get sim/flight/altitud\nexpect no owns Mneu hold\nreload\nexpect no log \"new plugin\"\n"
+           "expect call showMessage\nhelp expect no file\nhelp quit\nquit\n",
+           {"key KEY [shift|control]+\n", "one of   'shift' or 'control'; optional; can be repeated\n",
+            "no word 'framse'; did you mean 'frames'?\n", "input:6: frame 1: datarefs flight*TUDE: no dataref matches ",
+            "Datarefs:\n  name                  type    access    unit     owner      meaning\n  sim/flight/longitude ",
+            "Windows:\n  Window  40,500,392,410 visible front\n", "    Sample lights\n      Beacon         checked\n",
+            "      Reset          disabled\n", "sim/flight/climb    simulator  F5, button 1  Climb while held\n",
+            "input:11:5: frame 1: get sim/flight/altitud: nobody publishes 'sim/flight/altitud'; did you mean ",
+            "input:12: frame 1: expect no owns Mneu hold: seen: no plugin with the name or signature 'Mneu' is loaded; "
+            "did you mean 'Menu'?",
+            "expect [no] file PATH [TEXT]\n", "\nquit  at the prompt: ends the session\n",
+            "input: 2 frames, 8 steps, 3 expectations, 3 failed\n"},
+           "--interactive --root " AVSK_TEST_DEMO);
 }
 
 TEST_F(SessionTest, FilesInTheRootAreExpectedReportedAndKept) {

@@ -35,11 +35,12 @@ std::string UnknownWord(const CLI::App &app, const std::string &word) {
         names.push_back(known->get_name());
     if (!command && !word.starts_with('-')) {
         const std::string nearest = DidYouMean(word, names, 1);
-        return "no command '" + word + "'" + (nearest.empty() ? ": the commands are " + Join(names) : nearest);
+        return "no command '" + word + "'" +
+               (nearest.empty() ? ": the commands are " + Join(names) + "; 'avsk --help' explains them" : nearest);
     }
     if (!word.starts_with('-'))
         return command->get_name() + ": '" + word + "' is one argument too many: 'avsk " + command->get_name() +
-               " --help' tells what it takes";
+               " --help' shows its arguments";
     names.clear();
     for (const CLI::Option *option : (command ? command : &app)->get_options())
         names.push_back(option->get_name());
@@ -57,7 +58,7 @@ Job ParseCommandLine(int argc, char **argv) {
     app.set_version_flag("--version", "avsk " AVSK_HOST_VERSION, "print the version and exit");
     app.set_help_flag("-h,--help", "print this help and exit");
     app.require_subcommand(1);
-    app.footer("'avsk COMMAND --help' tells all about a command.");
+    app.footer("'avsk COMMAND --help' explains a command.");
     AddNewCommand(app, job);
     AddRunCommand(app, job, argv);
     AddPsCommand(app, job);

@@ -1,16 +1,15 @@
-// `avsk datarefs`, `avsk commands` and `avsk keys`: print lists for plugin authors.
+// `avsk datarefs` and `avsk commands`: print lists for plugin authors.
 #include "Commands.h"
 #include "SharedOptions.h"
 #include "SimpleRun.h"
 
 #include "Observing/DatarefNames.h"
-#include "Observing/Descriptions.h"
+#include "Observing/Listings.h"
 #include "Observing/Observers.h"
 #include "Services/Simulator.h"
 
 #include <CLI/CLI.hpp>
 
-#include <cstdio>
 #include <memory>
 #include <string>
 #include <utility>
@@ -33,27 +32,17 @@ struct Request {
 };
 
 constexpr const char *kListsHelp = R"(
-PATTERN is any part of a name; with * for any text it is a whole name: 'sim/*/x'. Upper and lower case are equal.
-
 Without --root and --plugin, the plugins of ./Resources/plugins are loaded; without that folder, no plugin.
 
-Exit status: 0, or 2 if no name matches or a plugin that was named does not exist.)";
-
-void Print(const std::vector<std::string> &lines) {
-    for (const std::string &line : lines)
-        std::puts(line.c_str());
-}
-
-void AddPattern(CLI::App &command, std::string &pattern, const std::string &help) {
-    command.add_option("PATTERN", pattern, help)->type_name("");
-}
+Exit status: 0; 1 if an exception of a plugin ended the run; 2 if no name matches or a plugin that was named does not
+exist; 3 if a plugin ended the run in another way.)";
 
 // A command that runs the plugins for a while and then prints a list.
 void AddListCommand(CLI::App &app, Job &job, const std::string &name, const std::string &help,
                     const std::string &footer, List list) {
     const auto request = std::make_shared<Request>();
     CLI::App *command = app.add_subcommand(name, help);
-    AddPattern(*command, request->pattern, "list only the names that match");
+    AddPattern(*command, request->pattern);
     CLI::Option *const root = AddRoot(*command, request->options.simulator.root);
     AddPlugins(*command, request->options.plugins, "load only this plugin; can be repeated");
     AddFrames(*command, request->options.simulator.frames);
@@ -66,7 +55,7 @@ void AddListCommand(CLI::App &app, Job &job, const std::string &name, const std:
             run.options = std::move(request->options);
             run.needsPlugins = false;
             run.report = [&](Simulator &simulator, Observers &observers) {
-                Print(list({simulator, datarefs, observers.Owners()}, request->pattern));
+                PrintLines(list({simulator, datarefs, observers.Owners()}, request->pattern));
             };
             return RunFrames(std::move(run));
         };
@@ -78,10 +67,11 @@ void AddListCommand(CLI::App &app, Job &job, const std::string &name, const std:
 void AddDatarefsCommand(CLI::App &app, Job &job) {
     AddListCommand(
         app, job, "datarefs", "Lists the datarefs of the simulator and of the plugins.",
-        "The list has the type, whether plugins may write it, the value after the last frame, the unit, and\n"
-        "what it means or which plugin publishes it. Of an array the first three values are shown.",
+        "The list has the type, whether plugins may write it, the value after the last frame, the unit, the owner\n"
+        "(a plugin, 'simulator', or 'shared' if plugins share the value), and the meaning. Of an array the first\n"
+        "three values are shown.",
         [](const Listed &listed, const std::string &pattern) {
-            return DescribeDatarefs(listed.datarefs, listed.owners, pattern);
+            return ListDatarefs(listed.datarefs, listed.owners, pattern, Values::Shown);
         });
 }
 
@@ -89,25 +79,8 @@ void AddCommandsCommand(CLI::App &app, Job &job) {
     AddListCommand(app, job, "commands", "Lists the commands of the simulator and of the plugins.",
                    "The list has the command's owner, the keys and joystick buttons that run it, and its description.",
                    [](const Listed &listed, const std::string &pattern) {
-                       return DescribeCommands(listed.simulator.commands, listed.owners, pattern);
+                       return ListCommands(listed.simulator.commands, listed.owners, pattern);
                    });
-}
-
-void AddKeysCommand(CLI::App &app, Job &job) {
-    const auto pattern = std::make_shared<std::string>();
-    CLI::App *command = app.add_subcommand("keys", "Prints the key codes and flags as constants for C and C++.");
-    AddPattern(*command, *pattern, "print only the keys whose names match");
-    command->footer(
-        "The output compiles as it is: 'avsk keys > keys.h'. The comment beside a code is the key's name, as "
-        "sessions use it,\nand the command of the simulator that the key runs.\n\n"
-        "PATTERN is any part of a name; with * for any text it is a whole name: 'F*'. Upper and lower case "
-        "are equal.\n\nExit status: 0, or 2 if no key matches.");
-    command->callback([pattern, &job] {
-        job = [pattern] {
-            Print(DescribeKeys(*pattern));
-            return 0;
-        };
-    });
 }
 
 } // namespace host

@@ -193,7 +193,7 @@ void SortOut(Request &request, const std::vector<CLI::Option *> &runOnly) {
 int RunPlainly(Request &request) {
     SimulatorOptions &simulator = request.options.simulator;
     if (!request.options.keptRoot.empty())
-        throw UsageError("--keep-root: belongs to a session: name one, or say --interactive");
+        throw UsageError("--keep-root: belongs to a session: name one, or use --interactive");
     for (const std::string &text : request.screenshots)
         simulator.screenshots.push_back(ParseScreenshot(text, simulator.frames));
     for (const std::string &text : request.keys)

@@ -2,6 +2,7 @@
 #include "SharedOptions.h"
 
 #include <cmath>
+#include <cstdio>
 
 namespace host {
 
@@ -31,13 +32,27 @@ CLI::Option *AddRoot(CLI::App &command, std::string &root) {
 }
 
 CLI::Option *AddFrames(CLI::App &command, int &frames) {
-    return command.add_option("--frames", frames, "how many frames to run")
-        ->check(PositiveNumber())
-        ->capture_default_str();
+    static const CLI::Validator isCount(
+        [](const std::string &text) {
+            int count = 0;
+            return CLI::detail::lexical_cast(text, count) && count > 0
+                       ? std::string()
+                       : "'" + text + "' is not a positive whole number";
+        },
+        "");
+    return command.add_option("--frames", frames, "how many frames to run")->check(isCount)->capture_default_str();
 }
 
 CLI::Option *AddPlugins(CLI::App &command, std::vector<std::string> &plugins, const std::string &help) {
     return command.add_option("--plugin", plugins, help)->type_name("NAME|PATH")->allow_extra_args(false);
+}
+
+void AddPattern(CLI::App &command, std::string &pattern) {
+    command
+        .add_option("PATTERN", pattern,
+                    "list only these names: a part of a name, or with * for any text a whole name, such as 'sim*x'; "
+                    "upper and lower case are equal")
+        ->type_name("");
 }
 
 void AddObservingOptions(CLI::App &command, ObservingOptions &options) {
@@ -78,6 +93,11 @@ void AddObservingOptions(CLI::App &command, ObservingOptions &options) {
         ->type_name("SECONDS")
         ->check(PositiveNumber())
         ->group(group);
+}
+
+void PrintLines(const std::vector<std::string> &lines) {
+    for (const std::string &line : lines)
+        std::puts(line.c_str());
 }
 
 } // namespace host

@@ -21,8 +21,12 @@ SessionOptions QuietOptions();
 CLI::Option *AddRoot(CLI::App &command, std::string &root);
 CLI::Option *AddFrames(CLI::App &command, int &frames);
 CLI::Option *AddPlugins(CLI::App &command, std::vector<std::string> &plugins, const std::string &help);
+// Selects names; see SelectNames().
+void AddPattern(CLI::App &command, std::string &pattern);
 // The options of the observers.
 void AddObservingOptions(CLI::App &command, ObservingOptions &options);
+
+void PrintLines(const std::vector<std::string> &lines);
 
 } // namespace host
 

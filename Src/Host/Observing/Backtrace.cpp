@@ -76,8 +76,8 @@ void WriteFrame(const Frame &frame, std::string_view what) {
         line.Add(frame.times);
         line.Add(" times");
     }
-    line.Add('\n');
     WriteError(line.Text());
+    WriteError("\n"); // not in the line, which may be cut
 }
 
 // The output of addr2line for frames of one file. Empty if it cannot be run.

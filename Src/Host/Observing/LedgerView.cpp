@@ -1,7 +1,7 @@
 // The lists and queries of the ledger; see Ledger.h.
 #include "Ledger.h"
 
-#include "Common/Utf8.h"
+#include "Common/Columns.h"
 #include "Services/Simulator.h"
 
 #include "AVSK/AVSKPlugins.h"
@@ -13,30 +13,13 @@
 namespace host {
 namespace {
 
-constexpr std::size_t kColumns = 4;
-using Row = std::array<std::string, kColumns>;
+using Row = std::vector<std::string>;
 
 Row RowOf(const std::string &plugin, const Possession &possession, const Console &console) {
     return {plugin, TraitsOf(possession.kind).word, console.WithoutRoot(possession.what), possession.madeBy};
 }
 
-// Aligned columns. A text that is too long shifts only its own line.
-std::vector<std::string> LinesOf(const std::vector<Row> &rows) {
-    constexpr std::size_t kWidest = 44;
-    std::array<std::size_t, kColumns> widths{};
-    for (const Row &row : rows) {
-        for (std::size_t i = 0; i < kColumns; ++i)
-            widths[i] = std::max(widths[i], std::min(CountCharacters(row[i]), kWidest));
-    }
-    std::vector<std::string> lines;
-    for (const Row &row : rows) {
-        std::string line;
-        for (std::size_t i = 0; i + 1 < kColumns; ++i)
-            line += row[i] + std::string(widths[i] - std::min(CountCharacters(row[i]), widths[i]) + 2, ' ');
-        lines.push_back(line + row.back());
-    }
-    return lines;
-}
+constexpr std::size_t kWidest = 44;
 
 } // namespace
 
@@ -53,7 +36,7 @@ std::vector<std::string> Ledger::Owned(const std::string &plugin) const {
         if (plugin.empty() || plugin == name.data() || plugin == signature.data())
             rows.push_back(RowOf(name.front() ? name.data() : "nobody", known, mSimulator.console));
     }
-    return LinesOf(rows);
+    return AlignColumns(rows, {.widest = kWidest, .numbers = {}});
 }
 
 std::vector<std::string> Ledger::LeftBehind(const std::string &plugin) const {
@@ -65,7 +48,7 @@ std::vector<std::string> Ledger::LeftBehind(const std::string &plugin) const {
         for (const Possession &left : departed.left)
             rows.push_back(RowOf(name, left, mSimulator.console));
     }
-    return LinesOf(rows);
+    return AlignColumns(rows, {.widest = kWidest, .numbers = {}});
 }
 
 bool Ledger::WasUnloaded(const std::string &plugin) const {

@@ -4,24 +4,22 @@
 #include "DatarefValues.h"
 
 #include "Common/Columns.h"
+#include "Common/NamePattern.h"
+#include "Common/Text.h"
+#include "Common/Utf8.h"
+#include "Services/Datarefs.h"
+#include "Services/Input.h"
 
 #include "AVSK/AVSKDisplay.h"
 #include "AVSK/AVSKHost.h"
 #include "AVSK/AVSKPlugins.h"
 
-#include <fnmatch.h>
+#include <cstddef>
 
 namespace host {
 namespace {
 
-bool FitsPattern(const std::string &name, const std::string &pattern) {
-    const bool isWhole = pattern.find('*') != std::string::npos;
-    const std::string whole = isWhole ? pattern : "*" + pattern + "*";
-    std::string escaped; // only * is special
-    for (const char c : whole)
-        escaped.append(c == '*' ? "" : "\\").append(1, c);
-    return fnmatch(escaped.c_str(), name.c_str(), FNM_CASEFOLD) == 0;
-}
+using Rows = std::vector<std::vector<std::string>>;
 
 std::string NameOf(AVSKPluginID plugin) {
     std::array<char, AVSK_TEXT_SIZE> name{};
@@ -29,17 +27,32 @@ std::string NameOf(AVSKPluginID plugin) {
     return name.data();
 }
 
-std::string OwnerOf(const std::string &dataref, const DatarefNames &datarefs, const Ledger &owners) {
-    if (datarefs.IsShared(dataref))
-        return "shared";
-    for (const Possession &known : owners.StillThere(Kind::Dataref)) {
-        if (known.what == dataref)
-            return NameOf(known.owner);
+// The plugin that owns something of this description; "-" if no loaded plugin does.
+std::string OwnerOf(Kind kind, const std::string &what, const Ledger &owners) {
+    for (int i = 1; i < AVSKCountPlugins(); ++i) {
+        const AVSKPluginID plugin = AVSKGetNthPlugin(i);
+        for (const Possession &owned : owners.OwnedBy(plugin, kind)) {
+            if (owned.what == what)
+                return NameOf(plugin);
+        }
     }
-    return "host";
+    return "-";
 }
 
-void AddItems(std::vector<std::vector<std::string>> &rows, Menu &menu, const std::string &indent) {
+std::string ValueText(AVSKDataRef ref) {
+    constexpr std::size_t kMostElements = 3;
+    constexpr std::size_t kLongestText = 27;
+    std::vector<std::string> shown = ReadDataref(ref);
+    if (AVSKGetDataRefTypes(ref) == AVSKDataTypeData)
+        return '"' + OneLine(shown.front(), kLongestText) + '"';
+    if (const std::size_t count = shown.size(); count > kMostElements) {
+        shown.resize(kMostElements);
+        shown.push_back("... (" + std::to_string(count) + ")");
+    }
+    return shown.empty() ? "-" : Join(shown, " ");
+}
+
+void AddItems(Rows &rows, Menu &menu, const std::string &indent) {
     for (std::size_t i = 0; i < menu.items.size(); ++i) {
         const MenuItem item = menu.items[i];
         const int index = static_cast<int>(i);
@@ -84,20 +97,29 @@ std::string MarkOf(Menu &menu, int index) {
     return mark == 0 ? "unchecked" : "checked";
 }
 
-std::vector<std::string> ListDatarefs(const DatarefNames &datarefs, const Ledger &owners, const std::string &pattern) {
-    std::vector<std::vector<std::string>> rows;
-    for (const std::string &name : datarefs.Published()) {
-        if (!FitsPattern(name, pattern))
-            continue;
+std::vector<std::string> ListDatarefs(const DatarefNames &datarefs, const Ledger &owners, const std::string &pattern,
+                                      Values values) {
+    Rows rows{{"name", "type", "access", "value", "unit", "owner", "meaning"}};
+    for (const std::string &name : SelectNames(datarefs.Published(), pattern, "datarefs")) {
         AVSKDataRef ref = FindPublished(name);
+        const DatarefDescription *ofSimulator = Datarefs::Describe(name);
+        const std::string owner = ofSimulator               ? "simulator"
+                                  : datarefs.IsShared(name) ? "shared"
+                                                            : OwnerOf(Kind::Dataref, name, owners);
         rows.push_back({name, DatarefTypes(ref), AVSKCanWriteDataRef(ref) != 0 ? "writable" : "read-only",
-                        OwnerOf(name, datarefs, owners)});
+                        values == Values::Shown ? ValueText(ref) : "", ofSimulator ? ofSimulator->unit : "-", owner,
+                        ofSimulator ? ofSimulator->meaning : "-"});
+    }
+    if (values == Values::Omitted) {
+        constexpr std::ptrdiff_t kColumn = 3;
+        for (std::vector<std::string> &row : rows)
+            row.erase(row.begin() + kColumn);
     }
     return AlignColumns(rows);
 }
 
 std::vector<std::string> ListWindows(const Ledger &owners) {
-    std::vector<std::vector<std::string>> rows;
+    Rows rows;
     for (int i = 1; i < AVSKCountPlugins(); ++i) {
         const AVSKPluginID plugin = AVSKGetNthPlugin(i);
         for (const WindowState &window : WindowsOf(owners, plugin))
@@ -107,7 +129,7 @@ std::vector<std::string> ListWindows(const Ledger &owners) {
 }
 
 std::vector<std::string> ListMenus(const MenuTree &menus) {
-    std::vector<std::vector<std::string>> rows;
+    Rows rows;
     for (Menu *menu : menus.Bar()) {
         rows.push_back({menu->name, ""});
         AddItems(rows, *menu, "  ");
@@ -115,10 +137,18 @@ std::vector<std::string> ListMenus(const MenuTree &menus) {
     return AlignColumns(rows);
 }
 
-std::vector<std::string> ListCommands(const CommandTable &commands) {
-    std::vector<std::vector<std::string>> rows;
+std::vector<std::string> ListCommands(const CommandTable &commands, const Ledger &owners, const std::string &pattern) {
+    std::vector<std::string> names;
     for (const auto &command : commands.All())
-        rows.push_back({command->name, command->description, command->begun > 0 ? "held" : ""});
+        names.push_back(command->name);
+    Rows rows{{"name", "owner", "bound to", "description"}};
+    for (const std::string &name : SelectNames(names, pattern, "commands")) {
+        const Command *command = commands.Find(name);
+        const std::string bindings = Input::BindingsOf(name);
+        rows.push_back({name, command->act ? "simulator" : OwnerOf(Kind::Command, name, owners),
+                        bindings.empty() ? "-" : bindings,
+                        command->description + (command->begun > 0 ? " (held)" : "")});
+    }
     return AlignColumns(rows);
 }
 

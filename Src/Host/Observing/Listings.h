@@ -1,4 +1,5 @@
-// Lists what a running simulator has: datarefs, windows, menus and commands.
+// Lists what a running simulator has: datarefs, commands, windows and menus. Used
+// by sessions, `avsk datarefs` and `avsk commands`.
 #ifndef AVSK_HOST_OBSERVING_LISTINGS_H
 #define AVSK_HOST_OBSERVING_LISTINGS_H
 
@@ -28,16 +29,21 @@ std::vector<WindowState> WindowsOf(const Ledger &owners, AVSKPluginID plugin);
 // "checked", "unchecked" or "unmarked"
 std::string MarkOf(Menu &menu, int index);
 
-// Aligned lines for a reader. The values of datarefs are not read, because that
-// calls plugins.
-//
-// Name, type, access and owner. In the pattern * is any text; a pattern without
-// * is a part of the name; an empty one lists all.
-std::vector<std::string> ListDatarefs(const DatarefNames &datarefs, const Ledger &owners, const std::string &pattern);
+// Aligned lines for a reader. Those of datarefs and commands begin with titles and
+// contain the names that match a pattern; see SelectNames() for patterns and the
+// UsageError if nothing matches.
+
+// To read the values of datarefs calls plugins.
+enum class Values {
+    Shown,
+    Omitted
+};
+std::vector<std::string> ListDatarefs(const DatarefNames &datarefs, const Ledger &owners, const std::string &pattern,
+                                      Values values);
+std::vector<std::string> ListCommands(const CommandTable &commands, const Ledger &owners, const std::string &pattern);
 std::vector<std::string> ListWindows(const Ledger &owners);
 // The tree, indented, with marks and disabled items.
 std::vector<std::string> ListMenus(const MenuTree &menus);
-std::vector<std::string> ListCommands(const CommandTable &commands);
 
 } // namespace host
 

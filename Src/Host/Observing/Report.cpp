@@ -1,6 +1,7 @@
 // The table of plugins at the end of a run; see Report.h.
 #include "Report.h"
 
+#include "Common/Columns.h"
 #include "Common/Terminal.h"
 #include "Common/Utf8.h"
 #include "Services/Simulator.h"
@@ -9,7 +10,6 @@
 
 #include "AVSK/AVSKPlugins.h"
 
-#include <algorithm>
 #include <array>
 #include <cstdio>
 #include <string>
@@ -20,27 +20,12 @@
 namespace host {
 namespace {
 
-constexpr std::size_t kColumns = 5;
-using Row = std::array<std::string, kColumns>;
-
-Row Describe(const Profile &times, AVSKPluginID id) {
+std::vector<std::string> Describe(const Profile &times, AVSKPluginID id) {
     std::array<char, AVSK_TEXT_SIZE> name{};
     std::array<char, AVSK_TEXT_SIZE> signature{};
     AVSKGetPluginInfo(id, name.data(), nullptr, signature.data(), nullptr);
     return {std::to_string(id), OneLine(name.data(), kWidestName), OneLine(signature.data(), kWidestName),
             AVSKIsPluginEnabled(id) != 0 ? "yes" : "no", std::to_string(times.CallsOf(id))};
-}
-
-void PrintRow(const Row &row, const std::array<std::size_t, kColumns> &widths) {
-    constexpr std::array<bool, kColumns> kNumber = {true, false, false, false, true};
-    std::string line;
-    for (std::size_t i = 0; i < kColumns; ++i) {
-        const std::string blanks(widths[i] - CountCharacters(row[i]), ' ');
-        line += kNumber[i] ? blanks + row[i] : row[i] + blanks;
-        line += "  ";
-    }
-    line.erase(line.find_last_not_of(' ') + 1);
-    std::printf("%s\n", line.c_str());
 }
 
 } // namespace
@@ -55,20 +40,13 @@ void PrintReport(const Simulator &simulator, const Profile &times) {
                 simulator.objects.Count(), simulator.objects.CountPending(), simulator.objects.drawn,
                 simulator.probes.Count(), simulator.camera.ViewName());
 
-    std::vector<Row> rows = {{"ID", "plugin", "signature", "enabled", "calls"}};
+    std::vector<std::vector<std::string>> rows = {{"ID", "plugin", "signature", "enabled", "calls"}};
     for (int i = 0; i < AVSKCountPlugins(); ++i)
         rows.push_back(Describe(times, AVSKGetNthPlugin(i)));
-
-    std::array<std::size_t, kColumns> widths{};
-    for (const Row &row : rows) {
-        for (std::size_t i = 0; i < kColumns; ++i)
-            widths[i] = std::max(widths[i], CountCharacters(row[i]));
-    }
-    std::fputs(std::string(EmphasisBegin(Emphasis::Heading, STDOUT_FILENO)).c_str(), stdout);
-    PrintRow(rows[0], widths);
-    std::fputs(std::string(EmphasisEnd(STDOUT_FILENO)).c_str(), stdout);
-    for (std::size_t i = 1; i < rows.size(); ++i)
-        PrintRow(rows[i], widths);
+    std::vector<std::string> lines = AlignColumns(rows, {.numbers = {0, 4}});
+    lines[0] = Emphasised(Emphasis::Heading, lines[0], STDOUT_FILENO);
+    for (const std::string &line : lines)
+        std::puts(line.c_str());
     std::printf("\nCalls: how often the plugin called the library since it was loaded.\n");
     std::fflush(stdout);
 }

@@ -74,7 +74,7 @@ constexpr ParameterKind kKinds[] = {
     {"KEY", IsKey, "a key (a letter, a digit, F1 to F24, or a name such as Escape or \"Page Up\")", KeyNames},
     {"SLOT", IsSlot, "a host service, named as in AVSKHostCallbacks", crossings::ServiceNames},
     {"KIND", IsPossession, "a kind of possession", KindNames},
-    {"VALUE", IsValue, "a value (a text, a number, or NUMBER~TOLERANCE)"},
+    {"VALUE", IsValue, "a value (a text or a number; in expectations also NUMBER~TOLERANCE)"},
 };
 
 const ParameterKind *FindKind(std::string_view mark) {

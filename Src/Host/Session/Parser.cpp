@@ -101,6 +101,8 @@ const Form &SessionParser::Find(const Word &wanted, bool expectation) {
                                   ": write '" + other->Usage() + "'");
     if (!expectation)
         names.emplace_back("expect");
+    if (wanted.quoted && std::find(names.begin(), names.end(), wanted.text) != names.end())
+        Refuse(wanted.column, "a text where a word is expected: write " + wanted.text + " without quotes");
     const std::string nearest = DidYouMean(wanted.text, names);
     Refuse(wanted.column,
            "unknown word '" + wanted.text + "'" + (nearest.empty() ? ": 'avsk run --words' lists the words" : nearest));

@@ -42,6 +42,9 @@ void Collect(std::vector<std::string> &faults, Action action) {
 std::vector<Step> ReadSession(const std::string &file, std::vector<std::string> &faults) {
     std::ifstream stream(file);
     std::error_code error;
+    if (fs::is_directory(fs::path(file) / "Resources/plugins", error))
+        throw UsageError("'" + file + "' is a simulator's folder and no session: 'avsk run --root " + file +
+                         "' runs its plugins");
     if (!stream || fs::is_directory(file, error))
         throw UsageError("cannot read the session '" + file + "' (" +
                          (stream ? "it is a folder" : std::strerror(errno)) +
@@ -95,6 +98,10 @@ int RunInput(SessionRunner &run) {
         if (first == "quit")
             break;
         if (first == "help") {
+            for (std::string more; second == "expect" && words >> more;) {
+                if (more != "no")
+                    second = more; // "help expect no log" explains "log"
+            }
             second.empty() ? PrintSessionWords() : PrintWord(second);
             line.clear(); // for the parser, which counts the lines
         }

@@ -55,7 +55,11 @@ void SessionRunner::Do(const Step &step) {
             failure = "seen: " + finding.seen;
     } else {
         ++mSteps;
-        failure = std::get<StepFunction *>(step.form->function)(*this, step);
+        try {
+            failure = std::get<StepFunction *>(step.form->function)(*this, step);
+        } catch (const UsageError &error) { // no name matches
+            failure = error.what();
+        }
     }
     if (failure.why.empty())
         return;

@@ -308,7 +308,9 @@ Failure Get(SessionRunner &run, const Step &step) {
     std::vector<std::string> values = ReadDataref(found.ref);
     if (found.index) {
         if (*found.index >= std::ssize(values))
-            return {"it has " + std::to_string(values.size()) + " elements", step.words[0].column};
+            return {values.empty() ? "it has no elements"
+                                   : "its last element is [" + std::to_string(values.size() - 1) + "]",
+                    step.words[0].column};
         values = {values[static_cast<std::size_t>(*found.index)]};
     }
     const std::size_t more = values.size() - std::min(values.size(), kMost);
@@ -320,8 +322,8 @@ Failure Get(SessionRunner &run, const Step &step) {
 }
 
 Failure PrintDatarefs(SessionRunner &run, const Step &step) {
-    PrintList("Datarefs:", ListDatarefs(run.Datarefs(), run.Observing().Owners(), step.Count() > 0 ? step[0] : ""),
-              "none");
+    PrintList("Datarefs:",
+              ListDatarefs(run.Datarefs(), run.Observing().Owners(), step.Count() > 0 ? step[0] : "", Values::Omitted));
     return {};
 }
 
@@ -335,8 +337,8 @@ Failure PrintMenus(SessionRunner &run, const Step & /*step*/) {
     return {};
 }
 
-Failure PrintCommands(SessionRunner &run, const Step & /*step*/) {
-    PrintList("Commands:", ListCommands(run.Sim().commands), "none");
+Failure PrintCommands(SessionRunner &run, const Step &step) {
+    PrintList("Commands:", ListCommands(run.Sim().commands, run.Observing().Owners(), step.Count() > 0 ? step[0] : ""));
     return {};
 }
 
@@ -402,11 +404,10 @@ std::span<const Form> StepForms() {
         {"reload", "", "unloads and loads all plugins, in a frame", Reload},
         {"set", "NAME VALUE+", "writes a dataref: a number, numbers or a text; NAME[3] is an element", SetDataref},
         {"get", "NAME", "prints the value of a dataref; NAME[3] is an element", Get},
-        {"datarefs", "[PATTERN]", "prints the datarefs whose names contain a text, or match a pattern with *",
-         PrintDatarefs},
+        {"datarefs", "[PATTERN]", "prints all datarefs, or those whose names match", PrintDatarefs},
         {"windows", "", "prints the windows of plugins", PrintWindows},
         {"menus", "", "prints the menus", PrintMenus},
-        {"commands", "", "prints the commands", PrintCommands},
+        {"commands", "[PATTERN]", "prints all commands, or those whose names match", PrintCommands},
         {"screenshot", "FILE", "runs a frame and writes what the screen then shows to a .png file", TakeScreenshot},
         {"mark", "", "later 'expect log' and 'expect call' look back to this line only", Mark, kAlsoAfterUnload},
         {"ps", "[PLUGIN]", "prints what the plugins, or this one, own; after 'unload' what they left behind",

@@ -37,8 +37,8 @@ std::vector<std::string> NamesIn(const fs::path &plugins) {
     if (name.find('/') != std::string::npos)
         throw UsageError(wrong + ": no such file or folder");
     if (root.empty())
-        throw UsageError(wrong + ": no root was named, so this is a path: name a root with '--root DIR', or in a " +
-                         "session with 'root DIR', or write the path of the plugin");
+        throw UsageError(wrong + ": no root was named, and no file or folder has this path: name a root with '--root " +
+                         "DIR' (in a session: 'root DIR'), or write the path of the plugin");
     if (!fs::is_directory(plugins, error))
         throw UsageError(wrong + ": no folder Resources/plugins in the root '" + root + "'");
     const std::vector<std::string> names = NamesIn(plugins);
