@@ -369,6 +369,7 @@ class FaultsInTurn : public testing::TestWithParam<Session> {
     void Act(SystemCall fails, int failsAt, bool lasting) {
         Host().on.debugString = [](const char *text) { fputs(text, stderr); };
         setvbuf(stdout, nullptr, _IONBF, 0);
+        std::signal(SIGABRT, [](int) { AVSKTestSaveCounts(); });
         Faults &faults = *AVSKTestFaults();
         faults.fails = fails;
         faults.failsAt = failsAt;
@@ -380,6 +381,7 @@ class FaultsInTurn : public testing::TestWithParam<Session> {
         Host().on.debugString = nullptr;
         stage.world.Stop();
         *shared = faults;
+        AVSKTestSaveCounts();
         _exit(HasFailure());
     }
 

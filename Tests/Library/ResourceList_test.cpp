@@ -147,6 +147,9 @@ TEST_F(ResourceList, AWalkGoesOnThoughAWalkOrAnEndTooManyInsideItReclaims) {
     const auto moveNext = [&](char at) { at == 'c' ? Remove('c'), Live(), list->MoveToFront(items['b']) : void(); };
     Fill("abcd");
     EXPECT_EQ(Names(list->LiveRecords(), moveNext), "dca") << "b is in front now";
+    const auto movePrev = [&](char at) { at == 'b' ? Remove('b'), Live(), list->MoveToFront(items['c']) : void(); };
+    Fill("abcd");
+    EXPECT_EQ(Names(list->LiveRecordsFromBack(), movePrev), "abdc") << "c is still to come";
     Fill("abc", AVSKReclaim::AfterPass);
     const auto endTooMany = [&](char at) { at == 'b' ? Remove('b'), list->EndIterate(), Remove('b') : void(); };
     EXPECT_EQ(Names(list->LiveRecords(), endTooMany), "cba");

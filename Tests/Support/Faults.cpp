@@ -26,6 +26,13 @@ extern "C" {
 
 Faults *AVSKTestFaults() { return &gFaults; }
 
+[[gnu::weak]] void __gcov_dump(); // null in other builds
+void AVSKTestSaveCounts() {
+    gFaults.counting = false;
+    if (__gcov_dump)
+        __gcov_dump();
+}
+
 #define AVSK_TEST_WRAPPER(name, Result, parameters, arguments, failed, error)                                          \
     Result __real_##name parameters;                                                                                   \
     Result __wrap_##name parameters {                                                                                  \

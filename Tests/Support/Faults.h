@@ -15,7 +15,7 @@
     X(readdir64, dirent64 *, (DIR * folder), (folder), nullptr, EIO)                                                   \
     X(stat64, int, (const char *path, struct stat64 *info), (path, info), -1, EACCES)                                  \
     X(fstat64, int, (int file, struct stat64 *info), (file, info), -1, EIO)                                            \
-    X(open64, int, (const char *path, int mode), (path, mode), -1, EMFILE)                                             \
+    X(open64, int, (const char *path, int flags, unsigned mode), (path, flags, mode), -1, EMFILE)                      \
     X(pread64, ssize_t, (int file, void *to, std::size_t size, off64_t at), (file, to, size, at), -1, EIO)             \
     X(pthread_key_create, int, (pthread_key_t * key, void (*end)(void *)), (key, end), EAGAIN, 0)
 
@@ -35,5 +35,7 @@ struct Faults {
 };
 
 extern "C" __attribute__((visibility("default"))) Faults *AVSKTestFaults();
+// Writes the counts of a coverage build, which a process that does not reach exit() would lose.
+extern "C" __attribute__((visibility("default"))) void AVSKTestSaveCounts();
 
 #endif

