@@ -21,9 +21,9 @@ struct Rules {
     bool nobodyCreatesNothing = true;     // plugin -1 gets a neutral result without a service call
     bool enablingAnswersZero = true;      // enabling a plugin that is being enabled returns 0
     bool clearTakesWhatWasThere = true;   // clearing a menu keeps items that its service calls append
-    bool menuIsWhole = false;             // no stale handle finds a menu that the host is creating
+    bool menuIsWhole = true;             // no stale handle finds a menu that the host is creating
     bool constructorsAct = false;         // a file's constructors and destructors call the library, as its plugin
-    bool livesInServices = false;         // the host restarts the library from inside a service
+    bool livesInServices = true;         // the host restarts the library from inside a service
 };
 constexpr Rules kRules;
 
@@ -46,6 +46,7 @@ struct Incarnation {
     unsigned entries = 0;                 // of its file
     std::shared_ptr<PluginRecord> record; // of the library
     const Incarnation *heir = nullptr;    // the next life with the same ID
+    bool inLoader = false; // its file's constructors or destructors are running
     bool accepted = false;
     bool stopped = false;
     bool enabling = false;

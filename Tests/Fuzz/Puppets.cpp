@@ -142,14 +142,12 @@ int IndexOf(const File &file) { return static_cast<int>(&file - gFuzz.files); }
 
 // Acts as a constructor or destructor of a file. No exception leaves it.
 void ActInLoader(File &file) {
-    if (!kRules.constructorsAct)
-        return;
     const InFile call(IndexOf(file));
     const int id = AVSKGetMyID();
     REQUIRE(id != AVSK_PLUGIN_AERIVO, "a constructor of file %d runs on the host's account", gFuzz.file);
-    if (id > AVSK_PLUGIN_AERIVO && !IncarnationOf(id))
-        Begin(gFuzz.file);
-    file.kept = true;
+    bool nobodys = false;
+    const AVSKScopedValue running(id == NO_PLUGIN_ID ? nobodys : Begin(gFuzz.file).inLoader, true);
+    file.kept |= !(file.entries & kStartEntry); // what it registers passes to the next plugin with its ID
     try {
         ActInCallback(256);
     } catch (...) {
