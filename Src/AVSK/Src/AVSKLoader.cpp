@@ -454,8 +454,15 @@ int LoadOnePlugin(const std::string &path, int reportMissing) {
 
 void UnloadOnePlugin(int id) {
     const PluginShare record = SharePlugin(id);
-    if (!record || record->unloaded) // unreachable: a defence, callers pass IDs of records
+    if (!record) // unreachable: a defence, callers pass IDs of records
         return;
+    if (record->unloaded) {
+        // Its static destructors may be running, and its ID may be given away
+        // before they return.
+        if (!record->handle && !StDispatchCallback::ReleaseLibrary(id, nullptr) && AnyModuleHolds(id))
+            CleanUp(id);
+        return;
+    }
     AbandonDeliveries(*record);
 
     LastCalls calls;
