@@ -73,7 +73,7 @@ void OnStop() {
 int OnEnable() {
     Incarnation &who = EntryOf("enable");
     REQUIRE(!who.record->enabled, "plugin %d is enabled while it is", who.id);
-    REQUIRE(!kRules.enablingAnswersZero || !who.enabling, "plugin %d is enabled while it is being enabled", who.id);
+    REQUIRE(!who.enabling, "plugin %d is enabled while it is being enabled", who.id);
     who.asked = true;
     const AVSKScopedValue enabling(who.enabling, true);
     ActInEntry();
