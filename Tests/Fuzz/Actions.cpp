@@ -401,7 +401,7 @@ bool CreateWindowEx(Registration &r) {
     const AVSKCreateWindowParams params = {sizeof params, 0, 16, 16, 0, !Draw().Rarely(6), f, f, f, f, f, &r};
     r.handle = AVSKCreateWindowEx(&params);
     const bool created = r.handle;
-    if (Draw().Rarely(3))
+    if (Draw().Rarely(3) && created)
         AVSKTakeKeyboardFocus(As<AVSKWindowCallbackRecord>(r.handle));
     return created;
 }

@@ -193,6 +193,7 @@ void Unmap(const PluginShare &record) {
         return; // re-entered: the inner call unmapped the library
     if (!StDispatchCallback::ReleaseLibrary(id, std::exchange(record->handle, nullptr)))
         return;
+    record->errorCallback = nullptr;
     if (AnyModuleHolds(id))
         CleanUp(*record);
     AbandonDeliveries(*record);
