@@ -51,8 +51,7 @@ void Create(Kind kind, Call call) {
         return;
     const int services = gFuzz.services;
     const bool created = call(*r);
-    REQUIRE(!kRules.nobodyCreatesNothing || r->owner != NO_PLUGIN_ID || (!created && gFuzz.services == services),
-            "nobody creates a %s", NameOf(kind));
+    REQUIRE(r->owner != NO_PLUGIN_ID || (!created && gFuzz.services == services), "nobody creates a %s", NameOf(kind));
 }
 
 enum class Removes {
@@ -102,7 +101,7 @@ void Hook(Report report) {
         if (!outermost && gFuzz.hostDepth == 0 && Draw().Flag())
             throw;
     }
-    if (outermost && kRules.earlierLifeIsNobody && Self() == NO_PLUGIN_ID)
+    if (outermost && Self() == NO_PLUGIN_ID)
         AVSKSetDispatchedPlugin(before); // a life of the library ended inside the report
     if (outermost)
         REQUIRE(Self() == before, "after a hook %d is dispatched, before it %d", Self(), before);
@@ -203,12 +202,13 @@ void ChangePlugins() {
 
 // Shuts the library down and starts it again.
 void Restart() {
-    if ((gFuzz.depth > 0 && !kRules.livesInServices) || !MayLoad())
+    if (!MayLoad())
         return;
     TRACE("restart");
     ++gFuzz.upheavals;
     ShutDownLibrary();
-    StartLibrary();
+    if (AVSKCountPlugins() == 0) // not started meanwhile, from inside a service
+        StartLibrary();
 }
 
 // ---- Calls of plugins
@@ -219,8 +219,7 @@ void Enable(int id) {
     const Incarnation *who = IncarnationOf(id);
     const bool enabling = who && who->enabling;
     const int answer = AVSKEnablePlugin(id);
-    REQUIRE(!kRules.enablingAnswersZero || !enabling || answer == 0, "enabling plugin %d inside itself answers %d", id,
-            answer);
+    REQUIRE(!enabling || answer == 0, "enabling plugin %d inside itself answers %d", id, answer);
 }
 
 void SendMessage() {
@@ -313,7 +312,7 @@ void RegisterValues(Kind kind, bool underWay, Add add) {
     if (!answer)
         return;
     REQUIRE(status != Status::Live, "a %s is registered twice", NameOf(kind));
-    REQUIRE(!kRules.nobodyCreatesNothing || r->owner != NO_PLUGIN_ID, "nobody registers a %s", NameOf(kind));
+    REQUIRE(r->owner != NO_PLUGIN_ID, "nobody registers a %s", NameOf(kind));
     r->removed = false;
     r->count = 1;
     r->serial = ++gFuzz.serial;
@@ -402,7 +401,7 @@ bool CreateWindowEx(Registration &r) {
     const AVSKCreateWindowParams params = {sizeof params, 0, 16, 16, 0, !Draw().Rarely(6), f, f, f, f, f, &r};
     r.handle = AVSKCreateWindowEx(&params);
     const bool created = r.handle;
-    if (Draw().Rarely(3))
+    if (Draw().Rarely(3) && created)
         AVSKTakeKeyboardFocus(As<AVSKWindowCallbackRecord>(r.handle));
     return created;
 }
@@ -508,7 +507,7 @@ bool Share(Registration &r) {
     r.a = Draw().Below(4);
     const SharedName &shared = kShared[r.a];
     const bool taken = AVSKShareData(shared.name, shared.type, Code<Kind::Shared>(r), &r) == 1;
-    REQUIRE(taken || (kRules.nobodyCreatesNothing && r.owner == NO_PLUGIN_ID), "data cannot be shared");
+    REQUIRE(taken || r.owner == NO_PLUGIN_ID, "data cannot be shared");
     r.count = taken;
     return taken;
 }
@@ -653,7 +652,7 @@ void UsePlanes() {
 }
 
 bool ControlCamera(Registration &r) {
-    if (!kRules.nobodyCreatesNothing || r.owner != NO_PLUGIN_ID)
+    if (r.owner != NO_PLUGIN_ID)
         gFuzz.camera = &r;
     AVSKControlCamera(Draw().Below(3), Code<Kind::Camera>(r), &r);
     return false;
@@ -829,7 +828,7 @@ void ActAsHost() {
         return;
     const AVSKScopedValue deeper(gFuzz.depth, gFuzz.depth + 1);
     try {
-        if (kRules.livesInServices && Draw().Rarely(32))
+        if (Draw().Rarely(32))
             Restart();
         else
             HostReport();

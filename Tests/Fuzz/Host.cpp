@@ -61,11 +61,6 @@ void MenuService() {
 void *HandleOf(std::size_t number) { return reinterpret_cast<void *>(number); }
 
 HostMenu &Known(void *menu, const char *service) {
-    if (!menu && gFuzz.wildHost && !kRules.menuIsWhole) {
-        static HostMenu halfMade;
-        halfMade = {};
-        return halfMade;
-    }
     const auto number = reinterpret_cast<std::uintptr_t>(menu);
     REQUIRE(number > 0 && number <= menus.size(), "%s is called for %p, which is no menu", service, menu);
     HostMenu &known = menus[number - 1];
@@ -110,7 +105,7 @@ void SetMenuItemName(void *menu, int index, const char *name, int) {
     if (gClearing && gClearing->depth == gFuzz.depth) {
         if (gClearing->renames < 0)
             gClearing->renames = known.Size() + known.removals;
-        REQUIRE(!kRules.clearTakesWhatWasThere || gClearing->renames > 0, "clearing a menu follows what is appended");
+        REQUIRE(gClearing->renames > 0, "clearing a menu follows what is appended");
         --gClearing->renames;
         if (gFuzz.wildHost && gFuzz.in.Rarely(4))
             AVSKAppendMenuItem(gClearing->menu, "Another item", nullptr, 0);

@@ -50,10 +50,12 @@ Incarnation *IncarnationOf(int id) {
 
 Incarnation &Begin(int file) {
     const int id = AVSKGetMyID();
-    if (Incarnation *begun = kRules.constructorsAct ? IncarnationOf(id) : nullptr)
+    if (Incarnation *begun = IncarnationOf(id)) { // by its constructors
+        REQUIRE(begun->file == file, "file %d starts as plugin %d of file %d", file, id, begun->file);
         return *begun;
-    REQUIRE(id == AVSKCountPlugins() - 1, "file %d starts as %d of %d plugins", file, id, AVSKCountPlugins());
-    REQUIRE(id != AVSK_PLUGIN_AERIVO, "file %d starts in the host's place", file);
+    }
+    REQUIRE(id > AVSK_PLUGIN_AERIVO && id < AVSKCountPlugins(), "file %d starts as %d of %d plugins", file, id,
+            AVSKCountPlugins());
     REQUIRE(!AVSKIsPluginEnabled(id), "file %d is enabled before it starts", file);
     Incarnation &who = gFuzz.incarnations.emplace_back();
     who.file = file;
@@ -90,6 +92,8 @@ Status StatusOf(const Registration &registration) {
         return registration.owner == AVSK_PLUGIN_AERIVO ? Status::Live : Status::Gone;
     if (!who->record->unloaded) // it may be in its tear-down, which is unknown without a stop entry
         return who->stopped || !(who->entries & kStopEntry) ? Status::Limbo : Status::Live;
+    if (who->inLoader)
+        return Status::Limbo;
     if (who->accepted || registration.kind == Kind::Load)
         return Status::Gone;
     for (const Incarnation *heir = who->heir; heir; heir = heir->heir)

@@ -13,20 +13,6 @@
 #include <memory>
 #include <vector>
 
-// Rules of the library that the model checks or, for the last two, actions that
-// need them. One that is false is not followed or not modelled yet.
-struct Rules {
-    bool throwingEntryStopsNobody = true; // the other plugins are loaded and enabled before the exception propagates
-    bool earlierLifeIsNobody = true;      // stack frames of an earlier life restore -1 as the dispatched plugin
-    bool nobodyCreatesNothing = true;     // plugin -1 gets a neutral result without a service call
-    bool enablingAnswersZero = true;      // enabling a plugin that is being enabled returns 0
-    bool clearTakesWhatWasThere = true;   // clearing a menu keeps items that its service calls append
-    bool menuIsWhole = false;             // no stale handle finds a menu that the host is creating
-    bool constructorsAct = false;         // a file's constructors and destructors call the library, as its plugin
-    bool livesInServices = false;         // the host restarts the library from inside a service
-};
-constexpr Rules kRules;
-
 constexpr int kPuppets = 8;
 constexpr int kProgram = kPuppets; // the pseudo-file of the host's callbacks, always mapped
 constexpr int kMaxDepth = 6;
@@ -46,6 +32,7 @@ struct Incarnation {
     unsigned entries = 0;                 // of its file
     std::shared_ptr<PluginRecord> record; // of the library
     const Incarnation *heir = nullptr;    // the next life with the same ID
+    bool inLoader = false;                // its file's constructors or destructors are running
     bool accepted = false;
     bool stopped = false;
     bool enabling = false;

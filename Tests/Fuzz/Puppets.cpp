@@ -73,7 +73,7 @@ void OnStop() {
 int OnEnable() {
     Incarnation &who = EntryOf("enable");
     REQUIRE(!who.record->enabled, "plugin %d is enabled while it is", who.id);
-    REQUIRE(!kRules.enablingAnswersZero || !who.enabling, "plugin %d is enabled while it is being enabled", who.id);
+    REQUIRE(!who.enabling, "plugin %d is enabled while it is being enabled", who.id);
     who.asked = true;
     const AVSKScopedValue enabling(who.enabling, true);
     ActInEntry();
@@ -142,14 +142,12 @@ int IndexOf(const File &file) { return static_cast<int>(&file - gFuzz.files); }
 
 // Acts as a constructor or destructor of a file. No exception leaves it.
 void ActInLoader(File &file) {
-    if (!kRules.constructorsAct)
-        return;
     const InFile call(IndexOf(file));
     const int id = AVSKGetMyID();
     REQUIRE(id != AVSK_PLUGIN_AERIVO, "a constructor of file %d runs on the host's account", gFuzz.file);
-    if (id > AVSK_PLUGIN_AERIVO && !IncarnationOf(id))
-        Begin(gFuzz.file);
-    file.kept = true;
+    bool nobodys = false;
+    const AVSKScopedValue running(id == NO_PLUGIN_ID ? nobodys : Begin(gFuzz.file).inLoader, true);
+    file.kept |= !(file.entries & kStartEntry); // what it registers passes to the next plugin with its ID
     try {
         ActInCallback(256);
     } catch (...) {
@@ -240,7 +238,8 @@ static void OnError(const char *message) {
     const Incarnation *who = IncarnationOf(id);
     REQUIRE(gFuzz.file == (who ? who->file : kProgram) && (who || id == AVSK_PLUGIN_AERIVO),
             "error of file %d for plugin %d: %s", gFuzz.file, id, message);
-    REQUIRE(!who || (who->errorSet && !who->record->unloaded), "error of plugin %d, which wants none: %s", id, message);
+    REQUIRE(!who || (who->errorSet && (who->inLoader || !who->record->unloaded)),
+            "error of plugin %d, which wants none: %s", id, message);
     ActInCallback(24);
 }
 

@@ -79,19 +79,18 @@ void StartLibrary() {
     for (File &file : gFuzz.files)
         file.tried = false;
     const int upheavals = gFuzz.upheavals;
-    bool whole = true;
     try {
         const int answer = AVSKInitializePlugins("/", gFuzz.table, 0);
         REQUIRE(answer == AVSK_HOST_INTERFACE, "the start answers %d", answer);
     } catch (...) {
         ++gCounters.throws;
-        whole = kRules.throwingEntryStopsNobody;
     }
-    if (whole && gFuzz.depth == 0 && upheavals == gFuzz.upheavals)
+    if (gFuzz.depth == 0 && upheavals == gFuzz.upheavals)
         CheckAfterStart();
 }
 
 void ShutDownLibrary() {
+    const int upheavals = gFuzz.upheavals;
     try {
         AVSKShutdownPlugins();
     } catch (...) {
@@ -100,7 +99,8 @@ void ShutDownLibrary() {
     if (gFuzz.depth > 0)
         return;
     { const StDispatchCallback last; } // the end of a call unmaps the libraries that wait for it
-    CheckAfterShutdown();
+    if (upheavals == gFuzz.upheavals)
+        CheckAfterShutdown();
 }
 
 extern "C" int LLVMFuzzerInitialize(int *, char ***) {

@@ -32,6 +32,12 @@ TEST_P(BlameTest, RunNamesWhoEndedIt) {
     }
 }
 
+// The address sanitizer's own unwinder stops before it reaches the overwritten part.
+#ifdef __SANITIZE_ADDRESS__
+constexpr const char *kNoCallers = "The stack";
+#else
+constexpr const char *kNoCallers = "the stack is overwritten";
+#endif
 const std::string kTick = " in AVSKFlightLoop_f Tick\n";
 const std::string kUnderWay = "  host > library  AVSKEventHook(event=0, ";
 const std::string kLast = "  Dies > library  AVSKRegisterFlightLoopCallback(callback=Tick, interval=-1, refcon=null)\n";
@@ -57,7 +63,7 @@ INSTANTIATE_TEST_SUITE_P(
         End{"exit", 3, {"avsk: plugin 'Dies' called exit(0)" + kTick, kUnderWay, "Dies.cpp:"}},
         // The stack is overwritten; the report does not depend on it.
         End{"smash", 3, {"died of SIGSEGV (there is no code at 0x41414141)" + kTick, "In frame 1\n", kLast}},
-        End{"smashfar", 3, {"died of SIGSEGV (there is no code at 0x41414141)" + kTick, kLast, "overwritten"}},
+        End{"smashfar", 3, {"died of SIGSEGV (there is no code at 0x41414141)" + kTick, kLast, kNoCallers}},
         End{"registers", 3, {"died of SIGSEGV (address 0x", kTick, kLast, "Dies.cpp:"}},
         End{"names", 3, {"(address 0x0 is not mapped)" + kTick, "debugString(text=\"nnn", "\"...)\n", "Dies.cpp:"}},
         End{"throw",

@@ -59,9 +59,11 @@ bool AnyModuleHolds(int id) {
                        [id](const ModuleTeardown &module) { return module.holds(id); });
 }
 
-void CleanUp(int id) {
+// Ends when the host starts the library anew meanwhile: the ID is another plugin's.
+void CleanUp(const PluginRecord &record) {
     for (const ModuleTeardown &module : kTeardown)
-        module.cleanUp(id);
+        if (PluginAt(record.id) == &record)
+            module.cleanUp(record.id);
 }
 
 bool gIsUnloadingAll = false;
@@ -138,6 +140,7 @@ void ForgetEntryPoints(PluginRecord &record) {
 // these stand behind it and keep their IDs; then the record stays, empty.
 void Withdraw(const PluginShare &record) {
     ForgetEntryPoints(*record);
+    record->handle = nullptr; // if it is not unmapped yet, it stays mapped
     if (!gAllPlugins.empty() && gAllPlugins.back() == record)
         RemoveLastPlugin();
     AbandonDeliveries(*record);
@@ -186,12 +189,13 @@ EntryPoints FindEntryPoints(void *handle) {
 // destructors registered.
 void Unmap(const PluginShare &record) {
     const int id = record->id;
+    if (PluginAt(id) != record.get())
+        return; // re-entered: the inner call unmapped the library
     if (!StDispatchCallback::ReleaseLibrary(id, std::exchange(record->handle, nullptr)))
         return;
-    if (PluginAt(id) && PluginAt(id) != record.get())
-        return; // the host started the library anew from inside a destructor's call
+    record->errorCallback = nullptr;
     if (AnyModuleHolds(id))
-        CleanUp(id);
+        CleanUp(*record);
     AbandonDeliveries(*record);
 }
 
@@ -454,8 +458,17 @@ int LoadOnePlugin(const std::string &path, int reportMissing) {
 
 void UnloadOnePlugin(int id) {
     const PluginShare record = SharePlugin(id);
-    if (!record || record->unloaded) // unreachable: a defence, callers pass IDs of records
+    if (!record) // unreachable: a defence, callers pass IDs of records
         return;
+    if (record->unloaded) {
+        // Re-entered. Without a handle its static destructors may be running, and
+        // its ID may be given away before they return.
+        if (record->handle)
+            Unmap(record);
+        else if (!StDispatchCallback::ReleaseLibrary(id, nullptr) && AnyModuleHolds(id))
+            CleanUp(*record);
+        return;
+    }
     AbandonDeliveries(*record);
 
     LastCalls calls;
@@ -467,13 +480,13 @@ void UnloadOnePlugin(int id) {
             stop();
         });
     if (!record->unloaded)
-        calls.Make([id] { CleanUp(id); });
+        calls.Make([&record] { CleanUp(*record); });
     if (!record->unloaded) {
         ForgetEntryPoints(*record);
         // A last call, such as to a window that lost the focus, may have thrown
         // or registered something. From here on the plugin is not called.
         if (calls.Thrown() || AnyModuleHolds(id))
-            CleanUp(id);
+            CleanUp(*record);
         AbandonDeliveries(*record); // requested by the stop call
         Unmap(record);
     }
