@@ -92,7 +92,8 @@ Status StatusOf(const Registration &registration) {
         return registration.owner == AVSK_PLUGIN_AERIVO ? Status::Live : Status::Gone;
     if (!who->record->unloaded) // it may be in its tear-down, which is unknown without a stop entry
         return who->stopped || !(who->entries & kStopEntry) ? Status::Limbo : Status::Live;
-    if (who->inLoader)
+    // The library removes what destructors registered only after they returned.
+    if (who->inLoader || gFuzz.reports < who->settled)
         return Status::Limbo;
     if (who->accepted || registration.kind == Kind::Load)
         return Status::Gone;
@@ -146,6 +147,7 @@ Registration &CheckCall(void *refcon, Kind kind) {
 }
 
 void CheckQuiet() {
+    ++gFuzz.reports;
     REQUIRE(AVSKGetMyID() == AVSK_PLUGIN_AERIVO, "between hooks %d is dispatched, not the host", AVSKGetMyID());
     REQUIRE(gFuzz.file == kProgram, "file %d's code is still on the stack", gFuzz.file);
     REQUIRE(gCallFlags.count == std::max<std::size_t>(gAllPlugins.size(), 1), "flags of %u plugins, records of %zu",

@@ -33,6 +33,7 @@ struct Incarnation {
     std::shared_ptr<PluginRecord> record; // of the library
     const Incarnation *heir = nullptr;    // the next life with the same ID
     bool inLoader = false;                // its file's constructors or destructors are running
+    int settled = 0;                      // from this report on, nothing is left of what its destructors registered
     bool accepted = false;
     bool stopped = false;
     bool enabling = false;
@@ -107,6 +108,7 @@ struct Fuzz {
     Input in;
     const struct AVSKHostCallbacks *table = nullptr;
     int actions = 0;
+    int reports = 0;
     int loads = 0;
     int upheavals = 0; // events that may interrupt a start of the library
     int depth = 0;     // of nested callbacks and host services

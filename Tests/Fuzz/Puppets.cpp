@@ -146,7 +146,10 @@ void ActInLoader(File &file) {
     const int id = AVSKGetMyID();
     REQUIRE(id != AVSK_PLUGIN_AERIVO, "a constructor of file %d runs on the host's account", gFuzz.file);
     bool nobodys = false;
-    const AVSKScopedValue running(id == NO_PLUGIN_ID ? nobodys : Begin(gFuzz.file).inLoader, true);
+    Incarnation *who = id == NO_PLUGIN_ID ? nullptr : &Begin(gFuzz.file);
+    if (who && who->record->unloaded)
+        who->settled = gFuzz.reports + 1;
+    const AVSKScopedValue running(who ? who->inLoader : nobodys, true);
     file.kept |= !(file.entries & kStartEntry); // what it registers passes to the next plugin with its ID
     try {
         ActInCallback(256);

@@ -31,7 +31,7 @@ void Report() {
 
 void Begin(const std::uint8_t *data, std::size_t size) {
     gFuzz.in.Set(data, size);
-    gFuzz.actions = gFuzz.loads = gFuzz.serial = gFuzz.services = gFuzz.quiet = 0;
+    gFuzz.actions = gFuzz.reports = gFuzz.loads = gFuzz.serial = gFuzz.services = gFuzz.quiet = 0;
     gFuzz.now = 0;
     gFuzz.calm = false;
     gFuzz.camera = nullptr;

@@ -256,23 +256,34 @@ TEST_F(Corners, ARunningCallOfAnEarlierLifeIsNobodys) {
     }
 }
 
-TEST_F(Corners, AReloadEndsWhenTheHostShutsDownMeanwhile) {
+TEST_F(Corners, AStartOrReloadEndsWhenTheHostShutsDownMeanwhile) {
     world.Install("A");
     const auto systemPath = host.on.getSystemPath;
+    const auto createMenu = host.on.createMenu;
     for (const bool restarts : {false, true})
-        for (const bool isLate : {false, true}) { // late: in slot 25, else in slot 53
-            const auto act = [&] {
+        for (const int slot : {53, 25, 30}) { // the first two are called by a reload, the last by a start
+            bool acted = false;
+            AVSKMenuID menu = nullptr;
+            const auto act = [&](int called) {
+                if (called != slot || std::exchange(acted, true))
+                    return;
                 Take();
                 AVSKShutdownPlugins();
                 if (restarts)
                     world.Start();
+                menu = AVSKFindPluginsMenu();
             };
-            host.on.showMessage = [&](auto...) { isLate ? void() : act(); };
-            host.on.getSystemPath = [&](char *out) { systemPath(out), isLate ? act() : void(); };
+            host.on.showMessage = [&](auto...) { act(53); };
+            host.on.getSystemPath = [&](char *out) { systemPath(out), act(25); };
+            host.on.createMenu = [&](auto... all) { return act(30), createMenu(all...); };
             world.Start();
-            AVSKReloadPlugins();
-            World::Pass(1);
+            if (slot != 30) {
+                AVSKReloadPlugins();
+                World::Pass(1);
+            }
             EXPECT_EQ(TakeCalls(), restarts ? "createMenu(null, 0, \"Plugins\"); start A; enable A" : "");
+            EXPECT_EQ(AVSKCountPlugins(), restarts ? 2 : 0) << slot;
+            EXPECT_TRUE(!restarts || AVSKFindPluginsMenu() == menu) << slot;
             world.Stop();
         }
 }

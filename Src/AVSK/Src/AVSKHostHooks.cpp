@@ -37,9 +37,10 @@ int AVSKInitializePlugins(const char *path, const AVSKHostCallbacks *table, AVSK
     const StDispatchCallback restoring;
     SetHostTable(table, self);
     SetMemoryReport(ReportOutOfMemory);
-    AVSKInitMenus();
-    PublishBuild();
-    LoadAndEnablePlugins(path ? path : "");
+    LoadAndEnablePlugins(path ? path : "", [] {
+        AVSKInitMenus();
+        PublishBuild();
+    });
     return AVSK_HOST_INTERFACE;
 }
 

@@ -405,9 +405,12 @@ void LoadUsersAircraftPlugins() {
     calls.Rethrow();
 }
 
-void LoadAndEnablePlugins(const char *hostFolder) {
+void LoadAndEnablePlugins(const char *hostFolder, void (*prepare)()) {
     ++gLives;
     const Life life;
+    prepare();
+    if (life.IsOver())
+        return;
     LastCalls calls;
     calls.Make([hostFolder] { AVSKFindAndLoadPlugins(hostFolder); });
     if (life.MayLoad())

@@ -17,8 +17,9 @@ extern bool gScheduleReload;                        // a plugin asked for a relo
 // These load or enable several plugins. If one throws, the others are loaded
 // and enabled all the same, and the first exception passes on afterwards.
 
-// Starts the library: loads the plugins of the host's folder and enables them.
-void LoadAndEnablePlugins(const char *hostFolder);
+// Starts the library: calls prepare, then loads the plugins of the host's folder
+// and enables them. Ends if prepare leads to a shutdown or to another start.
+void LoadAndEnablePlugins(const char *hostFolder, void (*prepare)());
 // Registers the host as plugin 0 and loads the plugins of its "Resources/plugins" folder.
 void AVSKFindAndLoadPlugins(const char *hostFolder);
 // Loads, without enabling, the plugins of an aircraft folder.

@@ -104,7 +104,9 @@ void Unlist(const AVSKMenuInfo_t *menu) { gMenus.erase(std::remove(gMenus.begin(
 void AVSKInitMenus() {
     const StDispatchCallback asHost(AVSK_PLUGIN_AERIVO);
     gPluginMenu = nullptr;
-    gPluginMenu = AVSKCreateMenu("Plugins", nullptr, 0, nullptr, nullptr);
+    AVSKMenuID menu = AVSKCreateMenu("Plugins", nullptr, 0, nullptr, nullptr);
+    if (!gPluginMenu) // otherwise the host restarted the library meanwhile
+        gPluginMenu = menu;
 }
 
 AVSKMenuID AVSKFindPluginsMenu() { return gPluginMenu; }
