@@ -1,14 +1,10 @@
 // The actions: API calls as the dispatched plugin, and reports of the host. Each
 // takes its arguments from the input and updates the model. Two tables at the
 // end list them.
-#include "Host.h"
 #include "Puppets.h"
-
-#include "AVSKDispatch.h"
 
 #include <algorithm>
 #include <cmath>
-#include <cstdio>
 #include <optional>
 
 namespace {
@@ -360,7 +356,7 @@ bool RegisterHotKey(Registration &r) {
 
 void CountHotKeys() {
     const int count = AVSKCountHotKeys();
-    const auto &all = gFuzz.of[static_cast<std::size_t>(Kind::HotKey)];
+    const auto &all = gFuzz.Of(Kind::HotKey);
     const auto live = std::count_if(all.begin(), all.end(), [](const Registration *each) {
         return each->count == 1 && StatusOf(*each) == Status::Live;
     });
@@ -548,7 +544,7 @@ void RegisterData() {
     AVSKDataRef ref = AVSKFindDataRef(name);
     bool owned = false;
     bool live = false;
-    for (Registration *each : gFuzz.of[static_cast<std::size_t>(Kind::Data)])
+    for (Registration *each : gFuzz.Of(Kind::Data))
         if (each->a == number) {
             const Status status = StatusOf(*each);
             owned = owned || status != Status::Gone;
@@ -573,7 +569,7 @@ void UnregisterData() {
     const char *name = kDataNames[number];
     AVSKDataRef ref = AVSKFindDataRef(name);
     Registration *mine = nullptr;
-    for (Registration *each : gFuzz.of[static_cast<std::size_t>(Kind::Data)])
+    for (Registration *each : gFuzz.Of(Kind::Data))
         if (each->a == number && each->owner == Self() && StatusOf(*each) != Status::Gone)
             mine = each;
     AVSKUnregisterDataAccessor(ref);
@@ -833,7 +829,7 @@ void ActAsHost() {
         else
             HostReport();
     } catch (...) {
-        Fail("an exception passed a report from a host service");
+        REQUIRE(false, "an exception passed a report from a host service");
     }
 }
 

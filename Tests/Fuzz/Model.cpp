@@ -1,42 +1,17 @@
 #include "Model.h"
 
-#include "AVSKDispatch.h"
 #include "AVSKModules.h"
 
 #include <algorithm>
-#include <cstdarg>
-#include <cstdio>
-#include <cstdlib>
 
 Fuzz &gFuzz = *new Fuzz;
 Counters gCounters = {};
 
-static void Print(const char *format, va_list arguments) {
-    std::vfprintf(stderr, format, arguments);
-    std::fputs("\n", stderr);
-}
-
-void Fail(const char *format, ...) {
-    std::fputs("fuzz: broken: ", stderr);
-    va_list arguments;
-    va_start(arguments, format);
-    Print(format, arguments);
-    va_end(arguments);
-    std::abort();
-}
-
-void PrintTrace(const char *format, ...) {
-    std::fprintf(stderr, "%*s%d: ", 2 * gFuzz.depth, "", AVSKGetMyID());
-    va_list arguments;
-    va_start(arguments, format);
-    Print(format, arguments);
-    va_end(arguments);
-}
+const bool kTrace = std::getenv("AVSK_FUZZ_TRACE") != nullptr;
 
 const char *NameOf(Kind kind) {
-    static const char *const names[] = {"flight loop", "draw callback", "key sniffer",  "window",  "hot key",
-                                        "menu",        "command",       "subscription", "dataref", "object load",
-                                        "planes",      "camera",        "probe",        "object",  "enumeration"};
+#define FUZZ_NAME(kind, name) name,
+    static const char *const names[] = {FUZZ_KINDS(FUZZ_NAME)};
     return names[static_cast<int>(kind)];
 }
 
@@ -80,7 +55,7 @@ Registration *Register(Kind kind) {
     REQUIRE(owner <= 0 || who, "plugin %d is dispatched and was never started", owner);
     Registration &added =
         gFuzz.registrations.emplace_back(Registration{kind, owner, who, who ? who->file : kProgram, ++gFuzz.serial});
-    gFuzz.of[static_cast<std::size_t>(kind)].push_back(&added);
+    gFuzz.Of(kind).push_back(&added);
     return &added;
 }
 
@@ -104,7 +79,7 @@ Status StatusOf(const Registration &registration) {
 }
 
 Registration *Pick(Kind kind) {
-    const auto &all = gFuzz.of[static_cast<std::size_t>(kind)];
+    const auto &all = gFuzz.Of(kind);
     if (all.empty())
         return nullptr;
     // Counts from the latest: zero bytes, as short inputs yield, pick what was just registered.
@@ -112,7 +87,7 @@ Registration *Pick(Kind kind) {
 }
 
 Registration *ByHandle(Kind kind, const void *handle) {
-    const auto &all = gFuzz.of[static_cast<std::size_t>(kind)];
+    const auto &all = gFuzz.Of(kind);
     const auto found = std::find_if(all.rbegin(), all.rend(), [&](const auto *each) { return each->handle == handle; });
     return found == all.rend() ? nullptr : *found;
 }

@@ -4,14 +4,42 @@
 #ifndef AVSK_FUZZ_MODEL_H
 #define AVSK_FUZZ_MODEL_H
 
-#include "Input.h"
-
+#include "AVSKDispatch.h"
 #include "AVSKLoaderRegistry.h"
 #include "AVSKScopedValue.h"
 
+#include "AVSK/AVSKHost.h"
+#include "AVSK/AVSKMenus.h"
+
+#include <cstdio>
+#include <cstdlib>
 #include <deque>
 #include <memory>
 #include <vector>
+
+// The input of one run, read from front to back. Past its end it yields zeros.
+class Input {
+  public:
+    void Set(const std::uint8_t *bytes, std::size_t size) {
+        at = bytes;
+        end = bytes + size;
+    }
+    bool Empty() const { return at == end; }
+    unsigned Byte() { return at == end ? 0 : *at++; }
+    // A number from 0 to limit - 1; limit is at most 256.
+    int Below(int limit) { return static_cast<int>(Byte() % static_cast<unsigned>(limit)); }
+    // True with a probability of 1 / oneIn.
+    bool Rarely(int oneIn) { return Below(oneIn) == oneIn - 1; }
+    bool Flag() { return (Byte() & 1U) != 0; }
+    template <class T, std::size_t kCount>
+    T OneOf(const T (&values)[kCount]) {
+        return values[Byte() % kCount];
+    }
+
+  private:
+    const std::uint8_t *at = nullptr;
+    const std::uint8_t *end = nullptr;
+};
 
 constexpr int kPuppets = 8;
 constexpr int kProgram = kPuppets; // the pseudo-file of the host's callbacks, always mapped
@@ -42,24 +70,16 @@ struct Incarnation {
     bool errorSet = false;
 };
 
+#define FUZZ_KINDS(X)                                                                                                  \
+    X(Loop, "flight loop")                                                                                             \
+    X(Draw, "draw callback") X(Sniffer, "key sniffer") X(Window, "window") X(HotKey, "hot key") X(Menu, "menu")        \
+        X(Command, "command") X(Shared, "subscription") X(Data, "dataref") X(Load, "object load") X(Planes, "planes")  \
+            X(Camera, "camera") X(Probe, "probe") X(Object, "object") X(Feature, "enumeration")
+#define FUZZ_KIND(kind, name) kind,
 enum class Kind {
-    Loop,
-    Draw,
-    Sniffer,
-    Window,
-    HotKey,
-    Menu,
-    Command,
-    Shared,
-    Data,
-    Load,
-    Planes,
-    Camera,
-    Probe,
-    Object,
-    Feature,
-    Count
+    FUZZ_KINDS(FUZZ_KIND) Count
 };
+#undef FUZZ_KIND
 
 // One registration. Its address is the refcon, which no other registration of the run uses.
 struct Registration {
@@ -106,7 +126,7 @@ struct Counters {
 // The state of the run.
 struct Fuzz {
     Input in;
-    const struct AVSKHostCallbacks *table = nullptr;
+    const AVSKHostCallbacks *table = nullptr;
     int actions = 0;
     int reports = 0;
     int loads = 0;
@@ -117,7 +137,6 @@ struct Fuzz {
     int quiet = 0;     // service calls until one acts
     bool calm = false; // tear-down: callbacks do nothing
     bool wildHost = false;
-    bool trace = false;
     int serial = 0;
     int file = kProgram; // the file whose code is running
     float now = 0;
@@ -126,6 +145,7 @@ struct Fuzz {
     std::vector<Incarnation *> watched;      // those not known to be unloaded
     std::vector<Registration> registrations; // never reallocates: addresses are refcons
     std::vector<Registration *> of[static_cast<std::size_t>(Kind::Count)];
+    auto &Of(Kind kind) { return of[static_cast<std::size_t>(kind)]; }
     std::vector<FlightPass> passes;
     std::vector<int> senders; // of the messages being delivered
     std::vector<int> buttons;
@@ -137,20 +157,30 @@ struct Fuzz {
 extern Fuzz &gFuzz;
 extern Counters gCounters;
 
-[[noreturn]] void Fail(const char *format, ...) __attribute__((format(printf, 1, 2)));
 #define REQUIRE(condition, ...)                                                                                        \
     do {                                                                                                               \
         if (!(condition)) [[unlikely]]                                                                                 \
-            Fail(__VA_ARGS__);                                                                                         \
+            std::fprintf(stderr, "fuzz: broken: " __VA_ARGS__), std::fputs("\n", stderr), std::abort();                \
     } while (false)
 
 // Prints one line to standard error if AVSK_FUZZ_TRACE is set in the environment.
-void PrintTrace(const char *format, ...) __attribute__((format(printf, 1, 2)));
+extern const bool kTrace;
 #define TRACE(...)                                                                                                     \
     do {                                                                                                               \
-        if (gFuzz.trace) [[unlikely]]                                                                                  \
-            PrintTrace(__VA_ARGS__);                                                                                   \
+        if (kTrace) [[unlikely]]                                                                                       \
+            std::fprintf(stderr, "%*s%d: ", 2 * gFuzz.depth, "", gDispatchedPlugin),                                   \
+                std::fprintf(stderr, __VA_ARGS__), std::fputs("\n", stderr);                                           \
     } while (false)
+
+// Makes a call and counts the exception that leaves it, if any.
+template <class Call>
+void Catching(Call call) {
+    try {
+        call();
+    } catch (...) {
+        ++gCounters.throws;
+    }
+}
 
 const char *NameOf(Kind kind);
 
@@ -189,6 +219,32 @@ class Pushed {
   private:
     std::vector<T> &list;
 };
+
+// ---- The host; see Host.cpp. It checks the library's service calls, and sometimes
+// calls the library from inside a service.
+
+constexpr int kCommands = 4;
+
+// Resets the host and returns its table for the run.
+const AVSKHostCallbacks *FreshHost(int version, bool fullTable);
+
+// Handles for reports to the library.
+void *HostCommand(int number);
+void *AnyHostMenu(); // chosen by the input; null if there is none
+int AnyHostItemID();
+
+// While AVSKClearAllMenuItems runs: limits the renames of the menu's items at this call depth.
+struct Clearing {
+    AVSKMenuID menu;
+    int depth;
+    int renames; // how many are left; -1 until the first rename identifies the menu
+};
+extern Clearing *gClearing; // the innermost, or null
+
+// Completes a requested load, chosen by the input. It may complete one twice.
+void CompleteLoad();
+void CompleteAllLoads();
+void CheckObjectsReturned();
 
 // The actions of callbacks and of the session; see Actions.cpp.
 void ShareNames();                   // call it once: shared data is never removed

@@ -2,8 +2,6 @@
 // it now, then acts as the input says.
 #include "Puppets.h"
 
-#include "AVSKDispatch.h"
-
 // Replaces the loader and the folder listings; the rest of the platform is the real code.
 #define AVSKLoadDLL SystemLoadDLL
 #define AVSKUnloadDLL SystemUnloadDLL
@@ -16,7 +14,6 @@
 #undef AVSKFetchDirectoryContents
 
 #include <cmath>
-#include <cstdio>
 #include <cstring>
 
 namespace {
@@ -151,11 +148,7 @@ void ActInLoader(File &file) {
         who->settled = gFuzz.reports + 1;
     const AVSKScopedValue running(who ? who->inLoader : nobodys, true);
     file.kept |= !(file.entries & kStartEntry); // what it registers passes to the next plugin with its ID
-    try {
-        ActInCallback(256);
-    } catch (...) {
-        ++gCounters.throws;
-    }
+    Catching([] { ActInCallback(256); });
 }
 
 } // namespace

@@ -1,6 +1,5 @@
 // One run: the host starts the library with the puppets, acts as the input says,
 // shuts the library down, and checks that nothing is left.
-#include "Host.h"
 #include "Model.h"
 
 #include "AVSKDispatch.h"
@@ -10,8 +9,6 @@
 #include "AVSK/AVSK.h"
 
 #include <chrono>
-#include <cstdio>
-#include <cstdlib>
 #include <ctime>
 
 namespace {
@@ -30,21 +27,9 @@ void Report() {
 }
 
 void Begin(const std::uint8_t *data, std::size_t size) {
+    gFuzz = Fuzz();
     gFuzz.in.Set(data, size);
-    gFuzz.actions = gFuzz.reports = gFuzz.loads = gFuzz.serial = gFuzz.services = gFuzz.quiet = 0;
-    gFuzz.now = 0;
-    gFuzz.calm = false;
-    gFuzz.camera = nullptr;
-    gFuzz.registrations.clear();
     gFuzz.registrations.reserve(kMaxRegistrations);
-    for (auto &kind : gFuzz.of)
-        kind.clear();
-    gFuzz.latest.clear();
-    gFuzz.watched.clear();
-    gFuzz.incarnations.clear();
-    gFuzz.buttons.clear();
-    for (File &file : gFuzz.files)
-        file.mapped = file.kept = false;
     gFuzz.files[kProgram].mapped = 1;
     // Resets state of the library that earlier runs may have changed.
     gScheduleReload = false;
@@ -66,7 +51,7 @@ void CleanUpRest() {
             if (id != AVSK_PLUGIN_AERIVO || hook != AVSKDataRefsCleanupHook) // keeps the library's own datarefs
                 hook(id);
     AVSKSetDispatchedPlugin(AVSK_PLUGIN_AERIVO);
-    for (const Registration *each : gFuzz.of[static_cast<std::size_t>(Kind::Data)])
+    for (const Registration *each : gFuzz.Of(Kind::Data))
         AVSKUnregisterDataAccessor(static_cast<AVSKDataRef>(each->handle));
     // Queries left walks open. Each registration closes one.
     for (int i = 0; i < 2; ++i)
@@ -79,23 +64,14 @@ void StartLibrary() {
     for (File &file : gFuzz.files)
         file.tried = false;
     const int upheavals = gFuzz.upheavals;
-    try {
-        const int answer = AVSKInitializePlugins("/", gFuzz.table, 0);
-        REQUIRE(answer == AVSK_HOST_INTERFACE, "the start answers %d", answer);
-    } catch (...) {
-        ++gCounters.throws;
-    }
+    Catching([] { REQUIRE(AVSKInitializePlugins("/", gFuzz.table, 0) == AVSK_HOST_INTERFACE, "a start's answer"); });
     if (gFuzz.depth == 0 && upheavals == gFuzz.upheavals)
         CheckAfterStart();
 }
 
 void ShutDownLibrary() {
     const int upheavals = gFuzz.upheavals;
-    try {
-        AVSKShutdownPlugins();
-    } catch (...) {
-        ++gCounters.throws;
-    }
+    Catching(AVSKShutdownPlugins);
     if (gFuzz.depth > 0)
         return;
     { const StDispatchCallback last; } // the end of a call unmaps the libraries that wait for it
@@ -105,7 +81,6 @@ void ShutDownLibrary() {
 
 extern "C" int LLVMFuzzerInitialize(int *, char ***) {
     std::atexit(Report);
-    gFuzz.trace = std::getenv("AVSK_FUZZ_TRACE") != nullptr;
     gFuzz.files[kProgram].mapped = 1;
     ShareNames();
     return 0;
