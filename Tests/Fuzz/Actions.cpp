@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <numeric>
 #include <optional>
 
 namespace {
@@ -13,10 +14,14 @@ Input &Draw() { return gFuzz.in; }
 
 int Self() { return AVSKGetMyID(); }
 
-template <class T>
-T *As(void *handle) {
-    return static_cast<T *>(handle);
-}
+// A handle of the library. It converts to any of its types.
+struct Handle {
+    void *pointer = nullptr;
+    template <class T>
+    operator T *() const {
+        return static_cast<T *>(pointer);
+    }
+};
 
 bool IsSelf(const Registration &r) { return r.owner == Self() && r.who == IncarnationOf(Self()); }
 
@@ -33,10 +38,9 @@ Registration *PickLatest(Kind kind) {
 }
 
 // Returns a handle that the input picks, or null.
-template <class T>
-T *HandleOf(Kind kind) {
+Handle HandleOf(Kind kind) {
     const Registration *picked = Pick(kind);
-    return picked ? As<T>(picked->handle) : nullptr;
+    return {picked ? picked->handle : nullptr};
 }
 
 // Creates a resource. As plugin -1 the call must return null or 0 without a host service call.
@@ -50,37 +54,37 @@ void Create(Kind kind, Call call) {
     REQUIRE(r->owner != NO_PLUGIN_ID || (!created && gFuzz.services == services), "nobody creates a %s", NameOf(kind));
 }
 
-enum class Removes {
-    Own,
-    Anybodys
-};
-
 template <class Call>
-void Remove(Registration *r, Removes which, Call call) {
+void Remove(Registration *r, bool onlyOwn, Call call) {
     if (!r)
         return;
-    const bool removed = which == Removes::Anybodys || r->owner == Self();
+    const bool removed = !onlyOwn || r->owner == Self();
     call(*r);
     if (removed)
         MarkRemoved(*r);
 }
 
-template <Kind kKind, class T, auto kCall, Removes kWhich>
+template <Kind kKind, auto kCall, bool kOnlyOwn>
 void RemoveByHandle() {
-    Remove(PickLatest(kKind), kWhich, [](Registration &r) { kCall(As<T>(r.handle)); });
+    Remove(PickLatest(kKind), kOnlyOwn, [](Registration &r) { kCall(Handle{r.handle}); });
 }
 
 // Loading plugins is as slow as many other calls, so a run does it only a few times.
 bool MayLoad() { return gFuzz.loads < 4 + gFuzz.actions / 100 && ++gFuzz.loads; }
 
 int AnyX() { return Draw().Below(16); }
-int AnyFlags() { return Draw().Below(3); }
-char AnyKey() { return static_cast<char>('A' + Draw().Below(3)); }
 
-float AnyInterval() {
-    constexpr float intervals[] = {-1, -1, 0, 1, 0.25F, -2, NAN, INFINITY};
-    return Draw().OneOf(intervals);
-}
+// Members are drawn in their order. Compilers disagree about the order of arguments.
+struct KeyPress {
+    char key = static_cast<char>('A' + Draw().Below(3));
+    int flags = Draw().Below(3);
+};
+
+constexpr float kIntervals[] = {-1, -1, 0, 1, 0.25F, -2, NAN, INFINITY};
+struct Interval {
+    float seconds = Draw().OneOf(kIntervals);
+    int relative = Draw().Below(2);
+};
 
 // ---- The host's reports
 
@@ -136,65 +140,9 @@ void DrawScreen(int code, int reflection) {
     Hook([=] { AVSKDoDrawingHook(code, reflection); });
 }
 
-void DrawAny() {
-    const int code = Draw().Below(28);
-    DrawScreen(code, Draw().Rarely(4));
-}
-
-void Click() {
-    Hook([x = AnyX(), y = AnyX(), down = Draw().Below(3)] { AVSKMouseClickHook(x, y, down); });
-}
-
-void PressKey() {
-    const AVSKScopedValue pressing(gFuzz.keyHooks, gFuzz.keyHooks + 1);
-    Hook([key = AnyKey(), flags = AnyFlags()] { AVSKKeyPressHook(key, flags, key); });
-}
-
-void MoveCamera() {
-    Hook([] {
-        float f[7] = {1, 2, 3, 4, 5, 6, 7};
-        AVSKCameraHook(&f[0], &f[1], &f[2], &f[3], &f[4], &f[5], &f[6]);
-    });
-}
-
-void AskAboutMenu() {
-    Hook([menu = AnyHostMenu(), index = Draw().Below(6) - 1] {
-        int check = 7;
-        if (AVSKCheckMenuHook(menu, index, &check) == 0)
-            REQUIRE(check >= -1 && check <= 1, "a check mark of %d", check);
-        AVSKMenuItemEnabled(menu, index);
-    });
-}
-
-void ReportCommand() {
-    Hook([command = HostCommand(Draw().Below(kCommands)), bits = Draw().Byte()] {
-        AVSKCommandHook(command, bits & 1U, bits & 2U, bits & 4U);
-    });
-}
-
-void CountPlanes() {
-    Hook([count = Draw().Below(8), flag = Draw().Rarely(3)] {
-        const int handled = AVSKGetNumberPlanesToHandle(count, flag);
-        REQUIRE(handled <= count, "%d planes of %d", handled, count);
-        char name[256] = "x.acf";
-        static char path[4096];
-        AVSKUpdatePlaneNameAndPath(count - 1, name, path);
-    });
-}
-
 // Sends any event, sometimes an unknown one.
-void AnyEvent() {
-    const int event = Draw().Below(16);
-    if (event != AVSKHostEventFrame && event != AVSKHostEventFrameEnd)
-        Event(event, event == AVSKHostEventSceneryFolder ? 0 : Draw().Rarely(4));
-}
 
 // Loads or unloads the aircraft's plugins, or loads the scenery's.
-void ChangePlugins() {
-    constexpr int events[] = {AVSKHostEventPlaneUnloaded, AVSKHostEventSceneryFolder, AVSKHostEventPlaneLoaded,
-                              AVSKHostEventPlaneLoaded};
-    Event(Draw().OneOf(events), 0);
-}
 
 // Shuts the library down and starts it again.
 void Restart() {
@@ -218,12 +166,6 @@ void Enable(int id) {
     REQUIRE(!enabling || answer == 0, "enabling plugin %d inside itself answers %d", id, answer);
 }
 
-void SendMessage() {
-    const int receiver = Draw().Flag() ? NO_PLUGIN_ID : AnyPlugin();
-    const Pushed sending(gFuzz.senders, Self());
-    AVSKSendMessageToPlugin(receiver, 1000 + Draw().Below(4), reinterpret_cast<void *>(gFuzz.senders.size() - 1));
-}
-
 void AskAboutPlugin() {
     char texts[4][AVSK_TEXT_SIZE];
     AVSKGetPluginInfo(AnyPlugin(), texts[0], texts[1], texts[2], texts[3]);
@@ -231,11 +173,6 @@ void AskAboutPlugin() {
     const int found = AVSKFindPluginBySignature(texts[2]);
     REQUIRE(found < AVSKCountPlugins(), "signature %s is plugin %d of %d", texts[2], found, AVSKCountPlugins());
     AVSKDebugGetCurrentPluginName();
-}
-
-void EnableFeature() {
-    const int enable = Draw().Below(3);
-    AVSKEnableFeature(Draw().Flag() ? "AVSK_WANTS_REFLECTIONS" : "AVSK_USE_NATIVE_PATHS", enable);
 }
 
 void SetErrorCallback() {
@@ -246,12 +183,6 @@ void SetErrorCallback() {
     AVSKSetErrorCallback(wants ? ErrorCallback(self ? self->file : kProgram) : nullptr);
 }
 
-void EnumerateFeatures() {
-    AVSKIsFeatureEnabled("no feature");
-    if (Registration *r = Register(Kind::Feature))
-        AVSKEnumerateFeatures(Code<Kind::Feature>(*r), r);
-}
-
 bool CreateLoop(Registration &r) {
     r.a = Draw().Below(2);
     const AVSKCreateFlightLoopParams params = {sizeof params, r.a, Code<Kind::Loop>(r), &r};
@@ -259,97 +190,78 @@ bool CreateLoop(Registration &r) {
     AVSKFlightLoopID loop = AVSKCreateFlightLoop(&params);
     r.removed = false;
     r.handle = loop;
-    if (loop)
-        AVSKScheduleFlightLoop(loop, AnyInterval(), Draw().Below(2));
+    if (loop) {
+        const Interval first;
+        AVSKScheduleFlightLoop(loop, first.seconds, first.relative);
+    }
     return loop != nullptr;
 }
 
 bool RegisterLoop(Registration &r) {
     r.removed = true; // as above
-    AVSKRegisterFlightLoopCallback(Code<Kind::Loop>(r), AnyInterval(), &r);
+    AVSKRegisterFlightLoopCallback(Code<Kind::Loop>(r), Draw().OneOf(kIntervals), &r);
     r.removed = false;
     return false;
 }
 
-void ChangeLoop() {
-    if (Registration *r = Pick(Kind::Loop)) {
-        AVSKScheduleFlightLoop(As<AVSKFlightLoopRecord>(r->handle), AnyInterval(), Draw().Below(2));
-        AVSKSetFlightLoopCallbackInterval(Code<Kind::Loop>(*r), AnyInterval(), Draw().Below(2), r);
-    }
+// Registers or unregisters a draw callback or a key sniffer, which the library identifies by its values.
+template <Kind kKind>
+int ByValues(bool registers, Registration &r) {
+    if constexpr (kKind == Kind::Draw)
+        return (registers ? AVSKRegisterDrawCallback : AVSKUnregisterDrawCallback)(Code<kKind>(r), r.a, r.b, &r);
+    else
+        return (registers ? AVSKRegisterKeySniffer : AVSKUnregisterKeySniffer)(Code<kKind>(r), r.b, &r);
 }
 
-// Returns a new registration identified by its values, or an existing one to register again.
-Registration *ByValues(Kind kind) {
-    if (Draw().Rarely(3)) {
-        Registration *again = Pick(kind);
-        if (again && IsSelf(*again))
-            return again;
-    }
-    Registration *r = Register(kind);
-    if (r) {
+// A pass in progress still finds registrations removed during it.
+template <Kind kKind>
+bool IsUnderWay() {
+    return (kKind == Kind::Draw ? gFuzz.drawHooks : gFuzz.keyHooks) > 0;
+}
+
+// Makes a new registration, or an existing one again.
+template <Kind kKind>
+void RegisterValues() {
+    Registration *r = Draw().Rarely(3) ? Pick(kKind) : nullptr;
+    if (!r || !IsSelf(*r)) {
+        r = Register(kKind);
+        if (!r)
+            return;
         constexpr int phases[] = {0, 5, 50, 30, 100, 25, 45, 55};
         r->a = Draw().OneOf(phases);
         r->b = Draw().Below(2);
         r->removed = true; // not registered yet
     }
-    return r;
-}
-
-// Registers by values. A pass in progress still finds registrations removed during it.
-template <class Add>
-void RegisterValues(Kind kind, bool underWay, Add add) {
-    Registration *r = ByValues(kind);
-    if (!r)
-        return;
-    const int answer = add(*r);
+    const int answer = ByValues<kKind>(true, *r);
     const Status status = StatusOf(*r);
-    REQUIRE(answer || status != Status::Gone || underWay || r->owner == NO_PLUGIN_ID,
-            "a %s is refused though it is not registered", NameOf(kind));
+    REQUIRE(answer || status != Status::Gone || IsUnderWay<kKind>() || r->owner == NO_PLUGIN_ID,
+            "a %s is refused though it is not registered", NameOf(kKind));
     if (!answer)
         return;
-    REQUIRE(status != Status::Live, "a %s is registered twice", NameOf(kind));
-    REQUIRE(r->owner != NO_PLUGIN_ID, "nobody registers a %s", NameOf(kind));
+    REQUIRE(status != Status::Live, "a %s is registered twice", NameOf(kKind));
+    REQUIRE(r->owner != NO_PLUGIN_ID, "nobody registers a %s", NameOf(kKind));
     r->removed = false;
     r->count = 1;
     r->serial = ++gFuzz.serial;
 }
 
-template <class Take>
-void UnregisterValues(Kind kind, bool underWay, Take take) {
-    Registration *r = Pick(kind);
+template <Kind kKind>
+void UnregisterValues() {
+    Registration *r = Pick(kKind);
     if (!r)
         return;
-    const int answer = take(*r);
+    const int answer = ByValues<kKind>(false, *r);
     const Status status = StatusOf(*r);
-    REQUIRE(answer || status != Status::Live, "a registered %s is not found", NameOf(kind));
-    REQUIRE(!answer || status != Status::Gone || underWay || r->owner == NO_PLUGIN_ID, "a removed %s is found",
-            NameOf(kind));
+    REQUIRE(answer || status != Status::Live, "a registered %s is not found", NameOf(kKind));
+    REQUIRE(!answer || status != Status::Gone || IsUnderWay<kKind>() || r->owner == NO_PLUGIN_ID,
+            "a removed %s is found", NameOf(kKind));
     if (answer)
         MarkRemoved(*r);
 }
 
-void RegisterDraw() {
-    RegisterValues(Kind::Draw, gFuzz.drawHooks > 0,
-                   [](Registration &r) { return AVSKRegisterDrawCallback(Code<Kind::Draw>(r), r.a, r.b, &r); });
-}
-
-void UnregisterDraw() {
-    UnregisterValues(Kind::Draw, gFuzz.drawHooks > 0,
-                     [](Registration &r) { return AVSKUnregisterDrawCallback(Code<Kind::Draw>(r), r.a, r.b, &r); });
-}
-
-void RegisterSniffer() {
-    RegisterValues(Kind::Sniffer, gFuzz.keyHooks > 0,
-                   [](Registration &r) { return AVSKRegisterKeySniffer(Code<Kind::Sniffer>(r), r.b, &r); });
-}
-
-void UnregisterSniffer() {
-    UnregisterValues(Kind::Sniffer, gFuzz.keyHooks > 0,
-                     [](Registration &r) { return AVSKUnregisterKeySniffer(Code<Kind::Sniffer>(r), r.b, &r); });
-}
-
 bool RegisterHotKey(Registration &r) {
-    r.handle = AVSKRegisterHotKey(AnyKey(), AnyFlags(), "a hot key", Code<Kind::HotKey>(r), &r);
+    const KeyPress key;
+    r.handle = AVSKRegisterHotKey(key.key, key.flags, "a hot key", Code<Kind::HotKey>(r), &r);
     r.count = r.handle != nullptr;
     return r.handle;
 }
@@ -364,13 +276,6 @@ void CountHotKeys() {
     REQUIRE(!AVSKGetNthHotKey(count), "there is a hot key %d of %d", count, count);
     for (int index = 0; index < count; ++index)
         REQUIRE(ByHandle(Kind::HotKey, AVSKGetNthHotKey(index)), "hot key %d is nobody's", index);
-}
-
-void ChangeHotKey() {
-    auto *hotKey = HandleOf<AVSKHotKeyInfoRecord>(Kind::HotKey);
-    char description[AVSK_HOT_KEY_TEXT_SIZE];
-    AVSKGetHotKeyInfo(hotKey, nullptr, nullptr, description, nullptr);
-    AVSKSetHotKeyCombination(hotKey, AnyKey(), AnyFlags());
 }
 
 // Returns the registration of a window that the library still finds, or null. The
@@ -398,24 +303,11 @@ bool CreateWindowEx(Registration &r) {
     r.handle = AVSKCreateWindowEx(&params);
     const bool created = r.handle;
     if (Draw().Rarely(3) && created)
-        AVSKTakeKeyboardFocus(As<AVSKWindowCallbackRecord>(r.handle));
+        AVSKTakeKeyboardFocus(Handle{r.handle});
     return created;
 }
 
-AVSKWindowID AnyWindow() { return HandleOf<AVSKWindowCallbackRecord>(Kind::Window); }
-
-void DestroyWindow() {
-    AVSKWindowID window = AnyWindow();
-    Remove(Found(window), Removes::Anybodys, [&](Registration &) { AVSKDestroyWindow(window); });
-}
-
-void BringWindowToFront() {
-    AVSKWindowID window = AnyWindow();
-    Registration *r = Found(window);
-    if (r && r->removed)
-        r->revived = true;
-    AVSKBringWindowToFront(window);
-}
+AVSKWindowID AnyWindow() { return HandleOf(Kind::Window); }
 
 void MoveWindow() {
     AVSKWindowID window = AnyWindow();
@@ -429,23 +321,18 @@ void MoveWindow() {
 }
 
 bool CreateMenu(Registration &r) {
-    auto *parent = Draw().Flag() ? HandleOf<AVSKMenuInfo_t>(Kind::Menu) : nullptr;
+    AVSKMenuID parent = Draw().Flag() ? HandleOf(Kind::Menu) : Handle();
     const AVSKMenuHandler_f handler = Code<Kind::Menu>(r);
-    AVSKMenuID menu = AVSKCreateMenu("A menu", parent, Draw().Below(3) - 1, Draw().Rarely(8) ? nullptr : handler, &r);
+    const int item = Draw().Below(3) - 1;
+    AVSKMenuID menu = AVSKCreateMenu("A menu", parent, item, Draw().Rarely(8) ? nullptr : handler, &r);
     r.handle = menu;
     if (menu)
         AVSKAppendMenuItem(menu, "An item", nullptr, 0);
     return menu;
 }
 
-void ClearMenu() {
-    Clearing clearing = {HandleOf<AVSKMenuInfo_t>(Kind::Menu), gFuzz.depth, -1};
-    const AVSKScopedValue nested(gClearing, &clearing);
-    AVSKClearAllMenuItems(clearing.menu);
-}
-
 void ChangeMenu() {
-    AVSKMenuID menu = Draw().Rarely(4) ? AVSKFindPluginsMenu() : HandleOf<AVSKMenuInfo_t>(Kind::Menu);
+    AVSKMenuID menu = Draw().Rarely(4) ? AVSKFindPluginsMenu() : static_cast<AVSKMenuID>(HandleOf(Kind::Menu));
     const int index = Draw().Below(5) - 1;
     int check = 0;
     switch (Draw().Below(5)) {
@@ -583,7 +470,7 @@ void UnregisterData() {
 void UseData() {
     AVSKDataRef ref = AVSKFindDataRef(Draw().OneOf(kDataNames));
     if (Draw().Rarely(3))
-        ref = HandleOf<AVSKData_t>(Kind::Data); // it may be unregistered by now
+        ref = HandleOf(Kind::Data); // it may be unregistered by now
     int values[4] = {};
     switch (Draw().Below(4)) {
     case 0:
@@ -614,10 +501,10 @@ bool CreateProbe(Registration &r) { return (r.handle = AVSKCreateProbe(Draw().Be
 void UseScenery() {
     AVSKProbeInfo info = {};
     info.structSize = sizeof info;
-    AVSKProbeTerrainXYZ(HandleOf<AVSKProbe_t>(Kind::Probe), 1, 2, 3, &info);
+    AVSKProbeTerrainXYZ(HandleOf(Kind::Probe), 1, 2, 3, &info);
     AVSKDrawInfo places[2] = {};
     places[0].structSize = places[1].structSize = sizeof *places;
-    AVSKDrawObjects(HandleOf<void>(Kind::Object), 2, places, 0, 0);
+    AVSKDrawObjects(HandleOf(Kind::Object), 2, places, 0, 0);
     if (Registration *r = Register(Kind::Feature))
         AVSKLookupObjects("a path", 1, 2, Code<Kind::Feature>(*r), r);
 }
@@ -654,18 +541,6 @@ bool ControlCamera(Registration &r) {
     return false;
 }
 
-void PressButton() {
-    gFuzz.buttons.push_back(1 + Draw().Below(4));
-    AVSKCommandButtonPress(gFuzz.buttons.back());
-}
-
-void UseSmallOnes() {
-    AVSKDebugString("a line\n");
-    AVSKGetElapsedTime();
-    AVSKCameraPosition position;
-    AVSKReadCameraPosition(&position);
-}
-
 // ---- The tables
 
 // One action and its weight, which is its relative frequency.
@@ -678,20 +553,66 @@ struct Choice {
 constexpr Choice kReports[] = {
     {2, "frame", Pass<AVSKHostEventFrame>},
     {1, "end of frame", Pass<AVSKHostEventFrameEnd>},
-    {2, "draw", DrawAny},
+    {2, "draw",
+     [] {
+         const int code = Draw().Below(28);
+         DrawScreen(code, Draw().Rarely(4));
+     }},
     {1, "draw windows", [] { DrawScreen(20, 0); }},
-    {2, "click", Click},
-    {2, "key", PressKey},
+    {2, "click", [] { Hook([x = AnyX(), y = AnyX(), down = Draw().Below(3)] { AVSKMouseClickHook(x, y, down); }); }},
+    {2, "key",
+     [] {
+         const AVSKScopedValue pressing(gFuzz.keyHooks, gFuzz.keyHooks + 1);
+         Hook([key = KeyPress()] { AVSKKeyPressHook(key.key, key.flags, key.key); });
+     }},
     {1, "cursor", [] { Hook([x = AnyX()] { AVSKCursorHook(x, x); }); }},
     {1, "wheel", [] { Hook([x = AnyX()] { AVSKScrollWheelHook(x, x, 0, 1); }); }},
-    {1, "camera", MoveCamera},
+    {1, "camera",
+     [] {
+         Hook([] {
+             float f[7] = {1, 2, 3, 4, 5, 6, 7};
+             AVSKCameraHook(&f[0], &f[1], &f[2], &f[3], &f[4], &f[5], &f[6]);
+         });
+     }},
     {1, "menu item", [] { Hook([item = AnyHostItemID()] { AVSKMenuHook(item); }); }},
-    {1, "menu question", AskAboutMenu},
-    {1, "command", ReportCommand},
-    {1, "event", AnyEvent},
-    {1, "planes", CountPlanes},
+    {1, "menu question",
+     [] {
+         Hook([menu = AnyHostMenu(), index = Draw().Below(6) - 1] {
+             int check = 7;
+             if (AVSKCheckMenuHook(menu, index, &check) == 0)
+                 REQUIRE(check >= -1 && check <= 1, "a check mark of %d", check);
+             AVSKMenuItemEnabled(menu, index);
+         });
+     }},
+    {1, "command",
+     [] {
+         Hook([command = HostCommand(Draw().Below(kCommands)), bits = Draw().Byte()] {
+             AVSKCommandHook(command, bits & 1U, bits & 2U, bits & 4U);
+         });
+     }},
+    {1, "event",
+     [] {
+         const int event = Draw().Below(16);
+         if (event != AVSKHostEventFrame && event != AVSKHostEventFrameEnd)
+             Event(event, event == AVSKHostEventSceneryFolder ? 0 : Draw().Rarely(4));
+     }},
+    {1, "planes",
+     [] {
+         Hook([count = Draw().Below(8), flag = Draw().Rarely(3)] {
+             const int handled = AVSKGetNumberPlanesToHandle(count, flag);
+             REQUIRE(handled <= count, "%d planes of %d", handled, count);
+             char name[256] = "x.acf";
+             static char path[4096];
+             AVSKUpdatePlaneNameAndPath(count - 1, name, path);
+         });
+     }},
     {1, "load completed", [] { Hook(CompleteLoad); }},
-    {1, "plugins change", ChangePlugins},
+    {1, "plugins change",
+     [] {
+         constexpr int events[] = {AVSKHostEventPlaneUnloaded, AVSKHostEventSceneryFolder, AVSKHostEventPlaneLoaded,
+                                   AVSKHostEventPlaneLoaded};
+         Event(Draw().OneOf(events), 0);
+     }},
 };
 
 constexpr Choice kCalls[] = {
@@ -700,38 +621,82 @@ constexpr Choice kCalls[] = {
     {1, "disable", [] { AVSKDisablePlugin(AnyPlugin()); }},
     {2, "enable", [] { Enable(AnyPlugin()); }},
     {1, "reload", [] { MayLoad() ? AVSKReloadPlugins() : void(); }},
-    {2, "send message", SendMessage},
-    {1, "enable feature", EnableFeature},
+    {2, "send message",
+     [] {
+         const int receiver = Draw().Flag() ? NO_PLUGIN_ID : AnyPlugin();
+         const Pushed sending(gFuzz.senders, Self());
+         AVSKSendMessageToPlugin(receiver, 1000 + Draw().Below(4), reinterpret_cast<void *>(gFuzz.senders.size() - 1));
+     }},
+    {1, "enable feature",
+     [] {
+         const int enable = Draw().Below(3);
+         AVSKEnableFeature(Draw().Flag() ? "AVSK_WANTS_REFLECTIONS" : "AVSK_USE_NATIVE_PATHS", enable);
+     }},
     {2, "error callback", SetErrorCallback},
-    {1, "features", EnumerateFeatures},
+    {1, "features",
+     [] {
+         AVSKIsFeatureEnabled("no feature");
+         if (Registration *r = Register(Kind::Feature))
+             AVSKEnumerateFeatures(Code<Kind::Feature>(*r), r);
+     }},
     {1, "ask about plugin", AskAboutPlugin},
     {3, "create loop", [] { Create(Kind::Loop, CreateLoop); }},
     {2, "register loop", [] { Create(Kind::Loop, RegisterLoop); }},
-    {1, "destroy loop", RemoveByHandle<Kind::Loop, AVSKFlightLoopRecord, AVSKDestroyFlightLoop, Removes::Own>},
+    {1, "destroy loop", RemoveByHandle<Kind::Loop, AVSKDestroyFlightLoop, true>},
     {1, "unregister loop",
      [] {
-         Remove(Pick(Kind::Loop), Removes::Anybodys,
+         Remove(Pick(Kind::Loop), false,
                 [](Registration &r) { AVSKUnregisterFlightLoopCallback(Code<Kind::Loop>(r), &r); });
      }},
-    {2, "change loop", ChangeLoop},
-    {4, "register draw", RegisterDraw},
-    {2, "unregister draw", UnregisterDraw},
-    {4, "register sniffer", RegisterSniffer},
-    {2, "unregister sniffer", UnregisterSniffer},
+    {2, "change loop",
+     [] {
+         if (Registration *r = Pick(Kind::Loop)) {
+             const Interval byHandle;
+             AVSKScheduleFlightLoop(Handle{r->handle}, byHandle.seconds, byHandle.relative);
+             const Interval byValues;
+             AVSKSetFlightLoopCallbackInterval(Code<Kind::Loop>(*r), byValues.seconds, byValues.relative, r);
+         }
+     }},
+    {4, "register draw", RegisterValues<Kind::Draw>},
+    {2, "unregister draw", UnregisterValues<Kind::Draw>},
+    {4, "register sniffer", RegisterValues<Kind::Sniffer>},
+    {2, "unregister sniffer", UnregisterValues<Kind::Sniffer>},
     {3, "register hot key", [] { Create(Kind::HotKey, RegisterHotKey); }},
-    {1, "unregister hot key",
-     RemoveByHandle<Kind::HotKey, AVSKHotKeyInfoRecord, AVSKUnregisterHotKey, Removes::Anybodys>},
+    {1, "unregister hot key", RemoveByHandle<Kind::HotKey, AVSKUnregisterHotKey, false>},
     {1, "count hot keys", CountHotKeys},
-    {1, "change hot key", ChangeHotKey},
+    {1, "change hot key",
+     [] {
+         AVSKHotKeyID hotKey = HandleOf(Kind::HotKey);
+         char description[AVSK_HOT_KEY_TEXT_SIZE];
+         AVSKGetHotKeyInfo(hotKey, nullptr, nullptr, description, nullptr);
+         const KeyPress key;
+         AVSKSetHotKeyCombination(hotKey, key.key, key.flags);
+     }},
     {3, "create window", [] { Create(Kind::Window, CreateWindow); }},
     {4, "create window ex", [] { Create(Kind::Window, CreateWindowEx); }},
-    {3, "destroy window", DestroyWindow},
+    {3, "destroy window",
+     [] {
+         AVSKWindowID window = AnyWindow();
+         Remove(Found(window), false, [&](Registration &) { AVSKDestroyWindow(window); });
+     }},
     {2, "focus", [] { AVSKTakeKeyboardFocus(Draw().Flag() ? AnyWindow() : nullptr); }},
-    {2, "bring to front", BringWindowToFront},
+    {2, "bring to front",
+     [] {
+         AVSKWindowID window = AnyWindow();
+         Registration *r = Found(window);
+         if (r && r->removed)
+             r->revived = true;
+         AVSKBringWindowToFront(window);
+     }},
     {2, "move window", MoveWindow},
     {3, "create menu", [] { Create(Kind::Menu, CreateMenu); }},
-    {1, "destroy menu", RemoveByHandle<Kind::Menu, AVSKMenuInfo_t, AVSKDestroyMenu, Removes::Own>},
-    {1, "clear menu", ClearMenu},
+    {1, "destroy menu", RemoveByHandle<Kind::Menu, AVSKDestroyMenu, true>},
+    {1, "clear menu",
+     [] {
+         Clearing clearing = {HandleOf(Kind::Menu), gFuzz.depth, -1};
+         const AVSKScopedValue nested(gClearing, &clearing);
+         AVSKClearAllMenuItems(clearing.menu);
+     }},
     {3, "change menu", ChangeMenu},
     {3, "register handler", RegisterCommandHandler},
     {2, "unregister handler", UnregisterCommandHandler},
@@ -746,45 +711,46 @@ constexpr Choice kCalls[] = {
     {3, "use data", UseData},
     {3, "load async", [] { Create(Kind::Load, LoadAsync); }},
     {1, "load object", [] { Create(Kind::Object, LoadObject); }},
-    {1, "unload object", [] { AVSKUnloadObject(HandleOf<void>(Kind::Object)); }},
+    {1, "unload object", [] { AVSKUnloadObject(HandleOf(Kind::Object)); }},
     {1, "create probe", [] { Create(Kind::Probe, CreateProbe); }},
-    {1, "destroy probe", [] { AVSKDestroyProbe(HandleOf<AVSKProbe_t>(Kind::Probe)); }},
+    {1, "destroy probe", [] { AVSKDestroyProbe(HandleOf(Kind::Probe)); }},
     {1, "use scenery", UseScenery},
     {3, "acquire planes", [] { Create(Kind::Planes, AcquirePlanes); }},
     {2, "release planes", AVSKReleasePlanes},
     {2, "use planes", UsePlanes},
     {2, "control camera", [] { Create(Kind::Camera, ControlCamera); }},
     {1, "leave camera", AVSKDontControlCamera},
-    {1, "press button", PressButton},
+    {1, "press button",
+     [] {
+         gFuzz.buttons.push_back(1 + Draw().Below(4));
+         AVSKCommandButtonPress(gFuzz.buttons.back());
+     }},
     {1, "release button", [] { AVSKCommandButtonRelease(1 + Draw().Below(4)); }},
-    {1, "small ones", UseSmallOnes},
+    {1, "small ones",
+     [] {
+         AVSKDebugString("a line\n");
+         AVSKGetElapsedTime();
+         AVSKCameraPosition position;
+         AVSKReadCameraPosition(&position);
+     }},
 };
 
-// Repeats each choice of a table as often as its weight.
-class Choices {
-  public:
-    template <std::size_t kCount>
-    explicit Choices(const Choice (&table)[kCount]) {
-        for (const Choice &each : table)
-            all.insert(all.end(), static_cast<std::size_t>(each.weight), &each);
-    }
-    void Act(unsigned number) const {
-        const Choice &choice = *all[number % all.size()];
-        TRACE("%s", choice.name);
-        choice.act();
-    }
+// Acts as one row of a table.
+template <std::size_t kCount>
+void Act(const Choice (&table)[kCount], int number) {
+    constexpr auto add = [](int sum, const Choice &each) { return sum + each.weight; };
+    static const int total = std::accumulate(table, table + kCount, 0, add);
+    number %= total;
+    const Choice *choice = table;
+    while (number >= choice->weight)
+        number -= choice++->weight;
+    TRACE("%s", choice->name);
+    choice->act();
+}
 
-  private:
-    std::vector<const Choice *> all;
-};
-const Choices &gReports = *new Choices(kReports);
-const Choices &gCalls = *new Choices(kCalls);
-
-void HostReport() { gReports.Act(Draw().Byte()); }
-
-void PluginActs(unsigned number) {
+void PluginActs(int number) {
     ++gCounters.calls;
-    gCalls.Act(number);
+    Act(kCalls, number);
 }
 
 bool MayAct() { return !gFuzz.calm && !Draw().Empty() && ++gFuzz.actions <= kMaxActions; }
@@ -802,9 +768,9 @@ void ActInCallback(int throwsOneIn) {
     const AVSKScopedValue deeper(gFuzz.depth, gFuzz.depth + 1);
     constexpr int counts[] = {0, 1, 1, 2, 2, 3, 4, 0};
     for (int count = Draw().OneOf(counts); count > 0 && MayAct(); --count) {
-        const unsigned number = Draw().Byte();
+        const int number = Draw().Below(256);
         if (number < 64)
-            gReports.Act(number);
+            Act(kReports, number);
         else
             PluginActs(number - 64);
     }
@@ -827,7 +793,7 @@ void ActAsHost() {
         if (Draw().Rarely(32))
             Restart();
         else
-            HostReport();
+            Act(kReports, Draw().Below(256));
     } catch (...) {
         REQUIRE(false, "an exception passed a report from a host service");
     }
@@ -836,14 +802,10 @@ void ActAsHost() {
 void ActAtTop() {
     if (!MayAct())
         return;
-    const unsigned number = Draw().Byte();
+    const int number = Draw().Below(256);
     if (number == 255 && Draw().Rarely(4))
         return Restart();
     if (number < 192)
-        return gReports.Act(number);
-    try {
-        PluginActs(Draw().Byte()); // as plugin 0
-    } catch (...) {
-        ++gCounters.throws;
-    }
+        return Act(kReports, number);
+    Catching([] { PluginActs(Draw().Below(256)); }); // as plugin 0
 }

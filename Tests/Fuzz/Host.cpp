@@ -34,7 +34,7 @@ char probeCells[256];
 unsigned probes = 0;
 std::vector<HostMenu> &menus = *new std::vector<HostMenu>; // a handle is the number in this list, from 1
 std::vector<LoadRequest> &requests = *new std::vector<LoadRequest>;
-int lastItemID = 0;
+int lastItemID = 0; // not reset: items of earlier runs are not picked
 AVSKHostCallbacks table;
 
 // A service call, which may call the library before it returns. No exception passes it.
@@ -200,7 +200,6 @@ const AVSKHostCallbacks *FreshHost(int version, bool fullTable) {
     menus.clear();
     requests.clear();
     std::memset(objectCounts, 0, sizeof objectCounts);
-    lastItemID = 0;
     gClearing = nullptr;
     AVSKHostCallbacks &t = table;
     t.version = version;

@@ -1,5 +1,6 @@
 #include "Model.h"
 
+#include "AVSKDisplay.h"
 #include "AVSKModules.h"
 
 #include <algorithm>
@@ -169,6 +170,10 @@ void CheckAfterShutdown() {
         for (unsigned module = 0; !inherited[id] && module < std::size(holds); ++module)
             REQUIRE(!holds[module](static_cast<int>(id)), "module %u of the tear-down holds something of plugin %zu",
                     module, id);
+    AVSKWindowCallbackRecord::ForEach([&](const AVSKWindowCallbackRecord *window) { // also those that are in no walk
+        REQUIRE(window->owner <= 0 || inherited[static_cast<std::size_t>(window->owner)],
+                "a window of plugin %d is left", window->owner);
+    });
     for (int index = 0; index < kPuppets; ++index)
         REQUIRE(gFuzz.files[index].mapped == 0 || gFuzz.files[index].kept, "file %d is still mapped after the shutdown",
                 index);

@@ -2,7 +2,7 @@
 // shuts the library down, and checks that nothing is left.
 #include "Model.h"
 
-#include "AVSKDispatch.h"
+#include "AVSKDisplay.h"
 #include "AVSKLoader.h"
 #include "AVSKModules.h"
 
@@ -56,6 +56,9 @@ void CleanUpRest() {
     // Queries left walks open. Each registration closes one.
     for (int i = 0; i < 2; ++i)
         AVSKUnregisterHotKey(AVSKRegisterHotKey(0, 0, "", nullptr, nullptr));
+    AVSKWindowCallbackRecord::ForEach([](const AVSKWindowCallbackRecord *window) {
+        REQUIRE(false, "a window of %d, which is in the list %d, is left", window->owner, window->IsLinked());
+    });
 }
 
 } // namespace
