@@ -6,7 +6,6 @@
 #include <algorithm>
 #include <cmath>
 #include <numeric>
-#include <optional>
 
 namespace {
 
@@ -117,9 +116,9 @@ void Event(int event, AVSKWord parameter) {
     Hook([=] {
         const float now = gFuzz.now;
         TRACE("event %d at %g, parameter %x", event, now, parameter);
-        std::optional<Pushed<FlightPass>> pass;
-        if (event == AVSKHostEventFrame || event == AVSKHostEventFrameEnd)
-            pass.emplace(gFuzz.passes, FlightPass{event == AVSKHostEventFrame ? 0 : 1, now, ++gFuzz.serial});
+        const bool isFrame = event == AVSKHostEventFrame || event == AVSKHostEventFrameEnd;
+        const FlightPass next = {event == AVSKHostEventFrame ? 0 : 1, now, ++gFuzz.serial};
+        const AVSKScopedValue pass(gFuzz.pass, isFrame ? next : gFuzz.pass);
         REQUIRE(AVSKEventHook(event, now, 12345, parameter) == 1, "event %d is not answered 1", event);
     });
 }
@@ -164,15 +163,6 @@ void Enable(int id) {
     const bool enabling = who && who->enabling;
     const int answer = AVSKEnablePlugin(id);
     REQUIRE(!enabling || answer == 0, "enabling plugin %d inside itself answers %d", id, answer);
-}
-
-void AskAboutPlugin() {
-    char texts[4][AVSK_TEXT_SIZE];
-    AVSKGetPluginInfo(AnyPlugin(), texts[0], texts[1], texts[2], texts[3]);
-    AVSKFindPluginByPath(texts[1]);
-    const int found = AVSKFindPluginBySignature(texts[2]);
-    REQUIRE(found < AVSKCountPlugins(), "signature %s is plugin %d of %d", texts[2], found, AVSKCountPlugins());
-    AVSKDebugGetCurrentPluginName();
 }
 
 void SetErrorCallback() {
@@ -234,8 +224,8 @@ void RegisterValues() {
     }
     const int answer = ByValues<kKind>(true, *r);
     const Status status = StatusOf(*r);
-    REQUIRE(answer || status != Status::Gone || IsUnderWay<kKind>() || r->owner == NO_PLUGIN_ID,
-            "a %s is refused though it is not registered", NameOf(kKind));
+    REQUIRE(answer || status != Status::Gone || IsUnderWay<kKind>() || r->owner == NO_PLUGIN_ID, "a new %s is refused",
+            NameOf(kKind));
     if (!answer)
         return;
     REQUIRE(status != Status::Live, "a %s is registered twice", NameOf(kKind));
@@ -284,8 +274,7 @@ Registration *Found(AVSKWindowID window) {
     void *refcon = AVSKGetWindowRefCon(window);
     Registration *found = ByRefcon(refcon);
     REQUIRE(found || !refcon, "a window has the refcon of another run, %p", refcon);
-    REQUIRE(!found || (found->kind == Kind::Window && found->handle == window), "a window has the refcon of a %s",
-            NameOf(found->kind));
+    REQUIRE(!found || (found->kind == Kind::Window && found->handle == window), "a window has another's refcon");
     return found;
 }
 
@@ -334,19 +323,15 @@ bool CreateMenu(Registration &r) {
 void ChangeMenu() {
     AVSKMenuID menu = Draw().Rarely(4) ? AVSKFindPluginsMenu() : static_cast<AVSKMenuID>(HandleOf(Kind::Menu));
     const int index = Draw().Below(5) - 1;
-    int check = 0;
-    switch (Draw().Below(5)) {
-    case 0:
-        return AVSKRemoveMenuItem(menu, index);
-    case 1:
-        return AVSKSetMenuItemName(menu, index, "Another name", 0);
-    case 2:
-        AVSKEnableMenuItem(menu, index, Draw().Below(2));
-        AVSKCheckMenuItem(menu, index, Draw().Below(5) - 1);
-        return AVSKCheckMenuItemState(menu, index, &check);
-    default:
+    const int call = Draw().Below(5);
+    if (call == 0)
+        AVSKRemoveMenuItem(menu, index);
+    else if (call == 1)
+        AVSKSetMenuItemName(menu, index, "Another name", 0);
+    else if (call == 2)
+        AVSKEnableMenuItem(menu, index, Draw().Below(2)), AVSKCheckMenuItem(menu, index, Draw().Below(5) - 1);
+    else
         AVSKAppendMenuItem(menu, "An item", nullptr, 0);
-    }
 }
 
 void *AnyCommand() { return HostCommand(Draw().Below(kCommands)); }
@@ -472,21 +457,15 @@ void UseData() {
     if (Draw().Rarely(3))
         ref = HandleOf(Kind::Data); // it may be unregistered by now
     int values[4] = {};
-    switch (Draw().Below(4)) {
-    case 0:
+    const int call = Draw().Below(4);
+    if (call == 0)
         AVSKGetDatai(ref);
-        return;
-    case 1:
-        return AVSKSetDatai(ref, 1);
-    case 2:
+    else if (call == 1)
+        AVSKSetDatai(ref, 1);
+    else if (call == 2)
         AVSKGetDatavi(ref, values, 0, 4);
-        return;
-    default:
+    else
         AVSKSetDatavi(ref, values, 0, 4);
-        AVSKIsDataRefGood(ref);
-        AVSKCanWriteDataRef(ref);
-        AVSKGetDataRefTypes(ref);
-    }
 }
 
 bool LoadAsync(Registration &r) {
@@ -528,9 +507,8 @@ void UsePlanes() {
     AVSKReinitUsersPlane();
     AVSKSetAircraftModel(Draw().Below(5) - 1, aircraft);
     AVSKSetUsersAircraft(aircraft);
-    char file[512];
-    char folder[512];
-    AVSKGetNthAircraftModel(0, file, folder);
+    char texts[2][512];
+    AVSKGetNthAircraftModel(0, texts[0], texts[1]);
     AVSKDisableAIForPlane(1);
 }
 
@@ -624,8 +602,8 @@ constexpr Choice kCalls[] = {
     {2, "send message",
      [] {
          const int receiver = Draw().Flag() ? NO_PLUGIN_ID : AnyPlugin();
-         const Pushed sending(gFuzz.senders, Self());
-         AVSKSendMessageToPlugin(receiver, 1000 + Draw().Below(4), reinterpret_cast<void *>(gFuzz.senders.size() - 1));
+         int sender = Self();
+         AVSKSendMessageToPlugin(receiver, 1000 + Draw().Below(4), &sender);
      }},
     {1, "enable feature",
      [] {
@@ -639,7 +617,7 @@ constexpr Choice kCalls[] = {
          if (Registration *r = Register(Kind::Feature))
              AVSKEnumerateFeatures(Code<Kind::Feature>(*r), r);
      }},
-    {1, "ask about plugin", AskAboutPlugin},
+    {1, "ask about plugin", [] { AVSKGetPluginInfo(AnyPlugin(), nullptr, nullptr, nullptr, nullptr); }},
     {3, "create loop", [] { Create(Kind::Loop, CreateLoop); }},
     {2, "register loop", [] { Create(Kind::Loop, RegisterLoop); }},
     {1, "destroy loop", RemoveByHandle<Kind::Loop, AVSKDestroyFlightLoop, true>},

@@ -70,8 +70,8 @@ void *CreateMenu(void *parent, int parentItem, const char *name) {
     REQUIRE(name, "createMenu without a name");
     if (parent) {
         const HostMenu &above = Known(parent, "createMenu");
-        REQUIRE(gFuzz.wildHost || (parentItem >= -1 && parentItem < above.Size()), "createMenu under item %d of %d",
-                parentItem, above.Size());
+        REQUIRE(gFuzz.wildHost || (parentItem >= -1 && parentItem < above.Size()), "createMenu under item %d",
+                parentItem);
     }
     menus.emplace_back();
     void *menu = HandleOf(menus.size());
@@ -97,8 +97,7 @@ int AppendMenuItem(void *menu, int index, const char *name, int) {
 
 void SetMenuItemName(void *menu, int index, const char *name, int) {
     HostMenu &known = Known(menu, "setMenuItemName");
-    REQUIRE(gFuzz.wildHost || (index >= -1 && index < known.Size()), "setMenuItemName of %d of %d", index,
-            known.Size());
+    REQUIRE(gFuzz.wildHost || (index >= -1 && index < known.Size()), "setMenuItemName of %d", index);
     if (HostItem *item = known.At(index))
         item->named = name && *name;
     if (gClearing && gClearing->depth == gFuzz.depth) {
@@ -237,8 +236,7 @@ const AVSKHostCallbacks *FreshHost(int version, bool fullTable) {
             REQUIRE(*buttons > 0 && *buttons < 5, "%d is no button", *buttons);
         Service();
         // A pass of flight loops begins after the held buttons are reported.
-        if (!gFuzz.passes.empty())
-            gFuzz.passes.back().serial = ++gFuzz.serial;
+        gFuzz.pass.serial = ++gFuzz.serial;
     };
     t.getSystemPath = [](char *outPath) {
         ++gFuzz.upheavals; // the library asks for it only in a reload

@@ -30,8 +30,7 @@ Incarnation &Begin(int file) {
         REQUIRE(begun->file == file, "file %d starts as plugin %d of file %d", file, id, begun->file);
         return *begun;
     }
-    REQUIRE(id > AVSK_PLUGIN_AERIVO && id < AVSKCountPlugins(), "file %d starts as %d of %d plugins", file, id,
-            AVSKCountPlugins());
+    REQUIRE(id > AVSK_PLUGIN_AERIVO && id < AVSKCountPlugins(), "file %d starts as plugin %d", file, id);
     REQUIRE(!AVSKIsPluginEnabled(id), "file %d is enabled before it starts", file);
     Incarnation &who = gFuzz.incarnations.emplace_back();
     who.file = file;
@@ -112,13 +111,12 @@ Registration &CheckCall(void *refcon, Kind kind) {
     REQUIRE(r.file == gFuzz.file, "a %s of file %d is called in file %d", NameOf(kind), r.file, gFuzz.file);
     if (kind == Kind::Feature) // runs as the caller, whose own calls may change the dispatched plugin
         return *found;
-    REQUIRE(AVSKGetMyID() == r.owner, "a %s of plugin %d is called while %d is dispatched", NameOf(kind), r.owner,
-            AVSKGetMyID());
+    const int self = AVSKGetMyID();
+    REQUIRE(self == r.owner, "a %s of plugin %d is called as plugin %d", NameOf(kind), r.owner, self);
     REQUIRE(r.owner != NO_PLUGIN_ID, "a %s of nobody is called", NameOf(kind));
-    REQUIRE(r.owner == AVSK_PLUGIN_AERIVO || AVSKIsPluginEnabled(r.owner), "a %s of plugin %d, disabled, is called",
-            NameOf(kind), r.owner);
-    REQUIRE(StatusOf(r) != Status::Gone, "a %s of plugin %d is called after it was removed (%s)", NameOf(kind), r.owner,
-            r.removed ? "by a call" : "with its plugin");
+    REQUIRE(self == AVSK_PLUGIN_AERIVO || AVSKIsPluginEnabled(self), "a %s of %d, disabled, is called", NameOf(kind),
+            self);
+    REQUIRE(StatusOf(r) != Status::Gone, "a %s of plugin %d is called after its removal", NameOf(kind), self);
     return *found;
 }
 
@@ -126,8 +124,7 @@ void CheckQuiet() {
     ++gFuzz.reports;
     REQUIRE(AVSKGetMyID() == AVSK_PLUGIN_AERIVO, "between hooks %d is dispatched, not the host", AVSKGetMyID());
     REQUIRE(gFuzz.file == kProgram, "file %d's code is still on the stack", gFuzz.file);
-    REQUIRE(gCallFlags.count == std::max<std::size_t>(gAllPlugins.size(), 1), "flags of %u plugins, records of %zu",
-            gCallFlags.count, gAllPlugins.size());
+    REQUIRE(gCallFlags.count == std::max<std::size_t>(gAllPlugins.size(), 1), "%u flags", gCallFlags.count);
     for (unsigned id = 0; id < gAllPlugins.size(); ++id) {
         REQUIRE(gAllPlugins[id]->id == static_cast<int>(id), "the record at %u has ID %d", id, gAllPlugins[id]->id);
         REQUIRE((gCallFlags.enabled[id] != 0) == gAllPlugins[id]->enabled, "plugin %u: flag and record differ", id);
@@ -138,11 +135,9 @@ void CheckQuiet() {
             REQUIRE(!record.enabled, "plugin %d of file %d is unloaded and enabled", each->id, each->file);
             return true;
         }
-        REQUIRE(PluginAt(each->id) == &record, "plugin %d of file %d left the registry without being unloaded",
-                each->id, each->file);
+        REQUIRE(PluginAt(each->id) == &record, "plugin %d left the registry but is loaded", each->id);
         REQUIRE(each->enabled == record.enabled || !record.enableFunc || !record.disableFunc,
-                "plugin %d of file %d: enabled is %d, its calls say %d", each->id, each->file, record.enabled,
-                each->enabled);
+                "plugin %d: enabled is %d, its calls say %d", each->id, record.enabled, each->enabled);
         return false;
     });
 }
@@ -168,13 +163,11 @@ void CheckAfterShutdown() {
     }
     for (std::size_t id = 1; id < inherited.size(); ++id)
         for (unsigned module = 0; !inherited[id] && module < std::size(holds); ++module)
-            REQUIRE(!holds[module](static_cast<int>(id)), "module %u of the tear-down holds something of plugin %zu",
-                    module, id);
+            REQUIRE(!holds[module](static_cast<int>(id)), "module %u still holds something of plugin %zu", module, id);
     AVSKWindowCallbackRecord::ForEach([&](const AVSKWindowCallbackRecord *window) { // also those that are in no walk
         REQUIRE(window->owner <= 0 || inherited[static_cast<std::size_t>(window->owner)],
                 "a window of plugin %d is left", window->owner);
     });
     for (int index = 0; index < kPuppets; ++index)
-        REQUIRE(gFuzz.files[index].mapped == 0 || gFuzz.files[index].kept, "file %d is still mapped after the shutdown",
-                index);
+        REQUIRE(gFuzz.files[index].mapped == 0 || gFuzz.files[index].kept, "file %d is still mapped", index);
 }

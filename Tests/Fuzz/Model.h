@@ -72,9 +72,11 @@ struct Incarnation {
 
 #define FUZZ_KINDS(X)                                                                                                  \
     X(Loop, "flight loop")                                                                                             \
-    X(Draw, "draw callback") X(Sniffer, "key sniffer") X(Window, "window") X(HotKey, "hot key") X(Menu, "menu")        \
-        X(Command, "command") X(Shared, "subscription") X(Data, "dataref") X(Load, "object load") X(Planes, "planes")  \
-            X(Camera, "camera") X(Probe, "probe") X(Object, "object") X(Feature, "enumeration")
+    X(Draw, "draw callback")                                                                                           \
+    X(Sniffer, "key sniffer")                                                                                          \
+    X(Window, "window") X(HotKey, "hot key") X(Menu, "menu") X(Command, "command") X(Shared, "subscription")           \
+        X(Data, "dataref") X(Load, "object load") X(Planes, "planes") X(Camera, "camera") X(Probe, "probe")            \
+            X(Object, "object") X(Feature, "enumeration")
 #define FUZZ_KIND(kind, name) kind,
 enum class Kind {
     FUZZ_KINDS(FUZZ_KIND) Count
@@ -146,8 +148,7 @@ struct Fuzz {
     std::vector<Registration> registrations; // never reallocates: addresses are refcons
     std::vector<Registration *> of[static_cast<std::size_t>(Kind::Count)];
     auto &Of(Kind kind) { return of[static_cast<std::size_t>(kind)]; }
-    std::vector<FlightPass> passes;
-    std::vector<int> senders; // of the messages being delivered
+    FlightPass pass = {-1, 0, 0}; // the innermost under way, or phase -1
     std::vector<int> buttons;
     int keyHooks = 0;
     int drawHooks = 0;
@@ -206,19 +207,6 @@ void CheckQuiet();
 // Checks that every plugin was loaded and that its enable entry was called.
 void CheckAfterStart();
 void CheckAfterShutdown();
-
-// Pushes a value to the end of a list for a scope.
-template <class T>
-class Pushed {
-  public:
-    Pushed(std::vector<T> &extended, const T &value) : list(extended) { list.push_back(value); }
-    ~Pushed() { list.pop_back(); }
-    Pushed(const Pushed &) = delete;
-    Pushed &operator=(const Pushed &) = delete;
-
-  private:
-    std::vector<T> &list;
-};
 
 // ---- The host; see Host.cpp. It checks the library's service calls, and sometimes
 // calls the library from inside a service.

@@ -27,14 +27,13 @@ class InFile {
 };
 
 // Returns Calls::Call<file>.
-template <class Calls, int... kFiles>
-auto Select(int file, std::integer_sequence<int, kFiles...>) {
-    constexpr decltype(&Calls::template Call<0>) calls[] = {Calls::template Call<kFiles>...};
-    return calls[file];
-}
 template <class Calls>
 auto OfFile(int file) {
-    return Select<Calls>(file, std::make_integer_sequence<int, kPuppets + 1>());
+    return [file]<int... kFiles>(std::integer_sequence<int, kFiles...>) {
+        constexpr decltype(&Calls::template Call<0>) calls[] = {Calls::template Call<kFiles>...};
+        return calls[file];
+    }
+    (std::make_integer_sequence<int, kPuppets + 1>());
 }
 
 // Wraps a function as code of each file.

@@ -67,7 +67,9 @@ void StartLibrary() {
     for (File &file : gFuzz.files)
         file.tried = false;
     const int upheavals = gFuzz.upheavals;
-    Catching([] { REQUIRE(AVSKInitializePlugins("/", gFuzz.table, 0) == AVSK_HOST_INTERFACE, "a start's answer"); });
+    Catching([] {
+        REQUIRE(AVSKInitializePlugins("/", gFuzz.table, 0) == AVSK_HOST_INTERFACE, "a start answers another number");
+    });
     if (gFuzz.depth == 0 && upheavals == gFuzz.upheavals)
         CheckAfterStart();
 }
