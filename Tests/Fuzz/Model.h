@@ -70,13 +70,16 @@ struct Incarnation {
     bool errorSet = false;
 };
 
+// clang-format off
 #define FUZZ_KINDS(X)                                                                                                  \
     X(Loop, "flight loop")                                                                                             \
     X(Draw, "draw callback")                                                                                           \
     X(Sniffer, "key sniffer")                                                                                          \
-    X(Window, "window") X(HotKey, "hot key") X(Menu, "menu") X(Command, "command") X(Shared, "subscription")           \
-        X(Data, "dataref") X(Load, "object load") X(Planes, "planes") X(Camera, "camera") X(Probe, "probe")            \
-            X(Object, "object") X(Feature, "enumeration")
+    X(Window, "window")                                                                                                \
+    X(HotKey, "hot key")                                                                                               \
+    X(Menu, "menu") X(Command, "command") X(Shared, "subscription") X(Data, "dataref") X(Load, "object load")          \
+        X(Planes, "planes") X(Camera, "camera") X(Probe, "probe") X(Object, "object") X(Feature, "enumeration")
+// clang-format on
 #define FUZZ_KIND(kind, name) kind,
 enum class Kind {
     FUZZ_KINDS(FUZZ_KIND) Count

@@ -477,6 +477,9 @@ void AVSKDisplayCleanupHook(int pluginID) {
 }
 
 bool DisplayHolds(int pluginID) {
-    return gDrawCallbacks.Any(HeldBy(pluginID)) || gWindows.Any(HeldBy(pluginID)) ||
-           HoldsKeySniffersOrHotKeys(pluginID);
+    bool holdsWindow = false; // also one that a new window cut off
+    AVSKWindowCallbackRecord::ForEach([pluginID, &holdsWindow](const AVSKWindowCallbackRecord *window) {
+        holdsWindow = holdsWindow || HeldBy(pluginID)(*window);
+    });
+    return holdsWindow || gDrawCallbacks.Any(HeldBy(pluginID)) || HoldsKeySniffersOrHotKeys(pluginID);
 }
