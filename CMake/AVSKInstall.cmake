@@ -1,6 +1,6 @@
-# Installs headers, library, avsk, the CMake and pkg-config packages, and the
-# sources of the samples. The installed folder can be moved as a whole: all paths
-# in it are relative.
+# Installs headers, library, avsk with manual pages and completion, the CMake and
+# pkg-config packages, the guides, and the sources of the samples. The installed
+# folder can be moved as a whole: all paths in it are relative.
 include(CMakePackageConfigHelpers)
 
 set(AVSK_INSTALL_PACKAGE lib/cmake/AVSK)
@@ -33,5 +33,10 @@ configure_file(CMake/avsk.pc.in ${PROJECT_BINARY_DIR}/package/avsk.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/package/avsk.pc DESTINATION lib/pkgconfig)
 
 install(DIRECTORY Samples/ DESTINATION ${AVSK_INSTALL_SAMPLES})
-install(DIRECTORY Docs/ DESTINATION share/doc/avsk
+install(DIRECTORY ${PROJECT_BINARY_DIR}/pages/man/ DESTINATION share/man)
+install(DIRECTORY ${PROJECT_BINARY_DIR}/pages/completions/ DESTINATION share/bash-completion/completions)
+execute_process(COMMAND gzip -9nc
+  INPUT_FILE ${PROJECT_SOURCE_DIR}/CHANGELOG.md OUTPUT_FILE ${PROJECT_BINARY_DIR}/package/changelog.gz)
+install(FILES ${PROJECT_BINARY_DIR}/package/changelog.gz CMake/Debian/copyright DESTINATION share/doc/avsk-sdk)
+install(DIRECTORY Docs/ DESTINATION share/doc/avsk-sdk
   FILES_MATCHING PATTERN "*-guide.md" PATTERN "observing.md" PATTERN "frame.md" PATTERN "sessions.md")

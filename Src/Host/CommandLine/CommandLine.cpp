@@ -58,7 +58,10 @@ Job ParseCommandLine(int argc, char **argv) {
     app.set_version_flag("--version", "avsk " AVSK_HOST_VERSION, "print the version and exit");
     app.set_help_flag("-h,--help", "print this help and exit");
     app.require_subcommand(1);
-    app.footer("'avsk COMMAND --help' explains a command.");
+    app.footer("'avsk COMMAND --help' and the manual page avsk-COMMAND explain a command.\n\n"
+               "Examples:\n  avsk new Counter --c\n      a plugin project to begin with\n"
+               "  avsk run --root sim\n      the plugins in sim/Resources/plugins, for 300 frames\n\n"
+               "Exit status: that of the command; 2 if the command line is wrong.");
     AddNewCommand(app, job);
     AddRunCommand(app, job, argv);
     AddPsCommand(app, job);
@@ -66,6 +69,7 @@ Job ParseCommandLine(int argc, char **argv) {
     AddCommandsCommand(app, job);
     AddKeysCommand(app, job);
     AddFunctionsCommand(app, job);
+    AddOptionTable(app);
     try {
         app.parse(argc, argv);
     } catch (const CLI::Success &success) {

@@ -1,5 +1,7 @@
 // The commands of avsk. Each has a source of its own, which adds its options to
-// the command line and says what to run if the command is given.
+// the command line and says what to run if the command is given. Its footer has a
+// paragraph "Examples:" and ends with one "Exit status:", which become sections of
+// the command's manual page.
 #ifndef AVSK_HOST_COMMAND_LINE_COMMANDS_H
 #define AVSK_HOST_COMMAND_LINE_COMMANDS_H
 
@@ -23,6 +25,9 @@ void AddCommandsCommand(CLI::App &app, Job &job);
 void AddKeysCommand(CLI::App &app, Job &job);
 void AddFunctionsCommand(CLI::App &app, Job &job);
 void AddNewCommand(CLI::App &app, Job &job);
+
+// Adds the hidden option that prints all commands and options as JSON.
+void AddOptionTable(CLI::App &app);
 
 // Reads the command line. The job is empty if the parser has done what was
 // asked (help, version). Throws UsageError.

@@ -93,6 +93,7 @@ void AddKeysCommand(CLI::App &app, Job &job) {
     command->footer(
         "The output compiles as it is: 'avsk keys > keys.h'. The comment beside a code is the key's name, as "
         "sessions use it,\nand the command of the simulator that the key runs.\n\n"
+        "Examples:\n  avsk keys > keys.h\n  avsk keys 'Numpad*'\n\n"
         "Exit status: 0, or 2 if no key matches.");
     command->callback([pattern, &job] {
         job = [pattern] {

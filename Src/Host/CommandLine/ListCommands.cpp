@@ -46,7 +46,8 @@ void AddListCommand(CLI::App &app, Job &job, const std::string &name, const std:
     CLI::Option *const root = AddRoot(*command, request->options.simulator.root);
     AddPlugins(*command, request->options.plugins, "load only this plugin; can be repeated");
     AddFrames(*command, request->options.simulator.frames);
-    command->footer(footer + "\n" + kListsHelp);
+    command->footer(footer + "\n\nExamples:\n  avsk " + name + " sim/\n  avsk " + name +
+                    " --root sim --plugin Lights 'lights/*'\n" + kListsHelp);
     command->callback([request, root, list, &job] {
         request->options.rootGiven = root->count() > 0;
         job = [request, list] {

@@ -101,11 +101,16 @@ void MakeProject(const Request &request) {
                          "): name a writable folder after --dir");
 
     const std::string prefix = SdkPrefix();
+    const bool isSystems = prefix == "/usr" || prefix == "/usr/local"; // CMake and the shell look there
+    const std::string configure = "cmake -B build" + (isSystems ? "" : " -DCMAKE_PREFIX_PATH=" + Quoted(prefix));
     const std::string extension = request.plainC ? "c" : "cpp";
-    const std::vector<std::pair<std::string, std::string>> words{{"@NAME@", request.name},
-                                                                 {"@LANGUAGE@", request.plainC ? "C" : "CXX"},
-                                                                 {"@EXTENSION@", extension},
-                                                                 {"@PREFIX@", prefix}};
+    const std::vector<std::pair<std::string, std::string>> words{
+        {"@NAME@", request.name},
+        {"@LANGUAGE@", request.plainC ? "C" : "CXX"},
+        {"@EXTENSION@", extension},
+        {"@CONFIGURE@", configure},
+        {"@AVSK@", isSystems ? "avsk" : Quoted(prefix + "/bin/avsk")},
+        {"@PREFIX@", prefix}};
     try {
         WriteFile(project / "CMakeLists.txt", Fill(kNewCMakeLists, words));
         WriteFile(project / (request.name + "." + extension),
@@ -120,10 +125,10 @@ void MakeProject(const Request &request) {
     const std::string folder = Quoted(project.string());
     std::printf("Made %s. Next:\n\n"
                 "    cd %s\n"
-                "    cmake -B build -DCMAKE_PREFIX_PATH=%s\n"
+                "    %s\n"
                 "    cmake --build build\n"
                 "    ctest --test-dir build --output-on-failure\n",
-                project.c_str(), folder.c_str(), Quoted(prefix).c_str());
+                project.c_str(), folder.c_str(), configure.c_str());
     if (prefix.front() == '<')
         std::puts(
             "\nThis avsk is not installed: 'cmake --install' with a --prefix makes an SDK, whose folder goes there.");
@@ -140,7 +145,8 @@ void AddNewCommand(CLI::App &app, Job &job) {
     command->add_option("--dir", request->folder, "the folder in which to make the project's")
         ->type_name("DIR")
         ->capture_default_str();
-    command->footer("Exit status: 0 when the project was written, 2 when the name is not possible, the folder exists "
+    command->footer("Examples:\n  avsk new Counter --c\n  avsk new Lights --dir ~/plugins\n\n"
+                    "Exit status: 0 when the project was written, 2 when the name is not possible, the folder exists "
                     "already or\ncannot be written.");
     command->callback([request, &job] {
         job = [request] {

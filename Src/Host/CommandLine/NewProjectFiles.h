@@ -1,6 +1,6 @@
 // The files that `avsk new` writes, with @NAME@ for the plugin's name, @LANGUAGE@
-// and @EXTENSION@ for its language, and @PREFIX@ for the folder of the SDK. Used
-// by NewCommand.cpp.
+// and @EXTENSION@ for its language, @PREFIX@ for the folder of the SDK, and
+// @CONFIGURE@ and @AVSK@ for the commands that use it. Used by NewCommand.cpp.
 #ifndef AVSK_HOST_COMMAND_LINE_NEW_PROJECT_FILES_H
 #define AVSK_HOST_COMMAND_LINE_NEW_PROJECT_FILES_H
 
@@ -133,11 +133,11 @@ constexpr const char *kNewReadme = R"file(# @NAME@
 
 A plugin for the Aerivo flight simulator. Build it, test it and run it without the simulator:
 
-    cmake -B build -DCMAKE_PREFIX_PATH=@PREFIX@
+    @CONFIGURE@
     cmake --build build
     ctest --test-dir build --output-on-failure
-    @PREFIX@/bin/avsk run --root build/sim --frames 180
-    @PREFIX@/bin/avsk run @NAME@.avs --root build/sim
+    @AVSK@ run --root build/sim --frames 180
+    @AVSK@ run @NAME@.avs --root build/sim
 
 `@NAME@.avs` is the session that the test runs, and `@PREFIX@` is where the AVSK SDK was when this project
 was made. The compiler must be able to make 32-bit programs: on Debian, install g++-multilib.
