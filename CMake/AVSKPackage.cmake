@@ -17,6 +17,7 @@ set(CPACK_THREADS 0)
 # the compiler for 32-bit programs as amd64 packages, so that users need no foreign
 # architecture.
 set(CPACK_DEBIAN_PACKAGE_ARCHITECTURE amd64)
+set(CPACK_DEBIAN_COMPRESSION_TYPE xz)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_RELEASE 1)
 set(CPACK_DEBIAN_PACKAGE_SECTION devel)
