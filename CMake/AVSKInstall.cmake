@@ -38,5 +38,4 @@ install(DIRECTORY ${PROJECT_BINARY_DIR}/pages/completions/ DESTINATION share/bas
 execute_process(COMMAND gzip -9nc
   INPUT_FILE ${PROJECT_SOURCE_DIR}/CHANGELOG.md OUTPUT_FILE ${PROJECT_BINARY_DIR}/package/changelog.gz)
 install(FILES ${PROJECT_BINARY_DIR}/package/changelog.gz CMake/Debian/copyright DESTINATION share/doc/avsk-sdk)
-install(DIRECTORY Docs/ DESTINATION share/doc/avsk-sdk
-  FILES_MATCHING PATTERN "*-guide.md" PATTERN "observing.md" PATTERN "frame.md" PATTERN "sessions.md")
+install(DIRECTORY Docs/ DESTINATION share/doc/avsk-sdk FILES_MATCHING PATTERN "*.md")

@@ -131,7 +131,8 @@ void MakeProject(const Request &request) {
                 project.c_str(), folder.c_str(), configure.c_str());
     if (prefix.front() == '<')
         std::puts(
-            "\nThis avsk is not installed: 'cmake --install' with a --prefix makes an SDK, whose folder goes there.");
+            "\nThis avsk is not installed: replace <the SDK> by the folder of an SDK or, if the package avsk-sdk is "
+            "installed, leave the option out.");
 }
 
 } // namespace
