@@ -36,6 +36,7 @@ install(DIRECTORY Samples/ DESTINATION ${AVSK_INSTALL_SAMPLES})
 install(DIRECTORY ${PROJECT_BINARY_DIR}/pages/man/ DESTINATION share/man)
 install(DIRECTORY ${PROJECT_BINARY_DIR}/pages/completions/ DESTINATION share/bash-completion/completions)
 execute_process(COMMAND gzip -9nc
-  INPUT_FILE ${PROJECT_SOURCE_DIR}/CHANGELOG.md OUTPUT_FILE ${PROJECT_BINARY_DIR}/package/changelog.gz)
+  INPUT_FILE ${PROJECT_SOURCE_DIR}/CHANGELOG.md OUTPUT_FILE ${PROJECT_BINARY_DIR}/package/changelog.gz
+  COMMAND_ERROR_IS_FATAL ANY)
 install(FILES ${PROJECT_BINARY_DIR}/package/changelog.gz CMake/Debian/copyright DESTINATION share/doc/avsk-sdk)
 install(DIRECTORY Docs/ DESTINATION share/doc/avsk-sdk FILES_MATCHING PATTERN "*.md")

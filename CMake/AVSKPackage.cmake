@@ -11,7 +11,6 @@ avsk runs, tests and traces plugins without the simulator.")
 set(CPACK_PACKAGE_FILE_NAME avsk-sdk-${PROJECT_VERSION}-linux-i686)
 # The reports of avsk name functions from the dynamic symbols, which stay.
 set(CPACK_STRIP_FILES ON)
-set(CPACK_THREADS 0)
 
 # The binaries are 32-bit, but the package is for amd64: Debian has the libraries and
 # the compiler for 32-bit programs as amd64 packages, so that users need no foreign
