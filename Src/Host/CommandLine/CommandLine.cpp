@@ -69,6 +69,7 @@ Job ParseCommandLine(int argc, char **argv) {
     AddCommandsCommand(app, job);
     AddKeysCommand(app, job);
     AddFunctionsCommand(app, job);
+    AddExplainCommand(app, job);
     AddOptionTable(app);
     try {
         app.parse(argc, argv);

@@ -24,6 +24,7 @@ void AddDatarefsCommand(CLI::App &app, Job &job);
 void AddCommandsCommand(CLI::App &app, Job &job);
 void AddKeysCommand(CLI::App &app, Job &job);
 void AddFunctionsCommand(CLI::App &app, Job &job);
+void AddExplainCommand(CLI::App &app, Job &job);
 void AddNewCommand(CLI::App &app, Job &job);
 
 // Adds the hidden option that prints all commands and options as JSON.

@@ -57,6 +57,10 @@ void AddPattern(CLI::App &command, std::string &pattern) {
 
 void AddObservingOptions(CLI::App &command, ObservingOptions &options) {
     const char *group = "Observing";
+    command
+        .add_flag("--check", options.check,
+                  "tell what plugins do wrong by the rules that 'avsk explain' lists, and fail on errors")
+        ->group(group);
     CLI::Option *trace =
         command
             .add_option("--trace", options.trace.file,

@@ -3,6 +3,7 @@
 
 #include "Common/Terminal.h"
 #include "Observing/Observers.h"
+#include "Rules/Checker.h"
 #include "Services/Lifetime.h"
 #include "Services/Simulator.h"
 #include "Session/TemporaryRoot.h"
@@ -10,6 +11,7 @@
 #include <cstdio>
 #include <filesystem>
 #include <memory>
+#include <optional>
 #include <string>
 #include <system_error>
 #include <utility>
@@ -34,6 +36,9 @@ int RunFrames(SimpleRun run) {
     if (isTemporary || !run.namesRoot)
         simulator->console.Keep(simulator->options.root);
     Observers observers(*simulator, options.observing);
+    std::optional<Checker> checker;
+    if (options.observing.check)
+        checker.emplace(simulator->frame, options.observing.allowed);
     Prepare(*simulator);
     StartPlugins(*simulator, run.needsPlugins);
     while (simulator->frame < simulator->options.frames) {
@@ -46,10 +51,11 @@ int RunFrames(SimpleRun run) {
     observers.ReportLoaded();
     StopPlugins(*simulator);
     observers.ReportUnloaded();
+    const int errors = checker ? checker->PrintReport() : 0;
     const std::vector<std::string> failures = observers.Failures();
     for (const std::string &failure : failures)
         std::printf("%s\n", Emphasised(Emphasis::Failure, failure, STDOUT_FILENO).c_str());
-    return failures.empty() ? 0 : 1;
+    return failures.empty() && errors == 0 ? 0 : 1;
 }
 
 } // namespace host

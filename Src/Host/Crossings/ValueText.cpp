@@ -26,13 +26,6 @@ std::size_t BytesLeftOnPage(const char *address) {
     return kPage - reinterpret_cast<std::uintptr_t>(address) % kPage;
 }
 
-// The kernel copies, so a bad address is an error and not a fault.
-bool Copy(const char *from, char *to, std::size_t size) {
-    const iovec source{const_cast<char *>(from), size};
-    const iovec target{to, size};
-    return process_vm_readv(getpid(), &target, 1, &source, 1, 0) == static_cast<ssize_t>(size);
-}
-
 void AddQuoted(Line &line, std::string_view text) {
     line.Add('"');
     for (const char c : text) {
@@ -80,12 +73,19 @@ void AddCharacter(Line &line, int character) {
 
 void SetHandleNames(const HandleNames *names) { gHandleNames = names; }
 
+// The kernel copies, so a bad address is an error and not a fault.
+bool ReadMemory(const void *from, void *to, std::size_t size) {
+    const iovec source{const_cast<void *>(from), size};
+    const iovec target{to, size};
+    return process_vm_readv(getpid(), &target, 1, &source, 1, 0) == static_cast<ssize_t>(size);
+}
+
 bool ReadText(const char *text, int length, char *buffer, std::size_t size) {
     const std::size_t most = length < 0 ? size - 1 : std::min(size - 1, static_cast<std::size_t>(length));
     std::size_t read = 0;
     while (read < most) {
         const std::size_t part = std::min(most - read, BytesLeftOnPage(text + read)); // the next page may be missing
-        if (!Copy(text + read, buffer + read, part))
+        if (!ReadMemory(text + read, buffer + read, part))
             return false;
         if (std::memchr(buffer + read, '\0', part) != nullptr)
             return true;

@@ -43,6 +43,9 @@ std::string WholeText(const Value &value);
 // False if a part of it is not mapped.
 bool ReadText(const char *text, int length, char *buffer, std::size_t size);
 
+// Copies memory that a plugin names. False if a part of it is not mapped.
+bool ReadMemory(const void *from, void *to, std::size_t size);
+
 } // namespace crossings
 
 #endif

@@ -186,6 +186,20 @@ void WriteInterruptedStack(ucontext_t *context) {
 
 } // namespace
 
+std::string SourceLineOf(const void *address) {
+    const Frame frame = FrameAt(reinterpret_cast<std::uintptr_t>(address) - 1);
+    std::array<char, 4096> buffer{};
+    std::string_view text = Symbolize({&frame, 1}, buffer);
+    text = text.substr(0, text.find('\n')); // "Tick at /home/me/Pilot.cpp:58"
+    const std::size_t path = text.rfind(" at ");
+    if (path == std::string_view::npos)
+        return "";
+    text = text.substr(path + 4);
+    text = text.substr(0, text.find(" (discriminator"));
+    text = text.substr(text.rfind('/') + 1);
+    return text.starts_with("??") || text.ends_with(":?") || text.ends_with(":0") ? "" : std::string(text);
+}
+
 const char *FileAt(const void *address) { return FrameAt(reinterpret_cast<std::uintptr_t>(address)).file; }
 
 void PrepareBacktrace() {

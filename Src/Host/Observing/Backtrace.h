@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <span>
+#include <string>
 
 #include <ucontext.h>
 
@@ -37,6 +38,10 @@ void WriteBacktrace(ucontext_t *context);
 // beginning. The result stays valid when the files are unloaded or renamed.
 Stack StackOf(std::span<void *const> addresses);
 void WriteStack(const Stack &stack);
+
+// "Pilot.cpp:58" for a return address; empty if the file has no such information.
+// Runs addr2line the first time for each address; the file must be loaded.
+std::string SourceLineOf(const void *address);
 
 // The file that an address belongs to; null if there is none.
 const char *FileAt(const void *address);

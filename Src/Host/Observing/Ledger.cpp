@@ -71,7 +71,7 @@ bool IsSilent(const Possession &load) { return !load.otherKey.numbers.empty() &&
 Ledger::Ledger(const Simulator &simulator) : mSimulator(simulator) { crossings::AddObserver(*this); }
 Ledger::~Ledger() { crossings::RemoveObserver(*this); }
 
-const std::vector<const Rule *> &Ledger::RulesOf(const crossings::Prototype &function) {
+const std::vector<const LedgerRule *> &Ledger::RulesOf(const crossings::Prototype &function) {
     const auto [rules, isNew] = mRules.try_emplace(&function);
     if (isNew)
         rules->second = FindRules(function.name);
@@ -80,7 +80,7 @@ const std::vector<const Rule *> &Ledger::RulesOf(const crossings::Prototype &fun
 
 void Ledger::Begins(const Crossing &crossing) {
     const Call call{crossing, mSimulator, *this};
-    for (const Rule *rule : RulesOf(crossing.what)) {
+    for (const LedgerRule *rule : RulesOf(crossing.what)) {
         if (rule->only && !rule->only(call))
             mRefusals.push_back({&crossing, rule});
         else if (rule->success == Success::Before)
@@ -90,7 +90,7 @@ void Ledger::Begins(const Crossing &crossing) {
 
 void Ledger::Ends(const Crossing &crossing) {
     const Call call{crossing, mSimulator, *this};
-    for (const Rule *rule : RulesOf(crossing.what)) {
+    for (const LedgerRule *rule : RulesOf(crossing.what)) {
         const bool isRefused = std::any_of(mRefusals.begin(), mRefusals.end(), [&](const Refusal &refusal) {
             return refusal.crossing == &crossing && refusal.rule == rule;
         });
@@ -100,7 +100,7 @@ void Ledger::Ends(const Crossing &crossing) {
     std::erase_if(mRefusals, [&crossing](const Refusal &refusal) { return refusal.crossing == &crossing; });
 }
 
-void Ledger::Apply(const Rule &rule, const Call &call) {
+void Ledger::Apply(const LedgerRule &rule, const Call &call) {
     switch (rule.effect) {
     case Effect::Gain:
         return Gain(rule, call);
@@ -125,7 +125,7 @@ void Ledger::Apply(const Rule &rule, const Call &call) {
 
 // ---- Gains and losses
 
-void Ledger::Gain(const Rule &rule, const Call &call) {
+void Ledger::Gain(const LedgerRule &rule, const Call &call) {
     Possession made;
     made.kind = rule.kind;
     made.owner = call.crossing.dispatched;
@@ -151,7 +151,7 @@ void Ledger::Gain(const Rule &rule, const Call &call) {
     mOwned.push_back(std::move(made));
 }
 
-void Ledger::Lose(const Rule &rule, const Call &call) {
+void Ledger::Lose(const LedgerRule &rule, const Call &call) {
     const Key key = call.KeyOf(rule.key);
     const auto find = [&](bool callersOnly) {
         return std::find_if(mOwned.rbegin(), mOwned.rend(), [&](const Possession &known) {
@@ -171,7 +171,7 @@ void Ledger::Lose(const Rule &rule, const Call &call) {
     mOwned.erase(at);
 }
 
-void Ledger::LoseNth(const Rule &rule, const Call &call) {
+void Ledger::LoseNth(const LedgerRule &rule, const Call &call) {
     const Key key = call.KeyOf(rule.key);
     int index = call["index"].integer;
     const auto found = std::find_if(mOwned.begin(), mOwned.end(), [&](const Possession &known) {
@@ -181,7 +181,7 @@ void Ledger::LoseNth(const Rule &rule, const Call &call) {
         mOwned.erase(found);
 }
 
-void Ledger::LoseItems(const Rule &rule, const Call &call) {
+void Ledger::LoseItems(const LedgerRule &rule, const Call &call) {
     const Key key = call.KeyOf(rule.key);
     const Possession *menu = Find(Kind::Menu, key);
     if (menu && menu->owner == call.crossing.dispatched)

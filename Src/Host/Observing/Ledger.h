@@ -56,15 +56,15 @@ class Ledger : public crossings::Observer {
     // A rule whose condition was false when the call began.
     struct Refusal {
         const crossings::Crossing *crossing;
-        const Rule *rule;
+        const LedgerRule *rule;
     };
 
-    const std::vector<const Rule *> &RulesOf(const crossings::Prototype &function);
-    void Apply(const Rule &rule, const Call &call);
-    void Gain(const Rule &rule, const Call &call);
-    void Lose(const Rule &rule, const Call &call);
-    void LoseNth(const Rule &rule, const Call &call);
-    void LoseItems(const Rule &rule, const Call &call);
+    const std::vector<const LedgerRule *> &RulesOf(const crossings::Prototype &function);
+    void Apply(const LedgerRule &rule, const Call &call);
+    void Gain(const LedgerRule &rule, const Call &call);
+    void Lose(const LedgerRule &rule, const Call &call);
+    void LoseNth(const LedgerRule &rule, const Call &call);
+    void LoseItems(const LedgerRule &rule, const Call &call);
     void Arrive(const Call &call);
     void Settle(const Call &call);
     void SettleLoad(Possessions::iterator load);
@@ -73,8 +73,9 @@ class Ledger : public crossings::Observer {
     void LeaveGone();
 
     const Simulator &mSimulator;
-    std::unordered_map<const crossings::Prototype *, std::vector<const Rule *>> mRules; // of functions seen so far
-    std::vector<Refusal> mRefusals;                                                     // of calls under way
+    std::unordered_map<const crossings::Prototype *, std::vector<const LedgerRule *>>
+        mRules;                     // of functions seen so far
+    std::vector<Refusal> mRefusals; // of calls under way
     Possessions mOwned;
     Possessions mReturned; // but still in the library
     std::map<AVSKPluginID, Identity> mNames;

@@ -180,7 +180,7 @@ bool IsPlaneUnloaded(const Call &call) { return call["event"].integer == AVSKHos
 
 // ---- The rules
 
-constexpr Rule kRules[] = {
+constexpr LedgerRule kRules[] = {
     Gain("AVSKRegisterDataAccessor", Kind::Dataref, {kResult}, NameText).OnlyIf(IsUnpublished),
     Lose("AVSKUnregisterDataAccessor", Kind::Dataref, {Argument("ref")}),
     Gain("AVSKShareData", Kind::Subscription, kSubscription, SubscriptionText).OnlyIf(HasCallback),
@@ -252,9 +252,9 @@ constexpr Rule kRules[] = {
 
 } // namespace
 
-std::vector<const Rule *> FindRules(std::string_view function) {
-    std::vector<const Rule *> rules;
-    for (const Rule &rule : kRules) {
+std::vector<const LedgerRule *> FindRules(std::string_view function) {
+    std::vector<const LedgerRule *> rules;
+    for (const LedgerRule &rule : kRules) {
         if (function == rule.function)
             rules.push_back(&rule);
     }

@@ -99,7 +99,7 @@ enum class Whose : std::uint8_t {
 using Describe = std::string (*)(const Call &call);
 using Condition = bool (*)(const Call &call);
 
-struct Rule {
+struct LedgerRule {
     const char *function;
     Effect effect;
     Kind kind = Kind::Dataref;
@@ -111,41 +111,41 @@ struct Rule {
     Condition only = nullptr; // checked when the call begins
 
     // Copies with another column filled.
-    constexpr Rule OtherKey(const Parts &parts) const {
-        Rule rule = *this;
+    constexpr LedgerRule OtherKey(const Parts &parts) const {
+        LedgerRule rule = *this;
         rule.otherKey = parts;
         return rule;
     }
-    constexpr Rule When(Success when) const {
-        Rule rule = *this;
+    constexpr LedgerRule When(Success when) const {
+        LedgerRule rule = *this;
         rule.success = when;
         return rule;
     }
-    constexpr Rule OnlyIf(Condition condition) const {
-        Rule rule = *this;
+    constexpr LedgerRule OnlyIf(Condition condition) const {
+        LedgerRule rule = *this;
         rule.only = condition;
         return rule;
     }
-    constexpr Rule As(Effect other) const {
-        Rule rule = *this;
+    constexpr LedgerRule As(Effect other) const {
+        LedgerRule rule = *this;
         rule.effect = other;
         return rule;
     }
 };
 
-constexpr Rule Gain(const char *function, Kind kind, const Parts &key, Describe what) {
+constexpr LedgerRule Gain(const char *function, Kind kind, const Parts &key, Describe what) {
     return {.function = function, .effect = Effect::Gain, .kind = kind, .key = key, .what = what};
 }
-constexpr Rule Lose(const char *function, Kind kind, const Parts &key, Whose whose = Whose::Callers) {
+constexpr LedgerRule Lose(const char *function, Kind kind, const Parts &key, Whose whose = Whose::Callers) {
     return {.function = function, .effect = Effect::Lose, .kind = kind, .key = key, .whose = whose};
 }
 // A rule that concerns no single kind of possession.
-constexpr Rule On(const char *function, Success success, Effect effect) {
+constexpr LedgerRule On(const char *function, Success success, Effect effect) {
     return {.function = function, .effect = effect, .success = success};
 }
 
 // The rules of a function, in the order in which they are applied.
-std::vector<const Rule *> FindRules(std::string_view function);
+std::vector<const LedgerRule *> FindRules(std::string_view function);
 
 } // namespace host
 

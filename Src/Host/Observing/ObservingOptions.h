@@ -2,6 +2,7 @@
 #ifndef AVSK_HOST_OBSERVING_OBSERVING_OPTIONS_H
 #define AVSK_HOST_OBSERVING_OBSERVING_OPTIONS_H
 
+#include <map>
 #include <string>
 #include <vector>
 
@@ -15,6 +16,8 @@ struct TraceOptions {
 
 struct ObservingOptions {
     TraceOptions trace;
+    bool check = false;                         // judge the plugins by the rules
+    std::map<std::string, std::string> allowed; // reasons, by the IDs of excused rules
     bool owners = false;
     bool profile = false;
     double budget = 0;  // milliseconds that a plugin may take in a frame; 0: no limit

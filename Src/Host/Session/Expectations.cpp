@@ -26,7 +26,7 @@ namespace {
 
 // ---- The words
 
-Finding Dataref(SessionRunner &run, const Step &step) {
+Outcome Dataref(SessionRunner &run, const Step &step) {
     const auto [ref, index] = FindDataref(step[0]);
     if (!ref)
         return {false, "nobody publishes it" + DidYouMean(step[0], run.Datarefs().Published())};
@@ -41,7 +41,7 @@ Finding Dataref(SessionRunner &run, const Step &step) {
     return {agrees, Join(seen, " ")};
 }
 
-Finding Logged(SessionRunner &run, const Step &step) {
+Outcome Logged(SessionRunner &run, const Step &step) {
     const std::string &log = run.Sim().console.Kept();
     const std::size_t at = log.find(step[0]);
     if (at != std::string::npos) {
@@ -55,10 +55,10 @@ Finding Logged(SessionRunner &run, const Step &step) {
     return {false, "no such line; the last one is '" + log.substr(begin, end - begin) + "'"};
 }
 
-Finding WindowThere(SessionRunner &run, const Step &step) {
+Outcome WindowThere(SessionRunner &run, const Step &step) {
     const AVSKPluginID plugin = FindPlugin(step[0]);
     if (plugin == NO_PLUGIN_ID)
-        return Finding::Unknown(NoPlugin(step[0]));
+        return Outcome::Unknown(NoPlugin(step[0]));
     const bool hasPlace = step.Count() > 1 && step[1].find(',') != std::string::npos;
     const std::vector<int> wanted = hasPlace ? Integers(step[1]) : std::vector<int>();
     std::vector<std::string> seen;
@@ -72,7 +72,7 @@ Finding WindowThere(SessionRunner &run, const Step &step) {
     return {found, seen.empty() ? "no window of this plugin" : Join(seen)};
 }
 
-Finding Item(SessionRunner &run, const Step &step) {
+Outcome Item(SessionRunner &run, const Step &step) {
     const FoundItem found = FindItem(run.Sim().menus, step[0]);
     if (!found.menu)
         return {false, found.seen};
@@ -84,7 +84,7 @@ Finding Item(SessionRunner &run, const Step &step) {
     return {all, mark + " " + state};
 }
 
-Finding PluginState(SessionRunner & /*run*/, const Step &step) {
+Outcome PluginState(SessionRunner & /*run*/, const Step &step) {
     const AVSKPluginID plugin = FindPlugin(step[0]);
     if (plugin == NO_PLUGIN_ID)
         return {false, NoPlugin(step[0])};
@@ -92,12 +92,12 @@ Finding PluginState(SessionRunner & /*run*/, const Step &step) {
     return {step.Count() == 1 || step[1] == state, state};
 }
 
-Finding Called(SessionRunner &run, const Step &step) {
+Outcome Called(SessionRunner &run, const Step &step) {
     return {run.Calls().Contains(step[0], step.From(1)), run.Calls().Latest(step[0])};
 }
 
 // A path in the root, which is where plugins write their files.
-Finding File(SessionRunner &run, const Step &step) {
+Outcome File(SessionRunner &run, const Step &step) {
     namespace fs = std::filesystem;
     const fs::path path = ResolvePath(run.Sim().options.root, step[0]);
     std::error_code error;
@@ -115,22 +115,22 @@ Finding File(SessionRunner &run, const Step &step) {
     std::ostringstream text;
     text << file.rdbuf();
     if (fs::is_directory(path, error) || !file)
-        return Finding::Unknown(fs::is_directory(path, error) ? "a folder" : "a file that cannot be read");
+        return Outcome::Unknown(fs::is_directory(path, error) ? "a folder" : "a file that cannot be read");
     if (step.Count() > 1 && text.str().find(step[1]) == std::string::npos)
         return {false, "a file of " + std::to_string(text.str().size()) + " bytes without this text; it begins '" +
                            text.str().substr(0, std::min<std::size_t>(text.str().find('\n'), 80)) + "'"};
     return {true, "a file of " + std::to_string(text.str().size()) + " bytes"};
 }
 
-Finding ViewShown(SessionRunner &run, const Step &step) {
+Outcome ViewShown(SessionRunner &run, const Step &step) {
     const std::string view = run.Sim().camera.ViewName();
     return {view == step[0], view};
 }
 
-Finding Owns(SessionRunner &run, const Step &step) {
+Outcome Owns(SessionRunner &run, const Step &step) {
     const AVSKPluginID plugin = FindPlugin(step[0]);
     if (plugin == NO_PLUGIN_ID)
-        return Finding::Unknown(NoPlugin(step[0]));
+        return Outcome::Unknown(NoPlugin(step[0]));
     std::vector<std::string> seen;
     bool found = false;
     for (const Possession &owned : run.Observing().Owners().OwnedBy(plugin, KindOf(step[1]).value())) {
@@ -141,10 +141,10 @@ Finding Owns(SessionRunner &run, const Step &step) {
 }
 
 // A plugin that was never loaded leaves nothing behind either, which proves nothing.
-Finding Tidy(SessionRunner &run, const Step &step) {
+Outcome Tidy(SessionRunner &run, const Step &step) {
     const Ledger &owners = run.Observing().Owners();
     if (step.Count() > 0 && !owners.WasUnloaded(step[0]))
-        return Finding::Unknown("no plugin of this name or signature was unloaded");
+        return Outcome::Unknown("no plugin of this name or signature was unloaded");
     const std::vector<std::string> left = owners.LeftBehind(step.Count() > 0 ? step[0] : "");
     std::string seen = left.empty() ? "nothing left behind" : "left behind";
     for (const std::string &line : left)
@@ -153,7 +153,7 @@ Finding Tidy(SessionRunner &run, const Step &step) {
 }
 
 // Commands and probes are not counted, because they stay until the host ends.
-Finding NothingLeft(SessionRunner &run, const Step & /*step*/) {
+Outcome NothingLeft(SessionRunner &run, const Step & /*step*/) {
     const Simulator &simulator = run.Sim();
     std::vector<std::string> left;
     for (const Menu *menu : simulator.menus.Bar()) {

@@ -6,10 +6,10 @@
 
 namespace host {
 
-Finding Finding::Unknown(std::string why) {
-    Finding finding(false, std::move(why));
-    finding.answer = Answer::Unknown;
-    return finding;
+Outcome Outcome::Unknown(std::string why) {
+    Outcome outcome(false, std::move(why));
+    outcome.answer = Answer::Unknown;
+    return outcome;
 }
 
 std::string Form::Usage() const {

@@ -19,7 +19,7 @@ class SetUp;
 struct Step;
 
 // What an expectation found.
-struct Finding {
+struct Outcome {
     enum class Answer : std::uint8_t {
         Yes,
         No,
@@ -28,8 +28,8 @@ struct Finding {
     Answer answer;
     std::string seen; // for the message of a failure
 
-    Finding(bool holds, std::string what) : answer(holds ? Answer::Yes : Answer::No), seen(std::move(what)) {}
-    static Finding Unknown(std::string why);
+    Outcome(bool holds, std::string what) : answer(holds ? Answer::Yes : Answer::No), seen(std::move(what)) {}
+    static Outcome Unknown(std::string why);
 };
 
 // Why a step failed; empty if it did not.
@@ -45,7 +45,7 @@ struct Failure {
 
 using SetUpFunction = Failure(SetUp &setUp, const Step &step);
 using StepFunction = Failure(SessionRunner &run, const Step &step);
-using ExpectFunction = Finding(SessionRunner &run, const Step &step);
+using ExpectFunction = Outcome(SessionRunner &run, const Step &step);
 
 // Where a word may stand. Set-up comes before the first step. All other words
 // need loaded plugins unless they say otherwise.

@@ -8,6 +8,7 @@
 #include "Crossings/Words.h"
 #include "Observing/CallLog.h"
 #include "Observing/Possession.h"
+#include "Rules/RuleTable.h"
 
 #include <algorithm>
 #include <cctype>
@@ -38,6 +39,8 @@ bool IsSize(const Word &word) { return ReadIntegers(word.text, 'x', 2).has_value
 bool IsKey(const Word &word) { return KeyCode(word.text) != 0; }
 bool IsSlot(const Word &word) { return CallLog::CountArguments(word.text) >= 0; }
 bool IsPossession(const Word &word) { return KindOf(word.text).has_value(); }
+
+bool IsRule(const Word &word) { return FindRule(word.text) != nullptr; }
 
 bool IsValue(const Word &word) {
     const std::string_view text = word.text;
@@ -74,6 +77,7 @@ constexpr ParameterKind kKinds[] = {
     {"KEY", IsKey, "a key (a letter, a digit, F1 to F24, or a name such as Escape or \"Page Up\")", KeyNames},
     {"SLOT", IsSlot, "a host service, named as in AVSKHostCallbacks", crossings::ServiceNames},
     {"KIND", IsPossession, "a kind of possession", KindNames},
+    {"RULE", IsRule, "a rule; 'avsk explain' lists them", RuleIds},
     {"VALUE", IsValue, "a value (a text or a number; in expectations also NUMBER~TOLERANCE)"},
 };
 

@@ -35,6 +35,8 @@ void SessionRunner::Start() {
     mSimulator->console.Keep(mSetUp.options.simulator.root);
     mCalls = std::make_unique<CallLog>(*mSimulator);
     mObservers = std::make_unique<Observers>(*mSimulator, mSetUp.options.observing);
+    if (mSetUp.options.observing.check)
+        mChecker = std::make_unique<Checker>(mSimulator->frame, mSetUp.options.observing.allowed);
     mDatarefs = std::make_unique<DatarefNames>();
     for (const auto &[plugin, milliseconds] : mSetUp.budgets)
         mObservers->Times().SetBudget(plugin, milliseconds);
@@ -49,10 +51,10 @@ void SessionRunner::Do(const Step &step) {
     Failure failure;
     if (const auto *look = std::get_if<ExpectFunction *>(&step.form->function)) {
         ++mExpectations;
-        const Finding finding = (*look)(*this, step);
-        const Finding::Answer wanted = step.negated ? Finding::Answer::No : Finding::Answer::Yes;
-        if (finding.answer != wanted)
-            failure = "seen: " + finding.seen;
+        const Outcome outcome = (*look)(*this, step);
+        const Outcome::Answer wanted = step.negated ? Outcome::Answer::No : Outcome::Answer::Yes;
+        if (outcome.answer != wanted)
+            failure = "seen: " + outcome.seen;
     } else {
         ++mSteps;
         try {
@@ -83,6 +85,8 @@ int SessionRunner::Finish() {
             std::printf("%s\n", Emphasised(Emphasis::Failure, mName + ": " + failure, STDOUT_FILENO).c_str());
         }
     }
+    if (mChecker && mChecker->PrintReport() != 0)
+        ++mFailed;
     if (const std::string note = mSetUp.FilesNote(); !note.empty())
         std::printf("%s: %s\n", mName.c_str(), note.c_str());
     std::printf("%s: %d frames, %d steps, %d expectations, %d failed\n", mName.c_str(),

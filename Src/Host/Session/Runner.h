@@ -9,6 +9,7 @@
 #include "Observing/CallLog.h"
 #include "Observing/DatarefNames.h"
 #include "Observing/Observers.h"
+#include "Rules/Checker.h"
 #include "Services/Simulator.h"
 
 #include <memory>
@@ -47,6 +48,7 @@ class SessionRunner {
     std::unique_ptr<Simulator> mSimulator;
     std::unique_ptr<CallLog> mCalls;
     std::unique_ptr<Observers> mObservers;
+    std::unique_ptr<Checker> mChecker; // if the options ask for it
     std::unique_ptr<DatarefNames> mDatarefs;
     bool mLoaded = false;
     int mSteps = 0;

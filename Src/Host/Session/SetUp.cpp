@@ -150,6 +150,11 @@ Failure Scenery(SetUp &setUp, const Step &step) {
     return {};
 }
 
+Failure Allow(SetUp &setUp, const Step &step) {
+    setUp.options.observing.allowed[step[0]] = step[1];
+    return {};
+}
+
 Failure Budget(SetUp &setUp, const Step &step) {
     setUp.budgets[step.Count() > 1 ? step[1] : ""] = Number(step[0]);
     return {};
@@ -165,6 +170,7 @@ std::span<const Form> SetUpForms() {
         {"screen", "SIZE", "the screen's size in pixels; the default is 1024x768", Screen},
         {"aircraft", "DIR", "the folder of the user's aircraft", Aircraft},
         {"scenery", "DIR", "a scenery folder; can be repeated", Scenery},
+        {"allow", "RULE TEXT", "excuses what breaks this rule, for the given reason; for --check", Allow},
         {"budget", "NUMBER [PLUGIN]",
          "milliseconds per frame for each plugin, or for this one; the session fails if one takes more", Budget},
     };
