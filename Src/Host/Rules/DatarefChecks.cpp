@@ -303,7 +303,7 @@ void DatarefChecks::BeforeAccessor(const Crossing &crossing) {
 
 void DatarefChecks::AfterAccessor(const Crossing &crossing) {
     const Crossing *read = crossing.outer;
-    const auto known = read ? mKnown.find(read->arguments[0].pointer) : mKnown.end();
+    const auto known = read && !read->arguments.empty() ? mKnown.find(read->arguments[0].pointer) : mKnown.end();
     if (!crossing.arguments[1].pointer && crossing.returned && known != mKnown.end())
         known->second.length = crossing.result.integer;
     if (mReads.empty() || mReads.back().crossing != &crossing)
