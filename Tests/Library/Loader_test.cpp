@@ -157,6 +157,7 @@ TEST_F(Loader, ARefusedPluginStaysMappedIfWhatItLeftCouldCallIt) {
     world.InstallScenery("heir");
     host.on.loadObject = [this](const char *) { return &host; };
     const auto menu = [](AVSKMenuHandler_f handler) { AVSKCreateMenu("M", nullptr, 0, handler, nullptr); };
+    NoticePlayer offer = [] {};
     const auto loop = [&] {
         const AVSKCreateFlightLoopParams params = {sizeof params, 0, air.code.flightLoop, nullptr};
         return AVSKCreateFlightLoop(&params);
@@ -167,10 +168,16 @@ TEST_F(Loader, ARefusedPluginStaysMappedIfWhatItLeftCouldCallIt) {
              {[&] { menu(nullptr); }, false},
              {[] { AVSKUnloadObject(AVSKLoadObject("o")); }, false},
              {[] { AVSKControlCamera(1, nullptr, nullptr), AVSKDontControlCamera(); }, false},
+             {[&] {
+                  AVSKRegisterCommandHandler(this, air.code.command, 1, nullptr);
+                  AVSKUnregisterCommandHandler(this, air.code.command, 1, nullptr);
+              },
+              false},
+             {[&] { AVSKAcquirePlanes(nullptr, air.code.notified, &offer); }, true},
              {loop, true},
              {[&] { menu(air.code.menuPicked); }, true},
              {[] { Publish("x"); }, true},
-             {[] { AVSKAcquirePlanes(nullptr, nullptr, nullptr); }, true},
+             {[&] { a.Run(AVSKReleasePlanes), AVSKAcquirePlanes(nullptr, nullptr, nullptr); }, true},
              {[] { AVSKLoadObject("o"); }, true},
              {[] { AVSKCreateProbe(AVSK_PROBE_Y); }, true},
              {[&] { AVSKShareData("s", 1, air.code.notified, nullptr); }, true},
@@ -187,7 +194,11 @@ TEST_F(Loader, ARefusedPluginStaysMappedIfWhatItLeftCouldCallIt) {
              {[] { AVSKCreateWindow(0, 1, 1, 0, 1, nullptr, nullptr, nullptr, nullptr); }, true}}) {
         world.StartQuietly();
         air.start = [&act = leave] { return act(), 0; };
-        a.Run([&] { AVSKRegisterFlightLoopCallback(a.code.flightLoop, -1, &load); });
+        a.Run([&] {
+            AVSKRegisterFlightLoopCallback(a.code.flightLoop, -1, &load);
+            AVSKAcquirePlanes(nullptr, nullptr, nullptr);
+        });
+        AVSKAcquirePlanes(nullptr, [](void *) {}, nullptr); // the host waits
         World::Pass(1);
         EXPECT_EQ(air.IsMapped(), mapped);
         EXPECT_EQ(AVSKIsPluginEnabled(2), 0) << "withdrawn";

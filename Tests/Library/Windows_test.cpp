@@ -226,6 +226,9 @@ TEST_F(Windows, DisablingTakesFocusAndMouseBeforeThePluginHears) {
         << "it cannot have the focus now";
     AVSKEnablePlugin(a.Id());
     EXPECT_EQ(Drawn(), "1: w drawn as 1; mine drawn") << "the window itself stays";
+    AVSKDestroyWindow(mine);
+    ActorOf(window).click = [&] { return AVSKDisablePlugin(a.Id()), 1; };
+    EXPECT_EQ((Lines{Click(5, 5, 1), Click(5, 5, 0)}), (Lines{"0: w click 1 at 5,5 as 1; disable A", "1"}));
 }
 
 // ---- Changes inside calls
