@@ -288,6 +288,31 @@ TEST_F(Corners, AStartOrReloadEndsWhenTheHostShutsDownMeanwhile) {
         }
 }
 
+TEST_F(Corners, UnloadingAndEnablingEndWhenTheHostShutsDownMeanwhile) {
+    Puppet &air = world.InstallAircraft("air");
+    world.InstallAircraft("air2");
+    host.on.loadObjectAsync = [](const char *, auto done, void *load) { done(load, load); };
+    host.on.unloadObject = [](void *) { AVSKShutdownPlugins(); };
+    air.stop = [&] { AVSKLoadObjectAsync("o", air.code.loaded, nullptr); }; // deferred, then given back
+    world.Start();
+    World::LoadAircraft();
+    World::UnloadAircraft();
+    EXPECT_TRUE(TakeCalls().ends_with("disable air2; stop air; loadObjectAsync(\"o\", pointer, 1); unloadObject(1); "
+                                      "stop air2"));
+    EXPECT_FALSE(air.IsMapped());
+    world.InstallScenery("s2");
+    world.InstallScenery("s1").enable = [&] {
+        AVSKShutdownPlugins();
+        world.Install("A");
+        world.Install("B").enable = [] { return 0; }; // would be asked again as s2, which had its ID
+        return world.Start();
+    };
+    world.Start();
+    world.LoadScenery();
+    EXPECT_TRUE(TakeCalls().ends_with("enable s1; stop s1; stop s2; createMenu(null, 0, \"Plugins\"); start A; "
+                                      "start B; enable A; enable B"));
+}
+
 // ---- Plugin -1
 
 TEST_F(Corners, NobodyCreatesAnything) {
@@ -357,6 +382,12 @@ TEST_F(Corners, WhatAHostCreatedForAPluginThatItUnloadsIsGivenBack) {
         const Lines calls = Take();
         EXPECT_EQ(calls.back(), last == "createProbe()" ? "stop air" : last);
     }
+    host.table.sizeInBytes = 284; // without the service that destroys menus
+    World::LoadAircraft();
+    unloads = true;
+    air.Run([&] { EXPECT_TRUE(menu()); });
+    EXPECT_EQ(Take().back(), "stop air");
+    host.table.sizeInBytes = 288;
     host.on.appendMenuItem = [&](void *, int, const char *, int) { return World::UnloadAircraft(), 7; };
     World::LoadAircraft();
     air.Run([] {

@@ -43,6 +43,9 @@ TEST_F(DataAccess, OnlyItsOwnerGivesADatarefUp) {
     EXPECT_EQ(AVSKFindDataRef("a/x"), ref);
     for (const AVSKDataRef bad : {AVSKDataRef(), reinterpret_cast<AVSKDataRef>(reinterpret_cast<char *>(ref) + 4)})
         EXPECT_EQ(DOES_AS(b, AVSKUnregisterDataAccessor(bad)), "error: Dataref is illegal and cannot be unregistered.");
+    const AVSKDataRef orphan = PublishAs(air, "air/x");
+    air.Run([&] { World::UnloadAircraft(), AVSKUnregisterDataAccessor(orphan); });
+    EXPECT_EQ(AVSKIsDataRefGood(orphan), 0);
 }
 
 TEST_F(DataAccess, OnlyARecordsAddressIsGood) {

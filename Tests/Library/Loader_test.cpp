@@ -198,7 +198,8 @@ TEST_F(Loader, ARefusedPluginStaysMappedIfWhatItLeftCouldCallIt) {
             AVSKRegisterFlightLoopCallback(a.code.flightLoop, -1, &load);
             AVSKAcquirePlanes(nullptr, nullptr, nullptr);
         });
-        AVSKAcquirePlanes(nullptr, [](void *) {}, nullptr); // the host waits
+        AVSKAcquirePlanes(
+            nullptr, [](void *) {}, nullptr); // the host waits
         World::Pass(1);
         EXPECT_EQ(air.IsMapped(), mapped);
         EXPECT_EQ(AVSKIsPluginEnabled(2), 0) << "withdrawn";
@@ -221,6 +222,11 @@ TEST_F(Loader, AnExceptionInStartLeavesNoRecord) {
     a.start = []() -> int { AVSKShutdownPlugins(), throw 1; };
     EXPECT_THROW(world.Start(), int);
     EXPECT_EQ(AVSKCountPlugins(), 0);
+    a.start = nullptr;
+    world.InstallDefective("Resources/plugins/A.avp", "NotALibrary");
+    host.on.debugString = [](const char *text) { std::strcmp(text, "dlerror:") == 0 ? throw 1 : 0; };
+    EXPECT_THROW(world.Start(), int) << "from the log";
+    EXPECT_EQ(a.Id(), 1);
 }
 
 TEST_F(Loader, AShutdownDuringAStartEndsTheLoading) {

@@ -157,6 +157,7 @@ TEST_F(Menus, TheHostMayReEnterFromItsMenuServices) {
     const auto remove = [&] { AVSKRemoveMenuItem(menu, 1); };
     for (const auto &[call, within, stays] :
          Table<std::function<void()>, std::function<void()>, bool>{{clear, destroy, false},
+                                                                   {clear, remove, true},
                                                                    {destroy, destroy, false},
                                                                    {append, destroy, false},
                                                                    {append, clear, true},

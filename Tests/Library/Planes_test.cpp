@@ -41,10 +41,13 @@ TEST_F(Planes, SomeCallsNeedControlAndTheUsersAircraftDoesNot) {
         std::strcpy(path, std::string(600, 'p').c_str());
         std::strcpy(name, "name");
     };
-    const auto use = [] {
+    int native = 0;
+    const auto use = [&] {
+        AVSKEnableFeature("AVSK_USE_NATIVE_PATHS", native);
         char path[700] = "", name[256] = "";
         AVSKGetNthAircraftModel(2, name, path);
-        EXPECT_EQ(name + std::string(path), "name" + std::string(511, 'p')) << "path first, and cut";
+        EXPECT_EQ(name + std::string(path), "name" + std::string(native ? 600 : 511, 'p')) << "path first, and cut";
+        AVSKSetAircraftModel(1, native ? "native" : "old");
         AVSKReinitUsersPlane();
         AVSKSetActiveAircraftCount(1);
         AVSKDrawAircraft(1, 2, 3, 4, 5, 6, 7, 8, 9);
@@ -54,8 +57,11 @@ TEST_F(Planes, SomeCallsNeedControlAndTheUsersAircraftDoesNot) {
     const std::string always = "loadAircraftModel(0, \"/a/b/model.acf\", \"model.acf\"); "
                                "loadAircraftModel(0, \"model.acf\", \"odel.acf\")";
     Acquire(a);
-    EXPECT_EQ(DOES_AS(b, use()), always);
-    EXPECT_EQ(DOES_AS(a, use()), "reinitUsersPlane(208, 201); drawAircraft(1, 2, 3, 4, 5, 6, 7, 8, 9); " + always);
+    for (; native < 2; ++native) {
+        EXPECT_EQ(DOES_AS(b, use()), always);
+        EXPECT_EQ(DOES_AS(a, use()), "reinitUsersPlane(208, 201); drawAircraft(1, 2, 3, 4, 5, 6, 7, 8, 9); " + always);
+        EXPECT_EQ(Model(1), native ? "native" : "old");
+    }
     host.on.drawAircraft = [](auto...) { return 5; };
     EXPECT_EQ(a.Run([] { return AVSKDrawAircraft(1, 2, 3, 4, 5, 6, 7, 8, 9); }), 5);
     EXPECT_EQ(AVSKDrawAircraft(1, 2, 3, 4, 5, 6, 7, 8, 9), 1);
