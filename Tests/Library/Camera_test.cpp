@@ -145,18 +145,6 @@ TEST_F(Camera, WithoutAFunctionOrByADisabledPluginItIsGivenUpByTheFirstUpdateOrV
         }
 }
 
-// Each of the two controllers is notified of its own loss.
-TEST_F(Camera, AControllerIsToldThoughAnotherIsJustBeingTold) {
-    Control(a, AVSKCameraUntilViewChanges, [&](AVSKCameraPosition *, int isLosing) {
-        Note("A loses");
-        Control(b, AVSKCameraForever, Says("B"));
-        AVSKDisablePlugin(2);
-        return isLosing;
-    });
-    EXPECT_EQ(ChangeView(), "1: A loses; B loses null; disable B");
-    EXPECT_EQ(Controlled(), 0);
-}
-
 TEST_F(Camera, AnExceptionLeavesControlAndTheHostsCameraAsTheyWere) {
     Control(a, AVSKCameraUntilViewChanges, [](AVSKCameraPosition *position, int) -> int {
         if (position)

@@ -29,11 +29,6 @@ class Corners : public InWorld {
     }
 };
 
-template <class Result, class... Arguments>
-Result Nothing(Arguments... /*all*/) {
-    return Result();
-}
-
 void Event101() { AVSKEventHook(AVSKHostEventBroadcast101, 0, 0, 0); }
 
 // ---- Exceptions
@@ -315,29 +310,35 @@ TEST_F(Corners, UnloadingAndEnablingEndWhenTheHostShutsDownMeanwhile) {
 
 // ---- Plugin -1
 
+// Everything that a plugin can create. A service of the host gives each a handle; the result tells whether it exists.
+AVSKFlightLoopID CreateLoop() {
+    static const AVSKCreateFlightLoopParams params = {sizeof params, 0, Nothing, nullptr};
+    return AVSKCreateFlightLoop(&params);
+}
+AVSKWindowID CreateWindow() {
+    static const AVSKCreateWindowParams params = {sizeof params, 0, 9, 9, 0, 1, Nothing, Nothing, Nothing, {}, {}, {}};
+    return AVSKCreateWindowEx(&params);
+}
+bool (*const kCreations[])() = {
+    [] { return AVSKLoadObject("o") != nullptr; },
+    [] { return AVSKCreateProbe(0) != nullptr; },
+    [] { return AVSKCreateMenu("M", nullptr, 0, Nothing, nullptr) != nullptr; },
+    [] { return CreateLoop() != nullptr; },
+    [] { return AVSKRegisterDrawCallback(Nothing, 5, 1, nullptr) != 0; },
+    [] { return AVSKRegisterKeySniffer(Nothing, 1, nullptr) != 0; },
+    [] { return AVSKRegisterHotKey('K', 0, "", Nothing, nullptr) != nullptr; },
+    [] { return AVSKCreateWindow(0, 9, 9, 0, 1, Nothing, Nothing, Nothing, nullptr) != nullptr; },
+    [] { return CreateWindow() != nullptr; },
+    [] { return Publish("x") != nullptr; },
+    [] { return AVSKShareData("y", AVSKDataTypeInt, Nothing, nullptr) != 0; },
+    [] { return AVSKControlCamera(1, Nothing, nullptr), AVSKIsCameraBeingControlled(nullptr) != 0; },
+    [] { return AVSKRegisterCommandHandler(&gStatic, Nothing, 0, nullptr), !AVSKCommandHook(&gStatic, 1, 0, 0); },
+    [] { return AVSKRegisterCommandHandler(&gStatic, Nothing, 1, nullptr), !AVSKCommandHook(&gStatic, 1, 0, 1); },
+    [] { return AVSKAcquirePlanes(nullptr, Nothing, nullptr) != 0; },
+};
+
 TEST_F(Corners, NobodyCreatesAnything) {
     Puppet &air = world.InstallAircraft("air");
-    const auto answers = [this] {
-        NoticePlayer none;
-        char *paths[] = {nullptr};
-        const AVSKCreateFlightLoopParams loop = {sizeof loop, 0, Nothing, this};
-        AVSKCreateWindowParams window = {sizeof window, 0, 9, 9, 0, 1, Nothing, Nothing, Nothing, {}, {}, this};
-        AVSKLoadObjectAsync("o", Nothing, this);
-        AVSKCommandBegin(&host);
-        AVSKCommandButtonPress(1);
-        AVSKControlCamera(1, Nothing, this);
-        AVSKRegisterCommandHandler(&host, Nothing, 1, this);
-        AVSKRegisterFlightLoopCallback(Nothing, -1, this);
-        AVSKAppendMenuSeparator(AVSKFindPluginsMenu());
-        return Line(AVSKLoadObject("o") != nullptr, AVSKCreateProbe(0) != nullptr,
-                    AVSKCreateMenu("M", nullptr, 0, Nothing, this) != nullptr,
-                    AVSKAppendMenuItem(AVSKFindPluginsMenu(), "I", nullptr, 0) != -1,
-                    AVSKCreateFlightLoop(&loop) != nullptr, AVSKRegisterDrawCallback(Nothing, 5, 1, this),
-                    AVSKRegisterKeySniffer(Nothing, 1, this), AVSKRegisterHotKey('K', 0, "", Nothing, this) != nullptr,
-                    AVSKCreateWindow(0, 9, 9, 0, 1, Nothing, Nothing, Nothing, this) != nullptr,
-                    AVSKCreateWindowEx(&window) != nullptr, Publish("x") != nullptr,
-                    AVSKShareData("y", AVSKDataTypeInt, Nothing, this), AVSKAcquirePlanes(paths, Nothing, this));
-    };
     host.on.loadObject = [this](const char *) { return &host; };
     host.on.createProbe = [this] { return &host; };
     world.StartQuietly();
@@ -345,15 +346,62 @@ TEST_F(Corners, NobodyCreatesAnything) {
     air.Run([&] {
         World::UnloadAircraft();
         TakeCalls();
-        EXPECT_EQ(answers(), "0000000000000");
+        for (const auto create : kCreations)
+            EXPECT_FALSE(create());
+        EXPECT_EQ(AVSKAppendMenuItem(AVSKFindPluginsMenu(), "I", nullptr, 0), -1);
+        AVSKLoadObjectAsync("o", Nothing, this);
+        AVSKCommandBegin(&host);
+        AVSKCommandButtonPress(1);
+        AVSKRegisterFlightLoopCallback(Nothing, -1, this);
+        AVSKAppendMenuSeparator(AVSKFindPluginsMenu());
         EXPECT_EQ(TakeCalls(), "") << "the host is not called";
-        EXPECT_EQ(AVSKIsCameraBeingControlled(nullptr), 0);
     });
     World::LoadAircraft();
-    TakeCalls();
-    World::Pass(1);
-    EXPECT_EQ(TakeCalls(), "") << "no button is held";
-    air.Run([&] { EXPECT_EQ(answers(), "1111111111111"); });
+    EXPECT_EQ(DOES(World::Pass(1)), "1") << "no button is held";
+    air.Run([] {
+        for (const auto create : kCreations)
+            EXPECT_TRUE(create());
+    });
+}
+
+// The plugin refuses to start during a pass of flight loops. The next plugin inherits its ID and its leftovers.
+TEST_F(Corners, ARefusedPluginStaysMappedIfWhatItLeftCouldCallIt) {
+    const Puppet &a = world.Install("A");
+    Puppet &air = world.InstallAircraft("air");
+    world.InstallScenery("heir");
+    host.on.loadObject = [this](const char *) { return &host; };
+    LoopPlayer load = [](float, float, int) { return World::LoadAircraft(), 0.0F; };
+    Table<std::function<void()>, bool> cases = {
+        {[&] { AVSKDestroyFlightLoop(CreateLoop()); }, false},
+        {[&] { AVSKCreateMenu("M", nullptr, 0, nullptr, nullptr); }, false},
+        {[] { AVSKUnloadObject(AVSKLoadObject("o")); }, false},
+        {[] { AVSKControlCamera(1, nullptr, nullptr), AVSKDontControlCamera(); }, false},
+        {[this] {
+             AVSKRegisterCommandHandler(this, Nothing, 1, nullptr);
+             AVSKUnregisterCommandHandler(this, Nothing, 1, nullptr);
+         },
+         false},
+        {[&] { a.Run(AVSKReleasePlanes), AVSKAcquirePlanes(nullptr, nullptr, nullptr); }, true}};
+    for (const auto create : kCreations)
+        cases.emplace_back(create, true);
+    for (const auto &[leave, mapped] : cases) {
+        world.StartQuietly();
+        air.start = [&act = leave] { return act(), 0; };
+        a.Run([&] {
+            AVSKRegisterFlightLoopCallback(a.code.flightLoop, -1, &load);
+            AVSKAcquirePlanes(nullptr, nullptr, nullptr);
+        });
+        AVSKAcquirePlanes(nullptr, Nothing, nullptr); // the host waits
+        World::Pass(1);
+        EXPECT_EQ(air.IsMapped(), mapped);
+        EXPECT_EQ(AVSKIsPluginEnabled(2), 0) << "withdrawn";
+        AVSKDontControlCamera();
+        world.LoadScenery();
+        EXPECT_EQ(AVSKIsPluginEnabled(2), 1) << "the heir";
+        world.Stop();
+        if (void *const left = dlopen(air.path.c_str(), RTLD_NOW | RTLD_NOLOAD))
+            dlclose(left), dlclose(left);
+    }
 }
 
 // The service that creates something for the plugin unloads it.
@@ -366,11 +414,10 @@ TEST_F(Corners, WhatAHostCreatedForAPluginThatItUnloadsIsGivenBack) {
     host.on.getElapsedTime = [&] { return unload(), 0.0F; };
     host.on.createMenu = [&](void *, int, const char *) { return unload(), &host; };
     const auto menu = [] { return AVSKCreateMenu("M", AVSKFindPluginsMenu(), 0, Nothing, nullptr) == nullptr; };
-    const AVSKCreateFlightLoopParams loop = {sizeof loop, 0, Nothing, this};
     const std::pair<std::function<bool()>, std::string> cases[] = {
         {[] { return AVSKLoadObject("o") == nullptr; }, "unloadObject(pointer)"},
         {[] { return AVSKCreateProbe(0) == nullptr; }, "createProbe()"},
-        {[&] { return AVSKCreateFlightLoop(&loop) == nullptr; }, "stop air"},
+        {[] { return CreateLoop() == nullptr; }, "stop air"},
         {menu, "destroyMenu(pointer)"},
     };
     world.StartQuietly();
@@ -466,45 +513,6 @@ TEST_F(Corners, AModelsPathFitsIntoTheHostsBuffer) {
         AVSKSetErrorCallback([](const char *) { AVSKReleasePlanes(); });
         EXPECT_EQ(AVSKAcquirePlanes(paths, nullptr, nullptr), 0) << "released by the error callback";
     });
-}
-
-// ---- Refused starts
-
-TEST_F(Corners, ARefusedPluginsLoadIsCancelledAndItsCallbacksKeepItMapped) {
-    Puppet &air = world.InstallAircraft("air");
-    Puppet &heir = world.InstallScenery("heir");
-    std::function<void()> complete;
-    host.on.loadObjectAsync = [&](const char *, auto done, void *argument) {
-        complete = [=] { done(argument, argument); };
-    };
-    CommandPlayer command;
-    const std::pair<std::function<void()>, bool> cases[] = {
-        {[&] { AVSKLoadObjectAsync("o", air.code.loaded, nullptr); }, false},
-        {[&] { AVSKRegisterDrawCallback(Nothing, 5, 1, &air); }, true},
-        {[&] { AVSKRegisterKeySniffer(Nothing, 1, &air); }, true},
-        {[&] { AVSKRegisterHotKey('K', 0, "", Nothing, &air); }, true},
-        {[&] { AVSKCreateWindow(0, 9, 9, 0, 0, Nothing, Nothing, Nothing, &air); }, true},
-        {[&] { AVSKRegisterCommandHandler(&host, air.code.command, 1, &command); }, true},
-        {[&] { AVSKRegisterCommandHandler(&host, air.code.command, 0, &command); }, true},
-        {[&] { AVSKShareData("shared", AVSKDataTypeInt, air.code.notified, nullptr); }, true},
-        {[&] { AVSKControlCamera(1, Nothing, nullptr); }, true},
-    };
-    for (const auto &[act, mapped] : cases) {
-        world.StartQuietly();
-        air.start = [&leave = act] { return leave(), 0; };
-        World::LoadAircraft();
-        EXPECT_EQ(air.IsMapped(), mapped);
-        world.LoadScenery();
-        EXPECT_EQ(heir.Id(), 1);
-        Take();
-        if (const auto late = std::exchange(complete, nullptr)) {
-            late();
-            EXPECT_TRUE(TakeCalls().starts_with("unloadObject("));
-        }
-        world.Stop();
-        if (void *const left = dlopen(air.path.c_str(), RTLD_NOW | RTLD_NOLOAD))
-            dlclose(left), dlclose(left);
-    }
 }
 
 } // namespace

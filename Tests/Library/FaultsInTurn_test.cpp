@@ -45,11 +45,6 @@ const std::pair<int, const char *> kLines[] = {
     {kCall_pread64, R"(Failed: %  \(This file is missing, not a DLL or could not be .*)"},
 };
 
-template <class Result, class... Arguments>
-Result Nothing(Arguments... /*all*/) {
-    return Result();
-}
-
 // A world with plugins of the host, the aircraft and the scenery, and a host that creates objects.
 struct Stage {
     World world;
@@ -117,18 +112,6 @@ const Session kSessions[] = {
          return Line(AVSKCountPlugins());
      },
      {"4", "3"}},
-    {"Datarefs",
-     true,
-     [](Stage &stage) {
-         int good = 0;
-         stage.a.Run([&good] {
-             for (int i = 0; i < 70; ++i)
-                 good += AVSKIsDataRefGood(Publish(Line("faults/a/dataref/of/some/length/", i).c_str()));
-             AVSKUnregisterDataAccessor(AVSKFindDataRef("faults/a/dataref/of/some/length/7"));
-         });
-         return Line(good);
-     },
-     {"70"}},
     {"SharedData",
      true,
      [](Stage &stage) {
@@ -145,121 +128,6 @@ const Session kSessions[] = {
          return Line(size);
      },
      {"1001", "101", "11", "2", "1"}},
-    {"Menus",
-     true,
-     [](Stage &stage) {
-         int index = -1;
-         stage.a.Run([&index] {
-             AVSKMenuID menu = AVSKCreateMenu("menu", nullptr, 0, Nothing, nullptr);
-             for (int i = 0; i < 5; ++i)
-                 index = AVSKAppendMenuItem(menu, "item", nullptr, 0);
-             AVSKDestroyMenu(menu);
-         });
-         return Line(index);
-     },
-     {"4"}},
-    {"WindowsAndDrawing",
-     true,
-     [](Stage &stage) {
-         AVSKWindowID window = nullptr;
-         stage.a.Run([&window] {
-             window = AVSKCreateWindow(0, 9, 9, 0, 1, Nothing, Nothing, Nothing, nullptr);
-             AVSKRegisterDrawCallback(Nothing, 5, 1, nullptr);
-             AVSKTakeKeyboardFocus(window);
-         });
-         for (int code = 1; code <= 26; ++code)
-             AVSKDoDrawingHook(code, 0);
-         AVSKMouseClickHook(5, 5, 1);
-         stage.a.Run([&window] { AVSKDestroyWindow(window); });
-         return Line(window != nullptr);
-     },
-     {"1"}},
-    {"Keys",
-     true,
-     [](Stage &stage) {
-         stage.a.Run([] {
-             AVSKRegisterHotKey('K', 0, "a hot key of some length", Nothing, nullptr);
-             AVSKRegisterKeySniffer(Nothing, 1, nullptr);
-         });
-         const int handled = AVSKKeyPressHook('K', 0, 'K');
-         return Line(AVSKCountHotKeys(), " ", handled);
-     },
-     {"1 0"}},
-    {"FlightLoops",
-     true,
-     [](Stage &stage) {
-         stage.a.Run([] { AVSKRegisterFlightLoopCallback(Nothing, -1, nullptr); });
-         AVSKCommandButtonPress(1);
-         return Line(World::Pass(1));
-     },
-     {"1"}},
-    {"Commands",
-     true,
-     [](Stage &stage) {
-         int answer = -1;
-         stage.a.Run([&] {
-             AVSKRegisterCommandHandler(&stage.thing, Nothing, 1, nullptr);
-             AVSKCommandBegin(&stage.thing);
-             AVSKEventHook(AVSKHostEventCommands, 1, 0, 0);
-             answer = AVSKCommandHook(&stage.thing, 1, 0, 1);
-             AVSKCreateCommand("sim/faults", "warned of in the log");
-         });
-         return Line(answer);
-     },
-     {"0"}},
-    {"Objects",
-     true,
-     [](Stage &stage) {
-         AVSKObjectRef object = nullptr;
-         stage.a.Run([&object] {
-             object = AVSKLoadObject("object");
-             AVSKLoadObjectAsync("object", Nothing, nullptr);
-         });
-         AVSKDisablePlugin(stage.a.Id());
-         stage.completion(&stage.thing, stage.completed);
-         return Line(object != nullptr, AVSKEnablePlugin(stage.a.Id()));
-     },
-     {"11"}},
-    {"Probes",
-     true,
-     [](Stage &stage) {
-         AVSKProbeRef probe = nullptr;
-         stage.a.Run([&probe] {
-             AVSKDestroyProbe(AVSKCreateProbe(AVSK_PROBE_Y));
-             probe = AVSKCreateProbe(AVSK_PROBE_Y);
-         });
-         return Line(probe != nullptr);
-     },
-     {"1"}},
-    {"Planes",
-     true,
-     [](Stage &stage) {
-         char model[] = "Aircraft/a model of some length.acf";
-         char *models[] = {model, nullptr};
-         int first = -1;
-         int second = -1;
-         stage.a.Run([&] {
-             first = AVSKAcquirePlanes(models, nullptr, nullptr);
-             AVSKSetAircraftModel(1, model);
-             stage.b.Run([&] { second = AVSKAcquirePlanes(nullptr, Nothing, nullptr); });
-             AVSKReleasePlanes();
-         });
-         return Line(first, " ", second);
-     },
-     {"1 0"}},
-    {"CameraMessagesAndFeatures",
-     true,
-     [](Stage &stage) {
-         stage.a.Run([] {
-             AVSKControlCamera(AVSKCameraForever, Nothing, nullptr);
-             AVSKSendMessageToPlugin(NO_PLUGIN_ID, 5, nullptr);
-             AVSKEnableFeature("AVSK_USE_NATIVE_PATHS", 1);
-             AVSKEnumerateFeatures(Nothing, nullptr);
-         });
-         float f = 0;
-         return Line(AVSKCameraHook(&f, &f, &f, &f, &f, &f, &f));
-     },
-     {"1"}},
     {"Reload",
      true,
      [](Stage &) {
@@ -316,19 +184,57 @@ const Session kSessions[] = {
          return Line(AVSKSetTLS(key, &stage), AVSKGetTLS(key) == &stage);
      },
      {"00", "220"}},
-    {"Shutdown",
+    {"EveryModule",
      true,
      [](Stage &stage) {
+         std::string made;
+         AVSKWindowID window = nullptr;
+         float f = 0;
+         int good = 0;
          stage.a.Run([&] {
+             for (int i = 0; i < 70; ++i)
+                 good += AVSKIsDataRefGood(Publish(Line("faults/a/dataref/of/some/length/", i).c_str()));
+             AVSKUnregisterDataAccessor(AVSKFindDataRef("faults/a/dataref/of/some/length/7"));
+             AVSKMenuID menu = AVSKCreateMenu("menu", nullptr, 0, Nothing, nullptr);
+             for (int i = 0; i < 5; ++i)
+                 good += AVSKAppendMenuItem(menu, "item", nullptr, 0);
+             AVSKDestroyMenu(menu);
+             window = AVSKCreateWindow(0, 9, 9, 0, 1, Nothing, Nothing, Nothing, nullptr);
+             AVSKTakeKeyboardFocus(window);
+             AVSKRegisterDrawCallback(Nothing, 5, 1, nullptr);
+             AVSKRegisterHotKey('K', 0, "a hot key of some length", Nothing, nullptr);
+             AVSKRegisterKeySniffer(Nothing, 1, nullptr);
+             AVSKRegisterFlightLoopCallback(Nothing, -1, nullptr);
+             AVSKCommandButtonPress(1);
+             AVSKRegisterCommandHandler(&stage.thing, Nothing, 1, nullptr);
              AVSKCommandBegin(&stage.thing);
-             AVSKCreateProbe(AVSK_PROBE_Y);
-             AVSKCreateWindow(0, 9, 9, 0, 1, Nothing, Nothing, Nothing, nullptr);
+             AVSKCreateCommand("sim/faults", "warned of in the log");
+             AVSKDestroyProbe(AVSKCreateProbe(AVSK_PROBE_Y));
+             AVSKObjectRef object = AVSKLoadObject("object");
              AVSKLoadObjectAsync("object", Nothing, nullptr);
+             AVSKControlCamera(AVSKCameraForever, Nothing, nullptr);
+             AVSKSendMessageToPlugin(NO_PLUGIN_ID, 5, nullptr);
+             AVSKEnableFeature("AVSK_USE_NATIVE_PATHS", 1);
+             AVSKEnumerateFeatures(Nothing, nullptr);
+             char model[] = "Aircraft/a model of some length.acf", *models[] = {model, nullptr};
+             made = Line(object && AVSKCreateProbe(AVSK_PROBE_Y), AVSKAcquirePlanes(models, nullptr, nullptr));
+             AVSKSetAircraftModel(1, model);
+             made += Line(stage.b.Run([] { return AVSKAcquirePlanes(nullptr, Nothing, nullptr); }));
+             AVSKReleasePlanes();
          });
+         for (int code = 1; code <= 26; ++code)
+             AVSKDoDrawingHook(code, 0);
+         made += Line(World::Pass(1), AVSKMouseClickHook(5, 5, 1), AVSKKeyPressHook('K', 0, 'K'), AVSKCountHotKeys(),
+                      AVSKEventHook(AVSKHostEventCommands, 1, 0, 0), AVSKCommandHook(&stage.thing, 1, 0, 1),
+                      AVSKCameraHook(&f, &f, &f, &f, &f, &f, &f));
+         AVSKDisablePlugin(stage.a.Id());
+         stage.completion(&stage.thing, stage.completed);
+         made += Line(AVSKEnablePlugin(stage.a.Id()));
+         stage.a.Run([&] { AVSKDestroyWindow(window), AVSKLoadObjectAsync("object", Nothing, nullptr); });
          stage.world.Stop();
-         return Line(AVSKCountPlugins());
+         return Line(made, " ", good, " ", AVSKCountPlugins());
      },
-     {"0"}},
+     {"11011011011 80 0"}},
 };
 
 class FaultsInTurn : public testing::TestWithParam<Session> {

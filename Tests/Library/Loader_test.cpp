@@ -3,8 +3,6 @@
 
 #include <regex>
 
-#include <dlfcn.h>
-
 namespace {
 
 const char *const kPluginsMenu = "createMenu(null, 0, \"Plugins\")";
@@ -148,68 +146,6 @@ TEST_F(Loader, WhatARefusedStartLeavesPassesToTheNextPlugin) {
     EXPECT_EQ(AVSKGetDatai(calls), 0) << "the dataref is the heir's";
     world.Stop();
     EXPECT_EQ(AVSKFindDataRef("zoo/leftover"), nullptr) << "the heir's cleanup takes it";
-}
-
-// The plugin refuses to start during a pass of flight loops. The next plugin inherits its ID and its leftovers.
-TEST_F(Loader, ARefusedPluginStaysMappedIfWhatItLeftCouldCallIt) {
-    const Puppet &a = world.Install("A");
-    Puppet &air = world.InstallAircraft("air");
-    world.InstallScenery("heir");
-    host.on.loadObject = [this](const char *) { return &host; };
-    const auto menu = [](AVSKMenuHandler_f handler) { AVSKCreateMenu("M", nullptr, 0, handler, nullptr); };
-    NoticePlayer offer = [] {};
-    const auto loop = [&] {
-        const AVSKCreateFlightLoopParams params = {sizeof params, 0, air.code.flightLoop, nullptr};
-        return AVSKCreateFlightLoop(&params);
-    };
-    LoopPlayer load = [](float, float, int) { return World::LoadAircraft(), 0.0F; };
-    for (const auto &[leave, mapped] : Table<std::function<void()>, bool>{
-             {[&] { AVSKDestroyFlightLoop(loop()); }, false},
-             {[&] { menu(nullptr); }, false},
-             {[] { AVSKUnloadObject(AVSKLoadObject("o")); }, false},
-             {[] { AVSKControlCamera(1, nullptr, nullptr), AVSKDontControlCamera(); }, false},
-             {[&] {
-                  AVSKRegisterCommandHandler(this, air.code.command, 1, nullptr);
-                  AVSKUnregisterCommandHandler(this, air.code.command, 1, nullptr);
-              },
-              false},
-             {[&] { AVSKAcquirePlanes(nullptr, air.code.notified, &offer); }, true},
-             {loop, true},
-             {[&] { menu(air.code.menuPicked); }, true},
-             {[] { Publish("x"); }, true},
-             {[&] { a.Run(AVSKReleasePlanes), AVSKAcquirePlanes(nullptr, nullptr, nullptr); }, true},
-             {[] { AVSKLoadObject("o"); }, true},
-             {[] { AVSKCreateProbe(AVSK_PROBE_Y); }, true},
-             {[&] { AVSKShareData("s", 1, air.code.notified, nullptr); }, true},
-             {[&] { AVSKRegisterCommandHandler(this, air.code.command, 1, nullptr); }, true},
-             {[&] { AVSKRegisterCommandHandler(this, air.code.command, 0, nullptr); }, true},
-             {[&] { AVSKControlCamera(2, air.code.camera, nullptr); }, true},
-             {[] { AVSKRegisterDrawCallback([](int, int, void *) { return 1; }, 5, 1, nullptr); }, true},
-             {[] { AVSKRegisterKeySniffer([](char, int, char, void *) { return 1; }, 1, nullptr); }, true},
-             {[] {
-                  AVSKRegisterHotKey(
-                      'K', 0, "", [](void *) {}, nullptr);
-              },
-              true},
-             {[] { AVSKCreateWindow(0, 1, 1, 0, 1, nullptr, nullptr, nullptr, nullptr); }, true}}) {
-        world.StartQuietly();
-        air.start = [&act = leave] { return act(), 0; };
-        a.Run([&] {
-            AVSKRegisterFlightLoopCallback(a.code.flightLoop, -1, &load);
-            AVSKAcquirePlanes(nullptr, nullptr, nullptr);
-        });
-        AVSKAcquirePlanes(
-            nullptr, [](void *) {}, nullptr); // the host waits
-        World::Pass(1);
-        EXPECT_EQ(air.IsMapped(), mapped);
-        EXPECT_EQ(AVSKIsPluginEnabled(2), 0) << "withdrawn";
-        AVSKDontControlCamera();
-        world.LoadScenery();
-        EXPECT_EQ(AVSKIsPluginEnabled(2), 1) << "the heir";
-        world.Stop();
-        if (void *const left = dlopen(air.path.c_str(), RTLD_NOW | RTLD_NOLOAD))
-            dlclose(left), dlclose(left);
-    }
 }
 
 TEST_F(Loader, AnExceptionInStartLeavesNoRecord) {
@@ -365,18 +301,6 @@ TEST_F(Unloading, APluginsThingsGoInTheirOrder) {
                                 "; camera", less, "destroyMenu(menu2)", less, "removeMenuItem(menu1, 0); offer", less,
                                 "unloadObject(pointer); nothing; stop B; stop air"));
     EXPECT_EQ(AVSKFindDataRef("a/x"), nullptr);
-}
-
-TEST_F(Unloading, AnExceptionOfAStopCallKeepsLibrariesMappedWhileItIsHeld) {
-    air.stop = [&] { air.code.throwOwn(); };
-    try {
-        World::UnloadAircraft();
-        FAIL() << "nothing was thrown";
-    } catch (...) {
-        EXPECT_TRUE(air.IsMapped()) << "the exception's destructor is the plugin's";
-    }
-    world.Stop();
-    EXPECT_FALSE(b.IsMapped());
 }
 
 TEST_F(Unloading, ARefusedPluginThatEnabledItselfIsNotCalledThoughItsRecordStays) {
