@@ -46,14 +46,17 @@ TEST_F(Corners, ALibraryStaysMappedWhileItsExceptionIsHeldOrHandled) {
         AVSKSetUsersAircraft("other");
         air.code.throwOwn();
     };
-    const std::pair<std::function<void()> Puppet::*, std::function<void()>> cases[] = {
-        {&Puppet::disable, [this] { world.Stop(); }},
-        {&Puppet::disable, World::UnloadAircraft},
-        {&Puppet::stop, [this] { world.Stop(); }},
-        {&Puppet::stop, World::UnloadAircraft},
-    };
-    for (const auto &[entry, unload] : cases) {
-        air.*entry = entry == &Puppet::disable ? std::function<void()>(leave) : [&air] { air.code.throwOwn(); };
+    const auto throws = [&air] { air.code.throwOwn(); };
+    const std::function<void()> none, stops = [this] { world.Stop(); };
+    for (const auto &[disable, stop, unload] :
+         Table<std::function<void()>, std::function<void()>, std::function<void()>>{
+             {leave, none, stops},
+             {leave, none, World::UnloadAircraft},
+             {none, throws, stops},
+             {none, throws, World::UnloadAircraft},
+             {none, none, [&] { air.Run([&] { World::UnloadAircraft(), throws(); }); }}}) {
+        air.disable = disable;
+        air.stop = stop;
         host.aircraftModel = model;
         world.Start();
         World::LoadAircraft();
@@ -67,7 +70,7 @@ TEST_F(Corners, ALibraryStaysMappedWhileItsExceptionIsHeldOrHandled) {
         }
         Event101();
         EXPECT_FALSE(air.IsMapped());
-        air.*entry = nullptr;
+        air.disable = air.stop = nullptr;
         world.Stop();
     }
 }
@@ -456,63 +459,6 @@ TEST_F(Corners, PluginsThatEnableEachOtherAreEnabledOnce) {
     EXPECT_TRUE(TakeCalls().ends_with("start A; start B; enable A; enable B"));
     EXPECT_EQ(std::pair(inner[0], inner[1]), std::pair(1, 0));
     EXPECT_EQ(AVSKEnablePlugin(a.Id()), 1);
-}
-
-TEST_F(Corners, ClearingAMenuLeavesWhatTheHostCausesToBeAppended) {
-    const Puppet &a = world.Install("A");
-    world.StartQuietly();
-    a.Run([this] {
-        int picked = 0;
-        const AVSKMenuID menu = AVSKCreateMenu(
-            "M", nullptr, 0, [](void *count, void *) { ++*static_cast<int *>(count); }, &picked);
-        for (const char *name : {"1", "2"})
-            AVSKAppendMenuItem(menu, name, nullptr, 0);
-        host.on.setMenuItemName = [&](void *, int, const char *, int) {
-            EXPECT_GE(AVSKAppendMenuItem(menu, "more", nullptr, 0), 0);
-        };
-        AVSKClearAllMenuItems(menu);
-        host.on.setMenuItemName = nullptr;
-        Take();
-        AVSKSetMenuItemName(menu, 1, "second", 0);
-        EXPECT_EQ(TakeCalls(), "setMenuItemName(menu2, 3, \"second\", 0)") << "where the host has it";
-        EXPECT_EQ(AVSKMenuHook(host.lastItemID), 0);
-        EXPECT_EQ(AVSKMenuHook(host.lastItemID - 2), 1) << "cleared";
-        EXPECT_EQ(picked, 1);
-        AVSKClearAllMenuItems(menu);
-        EXPECT_EQ(AVSKAppendMenuItem(menu, "3", nullptr, 0), 0);
-        EXPECT_TRUE(TakeCalls().ends_with("appendMenuItem(menu2, 0, \"3\", 0)"));
-    });
-}
-
-// ---- The host's buffer for a model's path
-
-TEST_F(Corners, AModelsPathFitsIntoTheHostsBuffer) {
-    const Puppet &a = world.Install("A");
-    world.StartQuietly();
-    std::string fits(AVSK_TEXT_SIZE - 1, 'f');
-    std::string tooLong(AVSK_TEXT_SIZE, 'l');
-    char *paths[] = {fits.data(), fits.data(), tooLong.data(), nullptr};
-    AVSKGetNumberPlanesToHandle(9, 0);
-    a.Run([&] {
-        JournalErrors();
-        EXPECT_EQ(AVSKAcquirePlanes(paths, nullptr, nullptr), 1);
-        AVSKSetAircraftModel(3, tooLong.c_str());
-        AVSKSetAircraftModel(1, tooLong.c_str());
-    });
-    const std::string refused = " was passed a path of more than 255 bytes.";
-    EXPECT_EQ(Take(), (Lines{"error: AVSKAcquirePlanes" + refused, "error: AVSKSetAircraftModel" + refused,
-                             "error: AVSKSetAircraftModel" + refused}));
-    for (int index = 1; index < 4; ++index) {
-        char name[AVSK_TEXT_SIZE] = "";
-        char path[AVSK_TEXT_SIZE] = "own";
-        AVSKUpdatePlaneNameAndPath(index, name, path);
-        EXPECT_EQ(path, index == 1 ? fits : "own");
-    }
-    a.Run([&] {
-        AVSKReleasePlanes();
-        AVSKSetErrorCallback([](const char *) { AVSKReleasePlanes(); });
-        EXPECT_EQ(AVSKAcquirePlanes(paths, nullptr, nullptr), 0) << "released by the error callback";
-    });
 }
 
 } // namespace

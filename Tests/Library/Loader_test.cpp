@@ -239,14 +239,6 @@ TEST_F(Aircraft, ARecordBeforeASceneryPluginsStaysAndIsNeverCalledAgain) {
 
 // ---- Unloading
 
-TEST_F(Loader, AShutdownDisablesAllThenStopsThemOneByOne) {
-    world.Install("A");
-    world.Install("B");
-    world.StartQuietly();
-    EXPECT_EQ(DOES(world.Stop()), "disable A; disable B; stop A; stop B");
-    EXPECT_EQ(AVSKCountPlugins(), 0);
-}
-
 class Unloading : public ThreePlugins {};
 
 // Each callback during the tear-down sees what still exists. A plugin whose disabling failed is called, too.

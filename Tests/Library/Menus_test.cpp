@@ -111,6 +111,21 @@ TEST_F(Menus, ClearingRenamesEverybodysItemsAndStartsAgainAt0) {
     EXPECT_EQ(DOES(Append(b, menu, "b new")), "0: appendMenuItem(menu2, 0, \"b new\", 0)");
 }
 
+TEST_F(Menus, ClearingLeavesWhatTheHostCausesToBeAppended) {
+    const AVSKMenuID menu = Create(a, "Mine", [](void *) { Note("picked"); });
+    for (int i = 0; i < 2; ++i)
+        Append(a, menu, "item");
+    host.on.setMenuItemName = [&](auto...) { EXPECT_GE(AVSKAppendMenuItem(menu, "more", nullptr, 0), 0); };
+    a.Run([&] { AVSKClearAllMenuItems(menu); });
+    host.on.setMenuItemName = nullptr;
+    EXPECT_EQ(DOES_AS(a, AVSKSetMenuItemName(menu, 1, "second", 0)), "setMenuItemName(menu2, 3, \"second\", 0)")
+        << "where the host has it";
+    EXPECT_EQ(DOES(AVSKMenuHook(host.lastItemID)), "0: picked");
+    EXPECT_EQ(DOES(AVSKMenuHook(host.lastItemID - 2)), "1") << "cleared";
+    a.Run([&] { AVSKClearAllMenuItems(menu); });
+    EXPECT_EQ(DOES(Append(a, menu, "3")), "0: appendMenuItem(menu2, 0, \"3\", 0)");
+}
+
 TEST_F(Menus, AMenuBeingDestroyedHasNoItemsForAHostThatAsksBack) {
     const AVSKMenuID menu = Create(a, "Mine", [](void *) { Note("picked"); });
     Append(a, menu, "item");

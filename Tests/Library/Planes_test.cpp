@@ -122,6 +122,21 @@ TEST_F(Planes, TheLimitHoldsForThoseItIsAskedFor) {
     EXPECT_EQ(AVSKGetNumberPlanesToHandle(20, 0), 20);
 }
 
+TEST_F(Planes, AModelsPathFitsIntoTheHostsBuffer) {
+    std::string fits(AVSK_TEXT_SIZE - 1, 'f'), tooLong(AVSK_TEXT_SIZE, 'l');
+    char *paths[] = {fits.data(), fits.data(), tooLong.data(), nullptr};
+    AVSKGetNumberPlanesToHandle(9, 0);
+    const std::string refused = " was passed a path of more than 255 bytes.";
+    a.Run(JournalErrors);
+    EXPECT_EQ(DOES_AS(a, AVSKAcquirePlanes(paths, nullptr, nullptr)), "1: error: AVSKAcquirePlanes" + refused);
+    for (const int index : {3, 1})
+        EXPECT_EQ(DOES_AS(a, AVSKSetAircraftModel(index, tooLong.c_str())), "error: AVSKSetAircraftModel" + refused);
+    EXPECT_EQ((Lines{Model(1), Model(2), Model(3)}), (Lines{fits, "own", "own"}));
+    Release(a);
+    a.Run([] { AVSKSetErrorCallback([](const char *) { AVSKReleasePlanes(); }); });
+    EXPECT_EQ(Acquire(a, nullptr, paths), 0) << "released by the error callback";
+}
+
 // ---- Giving it up
 
 TEST_F(Planes, ReleasingHandsTheAircraftBackToTheAI) {

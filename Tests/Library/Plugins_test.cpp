@@ -127,17 +127,6 @@ TEST_F(Plugins, WhatItStillDoesOnceUnloadedIsNobodys) {
     EXPECT_EQ(host.TakeLog(), "[unknown]: It is illegal to register a command starting with sim/\n");
 }
 
-TEST_F(Plugins, ItsExceptionMayStillBeUsedAfterItWasUnloaded) {
-    try {
-        air.Run([&] { World::UnloadAircraft(), air.code.throwOwn(); });
-        FAIL() << "nothing was thrown";
-    } catch (...) {
-        EXPECT_TRUE(air.IsMapped()) << "the exception's destructor is the plugin's";
-    }
-    AVSKEventHook(AVSKHostEventBroadcast101, 0, 0, 0);
-    EXPECT_FALSE(air.IsMapped());
-}
-
 TEST_F(Registry, StopIsCalledOnceThoughItEndsInUnloadingAgainOrAShutdown) {
     Puppet &air = world.InstallAircraft("air");
     Puppet &a = world.Install("A");
