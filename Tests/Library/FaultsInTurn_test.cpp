@@ -26,23 +26,19 @@ namespace {
 const char *const kNames[] = {AVSK_TEST_SYSTEM_CALLS(AVSK_TEST_CALL_NAME)};
 
 // The lines in the log, or on standard output, for faults that the process survives.
-const std::pair<int, const char *> kLines[] = {
-    {kCall_malloc, R"(Failed: %  \(This folder cannot be read: Cannot allocate memory\.\))"},
-    {kCall_malloc, R"(\[Name of A\]: Out of memory in AVSK\w+: the call has no effect\.)"},
-    {kCall_realloc, R"(Out of memory: shared data faults/\S+ keeps its size; nothing is written\.)"},
-    {kCall_dlopen, "dlerror:"},
-    {kCall_dlopen, R"(Failed: %  \(This file is missing, not a DLL or could not be .*)"},
-    {kCall_dlsym, "dlerror:"},
-    {kCall_dlsym, R"(Failed: %  \(This file is a loadable DLL but is missing the AVPluginStart callback\.\))"},
-    {kCall_opendir, R"(Failed: (%|/nowhere\.)  \(This folder cannot be read: Too many open files\.\))"},
-    {kCall_readdir64, R"(Failed: %  \(This folder cannot be read: Input/output error\.\))"},
-    {kCall_stat64, R"(name \S+, errno 13)"},
-    {kCall_open64, "dlerror:%: Too many open files"},
-    {kCall_open64, R"(Failed: %  \(This file is missing, not a DLL or could not be .*)"},
-    {kCall_fstat64, "dlerror:%: Input/output error"},
-    {kCall_fstat64, R"(Failed: %  \(This file is missing, not a DLL or could not be .*)"},
-    {kCall_pread64, "dlerror:%: Input/output error"},
-    {kCall_pread64, R"(Failed: %  \(This file is missing, not a DLL or could not be .*)"},
+const std::pair<std::set<int>, const char *> kLines[] = {
+    {{kCall_malloc}, R"(Failed: %  \(This folder cannot be read: Cannot allocate memory\.\))"},
+    {{kCall_malloc}, R"(\[Name of A\]: Out of memory in AVSK\w+: the call has no effect\.)"},
+    {{kCall_realloc}, R"(Out of memory: shared data faults/\S+ keeps its size; nothing is written\.)"},
+    {{kCall_dlopen, kCall_dlsym}, "dlerror:"},
+    {{kCall_dlopen, kCall_open64, kCall_fstat64, kCall_pread64},
+     R"(Failed: %  \(This file is missing, not a DLL or could not be .*)"},
+    {{kCall_dlsym}, R"(Failed: %  \(This file is a loadable DLL but is missing the AVPluginStart callback\.\))"},
+    {{kCall_opendir}, R"(Failed: (%|/nowhere\.)  \(This folder cannot be read: Too many open files\.\))"},
+    {{kCall_readdir64}, R"(Failed: %  \(This folder cannot be read: Input/output error\.\))"},
+    {{kCall_stat64}, R"(name \S+, errno 13)"},
+    {{kCall_open64}, "dlerror:%: Too many open files"},
+    {{kCall_fstat64, kCall_pread64}, "dlerror:%: Input/output error"},
 };
 
 // A world with plugins of the host, the aircraft and the scenery, and a host that creates objects.
@@ -354,7 +350,7 @@ TEST_P(FaultsInTurn, EndWithAMessageOrTheNeutralResult) {
                         answers.insert(line.substr(8));
                     else
                         EXPECT_TRUE(std::any_of(std::begin(kLines), std::end(kLines), [&](const auto &each) {
-                            return each.first == call && std::regex_match(line, std::regex(each.second));
+                            return each.first.contains(call) && std::regex_match(line, std::regex(each.second));
                         })) << line;
             }
         }
