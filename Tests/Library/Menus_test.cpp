@@ -92,14 +92,6 @@ TEST_F(Menus, APickCallsTheMenusHandlerAsItsOwnerWhoeverAppendedTheItem) {
     EXPECT_EQ(pick(), "0");
 }
 
-TEST_F(Menus, AHandlerMayDestroyItsMenu) {
-    AVSKMenuID menu = nullptr;
-    menu = Create(a, "Mine", [&](void *) { AVSKDestroyMenu(menu); });
-    Append(a, menu, "a0");
-    EXPECT_EQ(AVSKMenuHook(host.lastItemID), 0);
-    EXPECT_EQ(AVSKMenuHook(host.lastItemID), 1);
-}
-
 TEST_F(Menus, ClearingRenamesEverybodysItemsAndStartsAgainAt0) {
     const AVSKMenuID menu = Create(a, "Mine");
     Append(a, menu, "a0");
