@@ -114,6 +114,7 @@ TEST_F(Menus, ClearingLeavesWhatTheHostCausesToBeAppended) {
         << "where the host has it";
     EXPECT_EQ(DOES(AVSKMenuHook(host.lastItemID)), "0: picked");
     EXPECT_EQ(DOES(AVSKMenuHook(host.lastItemID - 2)), "1") << "cleared";
+    EXPECT_EQ(Asked(host.Menu(2), 0), "1 77 0");
     a.Run([&] { AVSKClearAllMenuItems(menu); });
     EXPECT_EQ(DOES(Append(a, menu, "3")), "0: appendMenuItem(menu2, 0, \"3\", 0)");
 }

@@ -94,8 +94,10 @@ TEST_F(ResourceList, AWalkFromTheBackLeavesTheCursorOnTheLastRecord) {
     Names(list->LiveRecordsFromBack());
     Add('d');
     EXPECT_EQ(All(), "da") << "those in front of the cursor are cut off";
-    delete items['b'];
-    delete items['c'];
+    list->MoveToFront(items['b']);
+    list->MoveToFront(items['c']);
+    EXPECT_EQ(All(), "cbda");
+    EXPECT_EQ(Names(list->LiveRecordsFromBack()), "adbc");
 }
 
 TEST_F(ResourceList, MovingToTheFrontHappensAtOnce) {

@@ -271,10 +271,16 @@ TEST_F(Windows, DestroyedInItsClickDragOrKeyItHearsNoMore) {
 }
 
 TEST_F(Windows, TheLosingWindowMayDestroyItselfHideOrTakeTheFocusBack) {
-    for (const auto &[what, act, stays] : Table<std::string, void (*)(AVSKWindowID), bool>{
-             {"destroys itself", AVSKDestroyWindow, false},
-             {"hides itself", [](AVSKWindowID w) { AVSKSetWindowIsVisible(w, 0); }, true},
-             {"takes it back", AVSKTakeKeyboardFocus, true}}) {
+    for (const auto &[what, act, stays] :
+         Table<std::string, void (*)(AVSKWindowID), bool>{{"destroys itself", AVSKDestroyWindow, false},
+                                                          {"hides itself",
+                                                           [](AVSKWindowID w) {
+                                                               AVSKSetWindowIsVisible(w, 0);
+                                                               EXPECT_EQ(AVSKKeyPressHook('k', 0, 0), 1)
+                                                                   << "it has no focus any more";
+                                                           },
+                                                           true},
+                                                          {"takes it back", AVSKTakeKeyboardFocus, true}}) {
         SCOPED_TRACE(what);
         const AVSKWindowID x = Create("x"), y = Create("y");
         AVSKTakeKeyboardFocus(x);
