@@ -156,6 +156,10 @@ TEST_F(ResourceList, AWalkGoesOnThoughAWalkOrAnEndTooManyInsideItReclaims) {
     const auto endTooMany = [&](char at) { at == 'b' ? Remove('b'), list->EndIterate(), Remove('b') : void(); };
     EXPECT_EQ(Names(list->LiveRecords(), endTooMany), "cba");
     EXPECT_EQ(freed, 1);
+    Fill("abc");
+    const auto endFirst = [&](char at) { at == 'b' ? list->EndIterate(), Remove('b') : void(); };
+    EXPECT_EQ(Names(list->LiveRecords(), endFirst), "cba");
+    EXPECT_EQ(freed, 1);
 }
 
 #if AVSK_POOLS_RECORDS
