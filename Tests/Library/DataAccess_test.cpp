@@ -137,13 +137,4 @@ TEST_F(DataAccess, NobodyIsCalledForAnAbsentOwner) {
     }
 }
 
-TEST_F(DataAccess, AnAccessorMayReadOnOrGiveUpItsOwnDataref) {
-    static AVSKDataRef inner, once;
-    inner = PublishAs(b, "b/inner", [](void *) { return AVSKGetMyID() * 10; });
-    EXPECT_EQ(AVSKGetDatai(PublishAs(a, "a/x", [](void *) { return AVSKGetDatai(inner) + AVSKGetMyID(); })), 21);
-    once = PublishAs(a, "a/once", [](void *) { return AVSKUnregisterDataAccessor(once), 5; });
-    EXPECT_EQ(AVSKGetDatai(once), 5);
-    EXPECT_EQ(AVSKGetDatai(once), 0);
-}
-
 } // namespace
