@@ -129,24 +129,20 @@ TEST_F(Camera, SurvivesWhatItsFunctionDoes) {
         }
 }
 
-TEST_F(Camera, WithoutAFunctionItIsGivenUpByTheFirstUpdateOrView) {
-    for (const bool updated : {true, false}) {
-        a.Run([] { AVSKControlCamera(AVSKCameraUntilViewChanges, nullptr, nullptr); });
-        EXPECT_EQ(updated ? Update() : ChangeView(), updated ? "1, 7" : "1");
-        EXPECT_EQ(Controlled(), 0);
-    }
-}
-
-// Each of the two controllers is notified of its own loss.
-TEST_F(Camera, AControllerIsToldThoughAnotherIsJustBeingTold) {
-    Control(a, AVSKCameraUntilViewChanges, [&](AVSKCameraPosition *, int isLosing) {
-        Note("A loses");
-        Control(b, AVSKCameraForever, Says("B"));
-        AVSKDisablePlugin(2);
-        return isLosing;
-    });
-    EXPECT_EQ(ChangeView(), "1: A loses; B loses null; disable B");
-    EXPECT_EQ(Controlled(), 0);
+TEST_F(Camera, WithoutAFunctionOrByADisabledPluginItIsGivenUpByTheFirstUpdateOrView) {
+    CameraPlayer says = Says("A");
+    a.disable = [&] { AVSKControlCamera(AVSKCameraUntilViewChanges, a.code.camera, &says); };
+    for (const bool isDisabled : {true, false})
+        for (const bool updated : {true, false}) {
+            AVSKEnablePlugin(1);
+            if (isDisabled)
+                AVSKDisablePlugin(1);
+            else
+                a.Run([] { AVSKControlCamera(AVSKCameraUntilViewChanges, nullptr, nullptr); });
+            EXPECT_EQ(Controlled(), AVSKCameraUntilViewChanges);
+            EXPECT_EQ(updated ? Update() : ChangeView(), updated ? "1, 7" : "1");
+            EXPECT_EQ(Controlled(), 0);
+        }
 }
 
 TEST_F(Camera, AnExceptionLeavesControlAndTheHostsCameraAsTheyWere) {

@@ -43,6 +43,9 @@ TEST_F(DataAccess, OnlyItsOwnerGivesADatarefUp) {
     EXPECT_EQ(AVSKFindDataRef("a/x"), ref);
     for (const AVSKDataRef bad : {AVSKDataRef(), reinterpret_cast<AVSKDataRef>(reinterpret_cast<char *>(ref) + 4)})
         EXPECT_EQ(DOES_AS(b, AVSKUnregisterDataAccessor(bad)), "error: Dataref is illegal and cannot be unregistered.");
+    const AVSKDataRef orphan = PublishAs(air, "air/x");
+    air.Run([&] { World::UnloadAircraft(), AVSKUnregisterDataAccessor(orphan); });
+    EXPECT_EQ(AVSKIsDataRefGood(orphan), 0);
 }
 
 TEST_F(DataAccess, OnlyARecordsAddressIsGood) {
@@ -132,15 +135,6 @@ TEST_F(DataAccess, NobodyIsCalledForAnAbsentOwner) {
         leave();
         EXPECT_EQ(DOES(UseAll(ref)), "0 0 0 0 0 0 0 10 20.5 1");
     }
-}
-
-TEST_F(DataAccess, AnAccessorMayReadOnOrGiveUpItsOwnDataref) {
-    static AVSKDataRef inner, once;
-    inner = PublishAs(b, "b/inner", [](void *) { return AVSKGetMyID() * 10; });
-    EXPECT_EQ(AVSKGetDatai(PublishAs(a, "a/x", [](void *) { return AVSKGetDatai(inner) + AVSKGetMyID(); })), 21);
-    once = PublishAs(a, "a/once", [](void *) { return AVSKUnregisterDataAccessor(once), 5; });
-    EXPECT_EQ(AVSKGetDatai(once), 5);
-    EXPECT_EQ(AVSKGetDatai(once), 0);
 }
 
 } // namespace

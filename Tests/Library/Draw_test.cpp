@@ -46,15 +46,6 @@ TEST_F(Draw, EachCodeDispatchesItsPhases) {
         }
 }
 
-TEST_F(Draw, TheNewestIsCalledFirstAsItsOwnerAndAllAreThoughOneSuppresses) {
-    Player first = Answers("first", 1), suppresses = Answers("suppresses", 0), last = Answers("last", 1);
-    for (const auto &[owner, player] : {std::pair(&a, &first), {&b, &suppresses}, {&a, &last}})
-        Register(*owner, *player);
-    EXPECT_EQ(DOES(AVSKDoDrawingHook(2, 0)), "0: last1; suppresses2; first1");
-    AVSKDisablePlugin(b.Id());
-    EXPECT_EQ(DOES(AVSKDoDrawingHook(2, 0)), "1: last1; first1");
-}
-
 TEST_F(Draw, ItsFourValuesAreItsNameWhoeverRegisteredItAndAsLongAsThePassLasts) {
     Player player;
     player = [&](int, int) {

@@ -26,29 +26,20 @@ namespace {
 const char *const kNames[] = {AVSK_TEST_SYSTEM_CALLS(AVSK_TEST_CALL_NAME)};
 
 // The lines in the log, or on standard output, for faults that the process survives.
-const std::pair<int, const char *> kLines[] = {
-    {kCall_malloc, R"(Failed: %  \(This folder cannot be read: Cannot allocate memory\.\))"},
-    {kCall_malloc, R"(\[Name of A\]: Out of memory in AVSK\w+: the call has no effect\.)"},
-    {kCall_realloc, R"(Out of memory: shared data faults/\S+ keeps its size; nothing is written\.)"},
-    {kCall_dlopen, "dlerror:"},
-    {kCall_dlopen, R"(Failed: %  \(This file is missing, not a DLL or could not be .*)"},
-    {kCall_dlsym, "dlerror:"},
-    {kCall_dlsym, R"(Failed: %  \(This file is a loadable DLL but is missing the AVPluginStart callback\.\))"},
-    {kCall_opendir, R"(Failed: (%|/nowhere\.)  \(This folder cannot be read: Too many open files\.\))"},
-    {kCall_readdir64, R"(Failed: %  \(This folder cannot be read: Input/output error\.\))"},
-    {kCall_stat64, R"(name \S+, errno 13)"},
-    {kCall_open64, "dlerror:%: Too many open files"},
-    {kCall_open64, R"(Failed: %  \(This file is missing, not a DLL or could not be .*)"},
-    {kCall_fstat64, "dlerror:%: Input/output error"},
-    {kCall_fstat64, R"(Failed: %  \(This file is missing, not a DLL or could not be .*)"},
-    {kCall_pread64, "dlerror:%: Input/output error"},
-    {kCall_pread64, R"(Failed: %  \(This file is missing, not a DLL or could not be .*)"},
+const std::pair<std::set<int>, const char *> kLines[] = {
+    {{kCall_malloc}, R"(Failed: %  \(This folder cannot be read: Cannot allocate memory\.\))"},
+    {{kCall_malloc}, R"(\[Name of A\]: Out of memory in AVSK\w+: the call has no effect\.)"},
+    {{kCall_realloc}, R"(Out of memory: shared data faults/\S+ keeps its size; nothing is written\.)"},
+    {{kCall_dlopen, kCall_dlsym}, "dlerror:"},
+    {{kCall_dlopen, kCall_open64, kCall_fstat64, kCall_pread64},
+     R"(Failed: %  \(This file is missing, not a DLL or could not be .*)"},
+    {{kCall_dlsym}, R"(Failed: %  \(This file is a loadable DLL but is missing the AVPluginStart callback\.\))"},
+    {{kCall_opendir}, R"(Failed: (%|/nowhere\.)  \(This folder cannot be read: Too many open files\.\))"},
+    {{kCall_readdir64}, R"(Failed: %  \(This folder cannot be read: Input/output error\.\))"},
+    {{kCall_stat64}, R"(name \S+, errno 13)"},
+    {{kCall_open64}, "dlerror:%: Too many open files"},
+    {{kCall_fstat64, kCall_pread64}, "dlerror:%: Input/output error"},
 };
-
-template <class Result, class... Arguments>
-Result Nothing(Arguments... /*all*/) {
-    return Result();
-}
 
 // A world with plugins of the host, the aircraft and the scenery, and a host that creates objects.
 struct Stage {
@@ -95,7 +86,13 @@ std::string Listing(const std::string &folder) {
 }
 
 const Session kSessions[] = {
-    {"BeforeTheStart", false, [](Stage &) { return Line(Publish("host/value") != nullptr); }, {"1"}},
+    {"BeforeTheStart",
+     false,
+     [](Stage &stage) {
+         AVSKFindPluginByPath(stage.b.path.c_str());
+         return Line(Publish("host/value") != nullptr, " ", Listing(stage.world.PluginsFolder()));
+     },
+     {"1 1 2 2", "1 1 1 1", "1 1 0 0"}},
     {"Start",
      false,
      [](Stage &stage) {
@@ -111,19 +108,7 @@ const Session kSessions[] = {
          return Line(AVSKCountPlugins());
      },
      {"4", "3"}},
-    {"Datarefs",
-     true,
-     [](Stage &stage) {
-         int good = 0;
-         stage.a.Run([&good] {
-             for (int i = 0; i < 70; ++i)
-                 good += AVSKIsDataRefGood(Publish(Line("faults/a/dataref/of/some/length/", i).c_str()));
-             AVSKUnregisterDataAccessor(AVSKFindDataRef("faults/a/dataref/of/some/length/7"));
-         });
-         return Line(good);
-     },
-     {"70"}},
-    {"SharedData",
+    {"SharedDataAndThreadLocal",
      true,
      [](Stage &stage) {
          int size = 0;
@@ -136,124 +121,10 @@ const Session kSessions[] = {
              size = AVSKGetDatavi(ref, nullptr, 0, 0);
              AVSKUnshareData("faults/shared/of/some/length", AVSKDataTypeIntArray, Nothing, nullptr);
          });
-         return Line(size);
+         const unsigned int key = AVSKAllocTLS();
+         return Line(size, " ", AVSKSetTLS(key, &stage), AVSKGetTLS(key) == &stage);
      },
-     {"1001", "101", "11", "2", "1"}},
-    {"Menus",
-     true,
-     [](Stage &stage) {
-         int index = -1;
-         stage.a.Run([&index] {
-             AVSKMenuID menu = AVSKCreateMenu("menu", nullptr, 0, Nothing, nullptr);
-             for (int i = 0; i < 5; ++i)
-                 index = AVSKAppendMenuItem(menu, "item", nullptr, 0);
-             AVSKDestroyMenu(menu);
-         });
-         return Line(index);
-     },
-     {"4"}},
-    {"WindowsAndDrawing",
-     true,
-     [](Stage &stage) {
-         AVSKWindowID window = nullptr;
-         stage.a.Run([&window] {
-             window = AVSKCreateWindow(0, 9, 9, 0, 1, Nothing, Nothing, Nothing, nullptr);
-             AVSKRegisterDrawCallback(Nothing, 5, 1, nullptr);
-             AVSKTakeKeyboardFocus(window);
-         });
-         for (int code = 1; code <= 26; ++code)
-             AVSKDoDrawingHook(code, 0);
-         AVSKMouseClickHook(5, 5, 1);
-         stage.a.Run([&window] { AVSKDestroyWindow(window); });
-         return Line(window != nullptr);
-     },
-     {"1"}},
-    {"Keys",
-     true,
-     [](Stage &stage) {
-         stage.a.Run([] {
-             AVSKRegisterHotKey('K', 0, "a hot key of some length", Nothing, nullptr);
-             AVSKRegisterKeySniffer(Nothing, 1, nullptr);
-         });
-         const int handled = AVSKKeyPressHook('K', 0, 'K');
-         return Line(AVSKCountHotKeys(), " ", handled);
-     },
-     {"1 0"}},
-    {"FlightLoops",
-     true,
-     [](Stage &stage) {
-         stage.a.Run([] { AVSKRegisterFlightLoopCallback(Nothing, -1, nullptr); });
-         AVSKCommandButtonPress(1);
-         return Line(World::Pass(1));
-     },
-     {"1"}},
-    {"Commands",
-     true,
-     [](Stage &stage) {
-         int answer = -1;
-         stage.a.Run([&] {
-             AVSKRegisterCommandHandler(&stage.thing, Nothing, 1, nullptr);
-             AVSKCommandBegin(&stage.thing);
-             AVSKEventHook(AVSKHostEventCommands, 1, 0, 0);
-             answer = AVSKCommandHook(&stage.thing, 1, 0, 1);
-             AVSKCreateCommand("sim/faults", "warned of in the log");
-         });
-         return Line(answer);
-     },
-     {"0"}},
-    {"Objects",
-     true,
-     [](Stage &stage) {
-         AVSKObjectRef object = nullptr;
-         stage.a.Run([&object] {
-             object = AVSKLoadObject("object");
-             AVSKLoadObjectAsync("object", Nothing, nullptr);
-         });
-         AVSKDisablePlugin(stage.a.Id());
-         stage.completion(&stage.thing, stage.completed);
-         return Line(object != nullptr, AVSKEnablePlugin(stage.a.Id()));
-     },
-     {"11"}},
-    {"Probes",
-     true,
-     [](Stage &stage) {
-         AVSKProbeRef probe = nullptr;
-         stage.a.Run([&probe] {
-             AVSKDestroyProbe(AVSKCreateProbe(AVSK_PROBE_Y));
-             probe = AVSKCreateProbe(AVSK_PROBE_Y);
-         });
-         return Line(probe != nullptr);
-     },
-     {"1"}},
-    {"Planes",
-     true,
-     [](Stage &stage) {
-         char model[] = "Aircraft/a model of some length.acf";
-         char *models[] = {model, nullptr};
-         int first = -1;
-         int second = -1;
-         stage.a.Run([&] {
-             first = AVSKAcquirePlanes(models, nullptr, nullptr);
-             AVSKSetAircraftModel(1, model);
-             stage.b.Run([&] { second = AVSKAcquirePlanes(nullptr, Nothing, nullptr); });
-             AVSKReleasePlanes();
-         });
-         return Line(first, " ", second);
-     },
-     {"1 0"}},
-    {"CameraMessagesAndFeatures",
-     true,
-     [](Stage &stage) {
-         stage.a.Run([] {
-             AVSKControlCamera(AVSKCameraForever, Nothing, nullptr);
-             AVSKSendMessageToPlugin(NO_PLUGIN_ID, 5, nullptr);
-             AVSKEnableFeature("AVSK_USE_NATIVE_PATHS", 1);
-             AVSKEnumerateFeatures(Nothing, nullptr);
-         });
-         float f = 0;
-         return Line(AVSKCameraHook(&f, &f, &f, &f, &f, &f, &f));
-     },
-     {"1"}},
+     {"1001 00", "101 00", "11 00", "2 00", "1 00", "1001 220"}},
     {"Reload",
      true,
      [](Stage &) {
@@ -262,22 +133,17 @@ const Session kSessions[] = {
          return Line(AVSKCountPlugins());
      },
      {"4", "3", "2", "1"}},
-    {"Aircraft",
+    {"AircraftAndScenery",
      true,
-     [](Stage &) {
+     [](Stage &stage) {
          World::LoadAircraft();
          const int loaded = AVSKCountPlugins();
          World::UnloadAircraft();
-         return Line(loaded, " ", AVSKCountPlugins());
-     },
-     {"4 3", "3 3"}},
-    {"Scenery",
-     true,
-     [](Stage &stage) {
+         const int left = AVSKCountPlugins();
          stage.world.LoadScenery();
-         return Line(AVSKCountPlugins());
+         return Line(loaded, " ", left, " ", AVSKCountPlugins());
      },
-     {"4", "3"}},
+     {"4 3 4", "3 3 4", "4 3 3", "3 3 3"}},
     {"FolderListing",
      true,
      [](Stage &stage) {
@@ -303,26 +169,57 @@ const Session kSessions[] = {
          return answers;
      },
      {"1 1 1 11", "1 1 0 11", "1 0 1 11", "-1 1 1 11", "-1 0 1 11", "-1 0 0 11"}},
-    {"ThreadLocal",
+    {"EveryModule",
      true,
      [](Stage &stage) {
-         const unsigned int key = AVSKAllocTLS();
-         return Line(AVSKSetTLS(key, &stage), AVSKGetTLS(key) == &stage);
-     },
-     {"00", "220"}},
-    {"Shutdown",
-     true,
-     [](Stage &stage) {
+         std::string made;
+         AVSKWindowID window = nullptr;
+         float f = 0;
+         int good = 0;
          stage.a.Run([&] {
+             for (int i = 0; i < 70; ++i)
+                 good += AVSKIsDataRefGood(Publish(Line("faults/a/dataref/of/some/length/", i).c_str()));
+             AVSKUnregisterDataAccessor(AVSKFindDataRef("faults/a/dataref/of/some/length/7"));
+             AVSKMenuID menu = AVSKCreateMenu("menu", nullptr, 0, Nothing, nullptr);
+             for (int i = 0; i < 5; ++i)
+                 good += AVSKAppendMenuItem(menu, "item", nullptr, 0);
+             AVSKDestroyMenu(menu);
+             window = AVSKCreateWindow(0, 9, 9, 0, 1, Nothing, Nothing, Nothing, nullptr);
+             AVSKTakeKeyboardFocus(window);
+             AVSKRegisterDrawCallback(Nothing, 5, 1, nullptr);
+             AVSKRegisterHotKey('K', 0, "a hot key of some length", Nothing, nullptr);
+             AVSKRegisterKeySniffer(Nothing, 1, nullptr);
+             AVSKRegisterFlightLoopCallback(Nothing, -1, nullptr);
+             AVSKCommandButtonPress(1);
+             AVSKRegisterCommandHandler(&stage.thing, Nothing, 1, nullptr);
              AVSKCommandBegin(&stage.thing);
-             AVSKCreateProbe(AVSK_PROBE_Y);
-             AVSKCreateWindow(0, 9, 9, 0, 1, Nothing, Nothing, Nothing, nullptr);
+             AVSKCreateCommand("sim/faults", "warned of in the log");
+             AVSKDestroyProbe(AVSKCreateProbe(AVSK_PROBE_Y));
+             AVSKObjectRef object = AVSKLoadObject("object");
              AVSKLoadObjectAsync("object", Nothing, nullptr);
+             AVSKControlCamera(AVSKCameraForever, Nothing, nullptr);
+             AVSKSendMessageToPlugin(NO_PLUGIN_ID, 5, nullptr);
+             AVSKEnableFeature("AVSK_USE_NATIVE_PATHS", 1);
+             AVSKEnumerateFeatures(Nothing, nullptr);
+             char model[] = "Aircraft/a model of some length.acf", *models[] = {model, nullptr};
+             made = Line(object && AVSKCreateProbe(AVSK_PROBE_Y), AVSKAcquirePlanes(models, nullptr, nullptr));
+             AVSKSetAircraftModel(1, model);
+             made += Line(stage.b.Run([] { return AVSKAcquirePlanes(nullptr, Nothing, nullptr); }));
+             AVSKReleasePlanes();
          });
+         for (int code = 1; code <= 26; ++code)
+             AVSKDoDrawingHook(code, 0);
+         made += Line(World::Pass(1), AVSKMouseClickHook(5, 5, 1), AVSKKeyPressHook('K', 0, 'K'), AVSKCountHotKeys(),
+                      AVSKEventHook(AVSKHostEventCommands, 1, 0, 0), AVSKCommandHook(&stage.thing, 1, 0, 1),
+                      AVSKCameraHook(&f, &f, &f, &f, &f, &f, &f));
+         AVSKDisablePlugin(stage.a.Id());
+         stage.completion(&stage.thing, stage.completed);
+         made += Line(AVSKEnablePlugin(stage.a.Id()));
+         stage.a.Run([&] { AVSKDestroyWindow(window), AVSKLoadObjectAsync("object", Nothing, nullptr); });
          stage.world.Stop();
-         return Line(AVSKCountPlugins());
+         return Line(made, " ", good, " ", AVSKCountPlugins());
      },
-     {"0"}},
+     {"11011011011 80 0"}},
 };
 
 class FaultsInTurn : public testing::TestWithParam<Session> {
@@ -367,7 +264,11 @@ class FaultsInTurn : public testing::TestWithParam<Session> {
     }
 
     void Act(SystemCall fails, int failsAt, bool lasting) {
-        Host().on.debugString = [](const char *text) { fputs(text, stderr); };
+        Host().on.debugString = [](const char *text) {
+            fputs(text, stderr);
+            if (std::strstr(text, "simulator cannot continue"))
+                AVSKCreateProbe(AVSK_PROBE_Y); // fails for lack of memory, too
+        };
         setvbuf(stdout, nullptr, _IONBF, 0);
         std::signal(SIGABRT, [](int) { AVSKTestSaveCounts(); });
         Faults &faults = *AVSKTestFaults();
@@ -429,15 +330,16 @@ TEST_P(FaultsInTurn, EndWithAMessageOrTheNeutralResult) {
                 EXPECT_EQ(run.status, 0) << text;
                 EXPECT_LE(run.faults.blocks, dry.faults.blocks) << "a leak";
                 const bool changed = !difference.empty() && difference.back().starts_with("answers");
-                EXPECT_TRUE(!changed || difference.size() > 1 || call == kCall_pthread_key_create)
-                    << "no line in the log";
-                EXPECT_TRUE(!difference.empty()) << "the fault has no effect";
+                const bool isLogged =
+                    call != kCall_pthread_key_create && std::strcmp(GetParam().name, "BeforeTheStart") != 0;
+                EXPECT_TRUE(!changed || difference.size() > 1 || !isLogged) << "no line in the log";
+                EXPECT_TRUE(!difference.empty() || !isLogged) << "the fault has no effect";
                 for (const std::string &line : difference)
                     if (line.starts_with("answers "))
                         answers.insert(line.substr(8));
                     else
                         EXPECT_TRUE(std::any_of(std::begin(kLines), std::end(kLines), [&](const auto &each) {
-                            return each.first == call && std::regex_match(line, std::regex(each.second));
+                            return each.first.contains(call) && std::regex_match(line, std::regex(each.second));
                         })) << line;
             }
         }
@@ -447,6 +349,24 @@ TEST_P(FaultsInTurn, EndWithAMessageOrTheNeutralResult) {
 
 INSTANTIATE_TEST_SUITE_P(Sessions, FaultsInTurn, testing::ValuesIn(kSessions),
                          [](const auto &session) { return session.param.name; });
+
+// A text of 2 GiB, which is one megabyte of memory mapped again and again.
+TEST(LongTexts, ThatNoStringCanHoldAreRefused) {
+    World world;
+    world.StartQuietly();
+    constexpr std::size_t part = 1 << 20, size = std::size_t{1} << 31;
+    const int file = memfd_create("text", 0);
+    ASSERT_EQ(ftruncate(file, part), 0);
+    auto *const text =
+        static_cast<char *>(mmap(nullptr, size + part, PROT_READ, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0));
+    for (std::size_t at = 0; at < size; at += part)
+        mmap(text + at, part, PROT_READ | PROT_WRITE, MAP_SHARED | MAP_FIXED, file, 0);
+    std::memset(text, 'x', part);
+    EXPECT_EQ(AVSKFindPluginByPath(text), NO_PLUGIN_ID);
+    EXPECT_EQ(Host().log, "[[AVSK_PLUGIN_AERIVO]]: Out of memory in AVSKFindPluginByPath: the call has no effect.\n");
+    munmap(text, size + part);
+    close(file);
+}
 
 // Checks that the library imports nothing that may throw, since C programs call it.
 TEST(Imports, TheLibraryUsesNoOperatorNewAndNoTextsOfTheRuntime) {

@@ -22,12 +22,6 @@ std::map<std::string, int> MappedFiles() {
     return files;
 }
 
-// A callback of any type.
-template <class Result, class... Arguments>
-Result Nothing(Arguments... /*all*/) {
-    return Result();
-}
-
 int gHostThing = 0; // the host's handle for every menu, command and object
 
 // Creates one of every kind, owned by the caller.

@@ -92,14 +92,6 @@ TEST_F(Menus, APickCallsTheMenusHandlerAsItsOwnerWhoeverAppendedTheItem) {
     EXPECT_EQ(pick(), "0");
 }
 
-TEST_F(Menus, AHandlerMayDestroyItsMenu) {
-    AVSKMenuID menu = nullptr;
-    menu = Create(a, "Mine", [&](void *) { AVSKDestroyMenu(menu); });
-    Append(a, menu, "a0");
-    EXPECT_EQ(AVSKMenuHook(host.lastItemID), 0);
-    EXPECT_EQ(AVSKMenuHook(host.lastItemID), 1);
-}
-
 TEST_F(Menus, ClearingRenamesEverybodysItemsAndStartsAgainAt0) {
     const AVSKMenuID menu = Create(a, "Mine");
     Append(a, menu, "a0");
@@ -109,6 +101,22 @@ TEST_F(Menus, ClearingRenamesEverybodysItemsAndStartsAgainAt0) {
     EXPECT_EQ(DOES_AS(a, AVSKClearAllMenuItems(menu)),
               "setMenuItemName(menu2, 0, \"\", 0); setMenuItemName(menu2, 1, \"\", 0)");
     EXPECT_EQ(DOES(Append(b, menu, "b new")), "0: appendMenuItem(menu2, 0, \"b new\", 0)");
+}
+
+TEST_F(Menus, ClearingLeavesWhatTheHostCausesToBeAppended) {
+    const AVSKMenuID menu = Create(a, "Mine", [](void *) { Note("picked"); });
+    for (int i = 0; i < 2; ++i)
+        Append(a, menu, "item");
+    host.on.setMenuItemName = [&](auto...) { EXPECT_GE(AVSKAppendMenuItem(menu, "more", nullptr, 0), 0); };
+    a.Run([&] { AVSKClearAllMenuItems(menu); });
+    host.on.setMenuItemName = nullptr;
+    EXPECT_EQ(DOES_AS(a, AVSKSetMenuItemName(menu, 1, "second", 0)), "setMenuItemName(menu2, 3, \"second\", 0)")
+        << "where the host has it";
+    EXPECT_EQ(DOES(AVSKMenuHook(host.lastItemID)), "0: picked");
+    EXPECT_EQ(DOES(AVSKMenuHook(host.lastItemID - 2)), "1") << "cleared";
+    EXPECT_EQ(Asked(host.Menu(2), 0), "1 77 0");
+    a.Run([&] { AVSKClearAllMenuItems(menu); });
+    EXPECT_EQ(DOES(Append(a, menu, "3")), "0: appendMenuItem(menu2, 0, \"3\", 0)");
 }
 
 TEST_F(Menus, AMenuBeingDestroyedHasNoItemsForAHostThatAsksBack) {
@@ -157,6 +165,7 @@ TEST_F(Menus, TheHostMayReEnterFromItsMenuServices) {
     const auto remove = [&] { AVSKRemoveMenuItem(menu, 1); };
     for (const auto &[call, within, stays] :
          Table<std::function<void()>, std::function<void()>, bool>{{clear, destroy, false},
+                                                                   {clear, remove, true},
                                                                    {destroy, destroy, false},
                                                                    {append, destroy, false},
                                                                    {append, clear, true},

@@ -85,19 +85,21 @@ TEST_F(Paths, TheHostsPathsAreCutTo512BytesUnlessThePluginWantsThemNative) {
 }
 
 TEST_F(Paths, APathIsSplitAtItsLastSeparator) {
-    for (const auto &[whole, folder, file] :
-         Table<const char *, const char *, const char *>{{"a/b.txt", "a", "b.txt"},
-                                                         {"a/sub/", "a", "sub"},
-                                                         {"b.txt", "b.txt", "b.txt"},
-                                                         {"/b", "", "b"},
-                                                         {"a//", "a", ""},
-                                                         {"/", "", ""},
-                                                         {"", "", ""}}) {
-        char path[16] = "";
-        std::strcpy(path, whole);
-        EXPECT_STREQ(AVSKExtractFileAndPath(path), file);
-        EXPECT_STREQ(path, folder);
-    }
+    for (const int native : {0, 1})
+        for (const auto &[whole, folder, file] :
+             Table<const char *, const char *, const char *>{{"a/b.txt", "a", "b.txt"},
+                                                             {"a/sub/", "a", "sub"},
+                                                             {"b.txt", "b.txt", "b.txt"},
+                                                             {"/b", "", "b"},
+                                                             {"a//", "a", ""},
+                                                             {"/", "", ""},
+                                                             {"", "", ""}}) {
+            AVSKEnableFeature("AVSK_USE_NATIVE_PATHS", native);
+            char path[16] = "";
+            std::strcpy(path, whole);
+            EXPECT_STREQ(AVSKExtractFileAndPath(path), file);
+            EXPECT_STREQ(path, folder);
+        }
     EXPECT_EQ(AVSKExtractFileAndPath(nullptr), nullptr);
 }
 

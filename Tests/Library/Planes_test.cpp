@@ -41,10 +41,13 @@ TEST_F(Planes, SomeCallsNeedControlAndTheUsersAircraftDoesNot) {
         std::strcpy(path, std::string(600, 'p').c_str());
         std::strcpy(name, "name");
     };
-    const auto use = [] {
+    int native = 0;
+    const auto use = [&] {
+        AVSKEnableFeature("AVSK_USE_NATIVE_PATHS", native);
         char path[700] = "", name[256] = "";
         AVSKGetNthAircraftModel(2, name, path);
-        EXPECT_EQ(name + std::string(path), "name" + std::string(511, 'p')) << "path first, and cut";
+        EXPECT_EQ(name + std::string(path), "name" + std::string(native ? 600 : 511, 'p')) << "path first, and cut";
+        AVSKSetAircraftModel(1, native ? "native" : "old");
         AVSKReinitUsersPlane();
         AVSKSetActiveAircraftCount(1);
         AVSKDrawAircraft(1, 2, 3, 4, 5, 6, 7, 8, 9);
@@ -54,8 +57,11 @@ TEST_F(Planes, SomeCallsNeedControlAndTheUsersAircraftDoesNot) {
     const std::string always = "loadAircraftModel(0, \"/a/b/model.acf\", \"model.acf\"); "
                                "loadAircraftModel(0, \"model.acf\", \"odel.acf\")";
     Acquire(a);
-    EXPECT_EQ(DOES_AS(b, use()), always);
-    EXPECT_EQ(DOES_AS(a, use()), "reinitUsersPlane(208, 201); drawAircraft(1, 2, 3, 4, 5, 6, 7, 8, 9); " + always);
+    for (; native < 2; ++native) {
+        EXPECT_EQ(DOES_AS(b, use()), always);
+        EXPECT_EQ(DOES_AS(a, use()), "reinitUsersPlane(208, 201); drawAircraft(1, 2, 3, 4, 5, 6, 7, 8, 9); " + always);
+        EXPECT_EQ(Model(1), native ? "native" : "old");
+    }
     host.on.drawAircraft = [](auto...) { return 5; };
     EXPECT_EQ(a.Run([] { return AVSKDrawAircraft(1, 2, 3, 4, 5, 6, 7, 8, 9); }), 5);
     EXPECT_EQ(AVSKDrawAircraft(1, 2, 3, 4, 5, 6, 7, 8, 9), 1);
@@ -114,6 +120,21 @@ TEST_F(Planes, TheLimitHoldsForThoseItIsAskedFor) {
     }
     Release(a);
     EXPECT_EQ(AVSKGetNumberPlanesToHandle(20, 0), 20);
+}
+
+TEST_F(Planes, AModelsPathFitsIntoTheHostsBuffer) {
+    std::string fits(AVSK_TEXT_SIZE - 1, 'f'), tooLong(AVSK_TEXT_SIZE, 'l');
+    char *paths[] = {fits.data(), fits.data(), tooLong.data(), nullptr};
+    AVSKGetNumberPlanesToHandle(9, 0);
+    const std::string refused = " was passed a path of more than 255 bytes.";
+    a.Run(JournalErrors);
+    EXPECT_EQ(DOES_AS(a, AVSKAcquirePlanes(paths, nullptr, nullptr)), "1: error: AVSKAcquirePlanes" + refused);
+    for (const int index : {3, 1})
+        EXPECT_EQ(DOES_AS(a, AVSKSetAircraftModel(index, tooLong.c_str())), "error: AVSKSetAircraftModel" + refused);
+    EXPECT_EQ((Lines{Model(1), Model(2), Model(3)}), (Lines{fits, "own", "own"}));
+    Release(a);
+    a.Run([] { AVSKSetErrorCallback([](const char *) { AVSKReleasePlanes(); }); });
+    EXPECT_EQ(Acquire(a, nullptr, paths), 0) << "released by the error callback";
 }
 
 // ---- Giving it up

@@ -1,4 +1,4 @@
-// Libraries, symbols, folders and the two text functions.
+// Libraries, symbols, folders and the two text functions, and what only the inside of the library shows.
 #include "AVSKDispatch.h"
 #include "AVSKErrors.h"
 #include "AVSKLoader.h"
@@ -10,6 +10,7 @@
 
 AVSKData_t *DataIsValid(AVSKDataRef handle, std::map<std::string, AVSKData_t *>::iterator *outPosition);
 const char *DebugDataRefName(AVSKDataRef handle);
+extern int gLastCallNumber;
 
 namespace {
 
@@ -79,6 +80,14 @@ TEST_F(Platform, WrongPluginsAndDatarefsHaveLabels) {
     EXPECT_STREQ(DebugDataRefName(ref), "a/x");
     EXPECT_STREQ(DebugDataRefName(nullptr), "(null dataref)");
     EXPECT_STREQ(DebugDataRefName(reinterpret_cast<AVSKDataRef>(&position)), "(invalid dataref)");
+}
+
+// Pass counts above 2^24 cannot be represented exactly by a float.
+TEST_F(Platform, PassCountsCompareExactlyBeyondTheIntegersOfAFloat) {
+    gLastCallNumber = (1 << 24) + 1;
+    AVSKRegisterFlightLoopCallback([](float, float, int, void *) { return Note("called"), -3.0F; }, -3, nullptr);
+    for (const bool called : {false, false, true, false, false, true})
+        EXPECT_EQ(DOES(World::Pass(1)), called ? "1: called" : "1");
 }
 
 TEST(Print, IsFormattedIntoTheLogOnceThereIsOne) {

@@ -94,8 +94,10 @@ TEST_F(ResourceList, AWalkFromTheBackLeavesTheCursorOnTheLastRecord) {
     Names(list->LiveRecordsFromBack());
     Add('d');
     EXPECT_EQ(All(), "da") << "those in front of the cursor are cut off";
-    delete items['b'];
-    delete items['c'];
+    list->MoveToFront(items['b']);
+    list->MoveToFront(items['c']);
+    EXPECT_EQ(All(), "cbda");
+    EXPECT_EQ(Names(list->LiveRecordsFromBack()), "adbc");
 }
 
 TEST_F(ResourceList, MovingToTheFrontHappensAtOnce) {
@@ -144,15 +146,23 @@ TEST_F(ResourceList, AWalkGoesOnThoughAWalkOrAnEndTooManyInsideItReclaims) {
     const auto reclaimBoth = [&](char at) { at == 'c' ? Remove('c'), Live(), Remove('b'), void(Live()) : void(); };
     Fill("abcd");
     EXPECT_EQ(Names(list->LiveRecords(), reclaimBoth), "dca");
-    const auto moveNext = [&](char at) { at == 'c' ? Remove('c'), Live(), list->MoveToFront(items['b']) : void(); };
-    Fill("abcd");
-    EXPECT_EQ(Names(list->LiveRecords(), moveNext), "dca") << "b is in front now";
-    const auto movePrev = [&](char at) { at == 'b' ? Remove('b'), Live(), list->MoveToFront(items['c']) : void(); };
-    Fill("abcd");
-    EXPECT_EQ(Names(list->LiveRecordsFromBack(), movePrev), "abdc") << "c is still to come";
+    for (const auto &[removed, moved, forward, visited] : {std::tuple('c', 'b', true, "dca"), // b is in front now
+                                                           {'c', 'a', true, "dcb"},
+                                                           {'b', 'c', false, "abdc"}, // c is still to come
+                                                           {'b', 'd', false, "abcd"}}) {
+        Fill("abcd");
+        const auto move = [&, gone = removed, to = moved](char at) {
+            at == gone ? Remove(gone), Live(), list->MoveToFront(items[to]) : void();
+        };
+        EXPECT_EQ(forward ? Names(list->LiveRecords(), move) : Names(list->LiveRecordsFromBack(), move), visited);
+    }
     Fill("abc", AVSKReclaim::AfterPass);
     const auto endTooMany = [&](char at) { at == 'b' ? Remove('b'), list->EndIterate(), Remove('b') : void(); };
     EXPECT_EQ(Names(list->LiveRecords(), endTooMany), "cba");
+    EXPECT_EQ(freed, 1);
+    Fill("abc");
+    const auto endFirst = [&](char at) { at == 'b' ? list->EndIterate(), Remove('b') : void(); };
+    EXPECT_EQ(Names(list->LiveRecords(), endFirst), "cba");
     EXPECT_EQ(freed, 1);
 }
 

@@ -98,14 +98,6 @@ TEST_F(Scenery, DrawingIsCheckedOnlyForAPluginThatHearsOfErrors) {
     }
 }
 
-TEST_F(Scenery, AFailedLoadIsNobodysObject) {
-    a.Run(JournalErrors);
-    EXPECT_EQ(DOES_AS(a, AVSKLoadObject("missing")), "0: loadObject(\"missing\")");
-    Ask(a);
-    Complete(0, nullptr);
-    EXPECT_EQ(Unload(a, nullptr), "error: Unknown object for AVSKUnloadObject");
-}
-
 // ---- Asynchronous loads
 
 TEST_F(Scenery, ALoadReachesItsPluginOnceAndThenBelongsToIt) {
@@ -130,6 +122,7 @@ TEST_F(Scenery, ALoadReachesItsPluginOnceAndThenBelongsToIt) {
     EXPECT_EQ(DOES_AS(a, AVSKLoadObject(nullptr)), "0: loadObject(null)");
     EXPECT_EQ(DOES_AS(a, AVSKLoadObjectAsync(nullptr, nullptr, nullptr)), "loadObjectAsync(null, pointer, 3)");
     EXPECT_EQ(Unload(a, kTree), "unloadObject(21)") << "its own, though it did not hear of it";
+    EXPECT_EQ(Unload(a, nullptr), "error: Unknown object for AVSKUnloadObject") << "a failed load is no object";
 }
 
 TEST_F(Scenery, ALoadMayCompleteInsideTheRequest) {

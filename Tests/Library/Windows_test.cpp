@@ -226,6 +226,9 @@ TEST_F(Windows, DisablingTakesFocusAndMouseBeforeThePluginHears) {
         << "it cannot have the focus now";
     AVSKEnablePlugin(a.Id());
     EXPECT_EQ(Drawn(), "1: w drawn as 1; mine drawn") << "the window itself stays";
+    AVSKDestroyWindow(mine);
+    ActorOf(window).click = [&] { return AVSKDisablePlugin(a.Id()), 1; };
+    EXPECT_EQ((Lines{Click(5, 5, 1), Click(5, 5, 0)}), (Lines{"0: w click 1 at 5,5 as 1; disable A", "1"}));
 }
 
 // ---- Changes inside calls
@@ -268,10 +271,16 @@ TEST_F(Windows, DestroyedInItsClickDragOrKeyItHearsNoMore) {
 }
 
 TEST_F(Windows, TheLosingWindowMayDestroyItselfHideOrTakeTheFocusBack) {
-    for (const auto &[what, act, stays] : Table<std::string, void (*)(AVSKWindowID), bool>{
-             {"destroys itself", AVSKDestroyWindow, false},
-             {"hides itself", [](AVSKWindowID w) { AVSKSetWindowIsVisible(w, 0); }, true},
-             {"takes it back", AVSKTakeKeyboardFocus, true}}) {
+    for (const auto &[what, act, stays] :
+         Table<std::string, void (*)(AVSKWindowID), bool>{{"destroys itself", AVSKDestroyWindow, false},
+                                                          {"hides itself",
+                                                           [](AVSKWindowID w) {
+                                                               AVSKSetWindowIsVisible(w, 0);
+                                                               EXPECT_EQ(AVSKKeyPressHook('k', 0, 0), 1)
+                                                                   << "it has no focus any more";
+                                                           },
+                                                           true},
+                                                          {"takes it back", AVSKTakeKeyboardFocus, true}}) {
         SCOPED_TRACE(what);
         const AVSKWindowID x = Create("x"), y = Create("y");
         AVSKTakeKeyboardFocus(x);

@@ -64,22 +64,10 @@ Puppet &World::InstallAt(const std::string &relative, const std::string &label) 
     return puppet;
 }
 
-Puppet &World::Install(const std::string &label) { return InstallAt("Resources/plugins/" + label + "/lin.avp", label); }
-
-Puppet &World::InstallAircraft(const std::string &label) {
-    return InstallAt("Aircraft/plugins/" + label + "/lin.avp", label);
-}
-
-Puppet &World::InstallScenery(const std::string &label) {
-    return InstallAt("Scenery/plugins/" + label + "/lin.avp", label);
-}
-
 std::string World::InstallDefective(const std::string &relative, const std::string &fault) {
     Copy(std::string(AVSK_TEST_ZOO) + "/" + fault + ".avp", Path(relative));
     return Path(relative);
 }
-
-void World::MakeFolder(const std::string &relative) const { fs::create_directories(Path(relative)); }
 
 int World::Start() {
     running = true;
@@ -97,16 +85,10 @@ void World::StartQuietly() {
     Host().TakeLog();
 }
 
-void World::LoadAircraft() { AVSKEventHook(AVSKHostEventPlaneLoaded, 0, 0, 0); }
-
-void World::UnloadAircraft() { AVSKEventHook(AVSKHostEventPlaneUnloaded, 0, 0, 0); }
-
 void World::LoadScenery() const {
     const std::string folder = Path("Scenery/");
     AVSKEventHook(AVSKHostEventSceneryFolder, 0, 0, reinterpret_cast<AVSKWord>(folder.c_str()));
 }
-
-int World::Pass(float now) { return AVSKEventHook(AVSKHostEventFrame, now, 0, 0); }
 
 void ThreePlugins::SetUp() {
     world.Start();

@@ -37,24 +37,28 @@ class World {
     // Installs a puppet at that path. Its signature is "test." followed by its label.
     Puppet &InstallAt(const std::string &relative, const std::string &label);
     // Installs it in a folder named like the label, in the plugins folder.
-    Puppet &Install(const std::string &label);
+    Puppet &Install(const std::string &label) { return InstallAt("Resources/plugins/" + label + "/lin.avp", label); }
     // Install it in the plugins folder of the user's aircraft, or of a scenery.
-    Puppet &InstallAircraft(const std::string &label);
-    Puppet &InstallScenery(const std::string &label);
+    Puppet &InstallAircraft(const std::string &label) {
+        return InstallAt("Aircraft/plugins/" + label + "/lin.avp", label);
+    }
+    Puppet &InstallScenery(const std::string &label) {
+        return InstallAt("Scenery/plugins/" + label + "/lin.avp", label);
+    }
     // Copies a plugin of the zoo.
     std::string InstallDefective(const std::string &relative, const std::string &fault);
-    void MakeFolder(const std::string &relative) const;
+    void MakeFolder(const std::string &relative) const { std::filesystem::create_directories(Path(relative)); }
 
     int Start();
     void Stop();
     // Calls Start() and clears the journal and the log.
     void StartQuietly();
     // Send the host events for the user's aircraft and for the scenery folder.
-    static void LoadAircraft();
-    static void UnloadAircraft();
+    static void LoadAircraft() { AVSKEventHook(AVSKHostEventPlaneLoaded, 0, 0, 0); }
+    static void UnloadAircraft() { AVSKEventHook(AVSKHostEventPlaneUnloaded, 0, 0, 0); }
     void LoadScenery() const;
     // Runs one pass of the flight loops of phase 0.
-    static int Pass(float now);
+    static int Pass(float now) { return AVSKEventHook(AVSKHostEventFrame, now, 0, 0); }
 
   private:
     std::string root; // ends in a separator
@@ -111,6 +115,12 @@ std::string Does(Call call) {
 }
 #define DOES(...) Does([&] { return __VA_ARGS__; })
 #define DOES_AS(plugin, ...) Does([&] { return (plugin).Run([&] { return __VA_ARGS__; }); })
+
+// A callback of any type.
+template <class Result, class... Arguments>
+Result Nothing(Arguments... /*all*/) {
+    return Result();
+}
 
 // Registers a dataref of the calling plugin. readInt, which may be null, reads it.
 AVSKDataRef Publish(const char *name, AVSKGetDatai_f readInt = nullptr, void *refcon = nullptr);

@@ -19,7 +19,7 @@ import time
 
 LIBRARY = pathlib.Path('Src/AVSK/Src')
 STATIC_LIBRARY = 'libAVSK_internal.a'
-SHARED_LIBRARY = 'libAVSK.so'
+SHARED_LIBRARIES = ['libAVSK.so', 'Tests/libAVSK_faulty.so']
 # These only repeat the tests more slowly, or build whole projects for minutes.
 LEFT_OUT_PROGRAMS = {'avsk_observed_tests'}
 LEFT_OUT_LABELS = {'sdk'}
@@ -176,7 +176,7 @@ class Tree:
                 made = line.split(':')[0]
             elif os.path.dirname(os.path.normpath(self.folder / line.strip())) == library:
                 self.readers.setdefault(os.path.basename(line.strip()), set()).add(made)
-        self.shared_link = self.link_command(SHARED_LIBRARY)
+        self.shared_links = {name: self.link_command(name) for name in SHARED_LIBRARIES}
 
     def link_command(self, target):
         lines = self.ask('ninja', '-t', 'commands', '-s', target).splitlines()
@@ -254,7 +254,7 @@ class Worker(Folder):
         self.changed, self.linked = set(), {}
 
     def build(self, mutant, text):
-        """Builds the shared library; returns '', 'does not compile' or 'same code'."""
+        """Builds the shared libraries; returns '', 'does not compile' or 'same code'."""
         self.clear()
         (self.place / 'Src' / os.path.basename(mutant.file)).write_text(mutant.apply(text))
         readers = self.tree.readers.get(os.path.basename(mutant.file), set()) & set(self.tree.objects)
@@ -264,8 +264,9 @@ class Worker(Folder):
             self.changed.add(made)
         if all(self.original.is_same(self, made) for made in self.changed):
             return 'same code'
-        if self.link(self.tree.shared_link, self.place / SHARED_LIBRARY) != 0:
-            return 'does not compile'
+        for name, command in self.tree.shared_links.items():
+            if self.link(command, self.place / os.path.basename(name)) != 0:
+                return 'does not compile'
         return ''
 
     def restore(self, mutant, text):

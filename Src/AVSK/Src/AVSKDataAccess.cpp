@@ -128,8 +128,6 @@ AVSKData_t *FirstOwned(int owner) {
 
 void TakeOwner(AVSKData_t *record, int owner) {
     record->owner = owner;
-    if (owner == NO_PLUGIN_ID)
-        return;
     PageOf(record)->owned |= 1U << SlotOf(AddressOf(record));
     const auto index = static_cast<std::size_t>(owner);
     if (index >= gOwned.size())

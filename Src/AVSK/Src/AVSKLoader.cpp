@@ -461,8 +461,6 @@ int LoadOnePlugin(const std::string &path, int reportMissing) {
 
 void UnloadOnePlugin(int id) {
     const PluginShare record = SharePlugin(id);
-    if (!record) // unreachable: a defence, callers pass IDs of records
-        return;
     if (record->unloaded) {
         // Re-entered. Without a handle its static destructors may be running, and
         // its ID may be given away before they return.

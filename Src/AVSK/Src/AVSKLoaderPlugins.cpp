@@ -102,8 +102,8 @@ void AVSKSendMessageToPlugin(int target, int message, void *parameter) {
         SendMessageTo(target, sender, message, parameter);
         return;
     }
-    for (int id = 0; id < PluginCount(); ++id)
-        SendMessageTo(id, sender, message, parameter);
+    for (int receiver = 0; receiver < PluginCount(); ++receiver)
+        SendMessageTo(receiver, sender, message, parameter);
 }
 
 // ---- Features

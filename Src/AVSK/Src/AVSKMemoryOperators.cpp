@@ -11,7 +11,7 @@
 #include <stdexcept>
 
 void *operator new(std::size_t size) {
-    void *memory = std::malloc(size ? size : 1); // unreachable: the library asks for no empty block
+    void *memory = std::malloc(size); // not null for an empty block
     if (!memory)
         MemoryExhausted();
     return memory;

@@ -255,7 +255,7 @@ int AVSKHandleMenuItemEnable(void *hostMenu, int index) {
             continue;
         if (!menu->Has(index))
             return 1;
-        if (menu->owner >= 0 && !AVSKIsPluginEnabled(menu->owner))
+        if (!AVSKIsPluginEnabled(menu->owner))
             return 0;
         return (*menu)[index].enabled;
     }
