@@ -5,6 +5,7 @@
 #include <stdlib.h>
 #include <string.h>
 
+char *zooDescription;
 static Inhabitant chosen;
 
 static void Call(void (*function)(void)) {
@@ -13,7 +14,7 @@ static void Call(void (*function)(void)) {
 }
 
 static void Choose(void) {
-    const Inhabitant *const families[] = {kDatarefs};
+    const Inhabitant *const families[] = {kDatarefs, kArguments, kPlace};
     const char *rule = getenv("AVSK_ZOO");
     for (size_t i = 0; rule && i < sizeof families / sizeof *families; ++i) {
         for (const Inhabitant *one = families[i]; one->rule; ++one) {
@@ -33,6 +34,7 @@ int AVPluginStart(char *outName, char *outSignature, char *outDescription) {
     strcpy(outName, "Zoo");
     strcpy(outSignature, "test.zoo");
     strcpy(outDescription, "Breaks one rule.");
+    zooDescription = outDescription;
     Choose();
     if (chosen.frame)
         AVSKRegisterFlightLoopCallback(Frame, -1, NULL);

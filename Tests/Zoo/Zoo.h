@@ -17,6 +17,11 @@ typedef struct Inhabitant {
 } Inhabitant;
 
 /* One table for each family of rules. The last row has no rule. */
+extern const Inhabitant kArguments[];
 extern const Inhabitant kDatarefs[];
+extern const Inhabitant kPlace[];
+
+/* The buffer of AVPluginStart for the description, during that call. */
+extern char *zooDescription;
 
 #endif

@@ -30,6 +30,18 @@ inline char32_t TakeCharacter(std::string_view &text) {
     return character;
 }
 
+// Where the first malformed byte is; npos if there is none.
+inline std::size_t FindMalformed(std::string_view text) {
+    constexpr char32_t kReplacement = 0xFFFD; // well-formed, it has three bytes
+    std::string_view rest = text;
+    while (!rest.empty()) {
+        const std::size_t before = rest.size();
+        if (TakeCharacter(rest) == kReplacement && before - rest.size() == 1)
+            return text.size() - before;
+    }
+    return std::string_view::npos;
+}
+
 // How many characters a text has.
 inline std::size_t CountCharacters(std::string_view text) {
     std::size_t count = 0;

@@ -8,9 +8,13 @@
 namespace host {
 
 Checker::Checker(const int &frame, std::map<std::string, std::string> allowed)
-    : mFindings(frame, std::move(allowed)), mDatarefs(mFindings) {}
+    : mFindings(frame, std::move(allowed)), mDatarefs(mFindings), mArguments(mFindings, mHandles),
+      mPlaces(mFindings, mHandles) {}
 
-void Checker::Finish() { mDatarefs.Finish(); }
+void Checker::Finish() {
+    mDatarefs.Finish();
+    mPlaces.Finish();
+}
 
 int Checker::PrintReport() {
     Finish();

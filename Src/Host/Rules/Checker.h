@@ -3,8 +3,11 @@
 #ifndef AVSK_HOST_RULES_CHECKER_H
 #define AVSK_HOST_RULES_CHECKER_H
 
+#include "ArgumentChecks.h"
 #include "DatarefChecks.h"
 #include "Findings.h"
+#include "KnownHandles.h"
+#include "PlaceChecks.h"
 
 #include <map>
 #include <string>
@@ -27,6 +30,9 @@ class Checker {
   private:
     Findings mFindings;
     DatarefChecks mDatarefs;
+    KnownHandles mHandles;
+    ArgumentChecks mArguments;
+    PlaceChecks mPlaces;
 };
 
 } // namespace host

@@ -1,7 +1,9 @@
 // Lists the families of rules; see RuleTable.h.
 #include "RuleTable.h"
 
+#include "ArgumentRules.h"
 #include "DatarefRules.h"
+#include "PlaceRules.h"
 
 #include <span>
 
@@ -20,6 +22,8 @@ RuleFamily Family(const char *title, std::span<const Rule> table) {
 const std::vector<RuleFamily> &RuleFamilies() {
     static const std::vector<RuleFamily> families = {
         Family("Datarefs", kDatarefRules),
+        Family("Arguments and results", kArgumentRules),
+        Family("Place and time", kPlaceRules),
     };
     return families;
 }
