@@ -89,7 +89,7 @@ static void HideNull(void) { AVSKSetWindowIsVisible(NULL, 0); }
 static void HideNothing(void) { AVSKSetWindowIsVisible((AVSKWindowID)&window, 0); }
 static void HideMenu(void) { AVSKSetWindowIsVisible((AVSKWindowID)MakeMenu(), 0); }
 
-/* A window that is destroyed in its own draw function can be used there, but not in the next frame. */
+/* This is allowed: a destroyed window can be used until the pass over the windows ends. */
 static void DrawAndDestroy(AVSKWindowID own, void *refcon) {
     (void)refcon;
     AVSKDestroyWindow(own);
@@ -109,6 +109,7 @@ static void DrawOddly(void) { AVSKRegisterDrawCallback(Suppress, 0, 1, NULL); }
 static void DescribeWithoutEnd(void) { memset(zooDescription, 'x', AVSK_TEXT_SIZE); }
 
 static void UseWell(void) {
+    AVSKCreateWindow(10, 100, 200, 10, 1, DrawAndDestroy, NULL, NULL, NULL);
     AVSKRegisterKeySniffer(KeyUnused, 1, NULL);
     AVSKUnregisterKeySniffer(KeyUnused, 1, NULL);
     AVSKDebugString("H\xC3\xB6he\n");

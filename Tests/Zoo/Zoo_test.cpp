@@ -1,6 +1,7 @@
 // The rules judge the zoo: each inhabitant breaks its rule and no other, and the
 // samples break none.
 #include "RunAvsk.h"
+#include "World.h"
 
 #include <gtest/gtest.h>
 
@@ -48,6 +49,28 @@ TEST(Zoo, SamplesBreakNoRule) {
     const AvskRun run = RunAvsk("run --check --quiet --frames 300 --root " AVSK_TEST_DEMO);
     EXPECT_EQ(RulesIn(run.said), std::set<std::string>{}) << run.said;
     EXPECT_EQ(run.status, 0);
+}
+
+TEST(Zoo, ExcusesNeedAReasonAndARuleThatExists) {
+    const World world;
+    const auto run = [&world](const std::string &lines) {
+        std::ofstream(world.Path("s.avs")) << lines << "frames 1\n";
+        return RunAvsk("run --check --quiet --plugin " AVSK_TEST_ZOO_PLUGIN " " + world.Path("s.avs"),
+                       "AVSK_ZOO=handle-kind");
+    };
+    const AvskRun excused = run("allow handle-kind \"on purpose\"\nallow text-cut \"never\"\n");
+    EXPECT_EQ(excused.status, 0) << excused.said;
+    EXPECT_NE(excused.said.find("\n  allowed: Zoo: AVSKSetWindowIsVisible: "), std::string::npos);
+    EXPECT_NE(excused.said.find("; the reason: on purpose\n"), std::string::npos);
+    EXPECT_NE(excused.said.find("\n  allow text-cut: there is no such finding: "), std::string::npos);
+    const AvskRun refused = run("allow handle-kid \"on purpose\"\nallow text-cut\n");
+    EXPECT_EQ(refused.status, 2) << refused.said;
+    EXPECT_NE(refused.said.find(":1:7: expected a rule"), std::string::npos);
+    EXPECT_NE(refused.said.find("did you mean 'handle-kind'"), std::string::npos);
+    EXPECT_NE(refused.said.find(":2:15: expected a text"), std::string::npos);
+    const AvskRun misspelt = RunAvsk("explain handle-kid");
+    EXPECT_EQ(misspelt.status, 2);
+    EXPECT_NE(misspelt.said.find("no rule 'handle-kid'; did you mean 'handle-kind'"), std::string::npos);
 }
 
 TEST(Zoo, DocumentIsMadeFromTheTable) {
