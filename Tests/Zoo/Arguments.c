@@ -76,7 +76,6 @@ static void CheckMissingItem(void) {
 
 static void AskBeyond(void) {
     AVSKGetNthPlugin(AVSKCountPlugins() - 1);
-    AVSKGetNthHotKey(AVSKCountHotKeys()); /* the end of a loop */
     AVSKGetNthPlugin(AVSKCountPlugins());
 }
 

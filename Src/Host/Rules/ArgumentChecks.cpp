@@ -142,7 +142,6 @@ void ArgumentChecks::Check(const Case &one) {
     case Must::BeItem:
         return CheckItem(one);
     case Must::BeBelow:
-    case Must::BeAtMost:
         return CheckIndex(one);
     case Must::BeOneOf:
         if (!one.row.allows(value.integer))
@@ -293,7 +292,7 @@ void ArgumentChecks::CheckItem(const Case &one) {
 void ArgumentChecks::CheckIndex(const Case &one) {
     const int index = one.value.integer;
     const int count = one.row.count();
-    if (index < 0 || index > count || (index == count && one.row.must == Must::BeBelow))
+    if (index < 0 || index >= count)
         mFindings.Add(
             Named(kArgumentRules, "index-range"), one.call,
             {{"parameter", one.row.parameter}, {"index", std::to_string(index)}, {"count", std::to_string(count)}});

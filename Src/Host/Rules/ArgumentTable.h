@@ -25,7 +25,6 @@ enum class Must : std::uint8_t {
     BePlaces,       // AVSKDrawInfo structures
     BeItem,         // an index among the items of the argument "menu" or "parent"
     BeBelow,        // an index below "count"
-    BeAtMost,       // an index below "count", or the first one that fails
     BeOneOf,        // "allows" and "text"
     BePlugin,       // the ID of a plugin
     BePluginOrAll,  // or -1
