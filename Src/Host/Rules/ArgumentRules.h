@@ -19,7 +19,7 @@ inline constexpr Rule kArgumentRules[] = {
     {"argument-null-host", Level::Note, "{parameter} is null, and the host decides whether that is allowed",
      "Pass a variable, even if its value is not needed.",
      "The function forwards the pointer to the host and checks nothing. This host ignores null. Another host, or "
-     "another version of it, may write through the pointer."},
+     "another version of it, may use the pointer."},
     {"struct-size", Level::Error, "the structSize of {parameter} is {seen}, and must be {size}",
      "Set structSize to the sizeof of the structure before the call.",
      "The size tells the library which version of the structure the plugin was compiled with. With another size "
@@ -40,8 +40,8 @@ inline constexpr Rule kArgumentRules[] = {
     {"text-unterminated", Level::Error, "{parameter} has no terminating zero within its {size} bytes",
      "Write with snprintf(buffer, AVSK_TEXT_SIZE, ...), which terminates the text.",
      "The buffers for the name, the signature and the description of a plugin have 256 bytes, with the terminating "
-     "zero. A longer text overwrites memory behind the buffer. This library tolerates some bytes, an older one does "
-     "not."},
+     "zero. The library cuts the text and reserves some space behind each buffer; a text that is longer still "
+     "overwrites its stack."},
     {"number-finite", Level::Error, "{parameter} is {value}",
      "Find where the number comes from; a division by zero and the root of a negative number are the usual causes.",
      "A coordinate that is not a number, or infinite, is no place. An interval that is not a number is treated as 0, "
