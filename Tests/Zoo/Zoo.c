@@ -13,7 +13,11 @@ static void Call(void (*function)(void)) {
 }
 
 static void Choose(void) {
-    const Inhabitant *const families[] = {kDatarefs};
+    const Inhabitant *const families[] = {
+        kDatarefs,
+        kLife,
+        kState,
+    };
     const char *rule = getenv("AVSK_ZOO");
     for (size_t i = 0; rule && i < sizeof families / sizeof *families; ++i) {
         for (const Inhabitant *one = families[i]; one->rule; ++one) {
@@ -37,6 +41,8 @@ int AVPluginStart(char *outName, char *outSignature, char *outDescription) {
     if (chosen.frame)
         AVSKRegisterFlightLoopCallback(Frame, -1, NULL);
     Call(chosen.start);
+    if (chosen.answer)
+        chosen.answer(outName, outSignature);
     return 1;
 }
 

@@ -2,6 +2,8 @@
 #include "RuleTable.h"
 
 #include "DatarefRules.h"
+#include "LifeRules.h"
+#include "StateRules.h"
 
 #include <span>
 
@@ -20,6 +22,8 @@ RuleFamily Family(const char *title, std::span<const Rule> table) {
 const std::vector<RuleFamily> &RuleFamilies() {
     static const std::vector<RuleFamily> families = {
         Family("Datarefs", kDatarefRules),
+        Family("Life", kLifeRules),
+        Family("State", kStateRules),
     };
     return families;
 }
