@@ -14,7 +14,7 @@ static void Call(void (*function)(void)) {
 }
 
 static void Choose(void) {
-    const Inhabitant *const families[] = {kDatarefs, kArguments, kPlace};
+    const Inhabitant *const families[] = {kArguments, kDatarefs, kLife, kPlace, kState};
     const char *rule = getenv("AVSK_ZOO");
     for (size_t i = 0; rule && i < sizeof families / sizeof *families; ++i) {
         for (const Inhabitant *one = families[i]; one->rule; ++one) {
@@ -39,6 +39,8 @@ int AVPluginStart(char *outName, char *outSignature, char *outDescription) {
     if (chosen.frame)
         AVSKRegisterFlightLoopCallback(Frame, -1, NULL);
     Call(chosen.start);
+    if (chosen.answer)
+        chosen.answer(outName, outSignature);
     return 1;
 }
 

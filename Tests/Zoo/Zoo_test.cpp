@@ -13,6 +13,13 @@
 
 namespace {
 
+// The zoo and a sample, whose signature one inhabitant takes.
+constexpr const char *kZoo = "run --check --quiet --frames 8 --plugin " AVSK_TEST_ZOO_PLUGIN " --plugin " AVSK_TEST_DEMO
+                             "/Resources/plugins/Template";
+
+// A note about what the library removes, which is no fault.
+constexpr const char *kLeft = "left-behind";
+
 // The words in parentheses at the ends of findings.
 std::set<std::string> RulesIn(const std::string &said) {
     std::set<std::string> rules;
@@ -38,27 +45,29 @@ INSTANTIATE_TEST_SUITE_P(Zoo, ZooPart, testing::Range(0, kParts));
 
 TEST_P(ZooPart, EachRuleIsFoundInItsOwnInhabitantOnly) {
     const std::set<std::string> rules = AllRules();
-    EXPECT_GE(rules.size(), 47U);
+    EXPECT_GE(rules.size(), 67U);
     int part = 0;
     for (const std::string &rule : rules) {
         if (part++ % kParts != GetParam())
             continue;
-        const AvskRun run =
-            RunAvsk("run --check --quiet --frames 8 --plugin " AVSK_TEST_ZOO_PLUGIN, "AVSK_ZOO=" + rule);
-        EXPECT_EQ(RulesIn(run.said), std::set<std::string>{rule}) << run.said;
+        const AvskRun run = RunAvsk(kZoo, "AVSK_ZOO=" + rule);
+        std::set<std::string> found = RulesIn(run.said);
+        if (rule != kLeft)
+            found.erase(kLeft);
+        EXPECT_EQ(found, std::set<std::string>{rule}) << run.said;
         const bool isError = run.said.find("\n  error: ") != std::string::npos;
         EXPECT_EQ(run.status, isError ? 1 : 0) << run.said;
     }
 }
 
 TEST(Zoo, NoRuleIsFoundInCorrectUse) {
-    const AvskRun run = RunAvsk("run --check --quiet --frames 8 --plugin " AVSK_TEST_ZOO_PLUGIN, "AVSK_ZOO=none");
+    const AvskRun run = RunAvsk(kZoo, "AVSK_ZOO=none");
     EXPECT_EQ(RulesIn(run.said), std::set<std::string>{}) << run.said;
 }
 
 TEST(Zoo, SamplesBreakNoRule) {
     const AvskRun run = RunAvsk("run --check --quiet --frames 300 --root " AVSK_TEST_DEMO);
-    EXPECT_EQ(RulesIn(run.said), std::set<std::string>{}) << run.said;
+    EXPECT_EQ(RulesIn(run.said), std::set<std::string>{kLeft}) << run.said;
     EXPECT_EQ(run.status, 0);
 }
 

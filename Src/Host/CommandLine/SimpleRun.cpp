@@ -38,7 +38,7 @@ int RunFrames(SimpleRun run) {
     Observers observers(*simulator, options.observing);
     std::optional<Checker> checker;
     if (options.observing.check)
-        checker.emplace(simulator->frame, options.observing.allowed);
+        checker.emplace(simulator->frame, observers.Owners(), options.observing.allowed);
     Prepare(*simulator);
     StartPlugins(*simulator, run.needsPlugins);
     while (simulator->frame < simulator->options.frames) {

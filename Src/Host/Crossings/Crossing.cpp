@@ -1,5 +1,5 @@
 // Keeps the stack of calls and notifies the observers; see Crossing.h. Owns the
-// innermost call, the observers, and the labels of plugins.
+// innermost call, the observers, the handler of foreign calls, and the labels of plugins.
 #include "Crossing.h"
 
 #include "Callback.h"
@@ -10,12 +10,16 @@
 
 #include <algorithm>
 #include <array>
+#include <atomic>
 #include <cassert>
 #include <cstring>
+#include <exception>
 #include <map>
 #include <string_view>
 #include <utility>
 #include <vector>
+
+#include <cxxabi.h>
 
 namespace crossings {
 namespace {
@@ -33,8 +37,11 @@ std::vector<Observer *> &Observers() {
 
 // False on other threads, which may only use the library's thread slots.
 thread_local bool tObserved = false;
+thread_local bool tIsMain = false;
 
-__attribute__((constructor)) void ObserveThisThread() { tObserved = true; }
+std::atomic<ForeignHandler> gForeignHandler = nullptr;
+
+__attribute__((constructor)) void ObserveThisThread() { tObserved = tIsMain = true; }
 
 AVSKPluginID Dispatched() {
     const Unobserved calls;
@@ -108,6 +115,15 @@ Crossing::~Crossing() {
     gInnermost = outer;
 }
 
+void Crossing::NoteException() noexcept {
+    thrownType = abi::__cxa_current_exception_type();
+    const std::exception_ptr handled = std::current_exception();
+    static_assert(sizeof handled == sizeof(void *),
+                  "an exception_ptr holds the address of the object and nothing else");
+    thrown = *reinterpret_cast<const void *const *>(&handled);
+}
+
+bool Crossing::IsEntryPoint() const { return std::strncmp(what.name, "AVPlugin", std::strlen("AVPlugin")) == 0; }
 bool Crossing::IsStart() const { return std::strcmp(what.name, "AVPluginStart") == 0; }
 
 const Value &Crossing::operator[](const char *parameter) const {
@@ -128,6 +144,14 @@ void RemoveObserver(Observer &observer) { std::erase(Observers(), &observer); }
 const Crossing *Innermost() { return gInnermost; }
 Side CurrentSide() { return gInnermost ? gInnermost->to : Side::Host; }
 bool AreObserved() { return tObserved; }
+
+void OnForeignCall(ForeignHandler handler) { gForeignHandler = handler; }
+
+void NoteUnobserved(const Prototype &function, Side callee) {
+    const ForeignHandler handler = tIsMain || callee != Side::Library ? nullptr : gForeignHandler.load();
+    if (handler)
+        handler(function);
+}
 
 const std::string &LabelOf(AVSKPluginID plugin) {
     const auto known = gLabels.find(plugin);

@@ -8,6 +8,8 @@
 #ifndef AVSK_HOST_CROSSING_H
 #define AVSK_HOST_CROSSING_H
 
+#include "CallState.h"
+
 #include "AVSK/AVSKTypes.h"
 
 #include <chrono>
@@ -15,6 +17,7 @@
 #include <span>
 #include <string>
 #include <type_traits>
+#include <typeinfo>
 
 namespace crossings {
 
@@ -111,6 +114,8 @@ class Crossing {
         result = value;
         returned = true;
     }
+    // Notes the exception that is being handled and then leaves the call.
+    void NoteException() noexcept;
 
     const Prototype &what;
     const Side from;
@@ -127,11 +132,18 @@ class Crossing {
     bool returned = false;
     Clock::time_point began;
     Clock::time_point ended;
+    // Of the exception that ended the call: the object that was thrown, and its type.
+    const void *thrown = nullptr;
+    const std::type_info *thrownType = nullptr; // null if C++ code did not throw it
+    // Equal unless states are kept and this call of a plugin changed something.
+    CallState stateBefore;
+    CallState stateAfter;
 
     // An argument by its name, which must be the name of a parameter.
     const Value &operator[](const char *parameter) const;
     // Whether this is a plugin's start, from which on the ID belongs to that plugin.
     bool IsStart() const;
+    bool IsEntryPoint() const; // a call of one of the functions that plugins export
     // Without the time that observing the inner calls took. Valid in Ends() only.
     Clock::duration Duration() const { return ended - began - mObserving; }
 
@@ -157,6 +169,14 @@ const Crossing *Innermost();
 Side CurrentSide();
 // Whether calls are observed now: true on the main thread outside of observers.
 bool AreObserved();
+
+// Calls of exported functions on other threads than the main one are not
+// observed. They call the handler, on their thread, before they do anything; null
+// for none. The handler must call no exported function.
+using ForeignHandler = void (*)(const Prototype &function);
+void OnForeignCall(ForeignHandler handler);
+// To be called for each call that is not observed.
+void NoteUnobserved(const Prototype &function, Side callee);
 
 // A plugin's name, or its folder's while it has none; "host" for 0. The text
 // stays valid until the ID is given to another plugin.

@@ -4,6 +4,7 @@
 #ifndef AVSK_HOST_FORWARD_H
 #define AVSK_HOST_FORWARD_H
 
+#include "CallState.h"
 #include "Callback.h"
 #include "Crossing.h"
 
@@ -146,17 +147,25 @@ struct Forward {
 
     template <class... A>
     R operator()(const A &...arguments) const {
-        if (!AreObserved())
+        if (!AreObserved()) {
+            NoteUnobserved(what, callee);
             return target(Passed(arguments)...);
+        }
         const std::array<Value, sizeof...(A)> values{ValueOf(arguments)...};
         Crossing crossing(what, callee, values, callback);
-        if constexpr (std::is_void_v<R>) {
-            target(Passed(arguments)...);
-            crossing.Return();
-        } else {
-            const R result = target(Passed(arguments)...);
-            crossing.Return(ValueOf(result));
-            return result;
+        try {
+            const StateKeeper state(crossing);
+            if constexpr (std::is_void_v<R>) {
+                target(Passed(arguments)...);
+                crossing.Return();
+            } else {
+                const R result = target(Passed(arguments)...);
+                crossing.Return(ValueOf(result));
+                return result;
+            }
+        } catch (...) {
+            crossing.NoteException();
+            throw;
         }
     }
 };

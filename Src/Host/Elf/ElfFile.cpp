@@ -121,7 +121,7 @@ class Reader {
             if (section.sh_type == SHT_DYNSYM)
                 ReadDynamicSymbols(section, file);
             else if (section.sh_type == SHT_DYNAMIC)
-                ReadNeeded(section, file);
+                ReadDynamic(section, file);
         }
         for (const auto &section : mSections) {
             if (section.sh_type == SHT_SYMTAB)
@@ -150,6 +150,8 @@ class Reader {
         file.hasSymbols = true;
         ForEach(table, [&file](const Symbol &symbol, std::string name) {
             const int binding = symbol.st_info >> 4;
+            if (binding == STB_GNU_UNIQUE && symbol.st_shndx != SHN_UNDEF)
+                file.unique.push_back(name);
             if (symbol.st_shndx != SHN_UNDEF)
                 file.exported.push_back(std::move(name));
             else if (binding == STB_GLOBAL)
@@ -167,7 +169,7 @@ class Reader {
         });
     }
 
-    void ReadNeeded(const Section &table, ElfFile &file) const {
+    void ReadDynamic(const Section &table, ElfFile &file) const {
         using Dynamic = typename Elf::Dynamic;
         if (table.sh_link >= mSections.size())
             return;
@@ -176,6 +178,8 @@ class Reader {
                 return;
             if (entry.d_tag == DT_NEEDED)
                 file.needed.push_back(mBytes.Text(mSections[table.sh_link], entry.d_un.d_val));
+            else if (entry.d_tag == DT_FLAGS_1)
+                file.isNeverUnloaded = (entry.d_un.d_val & DF_1_NODELETE) != 0;
         }
     }
 

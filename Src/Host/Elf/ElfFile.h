@@ -25,6 +25,8 @@ struct ElfFile {
     std::vector<std::string> undefined; // dynamic symbols that it needs and does not define, without weak ones
     std::vector<std::string> needed;    // names of libraries
     std::vector<std::string> hidden;    // functions that it defines and does not export; empty in a stripped file
+    std::vector<std::string> unique;    // dynamic symbols of which a process has only one; they keep the file mapped
+    bool isNeverUnloaded = false;       // linked with -z nodelete
 
     // Whether a 32-bit x86 process can load it.
     bool IsForX86() const { return bits == 32 && machine == "x86"; }

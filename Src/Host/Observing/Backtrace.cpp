@@ -202,6 +202,22 @@ std::string SourceLineOf(const void *address) {
 
 const char *FileAt(const void *address) { return FrameAt(reinterpret_cast<std::uintptr_t>(address)).file; }
 
+Caller CallerOfProgram() {
+    std::array<void *, 64> addresses{};
+    const auto depth = static_cast<std::size_t>(backtrace(addresses.data(), static_cast<int>(addresses.size())));
+    Caller caller{nullptr, nullptr};
+    for (void *address : std::span(addresses).first(depth)) {
+        const char *file = FileAt(address);
+        if (!file || file == gProgram.c_str())
+            continue;
+        if (!caller.file || std::string_view(file).ends_with(".avp"))
+            caller = {address, file};
+        if (std::string_view(file).ends_with(".avp"))
+            break;
+    }
+    return caller;
+}
+
 void PrepareBacktrace() {
     void *here = nullptr;
     backtrace(&here, 1); // loads the unwinder

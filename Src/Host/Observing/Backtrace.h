@@ -46,6 +46,14 @@ std::string SourceLineOf(const void *address);
 // The file that an address belongs to; null if there is none.
 const char *FileAt(const void *address);
 
+// The code outside of this program that called it, on the calling thread: a
+// return address in the innermost plugin, or else in the innermost file.
+struct Caller {
+    const void *address;
+    const char *file; // null: none
+};
+Caller CallerOfProgram();
+
 } // namespace host
 
 #endif

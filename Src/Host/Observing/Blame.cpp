@@ -46,6 +46,7 @@ Blame *gBlame = nullptr;
 const int *gFrame = nullptr; // of the simulator; not read through the Blame, which may be overwritten
 int gLastFrame = 0;          // when the Blame ended
 pthread_t gMainThread;
+void (*gAddition)() = nullptr; // to each report
 std::atomic<bool> gReporting = false;
 
 bool IsMainThread() { return pthread_equal(pthread_self(), gMainThread) != 0; }
@@ -138,6 +139,8 @@ void WriteCalls(const Line &head) {
     FlushOutput();
     WriteCalls(head);
     WriteBacktrace(context);
+    if (gAddition)
+        gAddition();
     _exit(kBlamedStatus);
 }
 
@@ -244,6 +247,8 @@ void OnSanitizersEnd() {
     head.Add(" in ");
     AddTitleAndCaller(head, gHistory.Innermost());
     WriteCalls(head);
+    if (gAddition)
+        gAddition();
 }
 
 } // namespace
@@ -329,6 +334,8 @@ void Blame::Ends(const Crossing &crossing) {
     else if (mWatchdog && isPlugins)
         mWatchdog->Restart(crossing.ended);
 }
+
+void AddToBlame(void (*write)()) { gAddition = write; }
 
 void ReportException(std::string_view what) {
     std::string head = "avsk: the run was broken off by an exception";

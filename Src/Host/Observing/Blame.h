@@ -39,6 +39,10 @@ class Blame : public crossings::Observer {
     int mPluginDepth = -1; // depth of the outermost call of a plugin; -1: none
 };
 
+// The function writes what reports of Blame contain at their end. It runs in signal
+// handlers. Null for none.
+void AddToBlame(void (*write)());
+
 // Reports the exception that is being handled: which plugin threw it, what it
 // says, the last calls, and the stack where it was thrown. Also valid without a
 // Blame, after the run.

@@ -33,6 +33,8 @@ class Ledger : public crossings::Observer {
     // signature, or of all.
     std::vector<std::string> Owned(const std::string &plugin = "") const;
     std::vector<std::string> LeftBehind(const std::string &plugin = "") const;
+    // What the plugin that was unloaded last left to the library.
+    const std::vector<Possession> &LeftByLast() const;
     // Whether a plugin of this name or signature was unloaded.
     bool WasUnloaded(const std::string &plugin) const;
 

@@ -51,6 +51,11 @@ std::vector<std::string> Ledger::LeftBehind(const std::string &plugin) const {
     return AlignColumns(rows, {.widest = kWidest, .numbers = {}});
 }
 
+const std::vector<Possession> &Ledger::LeftByLast() const {
+    static const Possessions nothing;
+    return mDeparted.empty() ? nothing : mDeparted.back().left;
+}
+
 bool Ledger::WasUnloaded(const std::string &plugin) const {
     return std::any_of(mDeparted.begin(), mDeparted.end(), [&plugin](const Departed &departed) {
         return plugin == departed.identity.name || plugin == departed.identity.signature;

@@ -82,6 +82,23 @@ void KeepThrownStacks() {
         thrown.stack = StackOf({thrown.addresses.data(), thrown.count});
 }
 
+const void *ThrowingAddress(const void *exception, const char *file) {
+    // The latest: the runtime reuses addresses.
+    const Throw *latest = nullptr;
+    for (unsigned age = 0; age < gThrows.size() && !latest; ++age) {
+        const Throw &noted = gThrows[(gCount - 1 - age) % gThrows.size()];
+        if (exception && noted.exception == exception)
+            latest = &noted;
+    }
+    if (!latest)
+        return nullptr;
+    for (void *address : std::span(latest->addresses).first(latest->count)) {
+        if (FileAt(address) == file)
+            return address;
+    }
+    return nullptr;
+}
+
 void WriteThrownStack() {
     const void *handled = HandledException();
     const auto found = std::find_if(gThrows.begin(), gThrows.end(), [handled](const Throw &thrown) {

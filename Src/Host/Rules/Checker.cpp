@@ -1,23 +1,51 @@
 // Constructs the observers; see Checker.h.
 #include "Checker.h"
 
+#include "Observing/Blame.h"
+#include "Observing/History.h"
 #include "Observing/Observers.h"
 
 #include <utility>
 
 namespace host {
+namespace {
 
-Checker::Checker(const int &frame, std::map<std::string, std::string> allowed)
-    : mFindings(frame, std::move(allowed)), mDatarefs(mFindings), mArguments(mFindings, mHandles),
-      mPlaces(mFindings, mHandles) {}
+const Findings *gFindings = nullptr; // for reports of fatal signals
+
+void WriteFindings() {
+    if (!gFindings || gFindings->Lines().empty())
+        return;
+    WriteError("Findings until then:\n");
+    WriteError(gFindings->Lines());
+}
+
+} // namespace
+
+Checker::Checker(const int &frame, const Ledger &owners, std::map<std::string, std::string> allowed)
+    : mFindings(frame, std::move(allowed)), mArguments(mFindings, mHandles), mDatarefs(mFindings),
+      mLife(mFindings, owners), mPlaces(mFindings, mHandles), mState(mFindings) {
+    gFindings = &mFindings;
+    AddToBlame(WriteFindings);
+}
+
+Checker::~Checker() {
+    gFindings = nullptr;
+    if (mIsReported)
+        return;
+    mLife.TakeForeign();
+    if (!mFindings.All().empty())
+        PrintList("\nFindings:", mFindings.Report());
+}
 
 void Checker::Finish() {
     mDatarefs.Finish();
     mPlaces.Finish();
+    mLife.Finish();
 }
 
 int Checker::PrintReport() {
     Finish();
+    mIsReported = true;
     PrintList("\nFindings:", mFindings.Report(), "none");
     return mFindings.Count(Level::Error);
 }

@@ -7,17 +7,25 @@
 #include "DatarefChecks.h"
 #include "Findings.h"
 #include "KnownHandles.h"
+#include "LifeChecks.h"
 #include "PlaceChecks.h"
+#include "StateChecks.h"
 
 #include <map>
 #include <string>
 
 namespace host {
 
+class Ledger;
+
 class Checker {
   public:
-    // Begins to observe. To be created before the library starts. The frame number must outlive it.
-    Checker(const int &frame, std::map<std::string, std::string> allowed);
+    // Begins to observe. To be created before the library starts, one at a time.
+    // The frame number and the ledger must outlive it.
+    Checker(const int &frame, const Ledger &owners, std::map<std::string, std::string> allowed);
+    // Prints what was found if an exception ended the run before the report. Reports
+    // of fatal signals contain it too.
+    ~Checker();
     Checker(const Checker &) = delete;
     Checker &operator=(const Checker &) = delete;
 
@@ -29,10 +37,13 @@ class Checker {
 
   private:
     Findings mFindings;
-    DatarefChecks mDatarefs;
     KnownHandles mHandles;
     ArgumentChecks mArguments;
+    DatarefChecks mDatarefs;
+    LifeChecks mLife;
     PlaceChecks mPlaces;
+    StateChecks mState;
+    bool mIsReported = false;
 };
 
 } // namespace host

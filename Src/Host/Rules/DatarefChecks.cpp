@@ -93,6 +93,7 @@ constexpr CallRow<DatarefChecks> DatarefChecks::kAfter[] = {
     {"AVSKGetDatavi_f", &DatarefChecks::AfterAccessor},
     {"AVSKGetDatavf_f", &DatarefChecks::AfterAccessor},
     {"AVSKGetDatab_f", &DatarefChecks::AfterAccessor},
+    {"AVPluginStart", &DatarefChecks::AfterStart},
 };
 
 DatarefChecks::DatarefChecks(Findings &findings) : mFindings(findings), mBefore(kBefore), mAfter(kAfter) {
@@ -250,6 +251,11 @@ void DatarefChecks::AfterLookUp(const Crossing &crossing) {
         if (++frames >= kManyFrames)
             mFindings.Add(Named(kDatarefRules, "dataref-lookup"), crossing, {{"name", Quoted(name)}});
     }
+}
+
+// A plugin that is loaded again looks its datarefs up again.
+void DatarefChecks::AfterStart(const Crossing &crossing) {
+    std::erase_if(mLookUps, [&crossing](const auto &each) { return std::get<0>(each.first) == crossing.plugin; });
 }
 
 void DatarefChecks::Finish() {

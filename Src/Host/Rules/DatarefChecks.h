@@ -58,6 +58,7 @@ class DatarefChecks : public crossings::Observer {
     void BeforeUnregistration(const crossings::Crossing &crossing);
     void AfterRegistration(const crossings::Crossing &crossing);
     void AfterSharing(const crossings::Crossing &crossing);
+    void AfterStart(const crossings::Crossing &crossing);
     void AfterLookUp(const crossings::Crossing &crossing);
     void BeforeAccessor(const crossings::Crossing &crossing);
     void AfterAccessor(const crossings::Crossing &crossing);

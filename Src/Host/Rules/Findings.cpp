@@ -20,15 +20,20 @@ namespace {
 using crossings::Crossing;
 using crossings::Side;
 
-// The line of a plugin's code from which the present call came; empty if it is unknown.
-std::string CallingLine(const Crossing *code) {
-    const char *file = code ? FileAt(reinterpret_cast<const void *>(code->callback->function)) : nullptr;
-    if (!file)
+// The line of plugin code from which the call came, or where the called callback
+// begins; empty if it is unknown.
+std::string SourceOf(const Crossing &crossing) {
+    const Crossing *code = PluginCodeOf(crossing);
+    if (!code)
         return "";
+    const auto *function = reinterpret_cast<const char *>(code->callback->function);
+    if (code == &crossing)
+        return SourceLineOf(function + 1);
+    const char *file = FileAt(function);
     std::array<void *, 64> addresses{};
     const auto depth = static_cast<std::size_t>(backtrace(addresses.data(), static_cast<int>(addresses.size())));
     for (void *address : std::span(addresses).first(depth)) {
-        if (FileAt(address) == file)
+        if (file && FileAt(address) == file)
             return SourceLineOf(address);
     }
     return "";
@@ -113,7 +118,7 @@ Finding Findings::Bare(const Rule &rule, const Crossing &crossing, FindingValues
 
 Finding Findings::Make(const Rule &rule, const Crossing &crossing, FindingValues values) const {
     Finding finding = Bare(rule, crossing, values);
-    finding.source = CallingLine(PluginCodeOf(crossing));
+    finding.source = SourceOf(crossing);
     return finding;
 }
 
@@ -121,7 +126,7 @@ void Findings::Add(const Rule &rule, const Crossing &crossing, FindingValues val
     Finding finding = Bare(rule, crossing, values);
     if (CountAgain(finding))
         return;
-    finding.source = CallingLine(PluginCodeOf(crossing));
+    finding.source = SourceOf(crossing);
     Keep(std::move(finding));
 }
 
@@ -150,9 +155,26 @@ void Findings::Keep(Finding finding) {
     mIndex.emplace(KeyOf(finding), mFindings.size());
     if (const auto excuse = mAllowed.find(finding.rule->id); excuse != mAllowed.end())
         finding.allowed = excuse->second;
+    if (finding.allowed.empty())
+        mLines += "  " + std::string(LevelWord(finding.rule->level)) + ": " + finding.Line() + '\n';
     mFindings.push_back(std::move(finding));
     if (mNotify)
         mNotify(mFindings.back());
+}
+
+void Findings::Rename(const std::string &before, const std::string &after) {
+    const auto isMeant = [&before](const Finding &finding) { return finding.plugin == before; };
+    if (before == after || std::none_of(mFindings.begin(), mFindings.end(), isMeant))
+        return;
+    const std::function<void(const Finding &)> notify = std::exchange(mNotify, nullptr); // it has seen them
+    mIndex.clear();
+    mLines.clear();
+    for (Finding &finding : std::exchange(mFindings, {})) {
+        if (isMeant(finding))
+            finding.plugin = after;
+        Add(std::move(finding));
+    }
+    mNotify = notify;
 }
 
 int Findings::Count(Level level) const {

@@ -27,7 +27,7 @@ struct Finding {
     std::string subject;  // the first value: violations that differ in other values only are one finding
     std::string text;     // the rule's sentence with its values, those of the first occurrence
     std::string callback; // that made the call, "AVSKFlightLoop_f Steer"; empty outside of plugins
-    std::string source;   // "Pilot.cpp:58"; empty without debug information
+    std::string source;   // of the call, or the begin of the callback: "Pilot.cpp:58"; empty without debug information
     int frame = 0;        // of the first occurrence; 0 before the first frame
     long count = 1;
     std::string allowed; // the reason why it is excused; empty if it is not
@@ -53,6 +53,9 @@ class Findings {
     Finding Make(const Rule &rule, const crossings::Crossing &crossing, FindingValues values = {}) const;
     void Add(Finding finding);
 
+    // A plugin has another label now: also its findings.
+    void Rename(const std::string &before, const std::string &after);
+
     // The number of the frame that runs.
     int Frame() const { return mFrame; }
 
@@ -66,6 +69,8 @@ class Findings {
     // For a reader: a line for each finding, the advice below the first one of each
     // rule, a line for each excuse that excused nothing, and the numbers of findings.
     std::vector<std::string> Report() const;
+    // A line for each finding, prepared for the handler of a fatal signal.
+    const std::string &Lines() const { return mLines; }
 
   private:
     Finding Bare(const Rule &rule, const crossings::Crossing &crossing, FindingValues values) const;
@@ -76,6 +81,7 @@ class Findings {
     const std::map<std::string, std::string> mAllowed;
     std::vector<Finding> mFindings;
     std::map<std::string, std::size_t> mIndex; // of findings by rule, plugin, call and subject
+    std::string mLines;
     std::function<void(const Finding &)> mNotify;
 };
 

@@ -3,7 +3,9 @@
 
 #include "ArgumentRules.h"
 #include "DatarefRules.h"
+#include "LifeRules.h"
 #include "PlaceRules.h"
+#include "StateRules.h"
 
 #include <span>
 
@@ -21,9 +23,9 @@ RuleFamily Family(const char *title, std::span<const Rule> table) {
 
 const std::vector<RuleFamily> &RuleFamilies() {
     static const std::vector<RuleFamily> families = {
-        Family("Datarefs", kDatarefRules),
-        Family("Arguments and results", kArgumentRules),
-        Family("Place and time", kPlaceRules),
+        Family("Datarefs", kDatarefRules),     Family("Arguments and results", kArgumentRules),
+        Family("Place and time", kPlaceRules), Family("Life", kLifeRules),
+        Family("State", kStateRules),
     };
     return families;
 }

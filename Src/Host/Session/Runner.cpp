@@ -36,7 +36,7 @@ void SessionRunner::Start() {
     mCalls = std::make_unique<CallLog>(*mSimulator);
     mObservers = std::make_unique<Observers>(*mSimulator, mSetUp.options.observing);
     if (mSetUp.options.observing.check)
-        mChecker = std::make_unique<Checker>(mSimulator->frame, mSetUp.options.observing.allowed);
+        mChecker = std::make_unique<Checker>(mSimulator->frame, mObservers->Owners(), mSetUp.options.observing.allowed);
     mDatarefs = std::make_unique<DatarefNames>();
     for (const auto &[plugin, milliseconds] : mSetUp.budgets)
         mObservers->Times().SetBudget(plugin, milliseconds);

@@ -1,0 +1,16 @@
+// Files of unloaded plugins that are still mapped into this process, and why.
+#ifndef AVSK_HOST_SERVICES_STAYING_FILES_H
+#define AVSK_HOST_SERVICES_STAYING_FILES_H
+
+#include <string>
+#include <vector>
+
+namespace host {
+
+// One line for each mapped file of a folder, whose path ends in a separator: its
+// path from there, what keeps it, and what to do.
+std::vector<std::string> DescribeStayingFiles(const std::string &folder);
+
+} // namespace host
+
+#endif
