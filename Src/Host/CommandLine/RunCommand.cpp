@@ -10,6 +10,7 @@
 #include "Session/Help.h"
 #include "Session/Rlwrap.h"
 #include "Session/RunSession.h"
+#include "Watching/Watch.h"
 
 #include <CLI/CLI.hpp>
 
@@ -51,6 +52,8 @@ constexpr const char *kRunExamples = R"(Examples:
       a session: picks items of a sample's menu and checks what comes of it
   avsk run --interactive --root build/release/demo --plugin Menu
       the same, typed; 'help' lists the words, 'quit' ends. With rlwrap installed there is history and completion
+  avsk run Menu.avs --root sim --watch
+      the same after each build, until Ctrl-C, with what changed: expectations, pictures and the log
   avsk run --root sim --trace flight.json --trace-plugin Lights --profile --ps
       the calls of and to the plugin Lights, where the time went, and what it did not release
 
@@ -129,6 +132,7 @@ struct Request {
     std::string aircraft; // its folder
     bool interactive = false;
     bool words = false;
+    bool watch = false;
     std::vector<std::string> screenshots;
     std::vector<std::string> keys;
 };
@@ -190,7 +194,7 @@ void SortOut(Request &request, const std::vector<CLI::Option *> &runOnly) {
     }
 }
 
-int RunPlainly(Request &request) {
+void ParsePlainOptions(Request &request) {
     SimulatorOptions &simulator = request.options.simulator;
     if (!request.options.keptRoot.empty())
         throw UsageError("--keep-root: belongs to a session: name one, or use --interactive");
@@ -198,12 +202,31 @@ int RunPlainly(Request &request) {
         simulator.screenshots.push_back(ParseScreenshot(text, simulator.frames));
     for (const std::string &text : request.keys)
         simulator.keys.push_back(ParseKey(text, simulator.frames));
+}
+
+int RunPlainly(SessionOptions options, const std::string &aircraft) {
+    const bool hasRealTime = !options.round; // rounds are compared
     SimpleRun run;
-    run.options = std::move(request.options);
-    run.aircraft = request.aircraft;
+    run.options = std::move(options);
+    run.aircraft = aircraft;
     run.namesRoot = true;
-    run.report = [](Simulator &flown, Observers &observers) { PrintReport(flown, observers.Times()); };
+    run.report = [hasRealTime](Simulator &flown, Observers &observers) {
+        PrintReport(flown, observers.Times(), hasRealTime);
+    };
     return RunFrames(std::move(run));
+}
+
+int WatchRuns(Request &request) {
+    if (request.interactive)
+        throw UsageError("--watch: nobody can type a session again for each run: write it to a file instead of using "
+                         "--interactive");
+    if (!request.options.keptRoot.empty())
+        throw UsageError("--watch: each run has a root of its own: leave out --keep-root");
+    const bool isSession = !request.options.file.empty();
+    const std::string aircraft = request.aircraft;
+    return Watch({request.options, aircraft, [isSession, aircraft](const SessionOptions &options) {
+                      return isSession ? RunSession(options) : RunPlainly(options, aircraft);
+                  }});
 }
 
 int Do(Request &request, char **argv) {
@@ -211,11 +234,16 @@ int Do(Request &request, char **argv) {
         PrintSessionWords();
         return 0;
     }
+    const bool isSession = request.interactive || !request.options.file.empty();
+    if (!isSession)
+        ParsePlainOptions(request);
+    if (request.watch)
+        return WatchRuns(request);
     if (request.interactive)
         RestartUnderRlwrap(argv);
-    if (request.interactive || !request.options.file.empty())
+    if (isSession)
         return RunSession(std::move(request.options)); // its folders may be named in the session
-    return RunPlainly(request);
+    return RunPlainly(std::move(request.options), request.aircraft);
 }
 
 } // namespace
@@ -230,6 +258,10 @@ void AddRunCommand(CLI::App &app, Job &job, char **argv) {
         ->type_name("");
     run->add_flag("--interactive", request->interactive, "read the session's lines from standard input");
     run->add_flag("--words", request->words, "list the words of sessions");
+    run->add_flag(
+        "--watch", request->watch,
+        "run again whenever a plugin's files, the session or its data change, and print what differs from the "
+        "last run; Ctrl-C ends the watch");
     AddPlugins(*run, options.plugins, "load only this plugin; can be repeated");
     run->add_option("--keep-root", options.keptRoot,
                     "of a session that chooses plugins: make its root in this folder and keep it, with the files that "

@@ -6,6 +6,7 @@
 #include "Rules/Checker.h"
 #include "Services/Lifetime.h"
 #include "Services/Simulator.h"
+#include "Session/Round.h"
 #include "Session/TemporaryRoot.h"
 
 #include <cstdio>
@@ -28,10 +29,13 @@ int RunFrames(SimpleRun run) {
     TemporaryRoot chosen; // must outlive the plugins
     std::error_code error;
     const bool hasRoot = options.rootGiven || run.needsPlugins || fs::is_directory("Resources/plugins", error);
-    const bool isTemporary = !options.plugins.empty() || !hasRoot;
-    if (isTemporary)
+    const bool isTemporary = options.round || !options.plugins.empty() || !hasRoot;
+    if (options.round)
+        MakeRoundsRoot(options, run.aircraft, chosen);
+    else if (isTemporary)
         options.simulator.root = chosen.Make(options.rootGiven ? options.simulator.root : "", options.plugins);
-    CheckFolders(options.simulator, run.aircraft);
+    if (!options.round)
+        CheckFolders(options.simulator, run.aircraft);
     const auto simulator = std::make_unique<Simulator>(std::move(options.simulator));
     if (isTemporary || !run.namesRoot)
         simulator->console.Keep(simulator->options.root);
@@ -39,6 +43,8 @@ int RunFrames(SimpleRun run) {
     std::optional<Checker> checker;
     if (options.observing.check)
         checker.emplace(simulator->frame, observers.Owners(), options.observing.allowed);
+    if (options.round)
+        simulator->placePlugins = [&chosen] { chosen.PlacePlugins(); };
     Prepare(*simulator);
     StartPlugins(*simulator, run.needsPlugins);
     while (simulator->frame < simulator->options.frames) {

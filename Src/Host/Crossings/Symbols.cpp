@@ -18,6 +18,7 @@
 #include <cxxabi.h>
 #include <dlfcn.h>
 #include <elf.h>
+#include <unistd.h>
 
 namespace crossings {
 namespace {
@@ -145,6 +146,7 @@ void ForgetSymbolsNear(const void *address) {
     Dl_info info{};
     if (dladdr(address, &info) != 0 && info.dli_fname)
         gFiles.erase(info.dli_fname);
+    std::erase_if(gFiles, [](const auto &file) { return access(file.first.c_str(), F_OK) != 0; });
 }
 
 } // namespace crossings

@@ -9,7 +9,8 @@ namespace crossings {
 // The function at an address: "Tick" or "lights::Tick", without parameters, or
 // "lin.avp+0x1234" if the file has no symbol for it.
 std::string SymbolAt(const void *address);
-// Forgets the symbols of the file that an address belongs to: the file may have been replaced.
+// Forgets the symbols of the file that an address belongs to, which may have been
+// replaced, and those of files that were removed.
 void ForgetSymbolsNear(const void *address);
 
 } // namespace crossings

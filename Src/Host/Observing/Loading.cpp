@@ -59,7 +59,14 @@ Loading::Loading(const Simulator &simulator) : mSimulator(simulator) { crossings
 Loading::~Loading() { crossings::RemoveObserver(*this); }
 
 void Loading::Begins(const Crossing &crossing) {
-    if (crossing.from != crossings::Side::Library || std::strcmp(crossing.what.name, "debugString") != 0)
+    if (crossing.from != crossings::Side::Library)
+        return;
+    if (std::strcmp(crossing.what.name, "showMessage") == 0) { // all plugins were unloaded
+        mReloads = true;
+        mStarted.clear();
+        mReasons.clear();
+    }
+    if (std::strcmp(crossing.what.name, "debugString") != 0)
         return;
     const char *text = crossing.arguments.front().text;
     if (!text)
@@ -77,7 +84,8 @@ void Loading::Ends(const Crossing &crossing) {
         if (crossing.returned && crossing.result.integer == 0)
             Say(FileOf(crossing),
                 "stays disabled, since its AVPluginEnable returned 0: none of its callbacks is called");
-    } else if (name == "AVSKInitializePlugins") {
+    } else if (name == "AVSKInitializePlugins" || (name == "AVSKEventHook" && mReloads)) {
+        mReloads = false;
         Report(mSimulator.options.root + "Resources/plugins", PluginFolder::Simulators);
     } else if (name == "AVSKEventHook") {
         const int event = crossing.arguments.front().integer;

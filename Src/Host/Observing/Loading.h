@@ -43,6 +43,7 @@ class Loading : public crossings::Observer {
 
     const Simulator &mSimulator;
     std::vector<Started> mStarted;
+    bool mReloads = false; // the plugins of the root
     bool mReasonFollows = false;
     std::vector<std::string> mReasons; // of the dynamic linker, as the library logged them
     std::set<std::string> mSaid;

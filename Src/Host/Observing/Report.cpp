@@ -30,11 +30,12 @@ std::vector<std::string> Describe(const Profile &times, AVSKPluginID id) {
 
 } // namespace
 
-void PrintReport(const Simulator &simulator, const Profile &times) {
+void PrintReport(const Simulator &simulator, const Profile &times, bool hasRealTime) {
     const std::string build = simulator.datarefs.Build();
-    std::printf("\n%d frames, %.2f simulated seconds, in %.2f s; library build: %s\n", simulator.frame,
-                static_cast<double>(simulator.Elapsed()), simulator.console.Seconds(),
-                build.empty() ? "not told" : build.c_str());
+    std::printf("\n%d frames, %.2f simulated seconds", simulator.frame, static_cast<double>(simulator.Elapsed()));
+    if (hasRealTime)
+        std::printf(", in %.2f s", simulator.console.Seconds());
+    std::printf("; library build: %s\n", build.empty() ? "not told" : build.c_str());
 
     std::printf("objects: %zu loaded, %zu on their way, %ld instances drawn; probes: %zu; view: %s\n\n",
                 simulator.objects.Count(), simulator.objects.CountPending(), simulator.objects.drawn,

@@ -6,6 +6,7 @@
 #include "Simulator.h"
 
 #include "AVSK/AVSKPlanes.h"
+#include "AVSK/AVSKPlugins.h"
 
 #include <algorithm>
 #include <cmath>
@@ -32,7 +33,10 @@ void LoadAircraftModel(int index, const char *path, const char * /*fileName*/) {
 }
 
 void GetAircraftModel(int index, char *outPath, char *outFileName) {
-    const std::string &model = Enter().fleet.Model(index);
+    const Fleet &fleet = Enter().fleet;
+    // The library's reload loads the plugins of the user's aircraft, unless none was reported yet.
+    const bool isForReload = index == 0 && !fleet.IsUsersReported() && AVSKGetMyID() == AVSK_PLUGIN_AERIVO;
+    const std::string model = isForReload ? "" : fleet.Model(index);
     CopyText(outPath, AVSK_TEXT_SIZE, model);
     CopyText(outFileName, AVSK_TEXT_SIZE, std::filesystem::path(model).filename().string());
 }
@@ -155,7 +159,8 @@ void Fleet::Step(double elapsed, const Aeroplane &users) {
     }
 }
 
-void Fleet::ReportUsersAircraft(const Simulator &simulator, int event) const {
+void Fleet::ReportUsersAircraft(const Simulator &simulator, int event) {
+    mIsUsersReported = event == AVSKHostEventPlaneLoaded;
     if (!mModels[0].empty())
         AVSKEventHook(event, simulator.Elapsed(), 0, 0);
 }

@@ -37,7 +37,8 @@ class Fleet {
     void Step(double elapsed, const Aeroplane &users);
 
     // Tells the library that the user's aircraft was loaded or will be unloaded. Does nothing without one.
-    void ReportUsersAircraft(const Simulator &simulator, int event) const;
+    void ReportUsersAircraft(const Simulator &simulator, int event);
+    bool IsUsersReported() const { return mIsUsersReported; }
 
   private:
     void ChooseModels(Simulator &simulator);
@@ -46,7 +47,8 @@ class Fleet {
 
     std::array<std::string, kCount> mModels;
     std::array<std::string, kCount> mRequested;
-    int mActive = 0;      // how many are simulated, the user's included
+    int mActive = 0; // how many are simulated, the user's included
+    bool mIsUsersReported = false;
     int mController = -1; // the plugin that had control when models were chosen
 };
 

@@ -28,6 +28,10 @@ void Prepare(Simulator &simulator) {
 void StartPlugins(Simulator &simulator, bool isOneNeeded) {
     simulator.datarefs.Publish(simulator);
     AVSKInitializePlugins(simulator.options.root.c_str(), &gTable, /*self=*/0);
+    if (simulator.placePlugins) { // the reload calls it, between unloading and loading
+        AVSKReloadPlugins();
+        AVSKEventHook(AVSKHostEventFrameEnd, simulator.Elapsed(), 0, 0);
+    }
     simulator.fleet.Update(simulator);
     simulator.fleet.ReportUsersAircraft(simulator, AVSKHostEventPlaneLoaded);
     simulator.ReportScenery();

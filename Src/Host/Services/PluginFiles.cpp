@@ -193,4 +193,9 @@ std::vector<std::string> FaultsOfPluginFile(const std::string &path) {
     return faults;
 }
 
+bool IsHalfWritten(const std::string &path) {
+    std::error_code error;
+    return fs::file_size(path, error) == 0 || ReadElf(path).fault.starts_with("breaks off");
+}
+
 } // namespace host

@@ -26,6 +26,9 @@ std::vector<PluginFile> FindPluginFiles(const std::string &folder, PluginFolder 
 // as "is built for x86-64: compile it with -m32". Empty if nothing is found.
 std::vector<std::string> FaultsOfPluginFile(const std::string &path);
 
+// Whether a file is empty or breaks off, as while a linker writes it.
+bool IsHalfWritten(const std::string &path);
+
 } // namespace host
 
 #endif

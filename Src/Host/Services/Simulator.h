@@ -20,6 +20,7 @@
 
 #include "AVSK/AVSKHost.h"
 
+#include <functional>
 #include <string>
 
 namespace host {
@@ -44,6 +45,8 @@ struct Simulator {
     FlightPlan flightPlan;
     Datarefs datarefs;
     bool sceneryDue = false; // report the scenery folders in the next frame
+    // Puts the plugins into the root, called once while none is loaded. Empty if they are there.
+    std::function<void()> placePlugins;
 
     // Simulated seconds since the start, counted in frames, so that every run is the same.
     float Elapsed() const;

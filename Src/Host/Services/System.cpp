@@ -3,6 +3,8 @@
 #include "ServiceTable.h"
 #include "Simulator.h"
 
+#include <utility>
+
 namespace host {
 namespace {
 
@@ -50,9 +52,12 @@ int ReloadScenery() {
 
 // Nobody can confirm the message, so the run continues. The library shows it
 // between unloading and loading all plugins. The scenery folders are reported
-// again in the next frame, which loads their plugins.
+// again in the next frame, which loads their plugins. A watch puts new plugins in
+// place here; they are then loaded by its start, which reports the scenery itself.
 void ShowMessage(const char *line1, const char *line2, const char *line3, const char *line4) {
     Simulator &simulator = Enter();
+    if (const auto place = std::exchange(simulator.placePlugins, nullptr))
+        return place();
     std::string text = "message box:";
     for (const char *line : {line1, line2, line3, line4}) {
         if (line && *line)

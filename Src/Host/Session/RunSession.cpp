@@ -38,8 +38,10 @@ void Collect(std::vector<std::string> &faults, Action action) {
     }
 }
 
-// The lines of a file that are right; the faults of the others.
-std::vector<Step> ReadSession(const std::string &file, std::vector<std::string> &faults) {
+} // namespace
+
+std::vector<Step> ReadSession(SetUp &setUp, std::vector<std::string> &faults) {
+    const std::string &file = setUp.options.file;
     std::ifstream stream(file);
     std::error_code error;
     if (fs::is_directory(fs::path(file) / "Resources/plugins", error))
@@ -59,17 +61,19 @@ std::vector<Step> ReadSession(const std::string &file, std::vector<std::string> 
     }
     if (faults.empty() && (steps.empty() || steps.back().form->IsSetUp()))
         throw UsageError(file + ":1:1: this session has no step and no expectation: add some after the set-up");
+    for (const Step &step : steps) {
+        if (step.form->IsSetUp())
+            Collect(faults, [&] { setUp.Apply(step); });
+    }
     return steps;
 }
 
+namespace {
+
 // Nothing runs if a line is wrong. All wrong lines are reported at once.
-int RunFile(SessionRunner &run, const std::string &file) {
+int RunFile(SessionRunner &run) {
     std::vector<std::string> faults;
-    const std::vector<Step> steps = ReadSession(file, faults);
-    for (const Step &step : steps) {
-        if (step.form->IsSetUp())
-            Collect(faults, [&] { run.Apply(step); });
-    }
+    const std::vector<Step> steps = ReadSession(run.ForSetUp(), faults);
     if (!faults.empty())
         throw UsageError(Join(faults, "\n"));
     run.Start();
@@ -109,7 +113,7 @@ int RunInput(SessionRunner &run) {
         try {
             step = parser.Read(line);
             if (step && step->form->IsSetUp())
-                run.Apply(*step);
+                run.ForSetUp().Apply(*step);
         } catch (const UsageError &error) {
             std::printf("%s\n", error.what());
             continue;
@@ -125,9 +129,9 @@ int RunInput(SessionRunner &run) {
 } // namespace
 
 int RunSession(SessionOptions options) {
-    const std::string file = options.file;
+    const bool isTyped = options.file.empty();
     SessionRunner run(std::move(options));
-    return file.empty() ? RunInput(run) : RunFile(run, file);
+    return isTyped ? RunInput(run) : RunFile(run);
 }
 
 } // namespace host

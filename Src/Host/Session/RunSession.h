@@ -3,8 +3,18 @@
 #define AVSK_HOST_SESSION_RUN_SESSION_H
 
 #include "SessionOptions.h"
+#include "Step.h"
+
+#include <string>
+#include <vector>
 
 namespace host {
+
+class SetUp;
+
+// Reads the options' file and applies its set-up. Returns the lines that are
+// right, and adds the faults of the others. Throws UsageError if there is no session.
+std::vector<Step> ReadSession(SetUp &setUp, std::vector<std::string> &faults);
 
 // Runs the session of the options' file, or the lines of standard input if
 // there is no file. Returns the exit status. Throws UsageError.

@@ -2,6 +2,7 @@
 #include "Runner.h"
 
 #include "Forms.h"
+#include "Round.h"
 
 #include "Common/Terminal.h"
 #include "Common/UsageError.h"
@@ -20,12 +21,6 @@ SessionRunner::SessionRunner(SessionOptions options) : mSetUp(std::move(options)
 
 SessionRunner::~SessionRunner() = default;
 
-void SessionRunner::Apply(const Step &step) {
-    const Failure failure = std::get<SetUpFunction *>(step.form->function)(mSetUp, step);
-    if (!failure.why.empty())
-        throw UsageError(mSetUp.PlaceOf(step) + ": " + failure.why);
-}
-
 void SessionRunner::Start() {
     if (mSimulator)
         return;
@@ -40,6 +35,8 @@ void SessionRunner::Start() {
     mDatarefs = std::make_unique<DatarefNames>();
     for (const auto &[plugin, milliseconds] : mSetUp.budgets)
         mObservers->Times().SetBudget(plugin, milliseconds);
+    if (mSetUp.options.round)
+        mSimulator->placePlugins = [this] { mSetUp.PlacePlugins(); };
     Prepare(*mSimulator);
     SetPlace(mName + ": loading the plugins");
     StartPlugins(*mSimulator);
@@ -63,6 +60,9 @@ void SessionRunner::Do(const Step &step) {
             failure = error.what();
         }
     }
+    Round *const round = mSetUp.options.round;
+    if (round)
+        round->checks.push_back({step.text, ""});
     if (failure.why.empty())
         return;
     ++mFailed;
@@ -72,6 +72,8 @@ void SessionRunner::Do(const Step &step) {
                              mSimulator->console.WithoutRoot(failure.why);
     std::printf("%s\n", Emphasised(Emphasis::Failure, line, STDOUT_FILENO).c_str());
     std::fflush(stdout);
+    if (round)
+        round->checks.back().failure = line;
 }
 
 int SessionRunner::Finish() {

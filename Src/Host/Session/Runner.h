@@ -24,8 +24,7 @@ class SessionRunner {
     SessionRunner(const SessionRunner &) = delete;
     SessionRunner &operator=(const SessionRunner &) = delete;
 
-    // Applies a set-up line. Throws UsageError.
-    void Apply(const Step &step);
+    SetUp &ForSetUp() { return mSetUp; }
     // Loads the plugins if they are not loaded. Throws UsageError.
     void Start();
     // Executes a step or an expectation and prints why it failed. The session continues.

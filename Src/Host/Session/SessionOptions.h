@@ -10,12 +10,15 @@
 
 namespace host {
 
+struct Round;
+
 struct SessionOptions {
     SimulatorOptions simulator;
     ObservingOptions observing;
     std::string file;                 // the session; empty if it is typed
     bool rootGiven = false;           // a root was named
     std::vector<std::string> plugins; // to load; empty: all plugins of the root
+    Round *round = nullptr;           // of a watch; null without one
     std::string keptRoot;             // folder for the root of chosen plugins; empty: a temporary one
 };
 

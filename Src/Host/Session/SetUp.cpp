@@ -3,6 +3,7 @@
 #include "SetUp.h"
 
 #include "Forms.h"
+#include "Round.h"
 #include "Step.h"
 #include "Values.h"
 
@@ -55,6 +56,12 @@ void SetUp::Choose(const std::string &plugin, const std::string &place) {
     mPlaces.emplace(plugin, place);
 }
 
+void SetUp::Apply(const Step &step) {
+    const Failure failure = std::get<SetUpFunction *>(step.form->function)(*this, step);
+    if (!failure.why.empty())
+        throw UsageError(PlaceOf(step) + ": " + failure.why);
+}
+
 void SetUp::Finish() {
     const std::string root = options.rootGiven ? options.simulator.root : "";
     std::vector<std::string> faults;
@@ -68,6 +75,8 @@ void SetUp::Finish() {
     }
     if (!faults.empty())
         throw UsageError(Join(faults, "\n"));
+    if (options.round)
+        return MakeRoundsRoot(options, aircraft, mRoot);
     if (!options.plugins.empty())
         options.simulator.root = mRoot.Make(root, options.plugins, options.keptRoot);
     else if (!options.keptRoot.empty())

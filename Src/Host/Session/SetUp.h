@@ -33,8 +33,12 @@ class SetUp {
 
     // Chooses a plugin to load. The place is that of its line, for messages.
     void Choose(const std::string &plugin, const std::string &place);
+    // Applies a set-up line. Throws UsageError.
+    void Apply(const Step &step);
     // Makes the root if plugins were chosen, and checks the folders. Throws UsageError.
     void Finish();
+    // Puts the plugins of a watch's round into its root, which has none until then.
+    void PlacePlugins() { mRoot.PlacePlugins(); }
     // What became of files that plugins wrote into the root, if it is not the real one; else empty.
     std::string FilesNote() const;
 

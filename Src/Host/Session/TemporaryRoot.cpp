@@ -77,6 +77,29 @@ std::string MakeFolder(const std::string &path) {
     return path;
 }
 
+// Copies a plugin, which is a file or a folder: its code, with links to its other
+// files. Adds the paths of the copies.
+void CopyPlugin(const fs::path &from, const fs::path &to, std::set<fs::path> &copies) {
+    std::error_code error;
+    if (!fs::is_directory(from, error)) {
+        fs::copy_file(from, to, error);
+        if (error)
+            throw UsageError("cannot copy the plugin '" + from.string() + "' (" + error.message() +
+                             "): build it again, and make room in the temporary folder");
+        copies.insert(to);
+        return;
+    }
+    fs::create_directory(to);
+    for (fs::directory_iterator entry(from, error), end; !error && entry != end; entry.increment(error)) {
+        const fs::path name = entry->path().filename();
+        const bool isCode = name.extension() == ".avp" || name.string().find(".so") != std::string::npos;
+        if (isCode || name == "32")
+            CopyPlugin(entry->path(), to / name, copies);
+        else
+            fs::create_symlink(entry->path(), to / name);
+    }
+}
+
 } // namespace
 
 std::string LocatePlugin(const std::string &root, const std::string &plugin) {
@@ -98,15 +121,8 @@ std::string TemporaryRoot::Make(const std::string &root, const std::vector<std::
     for (const std::string &plugin : plugins)
         found.insert(LocatePlugin(root, plugin));
     mIsKept = !keptAs.empty();
-    mFolder = mIsKept ? MakeFolder(keptAs) : MakeTemporaryFolder();
-    const fs::path folder = mFolder;
-    const fs::path loaded = folder / "Resources/plugins";
-    fs::create_directories(loaded);
-    if (!root.empty()) {
-        const fs::path real = fs::canonical(root); // links must not depend on the working folder
-        LinkAll(real, folder, "Resources");
-        LinkAll(real / "Resources", folder / "Resources", "plugins");
-    }
+    Fill(mIsKept ? MakeFolder(keptAs) : MakeTemporaryFolder(), root);
+    const fs::path loaded = fs::path(mFolder) / "Resources/plugins";
     for (const fs::path &path : found) {
         std::error_code error;
         fs::create_symlink(path, loaded / path.filename(), error);
@@ -117,12 +133,53 @@ std::string TemporaryRoot::Make(const std::string &root, const std::vector<std::
     return mFolder;
 }
 
+std::string TemporaryRoot::MakeForCopies(const std::string &root, const std::vector<std::string> &plugins,
+                                         const std::string &folder) {
+    std::error_code error;
+    for (const std::string &plugin : plugins)
+        mFound.insert(LocatePlugin(root, plugin));
+    fs::directory_iterator entry(fs::path(root) / "Resources/plugins", error);
+    for (const fs::directory_iterator end; plugins.empty() && !error && entry != end; entry.increment(error))
+        mFound.insert(fs::canonical(entry->path()));
+    Fill(folder, root);
+    return mFolder;
+}
+
+std::string CopyPluginsOf(const std::string &folder, const std::string &target) {
+    std::error_code error;
+    const fs::path real = fs::canonical(folder, error);
+    if (error || !fs::is_directory(real / "plugins", error))
+        return folder;
+    const fs::path copy = fs::path(target) / real.filename();
+    fs::create_directories(copy / "plugins");
+    LinkAll(real, copy, "plugins");
+    std::set<fs::path> copies;
+    for (fs::directory_iterator entry(real / "plugins", error), end; !error && entry != end; entry.increment(error))
+        CopyPlugin(entry->path(), copy / "plugins" / entry->path().filename(), copies);
+    return copy.string();
+}
+
+void TemporaryRoot::PlacePlugins() {
+    for (const fs::path &path : mFound)
+        CopyPlugin(path, fs::path(mFolder) / "Resources/plugins" / path.filename(), mCopies);
+}
+
+void TemporaryRoot::Fill(const std::string &folder, const std::string &root) {
+    mFolder = folder;
+    fs::create_directories(fs::path(folder) / "Resources/plugins");
+    if (root.empty())
+        return;
+    const fs::path real = fs::canonical(root); // links must not depend on the working folder
+    LinkAll(real, folder, "Resources");
+    LinkAll(real / "Resources", fs::path(folder) / "Resources", "plugins");
+}
+
 std::vector<std::string> TemporaryRoot::WrittenFiles() const {
     std::vector<std::string> files;
     std::error_code error;
     for (fs::recursive_directory_iterator entry(mFolder, error), end; !error && entry != end; entry.increment(error)) {
         const fs::file_type type = entry->symlink_status(error).type();
-        if (type != fs::file_type::symlink && type != fs::file_type::directory)
+        if (type != fs::file_type::symlink && type != fs::file_type::directory && !mCopies.contains(entry->path()))
             files.push_back(entry->path().lexically_relative(mFolder).string());
     }
     std::sort(files.begin(), files.end());
