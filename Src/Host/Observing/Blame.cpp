@@ -294,6 +294,7 @@ Blame::Blame(const int &frame, double timeout) {
     if (__sanitizer_set_death_callback)
         __sanitizer_set_death_callback(OnSanitizersEnd);
     gMainThread = pthread_self();
+    gHistory.Clear(); // of an earlier run
     LearnStack();
     PrepareBacktrace();
     gBlame = this;

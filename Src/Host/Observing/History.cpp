@@ -38,6 +38,11 @@ void WriteError(std::string_view text) {
     }
 }
 
+void History::Clear() {
+    mCount = 0;
+    mHasThrown = false;
+}
+
 void History::Begins(const Crossing &crossing) {
     if (mHasThrown && std::uncaught_exceptions() == 0)
         mHasThrown = false; // it was caught

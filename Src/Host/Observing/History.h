@@ -22,6 +22,8 @@ class History {
         crossings::Line text;   // "library > Menu  AVSKMenuHandler_f OnPick(menuRef=...)"
     };
 
+    // Forgets everything; no call may be under way.
+    void Clear();
     void Begins(const crossings::Crossing &crossing);
     void Ends(const crossings::Crossing &crossing);
 

@@ -141,6 +141,7 @@ std::string TemporaryRoot::MakeForCopies(const std::string &root, const std::vec
     fs::directory_iterator entry(fs::path(root) / "Resources/plugins", error);
     for (const fs::directory_iterator end; plugins.empty() && !error && entry != end; entry.increment(error))
         mFound.insert(fs::canonical(entry->path()));
+    mIsForCopies = true; // until it is known whether they are still mapped
     Fill(folder, root);
     return mFolder;
 }
@@ -188,7 +189,7 @@ std::vector<std::string> TemporaryRoot::WrittenFiles() const {
 
 TemporaryRoot::~TemporaryRoot() {
     std::error_code ignored; // a folder of links that stays does no harm
-    if (!mFolder.empty() && !mIsKept)
+    if (!mFolder.empty() && !mIsKept && !mIsForCopies)
         fs::remove_all(mFolder, ignored);
 }
 

@@ -31,8 +31,8 @@ class TemporaryRoot {
     // Makes the root and returns its folder, which is kept if it is named here.
     // Other entries of the given root are linked. Throws UsageError.
     std::string Make(const std::string &root, const std::vector<std::string> &plugins, const std::string &keptAs = "");
-    // Makes the root in a new folder and returns its path. It holds no plugin until
-    // PlacePlugins() copies the given ones into it, or all of the root. Throws UsageError.
+    // Makes the root in a new folder, which stays, and returns its path. It holds no plugin
+    // until PlacePlugins() copies the given ones into it, or all of the root. Throws UsageError.
     std::string MakeForCopies(const std::string &root, const std::vector<std::string> &plugins,
                               const std::string &folder);
     void PlacePlugins();
@@ -51,6 +51,7 @@ class TemporaryRoot {
     std::set<std::filesystem::path> mFound;  // plugins to copy
     std::set<std::filesystem::path> mCopies; // of their files
     bool mIsKept = false;
+    bool mIsForCopies = false;
 };
 
 } // namespace host

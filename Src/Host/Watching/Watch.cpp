@@ -166,6 +166,17 @@ std::string TimeOfDay() {
     return text.data();
 }
 
+// Why there is no result. Blame reports most signals, but not those after the plugins are unloaded.
+std::string EarlyEnd(int status) {
+    constexpr int kSignalled = 128;
+    if (status == 2)
+        return "the run could not begin";
+    if (status <= kSignalled)
+        return "the run ended early with status " + std::to_string(status);
+    return std::string("the process died of a signal (") + strsignal(status - kSignalled) +
+           "), after the plugins were unloaded: does a plugin's thread still run? End and join it in AVPluginStop";
+}
+
 // Without the escape sequences of colours.
 std::string Plain(std::string_view text) {
     std::string plain;
@@ -235,9 +246,7 @@ std::vector<std::string> Watcher::AwaitChange() {
         }
         isChange = Poll(-1);
         if (mProcess.IsRunning() && mProcess.Continue() && !mProcess.IsRunning())
-            Say("the process of the run died after the run (status " + std::to_string(mProcess.Result().status) +
-                    "): a thread of a plugin may still run: end and join it in AVPluginStop",
-                /*isFailure=*/true);
+            Say(EarlyEnd(mProcess.Result().status), /*isFailure=*/true);
     }
     return {};
 }
@@ -326,10 +335,7 @@ Outcome Watcher::OutcomeOf(const RoundResult &result) const {
 void Watcher::Report(const RoundResult &result, double seconds) {
     mStatus = result.status;
     if (!result.isComplete)
-        return Say(result.status == 2 ? "the run could not begin; waiting for a change"
-                                      : "the run ended early with status " + std::to_string(result.status) +
-                                            "; the next change starts it again in a new process",
-                   /*isFailure=*/true);
+        return Say(EarlyEnd(result.status) + "; the next change starts it again in a new process", /*isFailure=*/true);
     Outcome now = OutcomeOf(result);
     const std::vector<Difference> differences = mLast ? Compare(*mLast, now) : std::vector<Difference>();
     for (const Difference &difference : differences)
