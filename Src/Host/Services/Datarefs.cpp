@@ -7,6 +7,8 @@
 
 #include <algorithm>
 #include <cstring>
+#include <string>
+#include <vector>
 
 namespace host {
 namespace {
@@ -125,6 +127,18 @@ void Datarefs::Publish(Simulator &simulator) {
         const std::string name = std::string(kOtherPilot) + std::to_string(i) + "]";
         Register(name.c_str(), {.readInt = ReadInt, .writeInt = WriteInt},
                  &simulator.fleet.otherPilot[static_cast<std::size_t>(i)]);
+    }
+}
+
+void Datarefs::Withdraw() {
+    std::vector<std::string> names;
+    for (const Row &row : Rows())
+        names.emplace_back(row.name);
+    for (int i = 1; i < Fleet::kCount; ++i)
+        names.push_back(std::string(kOtherPilot) + std::to_string(i) + "]");
+    for (const std::string &name : names) {
+        if (const AVSKDataRef known = AVSKFindDataRef(name.c_str()))
+            AVSKUnregisterDataAccessor(known);
     }
 }
 

@@ -21,6 +21,8 @@ class Datarefs {
     // Registers all of them, before the library is started, so that the library
     // and the first plugin find them. The simulator must not move.
     void Publish(Simulator &simulator);
+    // Unregisters those of an earlier simulator of this process, if there was one.
+    static void Withdraw();
 
     // Describes a dataref of the simulator; null for any other name.
     static const DatarefDescription *Describe(std::string_view name);

@@ -26,6 +26,8 @@ void Prepare(Simulator &simulator) {
 }
 
 void StartPlugins(Simulator &simulator, bool isOneNeeded) {
+    if (simulator.placePlugins)
+        Datarefs::Withdraw(); // those of the last round's simulator, which the library keeps
     simulator.datarefs.Publish(simulator);
     AVSKInitializePlugins(simulator.options.root.c_str(), &gTable, /*self=*/0);
     if (simulator.placePlugins) { // the reload calls it, between unloading and loading
