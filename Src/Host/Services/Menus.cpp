@@ -64,6 +64,14 @@ std::vector<ShownItem> ItemsOf(Menu &menu) {
 
 } // namespace
 
+MenuTree::~MenuTree() {
+    static auto &kept = *new std::vector<std::unique_ptr<Menu>>;
+    for (std::unique_ptr<Menu> &menu : mMenus) {
+        menu->items = {};
+        kept.push_back(std::move(menu));
+    }
+}
+
 Menu *MenuTree::Create(Menu *parent, int parentItem, std::string_view name) {
     mMenus.push_back(std::make_unique<Menu>(Menu{std::string(name), {}}));
     Menu *menu = mMenus.back().get();

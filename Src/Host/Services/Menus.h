@@ -26,6 +26,13 @@ struct Menu {
 
 class MenuTree {
   public:
+    MenuTree() = default;
+    // Menus that the library did not destroy keep their storage: it still knows
+    // their handles if it is started again with another simulator.
+    ~MenuTree();
+    MenuTree(const MenuTree &) = delete;
+    MenuTree &operator=(const MenuTree &) = delete;
+
     // The menus of the bar, from left to right.
     const std::vector<Menu *> &Bar() const { return mBar; }
 

@@ -40,12 +40,17 @@ int ProbeTerrain(void *probe, const float *xyz, float *location, float *normal, 
 } // namespace
 
 Probe *Probes::Create() {
-    mProbes.push_back(std::make_unique<Probe>());
-    return mProbes.back().get();
+    All().push_back(std::make_unique<Probe>());
+    return All().back().get();
 }
 
-bool Probes::Known(const void *probe) const {
-    return std::any_of(mProbes.begin(), mProbes.end(), [probe](const auto &known) { return known.get() == probe; });
+std::vector<std::unique_ptr<Probe>> &Probes::All() {
+    static auto &probes = *new std::vector<std::unique_ptr<Probe>>;
+    return probes;
+}
+
+bool Probes::Known(const void *probe) {
+    return std::any_of(All().begin(), All().end(), [probe](const auto &known) { return known.get() == probe; });
 }
 
 void FillProbeSlots(AVSKHostCallbacks &table) {

@@ -11,13 +11,14 @@ struct Probe {};
 
 class Probes {
   public:
-    // A probe lives as long as the host: the interface has no call that frees one.
-    Probe *Create();
-    bool Known(const void *probe) const;
-    std::size_t Count() const { return mProbes.size(); }
+    // A probe lives as long as the process: the interface has no call that frees
+    // one, and the library uses it again, also after a restart with another simulator.
+    static Probe *Create();
+    static bool Known(const void *probe);
+    static std::size_t Count() { return All().size(); }
 
   private:
-    std::vector<std::unique_ptr<Probe>> mProbes;
+    static std::vector<std::unique_ptr<Probe>> &All();
 };
 
 } // namespace host
