@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <array>
 #include <chrono>
 #include <csignal>
@@ -12,6 +13,7 @@
 #include <fstream>
 #include <iterator>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <poll.h>
@@ -32,7 +34,7 @@ struct WatchTest : testing::Test {
     World world;
     pid_t avsk = -1;
     int output = -1;
-    std::string said; // since the last Await()
+    std::string unread; // since the last Await()
 
     WatchTest() {
         fs::create_directories(world.Path("Resources/plugins/W"));
@@ -77,21 +79,21 @@ struct WatchTest : testing::Test {
     std::string Await(const std::string &text) {
         const Clock::time_point end = Clock::now() + std::chrono::seconds(30);
         std::size_t at = std::string::npos;
-        while ((at = said.find(text)) == std::string::npos || said.find('\n', at) == std::string::npos) {
+        while ((at = unread.find(text)) == std::string::npos || unread.find('\n', at) == std::string::npos) {
             pollfd wait{output, POLLIN, 0};
             std::array<char, 4096> part{};
             const ssize_t length =
                 Clock::now() < end && poll(&wait, 1, 1000) >= 0 && wait.revents ? read(output, part.data(), 4096) : -1;
             if (length == 0 || Clock::now() > end) {
-                ADD_FAILURE() << "no '" << text << "' in\n" << said;
-                return std::exchange(said, "");
+                ADD_FAILURE() << "no '" << text << "' in\n" << unread;
+                return std::exchange(unread, "");
             }
             if (length > 0)
-                said.append(part.data(), static_cast<std::size_t>(length));
+                unread.append(part.data(), static_cast<std::size_t>(length));
         }
-        const std::size_t next = said.find('\n', at) + 1;
-        std::string before = said.substr(0, next);
-        said.erase(0, next);
+        const std::size_t next = unread.find('\n', at) + 1;
+        std::string before = unread.substr(0, next);
+        unread.erase(0, next);
         return before;
     }
 
@@ -139,10 +141,11 @@ TEST_F(WatchTest, RoundsTellWhatChangedAndLeaveNothing) {
             continue;
         }
         const std::string said = Await("steps and expectations");
-        if (round != 11) // its last complete run had the same build
+        if (round != 11) { // its last complete run had the same build
             EXPECT_NE(said.find(isFirst ? "came right: expect log first" : "s.avs:3: frame 1: expect log first: seen:"),
                       std::string::npos)
                 << said;
+        }
         EXPECT_EQ(said.find("picture differs: ") == std::string::npos, round == 11) << said;
         if (round == 15) {
             child = Child();

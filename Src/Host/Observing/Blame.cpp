@@ -21,6 +21,7 @@
 
 #include <csignal>
 #include <sys/mman.h>
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -127,6 +128,24 @@ void WriteCalls(const Line &head) {
     gHistory.WriteLast();
 }
 
+// If core files are wanted, a copy of this process leaves one: this process ends with a status.
+void WriteCore() {
+    rlimit limit = {};
+    if (getrlimit(RLIMIT_CORE, &limit) != 0 || limit.rlim_cur == 0)
+        return;
+    const pid_t child = _Fork();
+    if (child == 0) {
+        std::signal(SIGABRT, SIG_DFL);
+        sigset_t none;
+        sigemptyset(&none);
+        sigprocmask(SIG_SETMASK, &none, nullptr);
+        kill(getpid(), SIGABRT);
+        _exit(0);
+    }
+    if (child > 0)
+        waitpid(child, nullptr, 0);
+}
+
 [[noreturn]] void Report(const Line &head, ucontext_t *context) {
     struct sigaction giveUp {};
     giveUp.sa_handler = GiveUp;
@@ -141,6 +160,8 @@ void WriteCalls(const Line &head) {
     WriteBacktrace(context);
     if (gAddition)
         gAddition();
+    if (context)
+        WriteCore();
     _exit(kBlamedStatus);
 }
 

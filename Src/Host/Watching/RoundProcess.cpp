@@ -117,7 +117,7 @@ void RoundProcess::Start() {
     if (mChild == 0) {
         prctl(PR_SET_PDEATHSIG, SIGKILL);
         if (getppid() != parent)
-            _exit(1); // it has ended before this process could know
+            _exit(1);  // it has ended before this process could know
         setpgid(0, 0); // a terminal's Ctrl-C goes to the watch only, which ends this process
         sigprocmask(SIG_SETMASK, &mSignals, nullptr);
         dup2(output.to, STDOUT_FILENO);
