@@ -25,7 +25,7 @@ std::string Seen(const Check &check) {
     return text == std::string::npos ? check.failure : check.failure.substr(text);
 }
 
-void CompareChecks(const Outcome &before, const Outcome &now, std::vector<Difference> &differences) {
+void CompareChecks(const RoundOutcome &before, const RoundOutcome &now, std::vector<Difference> &differences) {
     const auto earlier = ByText(before.checks);
     std::map<std::string, int> counts;
     for (const Check &check : now.checks) {
@@ -45,7 +45,7 @@ void CompareChecks(const Outcome &before, const Outcome &now, std::vector<Differ
     }
 }
 
-void ComparePictures(const Outcome &before, const Outcome &now, std::vector<Difference> &differences) {
+void ComparePictures(const RoundOutcome &before, const RoundOutcome &now, std::vector<Difference> &differences) {
     for (const auto &[file, bytes] : now.pictures) {
         const auto found = before.pictures.find(file);
         if (found == before.pictures.end())
@@ -107,7 +107,7 @@ void CompareOutput(Lines before, Lines now, std::vector<Difference> &differences
 
 } // namespace
 
-std::vector<Difference> Compare(const Outcome &before, const Outcome &now) {
+std::vector<Difference> Compare(const RoundOutcome &before, const RoundOutcome &now) {
     std::vector<Difference> differences;
     CompareChecks(before, now, differences);
     ComparePictures(before, now, differences);

@@ -10,7 +10,7 @@
 
 namespace host {
 
-struct Outcome {
+struct RoundOutcome {
     std::vector<Check> checks;
     std::map<std::string, std::string> pictures; // their bytes, by file
     std::vector<std::string> output;             // lines, without those of failures
@@ -23,7 +23,7 @@ struct Difference {
 
 // Failures that are new or different, checks that succeed again, a line per
 // picture that differs, and the lines of the output that are gone or new.
-std::vector<Difference> Compare(const Outcome &before, const Outcome &now);
+std::vector<Difference> Compare(const RoundOutcome &before, const RoundOutcome &now);
 
 } // namespace host
 

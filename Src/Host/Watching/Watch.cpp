@@ -119,14 +119,14 @@ class Watcher {
     void RunRound();
     void PassOn();
     void Report(const RoundResult &result, double seconds);
-    Outcome OutcomeOf(const RoundResult &result) const;
+    RoundOutcome OutcomeOf(const RoundResult &result) const;
 
     const WatchRequest &mRequest;
     Signals mSignals;
     FileWatch mFiles;
     RoundFolders mFolders;
     RoundProcess mProcess;
-    std::optional<Outcome> mLast; // of the last complete round
+    std::optional<RoundOutcome> mLast; // of the last complete round
     Plan mPlan;
     std::vector<std::string> mToldFaults;
     std::vector<std::string> mPending; // files that changed during a round
@@ -313,8 +313,8 @@ void Watcher::PassOn() {
     mPassedOn = output.size();
 }
 
-Outcome Watcher::OutcomeOf(const RoundResult &result) const {
-    Outcome outcome{result.checks, {}, Lines(result.output)};
+RoundOutcome Watcher::OutcomeOf(const RoundResult &result) const {
+    RoundOutcome outcome{result.checks, {}, Lines(result.output)};
     if (!mRequest.options.file.empty() && !outcome.output.empty())
         outcome.output.pop_back(); // the summary of the session
     std::vector<std::string> failures;
@@ -336,7 +336,7 @@ void Watcher::Report(const RoundResult &result, double seconds) {
     mStatus = result.status;
     if (!result.isComplete)
         return Say(EarlyEnd(result.status) + "; the next change starts it again in a new process", /*isFailure=*/true);
-    Outcome now = OutcomeOf(result);
+    RoundOutcome now = OutcomeOf(result);
     const std::vector<Difference> differences = mLast ? Compare(*mLast, now) : std::vector<Difference>();
     for (const Difference &difference : differences)
         std::printf("%s\n", difference.isFailure ? Emphasised(Emphasis::Failure, difference.line, STDOUT_FILENO).c_str()
