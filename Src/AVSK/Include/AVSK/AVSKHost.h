@@ -1173,7 +1173,8 @@ AVSK_API int AVSKInitializePlugins(const char *path, const AVSKHostCallbacks *ta
 
 /**
  * Disables and unloads every plugin. Host services are called during the call.
- * Not to be called by a service. May be called from a function of atexit().
+ * Not to be called by a service. May be called from a function that was registered
+ * with atexit() after the start.
  * Plugins are unloaded even if one of them throws; the first exception is thrown
  * at the end. The host's own datarefs and its menu "Plugins" stay.
  *
