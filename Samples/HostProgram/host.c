@@ -2,6 +2,11 @@
  * HostProgram: a whole host in one file. It loads the plugins of
  * ROOT/Resources/plugins, runs a number of frames and prints what plugins log,
  * and what they draw in the last frame. Explained in Docs/host-guide.md.
+ *
+ * The library passes most arguments of a plugin unchecked. The services check
+ * them: outputs, texts and commands may be null, counts negative, and a command
+ * may be a pointer that this host has never handed out. Docs/host-slots.md says
+ * for each slot what arrives unchecked.
  */
 #include <AVSK/AVSKDataAccess.h>
 #include <AVSK/AVSKHost.h>
@@ -23,15 +28,28 @@ enum {
 };
 typedef AVSKWord W; /* an argument whose meaning the host defines */
 
+/* Writes an output of a plugin, which may be null. */
+static void PutInt(int *out, int value) {
+    if (out)
+        *out = value;
+}
+static void PutDouble(double *out, double value) {
+    if (out)
+        *out = value;
+}
+
 static char gRoot[kMaxRoot];
 static int gFrame, gFrames;
 
 /* ---- The clock, the screen and the log */
 
 static float Elapsed(void) { return (float)gFrame / kFps; }
-static void ScreenSize(int *width, int *height) { *width = 1024, *height = 768; }
-static void Mouse(int *x, int *y, int fromPlugin) { *x = *y = 0; }
-static void Log(const char *text) { fputs(text, stdout); }
+static void ScreenSize(int *width, int *height) { PutInt(width, 1024), PutInt(height, 768); }
+static void Mouse(int *x, int *y, int fromPlugin) { PutInt(x, 0), PutInt(y, 0); }
+static void Log(const char *text) {
+    if (text)
+        fputs(text, stdout);
+}
 static void Message(const char *a, const char *b, const char *c, const char *d) { printf("%s%s%s%s\n", a, b, c, d); }
 static void SystemPath(char *out) { strcpy(out, gRoot); }
 static void PrefsPath(char *out) { sprintf(out, "%spreferences.txt", gRoot); }
@@ -44,30 +62,40 @@ static void Receive(AVSKPluginID from, int message, void *p) { printf("Host: mes
 
 static void State(int a, int b, int c, int d, int e, int f, int g) {}
 static void Bind(int texture, int unit) {}
-static void Textures(int *textures, int count) { memset(textures, 0, (size_t)count * sizeof *textures); }
+static void Textures(int *textures, int count) {
+    static int last;
+    for (int i = 0; textures && i < count; ++i) /* not at all for a negative count */
+        textures[i] = ++last;
+}
 static int Texture(int texture) { return 0; }
-static void Convert(double a, double b, double c, double *x, double *y, double *z) { *x = a, *y = b, *z = c; }
+static void Convert(double a, double b, double c, double *x, double *y, double *z) {
+    PutDouble(x, a), PutDouble(y, b), PutDouble(z, c);
+}
 static void Box(int left, int top, int right, int bottom) {}
 static void Text(float *colour, int x, int y, char *text, int *wrap, int font) {
-    if (gFrame == gFrames)
+    if (text && gFrame == gFrames)
         printf("Host: text at %d,%d: %s\n", x, y, text);
 }
 static void Number(float *colour, int x, int y, double value, int digits, int decimals, int sign, int font) {}
 static void FontSize(int font, int *width, int *height, int *digitsOnly) {
-    int none;
-    *(width ? width : &none) = 8, *(height ? height : &none) = 16, *(digitsOnly ? digitsOnly : &none) = 0;
+    PutInt(width, 8), PutInt(height, 16), PutInt(digitsOnly, 0);
 }
-static float Measure(int font, const char *text, int count) { return 8.0f * (float)count; }
+static float Measure(int font, const char *text, int count) {
+    int length = 0;
+    while (text && length < count && text[length])
+        ++length;
+    return 8.0f * (float)length;
+}
 static void Camera(float *a, float *b, float *c, float *d, float *e, float *f, float *g) {
     *a = *b = *c = *d = *e = *f = *g = 0;
 }
 
-/* ---- Menus: handles and IDs are numbers that count up; nothing is shown */
+/* ---- Menus: nothing is shown. Handles and IDs are numbers that count up, so that each is unique. A host that
+        shows menus ignores index -1 in RenameItem, and creates a menu below item -1 without an item that opens it. */
 
 static void *CreateMenu(void *parent, int item, const char *name) {
-    static char menus[256];
-    static size_t count;
-    return &menus[count++ % sizeof menus];
+    static uintptr_t menus;
+    return (void *)++menus; /* the library does not dereference handles */
 }
 static int AppendItem(void *menu, int index, const char *name, int english) {
     static int items;
@@ -79,17 +107,28 @@ static void RemoveItem(void *menu, int index) {}
 
 /* ---- Commands: each is a name; the library is called before and after the host acts */
 
+static char gCommands[kMaxCommands][AVSK_TEXT_SIZE]; /* the first empty name ends the list */
+
 static void *FindCommand(const char *name, const char *description, int create) {
-    static char commands[kMaxCommands][AVSK_TEXT_SIZE];
+    if (!name || !*name || strlen(name) >= sizeof gCommands[0])
+        return NULL;
     for (int i = 0; i < kMaxCommands; ++i) {
-        if (!commands[i][0] && create)
-            snprintf(commands[i], sizeof commands[i], "%s", name);
-        if (!commands[i][0] || strcmp(commands[i], name) == 0)
-            return commands[i][0] ? commands[i] : NULL;
+        if (!gCommands[i][0] && create)
+            strcpy(gCommands[i], name);
+        if (!gCommands[i][0] || strcmp(gCommands[i], name) == 0)
+            return gCommands[i][0] ? gCommands[i] : NULL;
     }
     return NULL;
 }
+static int IsCommand(const void *command) {
+    for (int i = 0; i < kMaxCommands && gCommands[i][0]; ++i)
+        if (command == gCommands[i])
+            return 1;
+    return 0;
+}
 static void RunCommand(void *command, int begin, int end) {
+    if (!IsCommand(command)) /* null, or a foreign pointer */
+        return;
     if (AVSKCommandHook(command, begin, end, /*before=*/1)) /* 0: a plugin stopped it */
         AVSKCommandHook(command, begin, end, /*before=*/0);
 }
@@ -97,7 +136,8 @@ static void BeginCommand(void *command) { RunCommand(command, 1, 0); }
 static void ContinueCommand(void *command) { RunCommand(command, 0, 0); }
 static void EndCommand(void *command) { RunCommand(command, 0, 1); }
 
-/* ---- Aircraft, scenery, navigation: this host has none and gives neutral results */
+/* ---- Aircraft, scenery, navigation: this host has none and gives neutral results. A host that has objects looks
+        each pointer up among its objects before it draws one, as RunCommand does with commands. */
 
 static void LoadModel(int index, const char *path, const char *name) {}
 static void GetModel(int index, char *path, char *name) { *path = *name = '\0'; }
@@ -123,7 +163,8 @@ static int Lookup(const char *p, float lat, float lon, void (*found)(const char 
 static int DataFile(int type, const char *path) { return 0; }
 static void LoadAsync(const char *path, void (*done)(void *, void *), void *argument) { done(NULL, argument); }
 
-/* All 72 words. The library keeps the pointer, so the table must live as long as the process. */
+/* All 72 words, listed in Docs/host-slots.md. The library keeps the pointer, so the table must live as long as the
+ * process. */
 /* clang-format off */
 static const AVSKHostCallbacks kTable = {
     .version = 4, .sizeInBytes = sizeof kTable, .getScreenSize = ScreenSize, .getMouseLocation = Mouse,
