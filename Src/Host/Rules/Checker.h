@@ -9,6 +9,7 @@
 #include "KnownHandles.h"
 #include "LifeChecks.h"
 #include "PlaceChecks.h"
+#include "MemoryChecks.h"
 #include "StateChecks.h"
 
 #include <map>
@@ -43,6 +44,7 @@ class Checker {
     LifeChecks mLife;
     PlaceChecks mPlaces;
     StateChecks mState;
+    MemoryChecks mMemory;
     bool mIsReported = false;
 };
 

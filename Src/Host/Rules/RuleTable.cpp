@@ -3,8 +3,10 @@
 
 #include "ArgumentRules.h"
 #include "DatarefRules.h"
+#include "FileRules.h"
 #include "LifeRules.h"
 #include "PlaceRules.h"
+#include "RunRules.h"
 #include "StateRules.h"
 
 #include <span>
@@ -26,6 +28,8 @@ const std::vector<RuleFamily> &RuleFamilies() {
         Family("Datarefs", kDatarefRules),     Family("Arguments and results", kArgumentRules),
         Family("Place and time", kPlaceRules), Family("Life", kLifeRules),
         Family("State", kStateRules),
+        Family("Datarefs", kDatarefRules), Family("Life", kLifeRules),  Family("State", kStateRules),
+        Family("Runs", kRunRules),         Family("Files", kFileRules),
     };
     return families;
 }
