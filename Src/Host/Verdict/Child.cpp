@@ -110,6 +110,12 @@ std::string Without(const std::string &folder, std::string text) {
     return text;
 }
 
+// The part of the stack that is the same for each step.
+std::string WithoutRunner(std::string report) {
+    const std::size_t runner = report.find("host::SessionRunner::Do(");
+    return runner == std::string::npos ? report : report.substr(0, report.rfind('\n', runner));
+}
+
 std::string WithoutLastBlanks(std::string text) {
     text.resize(text.find_last_not_of(" \n") + 1);
     return text;
@@ -162,7 +168,7 @@ ChildRun RunInChild(const WorkFolder &folder, const std::string &name, const std
                                                 std::chrono::duration<double>(kCallsInARun * timeout)));
     run.seconds = std::chrono::duration<double>(Clock::now() - begin).count();
     run.record = ReadRecord(record);
-    run.report = WithoutLastBlanks(Without(folder.Path() + "/", ReadBeginning(errors)));
+    run.report = WithoutLastBlanks(WithoutRunner(Without(folder.Path() + "/", ReadBeginning(errors))));
     std::error_code ignored;
     fs::remove(record, ignored);
     fs::remove(errors, ignored);
