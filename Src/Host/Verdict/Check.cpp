@@ -115,7 +115,7 @@ class Checking {
         if (steps.empty())
             throw UsageError("--in-process: the plugin makes nothing that the scenario '" + std::string(scenario.name) +
                              "' could use");
-        const std::string path = mFolder.Path() + "/" + NameFor(subject, scenario.name) + ".avs";
+        std::string path = mFolder.Path() + "/" + NameFor(subject, scenario.name) + ".avs";
         std::ofstream file(path);
         for (const std::string &line : WithHead(subject, steps))
             file << line << '\n';

@@ -53,6 +53,7 @@ std::vector<std::string> Environment(const std::string &temporary) {
 
 std::vector<char *> Pointers(std::vector<std::string> &texts) {
     std::vector<char *> pointers;
+    pointers.reserve(texts.size() + 1);
     for (std::string &text : texts)
         pointers.push_back(text.data());
     pointers.push_back(nullptr);
@@ -111,7 +112,7 @@ std::string Without(const std::string &folder, std::string text) {
 }
 
 // The part of the stack that is the same for each step.
-std::string WithoutRunner(std::string report) {
+std::string WithoutRunner(const std::string &report) {
     const std::size_t runner = report.find("host::SessionRunner::Do(");
     return runner == std::string::npos ? report : report.substr(0, report.rfind('\n', runner));
 }

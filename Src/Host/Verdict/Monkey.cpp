@@ -3,6 +3,7 @@
 
 #include "Session/Values.h"
 
+#include <algorithm>
 #include <array>
 #include <iterator>
 #include <random>
@@ -103,9 +104,8 @@ class Monkey {
 
 std::vector<std::string> MonkeyLines(const Stage &stage, unsigned seed, int count) {
     Monkey monkey(stage, seed);
-    std::vector<std::string> lines;
-    for (int i = 0; i < count; ++i)
-        lines.push_back(monkey.Step());
+    std::vector<std::string> lines(static_cast<std::size_t>(count));
+    std::generate(lines.begin(), lines.end(), [&monkey] { return monkey.Step(); });
     return lines;
 }
 
