@@ -57,10 +57,11 @@ int START(char *outName, char *outSignature, char *outDescription) {
     (void)outDescription;
 #if defined(ODD)
     outName[0] = '<', outName[1] = 1, outName[2] = (char)255, outName[3] = '"', outName[4] = 0;
+    outSignature[0] = 'o', outSignature[1] = 0;
 #elif !defined(NAMELESS)
     outName[0] = 'M', outName[1] = 0;
 #endif
-#if !defined(UNSIGNED)
+#if !defined(UNSIGNED) && !defined(ODD)
     outSignature[0] = 'm', outSignature[1] = 0;
 #endif
 #if defined(GROWS)

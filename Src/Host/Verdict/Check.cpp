@@ -366,8 +366,12 @@ class Checking {
         if (refusesAgain)
             all.push_back(
                 MakeFinding(Named(kRunRules, "run-enable"), subject.name, {{"disabled", "the plugin was disabled"}}));
+        const bool isSignatureTold = std::any_of(all.begin(), all.end(), [](const Finding &finding) {
+            return std::string_view(finding.rule->id).starts_with("start-");
+        });
         for (const Recorded::Pair &fault : run.record.faults) {
-            if (!refusesAgain)
+            const bool isTold = isSignatureTold && fault.text.find("signature") != std::string::npos;
+            if (!refusesAgain && !isTold)
                 all.push_back(MakeFinding(Named(kRunRules, "run-load"), NameOfFile(subject, fault.about),
                                           {{"fault", fault.text}}));
         }

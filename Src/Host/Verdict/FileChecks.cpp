@@ -113,7 +113,7 @@ void JudgeLinking(const Target &target, const File &file, Findings &findings) {
         say(Named(kFileRules, "file-exports"), {{"names", Shortened(file.exports, kMostNames)}});
     if (!file.elf.unique.empty())
         say(Named(kFileRules, "file-unique"), {{"names", Shortened(file.elf.unique, kMostNames)}});
-    if (file.elf.staysMapped)
+    if (file.elf.isNeverUnloaded)
         say(Named(kFileRules, "file-stays"));
     if (file.elf.hasTextRelocations)
         say(Named(kFileRules, "file-text-relocations"));
