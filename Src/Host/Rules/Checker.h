@@ -8,8 +8,8 @@
 #include "Findings.h"
 #include "KnownHandles.h"
 #include "LifeChecks.h"
-#include "PlaceChecks.h"
 #include "MemoryChecks.h"
+#include "PlaceChecks.h"
 #include "StateChecks.h"
 
 #include <map>

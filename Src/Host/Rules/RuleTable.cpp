@@ -27,9 +27,8 @@ const std::vector<RuleFamily> &RuleFamilies() {
     static const std::vector<RuleFamily> families = {
         Family("Datarefs", kDatarefRules),     Family("Arguments and results", kArgumentRules),
         Family("Place and time", kPlaceRules), Family("Life", kLifeRules),
-        Family("State", kStateRules),
-        Family("Datarefs", kDatarefRules), Family("Life", kLifeRules),  Family("State", kStateRules),
-        Family("Runs", kRunRules),         Family("Files", kFileRules),
+        Family("State", kStateRules),          Family("Runs", kRunRules),
+        Family("Files", kFileRules),
     };
     return families;
 }
