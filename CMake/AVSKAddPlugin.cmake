@@ -1,12 +1,15 @@
-# avsk_add_plugin(TARGET SOURCES source... [FOLDER folder] [NAME name] [LOOSE])
+# avsk_add_plugin(TARGET SOURCES source... [FOLDER folder] [NAME name] [LOOSE] [NO_CHECK])
 #
 # Builds a plugin for the simulator. FOLDER is a plugins folder, by
 # default <build>/plugins. The file is FOLDER/<NAME>/lin.avp or, with LOOSE,
 # FOLDER/<NAME>.avp. NAME is TARGET by default.
 #
+# In a project with tests the ctest <TARGET>_check judges the plugin with
+# `avsk check`. NO_CHECK leaves it out.
+#
 # Used by this tree and, through find_package(AVSK), by plugins outside it.
 function(avsk_add_plugin target)
-  cmake_parse_arguments(arg "LOOSE" "FOLDER;NAME" "SOURCES" ${ARGN})
+  cmake_parse_arguments(arg "LOOSE;NO_CHECK" "FOLDER;NAME" "SOURCES" ${ARGN})
   if(NOT arg_SOURCES)
     message(FATAL_ERROR "avsk_add_plugin(${target}): name its files after SOURCES")
   endif()
@@ -35,5 +38,18 @@ function(avsk_add_plugin target)
     set_target_properties(${target} PROPERTIES OUTPUT_NAME ${arg_NAME} LIBRARY_OUTPUT_DIRECTORY ${arg_FOLDER})
   else()
     set_target_properties(${target} PROPERTIES OUTPUT_NAME lin LIBRARY_OUTPUT_DIRECTORY ${arg_FOLDER}/${arg_NAME})
+  endif()
+
+  if(arg_NO_CHECK)
+    return()
+  endif()
+  set(avsk avsk)
+  if(TARGET AVSK::avsk)
+    set(avsk AVSK::avsk)
+  endif()
+  if(TARGET ${avsk})
+    # Without enable_testing() this has no effect.
+    add_test(NAME ${target}_check COMMAND ${avsk} check $<TARGET_FILE:${target}>)
+    set_tests_properties(${target}_check PROPERTIES TIMEOUT 300)
   endif()
 endfunction()

@@ -76,10 +76,13 @@ int AVPluginStart(char *outName, char *outSignature, char *outDescription) {
     return 1;
 }
 
-// The library ends a command that we hold and removes our handlers. It does not release a button, so do that here.
+// Ends what we hold. The library removes our handlers.
 void AVPluginStop(void) {
+    constexpr int kCommandIsHeld = 1;
     constexpr int kButtonIsDown = 2;
-    if (gStep == kButtonIsDown)
+    if (gStep == kCommandIsHeld)
+        AVSKCommandEnd(gWave);
+    else if (gStep == kButtonIsDown)
         AVSKCommandButtonRelease(kButton);
 }
 

@@ -29,12 +29,15 @@ std::set<std::string> RulesIn(const std::string &said) {
     return rules;
 }
 
+// Those about calls. The others are the matter of Check_test.cpp.
 std::set<std::string> AllRules() {
     const std::string list = RunAvsk("explain").said;
     std::set<std::string> rules;
     static const std::regex row(R"(\n  ([a-z0-9-]+) +(?:error|warning|note) )");
     for (std::sregex_iterator match(list.begin(), list.end(), row); match != std::sregex_iterator(); ++match)
         rules.insert((*match)[1]);
+    static const std::regex other("(file|run|memory)-.*");
+    std::erase_if(rules, [](const std::string &rule) { return std::regex_match(rule, other); });
     return rules;
 }
 

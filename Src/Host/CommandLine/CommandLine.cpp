@@ -64,6 +64,7 @@ Job ParseCommandLine(int argc, char **argv) {
                "Exit status: that of the command; 2 if the command line is wrong.");
     AddNewCommand(app, job);
     AddRunCommand(app, job, argv);
+    AddCheckCommand(app, job);
     AddPsCommand(app, job);
     AddDatarefsCommand(app, job);
     AddCommandsCommand(app, job);

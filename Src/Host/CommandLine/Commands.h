@@ -19,6 +19,7 @@ using Job = std::function<int()>;
 // Each adds one command, and sets the job when the parser meets the command.
 // The job must outlive the parser. argv is that of the program.
 void AddRunCommand(CLI::App &app, Job &job, char **argv);
+void AddCheckCommand(CLI::App &app, Job &job);
 void AddPsCommand(CLI::App &app, Job &job);
 void AddDatarefsCommand(CLI::App &app, Job &job);
 void AddCommandsCommand(CLI::App &app, Job &job);

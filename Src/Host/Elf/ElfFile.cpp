@@ -112,9 +112,12 @@ class Reader {
         const auto parts = mBytes.Table<typename Elf::Part>(header.e_phoff, header.e_phnum);
         if (parts.size() != header.e_phnum)
             return false;
+        file.hasExecutableStack = true; // unless a part says otherwise
         for (const auto &part : parts) {
             if (part.p_type == PT_LOAD && !mBytes.Contains(part.p_offset, part.p_filesz))
                 return false;
+            if (part.p_type == PT_GNU_STACK)
+                file.hasExecutableStack = (part.p_flags & PF_X) != 0;
         }
         mSections = mBytes.Table<typename Elf::Section>(header.e_shoff, header.e_shnum);
         for (const auto &section : mSections) {
@@ -122,6 +125,9 @@ class Reader {
                 ReadDynamicSymbols(section, file);
             else if (section.sh_type == SHT_DYNAMIC)
                 ReadDynamic(section, file);
+            if (header.e_shstrndx < mSections.size())
+                file.hasDebugLines =
+                    file.hasDebugLines || mBytes.Text(mSections[header.e_shstrndx], section.sh_name) == ".debug_line";
         }
         for (const auto &section : mSections) {
             if (section.sh_type == SHT_SYMTAB)
@@ -161,6 +167,7 @@ class Reader {
     }
 
     void ReadHidden(const Section &table, ElfFile &file) const {
+        file.hasFunctionNames = true;
         ForEach(table, [&file](const Symbol &symbol, std::string name) {
             const int type = symbol.st_info & 0xF;
             if (type == STT_FUNC && symbol.st_shndx != SHN_UNDEF &&
@@ -176,10 +183,23 @@ class Reader {
         for (const Dynamic &entry : mBytes.Table<Dynamic>(table.sh_offset, table.sh_size / sizeof(Dynamic))) {
             if (entry.d_tag == DT_NULL)
                 return;
+            const auto text = [&] { return mBytes.Text(mSections[table.sh_link], entry.d_un.d_val); };
             if (entry.d_tag == DT_NEEDED)
-                file.needed.push_back(mBytes.Text(mSections[table.sh_link], entry.d_un.d_val));
-            else if (entry.d_tag == DT_FLAGS_1)
-                file.isNeverUnloaded = (entry.d_un.d_val & DF_1_NODELETE) != 0;
+                file.needed.push_back(text());
+            else if (entry.d_tag == DT_RPATH || entry.d_tag == DT_RUNPATH)
+                AddFolders(text(), file);
+            else if (entry.d_tag == DT_TEXTREL || (entry.d_tag == DT_FLAGS && (entry.d_un.d_val & DF_TEXTREL) != 0))
+                file.hasTextRelocations = true;
+            else if (entry.d_tag == DT_FLAGS_1 && (entry.d_un.d_val & DF_1_NODELETE) != 0)
+                file.isNeverUnloaded = true;
+        }
+    }
+
+    static void AddFolders(std::string_view list, ElfFile &file) {
+        while (!list.empty()) {
+            const std::size_t end = std::min(list.find(':'), list.size());
+            file.folders.emplace_back(list.substr(0, end));
+            list.remove_prefix(std::min(end + 1, list.size()));
         }
     }
 

@@ -26,7 +26,13 @@ struct ElfFile {
     std::vector<std::string> needed;    // names of libraries
     std::vector<std::string> hidden;    // functions that it defines and does not export; empty in a stripped file
     std::vector<std::string> unique;    // dynamic symbols of which a process has only one; they keep the file mapped
-    bool isNeverUnloaded = false;       // linked with -z nodelete
+    std::vector<std::string> folders;   // that it names for the search of libraries, "$ORIGIN/lib" or the like
+
+    bool isNeverUnloaded = false;    // linked with -z nodelete
+    bool hasTextRelocations = false; // its code is changed while it is loaded
+    bool hasExecutableStack = false;
+    bool hasFunctionNames = false; // of functions that it does not export
+    bool hasDebugLines = false;
 
     // Whether a 32-bit x86 process can load it.
     bool IsForX86() const { return bits == 32 && machine == "x86"; }

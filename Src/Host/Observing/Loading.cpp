@@ -16,6 +16,7 @@
 #include <filesystem>
 #include <string_view>
 #include <system_error>
+#include <utility>
 
 #include <dlfcn.h>
 
@@ -39,7 +40,8 @@ std::string TextIn(const crossings::Value &buffer) {
     return {text, strnlen(text, AVSK_TEXT_SIZE - 1)};
 }
 
-// "needs AVSKFoo, which ..." from the dynamic linker's "undefined symbol: AVSKFoo".
+} // namespace
+
 std::string SymbolFault(const std::string &symbol) {
     std::string text = "needs " + symbol + ", which nothing exports";
     if (symbol.starts_with("_Z")) {
@@ -53,7 +55,9 @@ std::string SymbolFault(const std::string &symbol) {
     return text + (nearest.empty() ? ": link the library that defines it" : nearest);
 }
 
-} // namespace
+std::string LibraryFault(const std::string &library) {
+    return "needs the library " + library + ", which is not there for 32 bits: install it or link it statically";
+}
 
 Loading::Loading(const Simulator &simulator) : mSimulator(simulator) { crossings::AddObserver(*this); }
 Loading::~Loading() { crossings::RemoveObserver(*this); }
@@ -112,7 +116,9 @@ void Loading::Report(const std::string &folder, PluginFolder kind) {
                            [&path](const Started &known) { return known.path == path; });
     };
     for (const PluginFile &file : FindPluginFiles(folder, kind)) {
-        std::vector<std::string> faults = FaultsOfPluginFile(file.path);
+        std::vector<std::string> faults;
+        for (PluginFault &fault : FaultsOfPluginFile(file.path))
+            faults.push_back(std::move(fault.text));
         // Of NAME/32/lin.avp and NAME/lin.avp the second is tried if the first fails.
         const fs::path first = fs::path(file.path).parent_path() / "32/lin.avp";
         if (isStarted(first.string()))
@@ -158,8 +164,7 @@ std::string Loading::ReasonOf(const std::string &path) const {
     for (const std::string &library : ReadElf(path).file.needed) {
         const auto names = [&library](const std::string &reason) { return reason.starts_with(library + ": "); };
         if (std::any_of(mReasons.begin(), mReasons.end(), names))
-            return "needs the library " + library +
-                   ", which is not there for 32 bits: install it or link it statically";
+            return LibraryFault(library);
     }
     return "was not loaded: the log says more";
 }
@@ -171,6 +176,8 @@ void Loading::Say(const std::string &path, const std::string &fault) {
     const std::string line = mSimulator.console.WithoutRoot((error ? path : real.string()) + ": " + fault);
     if (!mSaid.insert(line).second)
         return;
+    if (mNotify)
+        mNotify(error ? path : real.string(), fault);
     std::fflush(stdout);
     std::fprintf(stderr, "avsk: %s\n", line.c_str());
 }

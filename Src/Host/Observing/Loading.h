@@ -7,13 +7,20 @@
 #include "Crossings/Crossing.h"
 #include "Services/PluginFiles.h"
 
+#include <functional>
 #include <set>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace host {
 
 struct Simulator;
+
+// What is wrong with a plugin that needs a symbol or a library which nobody has:
+// "needs AVSKFoo, which nothing exports; did you mean 'AVSKFood'?"
+std::string SymbolFault(const std::string &symbol);
+std::string LibraryFault(const std::string &library);
 
 class Loading : public crossings::Observer {
   public:
@@ -21,6 +28,11 @@ class Loading : public crossings::Observer {
     ~Loading() override;
     Loading(const Loading &) = delete;
     Loading &operator=(const Loading &) = delete;
+
+    // Called with the path of the plugin and the text of each fault.
+    void OnFault(std::function<void(const std::string &path, const std::string &fault)> notify) {
+        mNotify = std::move(notify);
+    }
 
     void Begins(const crossings::Crossing &crossing) override;
     void Ends(const crossings::Crossing &crossing) override;
@@ -47,6 +59,7 @@ class Loading : public crossings::Observer {
     bool mReasonFollows = false;
     std::vector<std::string> mReasons; // of the dynamic linker, as the library logged them
     std::set<std::string> mSaid;
+    std::function<void(const std::string &path, const std::string &fault)> mNotify;
 };
 
 } // namespace host

@@ -32,6 +32,7 @@ class Observers {
     Ledger &Owners() { return mLedger; }
     Profile &Times() { return mProfile; }
     const Profile &Times() const { return mProfile; }
+    Loading &Loaded() { return mLoading; }
 
     // Print what the options ask for. To be called after the last frame, and after
     // the plugins are unloaded.

@@ -18,6 +18,7 @@ struct ObservingOptions {
     TraceOptions trace;
     bool check = false;                         // judge the plugins by the rules
     std::map<std::string, std::string> allowed; // reasons, by the IDs of excused rules
+    std::string record;                         // file for `avsk check`, see Session/Record.h; empty: none
     bool owners = false;
     bool profile = false;
     double budget = 0;  // milliseconds that a plugin may take in a frame; 0: no limit

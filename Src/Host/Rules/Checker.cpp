@@ -23,7 +23,7 @@ void WriteFindings() {
 
 Checker::Checker(const int &frame, const Ledger &owners, std::map<std::string, std::string> allowed)
     : mFindings(frame, std::move(allowed)), mArguments(mFindings, mHandles), mDatarefs(mFindings),
-      mLife(mFindings, owners), mPlaces(mFindings, mHandles), mState(mFindings) {
+      mLife(mFindings, owners), mPlaces(mFindings, mHandles), mState(mFindings), mMemory(mFindings) {
     gFindings = &mFindings;
     AddToBlame(WriteFindings);
 }
@@ -41,6 +41,7 @@ void Checker::Finish() {
     mDatarefs.Finish();
     mPlaces.Finish();
     mLife.Finish();
+    mMemory.Finish();
 }
 
 int Checker::PrintReport() {

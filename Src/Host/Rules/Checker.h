@@ -8,6 +8,7 @@
 #include "Findings.h"
 #include "KnownHandles.h"
 #include "LifeChecks.h"
+#include "MemoryChecks.h"
 #include "PlaceChecks.h"
 #include "StateChecks.h"
 
@@ -43,6 +44,7 @@ class Checker {
     LifeChecks mLife;
     PlaceChecks mPlaces;
     StateChecks mState;
+    MemoryChecks mMemory;
     bool mIsReported = false;
 };
 

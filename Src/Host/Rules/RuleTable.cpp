@@ -3,8 +3,10 @@
 
 #include "ArgumentRules.h"
 #include "DatarefRules.h"
+#include "FileRules.h"
 #include "LifeRules.h"
 #include "PlaceRules.h"
+#include "RunRules.h"
 #include "StateRules.h"
 
 #include <span>
@@ -25,7 +27,8 @@ const std::vector<RuleFamily> &RuleFamilies() {
     static const std::vector<RuleFamily> families = {
         Family("Datarefs", kDatarefRules),     Family("Arguments and results", kArgumentRules),
         Family("Place and time", kPlaceRules), Family("Life", kLifeRules),
-        Family("State", kStateRules),
+        Family("State", kStateRules),          Family("Runs", kRunRules),
+        Family("Files", kFileRules),
     };
     return families;
 }

@@ -9,8 +9,11 @@
 #include <array>
 #include <cctype>
 #include <filesystem>
+#include <iterator>
+#include <optional>
 #include <string_view>
 #include <system_error>
+#include <utility>
 
 namespace host {
 namespace {
@@ -26,12 +29,9 @@ std::string InLowerCase(std::string text) {
     return text;
 }
 
-bool Contains(const std::vector<std::string> &names, std::string_view name) {
+template <class Names>
+bool Contains(const Names &names, std::string_view name) {
     return std::find(names.begin(), names.end(), name) != names.end();
-}
-
-bool IsEntryPoint(const std::string &name) {
-    return std::find(kEntryPoints.begin(), kEntryPoints.end(), name) != kEntryPoints.end();
 }
 
 // ---- Folders
@@ -55,6 +55,10 @@ bool IsMeantAsPlugin(const fs::path &path) {
     };
     return std::any_of(file.exported.begin(), file.exported.end(), starts) ||
            std::any_of(file.hidden.begin(), file.hidden.end(), starts);
+}
+
+std::string WrongName(const fs::path &file) {
+    return "is not loaded under this name: rename it to '" + file.stem().string() + ".avp'";
 }
 
 std::string NotLoaded(const fs::path &folder, const fs::path &target) {
@@ -107,24 +111,26 @@ std::string MachineFault(const ElfFile &file) {
            (file.bits == 32 && file.machine == "x86-64" ? " with 32-bit pointers" : "") + ": compile it with -m32";
 }
 
-// What a file has instead of an entry point; empty if nothing like it.
-std::string EntryPointFault(const ElfFile &file, const std::string &entry) {
+// What a file has instead of an entry point; nothing if it has nothing like it.
+std::optional<PluginFault> EntryPointFault(const ElfFile &file, const std::string &entry) {
     const std::string header = "include AVSK/AVSK.h, which declares it";
     for (const auto *names : {&file.exported, &file.hidden}) {
         const auto mangled = std::find_if(names->begin(), names->end(), [&entry](const std::string &name) {
             return name.starts_with("_Z") && name.find(std::to_string(entry.size()) + entry) != std::string::npos;
         });
         if (mangled != names->end())
-            return std::string(names == &file.exported ? "exports " : "defines ") + *mangled + " instead of " + entry +
-                   ": declare it extern \"C\", or " + header;
+            return PluginFault{PluginFault::Kind::Mangled, (names == &file.exported ? "exports " : "defines ") +
+                                                               *mangled + " instead of " + entry +
+                                                               ": declare it extern \"C\", or " + header};
     }
     if (Contains(file.hidden, entry))
-        return "does not export " + entry + ", which is static or has hidden visibility: " + header;
-    return "";
+        return PluginFault{PluginFault::Kind::Hidden,
+                           "does not export " + entry + ", which is static or has hidden visibility: " + header};
+    return std::nullopt;
 }
 
 // Exported names that are like an entry point which the file lacks.
-void FindMisspelt(const ElfFile &file, const std::vector<std::string> &missing, std::vector<std::string> &faults) {
+void FindMisspelt(const ElfFile &file, const std::vector<std::string> &missing, std::vector<PluginFault> &faults) {
     constexpr std::size_t kFarthest = 2;
     for (const std::string &name : file.exported) {
         if (IsEntryPoint(name) || name.starts_with("_Z"))
@@ -132,7 +138,8 @@ void FindMisspelt(const ElfFile &file, const std::vector<std::string> &missing, 
         const auto nearest = NearestNames(name, missing, 1);
         if (!nearest.empty() &&
             (InLowerCase(name).starts_with("avplugin") || EditDistance(name, nearest.front()) <= kFarthest))
-            faults.push_back("exports " + name + "; did you mean " + nearest.front() + "?");
+            faults.push_back(
+                {PluginFault::Kind::Misspelt, "exports " + name + "; did you mean " + nearest.front() + "?"});
     }
 }
 
@@ -157,24 +164,49 @@ std::vector<PluginFile> FindPluginFiles(const std::string &folder, PluginFolder 
         } else if (HasExtension(path, ".avp") && kind == PluginFolder::Simulators) {
             files.push_back({path.string(), ""});
         } else if (IsMeantAsPlugin(path)) {
-            const fs::path stem = RealPath(path).stem();
-            files.push_back(
-                {path.string(), kind == PluginFolder::Simulators
-                                    ? "is not loaded under this name: rename it to '" + stem.string() + ".avp'"
-                                    : NotLoaded(folder, stem / "lin.avp")});
+            const fs::path real = RealPath(path);
+            files.push_back({path.string(), kind == PluginFolder::Simulators
+                                                ? WrongName(real)
+                                                : NotLoaded(folder, real.stem() / "lin.avp")});
         }
     }
     std::sort(files.begin(), files.end(), [](const PluginFile &a, const PluginFile &b) { return a.path < b.path; });
     return files;
 }
 
-std::vector<std::string> FaultsOfPluginFile(const std::string &path) {
+bool IsEntryPoint(std::string_view name) {
+    return std::find(kEntryPoints.begin(), kEntryPoints.end(), name) != kEntryPoints.end();
+}
+
+std::string PlaceAdvice(const std::string &path) {
+    const fs::path file = fs::absolute(path).lexically_normal();
+    const fs::path folder = file.parent_path();
+    if (!HasExtension(file, ".avp"))
+        return WrongName(file);
+    // The folder of all plugins, if one of the path's folders has its usual name.
+    fs::path plugins = folder;
+    while (plugins.has_relative_path() && plugins.filename() != "plugins")
+        plugins = plugins.parent_path();
+    if (!plugins.has_relative_path()) {
+        constexpr std::array<std::string_view, 4> kOther{"64", "lin64", "mac_x64", "win_x64"};
+        const bool isOther = file.filename() == "lin.avp" && Contains(kOther, folder.filename().string());
+        return isOther ? NotLoaded(folder.parent_path(), "lin.avp") : "";
+    }
+    const fs::path inside = file.lexically_relative(plugins);
+    const auto depth = std::distance(inside.begin(), inside.end());
+    const bool isPacked = inside.filename() == "lin.avp";
+    if (depth == 1 || (depth == 2 && isPacked) || (depth == 3 && isPacked && inside.parent_path().filename() == "32"))
+        return "";
+    return NotLoaded(plugins, Target(*inside.begin(), inside.lexically_relative(*inside.begin())));
+}
+
+std::vector<PluginFault> FaultsOfPluginFile(const std::string &path) {
     const auto [file, fault] = ReadElf(path);
     if (!fault.empty())
-        return {fault};
-    std::vector<std::string> faults;
+        return {{PluginFault::Kind::Unreadable, fault}};
+    std::vector<PluginFault> faults;
     if (std::string machine = MachineFault(file); !machine.empty())
-        faults.push_back(std::move(machine));
+        faults.push_back({PluginFault::Kind::Machine, std::move(machine)});
     if (!file.hasSymbols || file.type == ElfFile::Type::Object)
         return faults;
     const std::size_t before = faults.size();
@@ -182,14 +214,14 @@ std::vector<std::string> FaultsOfPluginFile(const std::string &path) {
     for (const std::string_view entry : kEntryPoints) {
         if (Contains(file.exported, entry))
             continue;
-        if (std::string found = EntryPointFault(file, std::string(entry)); !found.empty())
-            faults.push_back(std::move(found));
+        if (auto found = EntryPointFault(file, std::string(entry)))
+            faults.push_back(std::move(*found));
         else
             missing.emplace_back(entry);
     }
     FindMisspelt(file, missing, faults);
     if (faults.size() == before && Contains(missing, kEntryPoints.front()))
-        faults.emplace_back("exports no AVPluginStart, which every plugin needs");
+        faults.push_back({PluginFault::Kind::Missing, "exports no AVPluginStart, which every plugin needs"});
     return faults;
 }
 

@@ -23,14 +23,15 @@ Simulator::Simulator(SimulatorOptions requested)
         throw UsageError("--screenshot: cannot read the font '" + missing + "': install the package fonts-dejavu-core");
 }
 
-float Simulator::Elapsed() const { return static_cast<float>(frame / options.fps); }
+float Simulator::Elapsed() const { return static_cast<float>(frame / options.fps + mExtra); }
 
-void Simulator::RunFrame() {
+void Simulator::RunFrame(double seconds) {
     ++frame;
+    mExtra += seconds - 1 / options.fps;
     FinishRequests();
     AVSKEventHook(AVSKHostEventFrame, Elapsed(), 0, 0);
     PressKeys();
-    aeroplane.Step(1 / options.fps);
+    aeroplane.Step(seconds);
     track.Record(Elapsed(), aeroplane);
     fleet.Step(Elapsed(), aeroplane);
     camera.Place(aeroplane);

@@ -49,10 +49,12 @@ struct Simulator {
     std::function<void()> placePlugins;
 
     // Simulated seconds since the start, counted in frames, so that every run is the same.
+    // Frames that took longer or shorter than usual are added.
     float Elapsed() const;
 
-    // Runs the library's hooks for one frame.
-    void RunFrame();
+    // Runs the library's hooks for one frame, which takes the usual time or so many seconds.
+    void RunFrame() { RunFrame(1 / options.fps); }
+    void RunFrame(double seconds);
     // Reports each scenery folder to the library.
     void ReportScenery();
 
@@ -63,6 +65,8 @@ struct Simulator {
     void DrawPasses();
     // The line at the foot of a picture.
     std::string Status() const;
+
+    double mExtra = 0; // seconds by which frames took longer than usual
 };
 
 // The services are plain C functions without a context argument, so they find

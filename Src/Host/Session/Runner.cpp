@@ -32,6 +32,7 @@ void SessionRunner::Start() {
     mObservers = std::make_unique<Observers>(*mSimulator, mSetUp.options.observing);
     if (mSetUp.options.observing.check)
         mChecker = std::make_unique<Checker>(mSimulator->frame, mObservers->Owners(), mSetUp.options.observing.allowed);
+    StartRecord(mSetUp.options.observing.record);
     mDatarefs = std::make_unique<DatarefNames>();
     for (const auto &[plugin, milliseconds] : mSetUp.budgets)
         mObservers->Times().SetBudget(plugin, milliseconds);
@@ -41,6 +42,16 @@ void SessionRunner::Start() {
     SetPlace(mName + ": loading the plugins");
     StartPlugins(*mSimulator);
     mLoaded = true;
+}
+
+void SessionRunner::StartRecord(const std::string &file) {
+    if (file.empty())
+        return;
+    mRecord = std::make_unique<Record>(file);
+    mObservers->Loaded().OnFault(
+        [this](const std::string &path, const std::string &fault) { mRecord->AddFault(path, fault); });
+    if (mChecker)
+        mChecker->Found().OnNew([this](const Finding &finding) { mRecord->Add(finding); });
 }
 
 void SessionRunner::Do(const Step &step) {
@@ -66,6 +77,8 @@ void SessionRunner::Do(const Step &step) {
     if (failure.why.empty())
         return;
     ++mFailed;
+    if (mRecord)
+        mRecord->AddFailure(step.text, failure.why);
     const std::string column = failure.column > 0 ? ":" + std::to_string(failure.column) : "";
     const std::string line = mName + ":" + std::to_string(step.line) + column + ": frame " +
                              std::to_string(mSimulator->frame) + ": " + step.text + ": " +
@@ -78,6 +91,8 @@ void SessionRunner::Do(const Step &step) {
 
 int SessionRunner::Finish() {
     SetPlace(mName + ": the end of the session");
+    if (mLoaded && mRecord)
+        mRecord->Add(TakeInventory(*mSimulator, mObservers->Owners()));
     if (mLoaded)
         Unload();
     if (mObservers) {
@@ -89,6 +104,8 @@ int SessionRunner::Finish() {
     }
     if (mChecker && mChecker->PrintReport() != 0)
         ++mFailed;
+    if (mRecord)
+        mRecord->End(mChecker ? mChecker->Found().All() : std::vector<Finding>());
     if (const std::string note = mSetUp.FilesNote(); !note.empty())
         std::printf("%s: %s\n", mName.c_str(), note.c_str());
     std::printf("%s: %d frames, %d steps, %d expectations, %d failed\n", mName.c_str(),

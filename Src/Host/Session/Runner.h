@@ -3,6 +3,7 @@
 #ifndef AVSK_HOST_SESSION_RUNNER_H
 #define AVSK_HOST_SESSION_RUNNER_H
 
+#include "Record.h"
 #include "SetUp.h"
 #include "Step.h"
 
@@ -42,12 +43,15 @@ class SessionRunner {
     void Unload();
 
   private:
+    void StartRecord(const std::string &file);
+
     SetUp mSetUp;
     const std::string &mName; // of the session, for messages
     std::unique_ptr<Simulator> mSimulator;
     std::unique_ptr<CallLog> mCalls;
     std::unique_ptr<Observers> mObservers;
     std::unique_ptr<Checker> mChecker; // if the options ask for it
+    std::unique_ptr<Record> mRecord;   // if the options ask for it
     std::unique_ptr<DatarefNames> mDatarefs;
     bool mLoaded = false;
     int mSteps = 0;

@@ -1,5 +1,6 @@
 // The step words of a session: each does what a user, the world or the
 // simulator does. The table at the end lists them.
+#include "DatarefReading.h"
 #include "DatarefWriting.h"
 #include "Forms.h"
 #include "LoadedPlugins.h"
@@ -12,6 +13,7 @@
 #include "Observing/DatarefValues.h"
 #include "Observing/Listings.h"
 
+#include "AVSK/AVSKDisplay.h"
 #include "AVSK/AVSKHost.h"
 #include "AVSK/AVSKPlugins.h"
 
@@ -87,6 +89,11 @@ Failure Frames(SessionRunner &run, const Step &step) {
 
 Failure Seconds(SessionRunner &run, const Step &step) {
     run.RunFrames(static_cast<int>(std::clamp(std::round(Number(step[0]) * run.Sim().options.fps), 1.0, 1e9)));
+    return {};
+}
+
+Failure Lag(SessionRunner &run, const Step &step) {
+    run.Sim().RunFrame(Number(step[0]));
     return {};
 }
 
@@ -289,6 +296,39 @@ Failure SetDataref(SessionRunner &run, const Step &step) {
     return WriteDataref(target, step);
 }
 
+Failure ReadDatarefBy(SessionRunner &run, const Step &step) {
+    constexpr int kMost = 1 << 20;
+    AVSKDataRef ref = FindPublished(step[0]);
+    if (!ref)
+        return {NoDataref(run, step[0]), step.words[0].column};
+    const int offset = step.Count() > 2 ? Integer(step[2]) : 0;
+    const int count = step.Count() > 3 ? Integer(step[3]) : 0;
+    if (count > kMost)
+        return {"at most 1048576 elements can be read", step.words[3].column};
+    std::printf("%s by %s = %s\n", step[0].c_str(), step[1].c_str(), ReadBy(step[1], ref, offset, count).c_str());
+    std::fflush(stdout);
+    return {};
+}
+
+// All windows of a plugin, or one by its place in the order of their creation.
+Failure SetVisible(SessionRunner &run, const Step &step, int visible) {
+    const AVSKPluginID plugin = FindPlugin(step[0]);
+    if (plugin == NO_PLUGIN_ID)
+        return NoPlugin(step[0]);
+    const std::vector<Possession> windows = run.Observing().Owners().OwnedBy(plugin, Kind::Window);
+    const std::size_t only = step.Count() > 1 ? static_cast<std::size_t>(Integer(step[1])) : 0;
+    if (windows.empty() || only > windows.size())
+        return "the plugin has " + (windows.empty() ? "no" : std::to_string(windows.size())) + " windows";
+    for (std::size_t i = 0; i < windows.size(); ++i) {
+        if ((only == 0 || i + 1 == only) && Exists(windows[i])) // an earlier one may have destroyed it
+            AVSKSetWindowIsVisible(static_cast<AVSKWindowID>(const_cast<void *>(windows[i].handle)), visible);
+    }
+    return {};
+}
+
+Failure ShowWindow(SessionRunner &run, const Step &step) { return SetVisible(run, step, 1); }
+Failure HideWindow(SessionRunner &run, const Step &step) { return SetVisible(run, step, 0); }
+
 Failure TakeScreenshot(SessionRunner &run, const Step &step) {
     const std::string folder = std::filesystem::path(step[0]).parent_path().string();
     if (!step[0].ends_with(".png") || access(folder.empty() ? "." : folder.c_str(), W_OK) != 0)
@@ -373,6 +413,7 @@ std::span<const Form> StepForms() {
     static constexpr Form kForms[] = {
         {"frames", "COUNT", "runs so many frames", Frames},
         {"seconds", "NUMBER", "runs the frames of so many simulated seconds", Seconds},
+        {"lag", "NUMBER", "runs one frame that takes so many seconds", Lag},
         {"move", "POINT", "moves the mouse; y points upward", Move},
         {"press", "", "presses the mouse button", Press},
         {"release", "", "releases the mouse button", Release},
@@ -404,10 +445,16 @@ std::span<const Form> StepForms() {
         {"reload", "", "unloads and loads all plugins, in a frame", Reload},
         {"set", "NAME VALUE+", "writes a dataref: a number, numbers or a text; NAME[3] is an element", SetDataref},
         {"get", "NAME", "prints the value of a dataref; NAME[3] is an element", Get},
+        {"read", "NAME int|float|double|ints|floats|data [INTEGER] [COUNT]",
+         "prints what one accessor of a dataref returns; of an array so many elements from an offset, or its length",
+         ReadDatarefBy},
         {"datarefs", "[PATTERN]", "prints all datarefs, or those whose names match", PrintDatarefs},
         {"windows", "", "prints the windows of plugins", PrintWindows},
         {"menus", "", "prints the menus", PrintMenus},
         {"commands", "[PATTERN]", "prints all commands, or those whose names match", PrintCommands},
+        {"show", "PLUGIN [COUNT]", "shows the windows of a plugin, or one by its number in the order of creation",
+         ShowWindow},
+        {"hide", "PLUGIN [COUNT]", "hides the windows of a plugin, or one of them", HideWindow},
         {"screenshot", "FILE", "runs a frame and writes what the screen then shows to a .png file", TakeScreenshot},
         {"mark", "", "later 'expect log' and 'expect call' look back to this line only", Mark, kAlsoAfterUnload},
         {"ps", "[PLUGIN]", "prints what the plugins, or this one, own; after 'unload' what they left behind",

@@ -23,13 +23,23 @@ std::optional<T> Read(std::string_view text) {
 
 constexpr int kKeyCodes = 256;
 
-// Empty if there is no such key.
+} // namespace
+
 std::string_view KeyName(int code) {
     const char *name = AVSKGetVirtualKeyDescription(static_cast<char>(code));
     return name ? name : "";
 }
 
-} // namespace
+std::string Written(std::string_view text) {
+    std::string written = "\"";
+    for (const char c : text) {
+        if (c == '\n' || c == '\t')
+            written += c == '\n' ? "\\n" : "\\t";
+        else
+            written.append(c == '"' || c == '\\' ? "\\" : "").push_back(c);
+    }
+    return written + '"';
+}
 
 std::optional<double> ReadNumber(std::string_view text) {
     const auto number = Read<double>(text);

@@ -24,6 +24,11 @@ std::vector<int> Integers(std::string_view text); // X,Y or L,T,R,B or WxH
 // A virtual key code by the library's name of the key, in any case; 0 if there is none.
 int KeyCode(std::string_view name);
 std::vector<std::string> KeyNames();
+// The name of a virtual key code; empty if there is no such key.
+std::string_view KeyName(int code);
+
+// A text as a word of a session: in quotes, with escapes.
+std::string Written(std::string_view text);
 
 } // namespace host
 
