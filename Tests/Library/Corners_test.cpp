@@ -419,7 +419,6 @@ TEST_F(Corners, WhatAHostCreatedForAPluginThatItUnloadsIsGivenBack) {
     host.on.appendMenuItem = [&](void *, int, const char *, int) { return unload(), 7; };
     const auto menu = [] { return AVSKCreateMenu("M", AVSKFindPluginsMenu(), 0, Nothing, nullptr) == nullptr; };
     const auto topMenu = [] { return !AVSKCreateMenu("M", nullptr, 0, Nothing, nullptr) && AVSKMenuHook(7) == 1; };
-    world.StartQuietly();
     for (const auto &[isNull, size, last] : Table<std::function<bool()>, int, std::string>{
              {[] { return AVSKLoadObject("o") == nullptr; }, 288, "unloadObject(pointer)"},
              {[] { return AVSKCreateProbe(0) == nullptr; }, 288, "stop air"},
@@ -428,11 +427,13 @@ TEST_F(Corners, WhatAHostCreatedForAPluginThatItUnloadsIsGivenBack) {
              {menu, 284, "stop air"}, // an old host has no service for it
              {topMenu, 288, "removeMenuItem(pointer, 0)"}}) {
         host.table.sizeInBytes = size;
+        world.StartQuietly();
         World::LoadAircraft();
         unloads = true;
         air.Run([&, &create = isNull] { EXPECT_TRUE(create()); });
         unloads = false;
         EXPECT_EQ(Take().back(), last);
+        world.Stop();
     }
     host.table.sizeInBytes = 288;
 }

@@ -40,10 +40,10 @@ class AVSKCallbackSequence {
         Reclaim();
     }
 
-    // True if an item satisfies pred, also one that was erased during a call under way.
     template <class Pred>
     bool Any(Pred pred) const {
-        return std::any_of(entries.begin(), entries.end(), [&pred](const Entry &entry) { return pred(entry.item); });
+        return std::any_of(entries.begin(), entries.end(),
+                           [&pred](const Entry &entry) { return !entry.erased && pred(entry.item); });
     }
 
     // These two call visit(item) until it returns false, and return false then.
