@@ -191,6 +191,7 @@ void Unmap(const PluginShare &record) {
     const int id = record->id;
     if (PluginAt(id) != record.get())
         return; // re-entered: the inner call unmapped the library
+    const AVSKScopedValue unmapping(record->unmapping, true);
     if (!StDispatchCallback::ReleaseLibrary(id, std::exchange(record->handle, nullptr)))
         return;
     record->errorCallback = nullptr;
@@ -462,11 +463,11 @@ int LoadOnePlugin(const std::string &path, int reportMissing) {
 void UnloadOnePlugin(int id) {
     const PluginShare record = SharePlugin(id);
     if (record->unloaded) {
-        // Re-entered. Without a handle its static destructors may be running, and
-        // its ID may be given away before they return.
+        // Re-entered. Without a handle its library may be being unmapped, and its
+        // ID may be given away before that ends.
         if (record->handle)
             Unmap(record);
-        else if (!StDispatchCallback::ReleaseLibrary(id, nullptr) && AnyModuleHolds(id))
+        else if ((!StDispatchCallback::ReleaseLibrary(id, nullptr) || record->unmapping) && AnyModuleHolds(id))
             CleanUp(*record);
         return;
     }

@@ -31,6 +31,7 @@ struct PluginRecord {
     AVSKDeliveryHead pendingDeliveries;  // the host has not completed them
     AVSKDeliveryHead deferredDeliveries; // completed while the plugin was disabled
     bool unloaded = false;               // the record only reserves its ID
+    bool unmapping = false;              // its static destructors, or the clean-up after them, are running
     int id = NO_PLUGIN_ID;
 };
 
