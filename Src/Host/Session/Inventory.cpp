@@ -46,6 +46,8 @@ std::vector<std::string> HotKeys() {
 
 void AddDatarefs(const Ledger &owners, AVSKPluginID plugin, Inventory &inventory) {
     for (const Possession &owned : owners.OwnedBy(plugin, Kind::Dataref)) {
+        if (owned.what.empty())
+            continue;
         AVSKDataRef ref = FindPublished(owned.what);
         Inventory::Dataref dataref{owned.what, {}, AVSKCanWriteDataRef(ref) != 0};
         for (const Accessor &accessor : Accessors()) {
@@ -77,8 +79,10 @@ Inventory TakeInventory(const Simulator &simulator, const Ledger &owners) {
             inventory.windows.push_back(window.place);
             ++inventory.plugins.back().windows;
         }
-        for (const Possession &command : owners.OwnedBy(plugin, Kind::Command))
-            inventory.commands.push_back(command.what);
+        for (const Possession &command : owners.OwnedBy(plugin, Kind::Command)) {
+            if (!command.what.empty()) // no session can name it
+                inventory.commands.push_back(command.what);
+        }
         AddDatarefs(owners, plugin, inventory);
     }
     for (const Menu *menu : simulator.menus.Bar())
