@@ -122,8 +122,10 @@ struct WatchTest : testing::Test {
 
 #ifdef __SANITIZE_ADDRESS__
 constexpr bool kIsSanitized = true;
+constexpr int kRounds = 16;
 #else
 constexpr bool kIsSanitized = false;
+constexpr int kRounds = 30;
 #endif
 constexpr const char *kEnd = " s\n"; // of the last line of a round
 
@@ -133,7 +135,7 @@ TEST_F(WatchTest, RoundsTellWhatChangedAndLeaveNothing) {
     std::string child;
     long resident = 0;
     std::ptrdiff_t mappings = 0;
-    for (int round = 1; round <= 30; ++round) {
+    for (int round = 1; round <= kRounds; ++round) {
         const bool isFirst = round % 2 == 0;
         const Clock::time_point built = Clock::now();
         Install(round == 10 ? "CRASHES" : isFirst ? "FIRST" : "SECOND");
