@@ -172,6 +172,32 @@ TEST_F(Corners, WhatAStaticConstructorOrDestructorRegistersGoesWithItsFile) {
         dlclose(left), dlclose(left);
 }
 
+TEST_F(Corners, WhatAStaticDestructorRegistersGoesEvenIfTheHostRestartsDuringItsCleanUp) {
+    const std::string path = world.InstallDefective("Resources/plugins/C.avp", "Constructs");
+    Puppet &heir = world.InstallScenery("heir");
+    static int notices = 0;
+    gStatic = [](bool constructed, AVSKFlightLoop_f /*loop*/) {
+        if (constructed)
+            return;
+        AVSKCreateMenu("M", nullptr, 0, Nothing, nullptr);
+        AVSKShareData(
+            "x", AVSKDataTypeInt, [](void *) { ++notices; }, nullptr);
+    };
+    bool restarted = false;
+    host.on.destroyMenu = [&](void *) {
+        if (!std::exchange(restarted, true))
+            AVSKShutdownPlugins(), world.Start();
+    };
+    world.Start();
+    std::filesystem::remove(path);
+    world.Stop();
+    world.Start();
+    world.LoadScenery();
+    EXPECT_EQ(heir.Id(), 1);
+    AVSKSetDatai(AVSKFindDataRef("x"), 1);
+    EXPECT_EQ(notices, 0);
+}
+
 TEST_F(Corners, AHostMayShutDownInsideAStaticConstructorOrTheLog) {
     Puppet file;
     file.path = world.InstallDefective("Resources/plugins/C.avp", "ConstructsOnly");

@@ -152,14 +152,29 @@ TEST_F(Registry, StopIsCalledOnceThoughItEndsInUnloadingAgainOrAShutdown) {
 // Disabling throws. The cleanup then still notifies the window of its lost focus, after it has removed the
 // command handlers.
 TEST_F(Plugins, WhatALastCallRegistersAnewIsTakenToo) {
+    NoticePlayer losing;
     CommandPlayer command = [](AVSKCommandRef, int) { return Note("handled"), 1; };
-    NoticePlayer losing = [] { throw 1; };
     const auto key = [](AVSKWindowID, char, int, char, void *f, int) { (*static_cast<const NoticePlayer *>(f))(); };
-    a.stop = [&] { losing = [&] { AVSKRegisterCommandHandler(&host, a.code.command, 1, &command); }; };
-    a.Run([&] { AVSKTakeKeyboardFocus(AVSKCreateWindow(0, 1, 1, 0, 1, nullptr, key, nullptr, &losing)); });
-    EXPECT_THROW(world.Stop(), int);
-    AVSKCommandHook(&host, 1, 0, 1);
-    EXPECT_TRUE(TakeCalls().ends_with("stop A; stop B; stop air"));
+    const AVSKPlanesAvailable_f offered = [](void *) { throw 3; };
+    for (const bool throws : {false, true}) { // it throws again, then the host, which is offered the planes
+        Restart();
+        losing = [] { throw 1; };
+        a.stop = [&] {
+            losing = [&] { AVSKRegisterCommandHandler(&host, a.code.command, 1, &command), throws ? throw 2 : 0; };
+        };
+        a.Run([&] {
+            AVSKAcquirePlanes(nullptr, nullptr, nullptr);
+            Publish("mine");
+            AVSKTakeKeyboardFocus(AVSKCreateWindow(0, 1, 1, 0, 1, nullptr, key, nullptr, &losing));
+        });
+        if (throws)
+            AVSKAcquirePlanes(nullptr, offered, nullptr);
+        EXPECT_THROW(world.Stop(), int);
+        AVSKCommandHook(&host, 1, 0, 1);
+        EXPECT_TRUE(TakeCalls().ends_with("stop A; stop B; stop air"));
+        EXPECT_EQ(AVSKFindDataRef("mine"), nullptr);
+        EXPECT_FALSE(a.IsMapped());
+    }
 }
 
 // ---- Reload

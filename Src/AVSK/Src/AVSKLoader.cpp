@@ -59,13 +59,6 @@ bool AnyModuleHolds(int id) {
                        [id](const ModuleTeardown &module) { return module.holds(id); });
 }
 
-// Ends when the host starts the library anew meanwhile: the ID is another plugin's.
-void CleanUp(const PluginRecord &record) {
-    for (const ModuleTeardown &module : kTeardown)
-        if (PluginAt(record.id) == &record)
-            module.cleanUp(record.id);
-}
-
 bool gIsUnloadingAll = false;
 int gLives = 0; // counts starts and shutdowns of the library
 
@@ -120,6 +113,17 @@ class LastCalls {
 };
 
 namespace {
+
+// Calls every clean-up function even if one throws: the planes are offered to
+// other plugins. Ends when the host starts the library anew meanwhile: the ID is
+// another plugin's.
+void CleanUp(const PluginRecord &record) {
+    LastCalls calls;
+    for (const ModuleTeardown &module : kTeardown)
+        if (PluginAt(record.id) == &record)
+            calls.Make([&] { module.cleanUp(record.id); });
+    calls.Rethrow();
+}
 
 // ---- Loading
 
@@ -488,7 +492,7 @@ void UnloadOnePlugin(int id) {
         // A last call, such as to a window that lost the focus, may have thrown
         // or registered something. From here on the plugin is not called.
         if (calls.Thrown() || AnyModuleHolds(id))
-            CleanUp(*record);
+            calls.Make([&record] { CleanUp(*record); });
         AbandonDeliveries(*record); // requested by the stop call
         Unmap(record);
     }
