@@ -114,9 +114,9 @@ class LastCalls {
 
 namespace {
 
-// Calls every clean-up function even if one throws: the planes are offered to
-// other plugins. Ends when the host starts the library anew meanwhile: the ID is
-// another plugin's.
+// Calls every clean-up function even if one throws: one of them offers the planes
+// to other plugins, which may throw. Ends when the host starts the library anew
+// meanwhile: the ID is another plugin's.
 void CleanUp(const PluginRecord &record) {
     LastCalls calls;
     for (const ModuleTeardown &module : kTeardown)
