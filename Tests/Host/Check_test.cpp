@@ -69,11 +69,19 @@ TEST(Check, EachRuleIsFoundInItsOwnMisfitOnly) {
         {Misfit("HANGS"), {"run-hang"}, 3},
         {Misfit("GROWS") + " --scenario reload", {"memory-grows"}, 1},
     };
+    const std::string list = RunAvsk("explain").said;
+    Rules listed;
+    static const std::regex row(R"(\n  ((?:file|run|memory)-[a-z-]+) )");
+    for (std::sregex_iterator match(list.begin(), list.end(), row); match != std::sregex_iterator(); ++match)
+        listed.insert((*match)[1]);
+    Rules inhabited;
     for (const auto &[arguments, rules, status] : misfits) {
+        inhabited.insert(rules.begin(), rules.end());
         const AvskRun run = Check("--level 3 " + arguments);
         EXPECT_EQ(RulesIn("\n" + run.said), rules) << run.said;
         EXPECT_EQ(run.status, status) << run.said;
     }
+    EXPECT_EQ(inhabited, listed) << "each rule about files and runs has a misfit";
 }
 
 TEST(Check, SamplesPass) {

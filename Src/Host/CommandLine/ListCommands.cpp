@@ -34,7 +34,7 @@ struct Request {
 constexpr const char *kListsHelp = R"(
 Without --root and --plugin, the plugins of ./Resources/plugins are loaded; without that folder, no plugin.
 
-Exit status: 0; 1 if an exception of a plugin ended the run; 2 if no name matches or a plugin that was named does not
+Exit status: 0; 1 if --check found an error or an exception of a plugin ended the run; 2 if no name matches or a plugin that was named does not
 exist; 3 if a plugin ended the run in another way.)";
 
 // A command that runs the plugins for a while and then prints a list.
@@ -46,6 +46,7 @@ void AddListCommand(CLI::App &app, Job &job, const std::string &name, const std:
     CLI::Option *const root = AddRoot(*command, request->options.simulator.root);
     AddPlugins(*command, request->options.plugins, "load only this plugin; can be repeated");
     AddFrames(*command, request->options.simulator.frames);
+    AddCheck(*command, request->options.observing);
     command->footer(footer + "\n\nExamples:\n  avsk " + name + " sim/\n  avsk " + name +
                     " --root sim --plugin Lights 'lights/*'\n" + kListsHelp);
     command->callback([request, root, list, &job] {

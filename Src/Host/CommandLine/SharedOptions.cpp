@@ -6,6 +6,12 @@
 
 namespace host {
 
+namespace {
+
+constexpr const char *kObserving = "Observing"; // the heading of these options
+
+} // namespace
+
 const CLI::Validator &PositiveNumber() {
     static const CLI::Validator validator(
         [](const std::string &text) {
@@ -55,12 +61,16 @@ void AddPattern(CLI::App &command, std::string &pattern) {
         ->type_name("");
 }
 
-void AddObservingOptions(CLI::App &command, ObservingOptions &options) {
-    const char *group = "Observing";
+void AddCheck(CLI::App &command, ObservingOptions &options) {
     command
         .add_flag("--check", options.check,
                   "tell what plugins do wrong by the rules that 'avsk explain' lists, and fail on errors")
-        ->group(group);
+        ->group(kObserving);
+}
+
+void AddObservingOptions(CLI::App &command, ObservingOptions &options) {
+    const char *group = kObserving;
+    AddCheck(command, options);
     CLI::Option *trace =
         command
             .add_option("--trace", options.trace.file,

@@ -23,7 +23,9 @@ CLI::Option *AddFrames(CLI::App &command, int &frames);
 CLI::Option *AddPlugins(CLI::App &command, std::vector<std::string> &plugins, const std::string &help);
 // Selects names; see SelectNames().
 void AddPattern(CLI::App &command, std::string &pattern);
-// The options of the observers.
+// Judges the plugins by the rules.
+void AddCheck(CLI::App &command, ObservingOptions &options);
+// The options of the observers, --check included.
 void AddObservingOptions(CLI::App &command, ObservingOptions &options);
 
 void PrintLines(const std::vector<std::string> &lines);

@@ -253,8 +253,12 @@ void DatarefChecks::AfterLookUp(const Crossing &crossing) {
     }
 }
 
-// A plugin that is loaded again looks its datarefs up again.
+// A plugin that is loaded again looks its datarefs up again. It has its name now.
 void DatarefChecks::AfterStart(const Crossing &crossing) {
+    for (auto &[caller, miss] : mMisses) {
+        if (std::get<0>(caller) == crossing.plugin)
+            miss.finding.plugin = crossings::LabelOf(crossing.plugin);
+    }
     std::erase_if(mLookUps, [&crossing](const auto &each) { return std::get<0>(each.first) == crossing.plugin; });
 }
 
