@@ -21,12 +21,14 @@
 #include <fstream>
 #include <memory>
 #include <mutex>
+#include <span>
 #include <string_view>
 #include <system_error>
 #include <thread>
 #include <utility>
 
 #include <cxxabi.h>
+#include <execinfo.h>
 
 namespace host {
 namespace {
@@ -51,7 +53,26 @@ std::mutex gForeignMutex;
 std::map<ForeignKey, ForeignCall> &gForeign = *new std::map<ForeignKey, ForeignCall>;
 std::atomic<bool> gHasForeign = false;
 
-// The source line is looked up without the lock, for which the main thread may wait.
+// The lines of a file that lead to the present call, the innermost first:
+// "Radio.cpp:12, called from Radio.cpp:40". Empty without debug information.
+std::string StackIn(const std::string &file) {
+    constexpr int kMost = 5;
+    std::array<void *, 64> addresses{};
+    const auto depth = static_cast<std::size_t>(backtrace(addresses.data(), static_cast<int>(addresses.size())));
+    std::string stack;
+    int lines = 0;
+    for (void *address : std::span(addresses).first(depth)) {
+        const char *of = FileAt(address);
+        const std::string line = of && file == of && lines < kMost ? SourceLineOf(address) : "";
+        if (line.empty())
+            continue;
+        ++lines;
+        stack += (stack.empty() ? "" : ", called from ") + line;
+    }
+    return stack;
+}
+
+// The source lines are looked up without the lock, for which the main thread may wait.
 void NoteForeignCall(const crossings::Prototype &function) {
     const std::string_view name = function.name;
     if (name == "AVSKAllocTLS" || name == "AVSKGetTLS" || name == "AVSKSetTLS")
@@ -71,7 +92,7 @@ void NoteForeignCall(const crossings::Prototype &function) {
         }
         call->second.file = file;
     }
-    const std::string source = SourceLineOf(caller.address);
+    const std::string source = StackIn(file);
     const std::lock_guard lock(gForeignMutex);
     ForeignCall &call = gForeign[key];
     call.source = source;

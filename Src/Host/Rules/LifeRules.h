@@ -27,8 +27,7 @@ inline constexpr Rule kLifeRules[] = {
     {"call-thread", Level::Error, "was called on a thread other than the host's",
      "Queue the work, and make the call in a flight loop or another callback.",
      "The library takes no locks, and the host's services expect its main thread. Only AVSKAllocTLS(), AVSKGetTLS() "
-     "and "
-     "AVSKSetTLS() may be called on any thread. The line is that of the thread's own stack."},
+     "and AVSKSetTLS() may be called on any thread. The lines are the plugin's part of that thread's stack."},
     {"left-behind", Level::Note, "leaves to the library what it still owns after AVPluginStop: {things}",
      "Release it in AVPluginStop, if the plugin should be complete; 'avsk ps' lists it.",
      "The library removes what a plugin still owns when its AVPluginStop returns, so this is no fault. Only a plugin "
