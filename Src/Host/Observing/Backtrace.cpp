@@ -202,6 +202,18 @@ std::string SourceLineOf(const void *address) {
 
 const char *FileAt(const void *address) { return FrameAt(reinterpret_cast<std::uintptr_t>(address)).file; }
 
+std::vector<void *> ReturnAddressesIn(std::string_view file) {
+    std::array<void *, 64> addresses{};
+    const auto depth = static_cast<std::size_t>(backtrace(addresses.data(), static_cast<int>(addresses.size())));
+    std::vector<void *> inFile;
+    for (void *address : std::span(addresses).first(depth)) {
+        const char *of = FileAt(address);
+        if (of && file == of)
+            inFile.push_back(address);
+    }
+    return inFile;
+}
+
 Caller CallerOfProgram() {
     std::array<void *, 64> addresses{};
     const auto depth = static_cast<std::size_t>(backtrace(addresses.data(), static_cast<int>(addresses.size())));

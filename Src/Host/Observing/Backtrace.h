@@ -7,6 +7,8 @@
 #include <cstdint>
 #include <span>
 #include <string>
+#include <string_view>
+#include <vector>
 
 #include <ucontext.h>
 
@@ -40,11 +42,15 @@ Stack StackOf(std::span<void *const> addresses);
 void WriteStack(const Stack &stack);
 
 // "Pilot.cpp:58" for a return address; empty if the file has no such information.
-// Runs addr2line the first time for each address; the file must be loaded.
+// Runs addr2line; the file must be loaded.
 std::string SourceLineOf(const void *address);
 
 // The file that an address belongs to; null if there is none.
 const char *FileAt(const void *address);
+
+// The return addresses of the calling thread's stack that lie in a file, the
+// innermost first.
+std::vector<void *> ReturnAddressesIn(std::string_view file);
 
 // The code outside of this program that called it, on the calling thread: a
 // return address in the innermost plugin, or else in the innermost file.

@@ -48,12 +48,6 @@ class TextStart {
     std::size_t mSize = 0;
 };
 
-std::string Hexadecimal(const void *pointer) {
-    crossings::Line line;
-    line.AddHex(reinterpret_cast<std::uintptr_t>(pointer));
-    return std::string(line.Text());
-}
-
 std::string NumberText(double value) {
     return std::isnan(value) ? "not a number" : value > 0 ? "infinite" : "minus infinite";
 }

@@ -12,8 +12,6 @@
 #include "AVSK/AVSKDataAccess.h"
 
 #include <algorithm>
-#include <array>
-#include <cstdio>
 #include <iterator>
 #include <string_view>
 #include <utility>
@@ -56,12 +54,6 @@ bool IsPerFrame(const Crossing &code) {
     static constexpr std::string_view kPerFrame[] = {"AVSKFlightLoop_f", "AVSKDrawCallback_f", "AVSKDrawWindow_f",
                                                      "AVSKCameraControl_f"};
     return std::find(std::begin(kPerFrame), std::end(kPerFrame), code.what.name) != std::end(kPerFrame);
-}
-
-std::string Hexadecimal(const void *pointer) {
-    std::array<char, 16> text{};
-    std::snprintf(text.data(), text.size(), "%p", pointer);
-    return text.data();
 }
 
 } // namespace

@@ -5,14 +5,11 @@
 
 #include "Crossings/Callback.h"
 #include "Crossings/Format.h"
+#include "Crossings/Line.h"
 #include "Observing/Backtrace.h"
 
 #include <algorithm>
-#include <array>
 #include <set>
-#include <span>
-
-#include <execinfo.h>
 
 namespace host {
 namespace {
@@ -30,13 +27,8 @@ std::string SourceOf(const Crossing &crossing) {
     if (code == &crossing)
         return SourceLineOf(function + 1);
     const char *file = FileAt(function);
-    std::array<void *, 64> addresses{};
-    const auto depth = static_cast<std::size_t>(backtrace(addresses.data(), static_cast<int>(addresses.size())));
-    for (void *address : std::span(addresses).first(depth)) {
-        if (file && FileAt(address) == file)
-            return SourceLineOf(address);
-    }
-    return "";
+    const std::vector<void *> addresses = file ? ReturnAddressesIn(file) : std::vector<void *>();
+    return addresses.empty() ? "" : SourceLineOf(addresses.front());
 }
 
 // Equal for occurrences of one finding.
@@ -79,6 +71,12 @@ const Crossing *PluginCodeOf(const Crossing &crossing) {
     while (code && code->to != Side::Plugin)
         code = code->outer;
     return code;
+}
+
+std::string Hexadecimal(const void *pointer) {
+    crossings::Line line;
+    line.AddHex(reinterpret_cast<std::uintptr_t>(pointer));
+    return std::string(line.Text());
 }
 
 std::string Quoted(std::string_view text) { return '"' + std::string(text) + '"'; }

@@ -91,6 +91,8 @@ const crossings::Crossing *PluginCodeOf(const crossings::Crossing &crossing);
 
 // The text of a value in a finding, in quotes: a name that a plugin gave.
 std::string Quoted(std::string_view text);
+// Likewise an address.
+std::string Hexadecimal(const void *pointer);
 
 } // namespace host
 

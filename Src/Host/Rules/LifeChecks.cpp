@@ -21,14 +21,12 @@
 #include <fstream>
 #include <memory>
 #include <mutex>
-#include <span>
 #include <string_view>
 #include <system_error>
 #include <thread>
 #include <utility>
 
 #include <cxxabi.h>
-#include <execinfo.h>
 
 namespace host {
 namespace {
@@ -57,13 +55,10 @@ std::atomic<bool> gHasForeign = false;
 // "Radio.cpp:12, called from Radio.cpp:40". Empty without debug information.
 std::string StackIn(const std::string &file) {
     constexpr int kMost = 5;
-    std::array<void *, 64> addresses{};
-    const auto depth = static_cast<std::size_t>(backtrace(addresses.data(), static_cast<int>(addresses.size())));
     std::string stack;
     int lines = 0;
-    for (void *address : std::span(addresses).first(depth)) {
-        const char *of = FileAt(address);
-        const std::string line = of && file == of && lines < kMost ? SourceLineOf(address) : "";
+    for (void *address : ReturnAddressesIn(file)) {
+        const std::string line = lines < kMost ? SourceLineOf(address) : "";
         if (line.empty())
             continue;
         ++lines;

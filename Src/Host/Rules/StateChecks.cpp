@@ -26,7 +26,7 @@ using crossings::CallState;
 using crossings::Crossing;
 using ProcessState = StateChecks::ProcessState;
 
-std::string Hexadecimal(std::uintptr_t number) {
+std::string HexDigits(std::uintptr_t number) {
     std::array<char, 16> text{};
     std::snprintf(text.data(), text.size(), "0x%04x", static_cast<unsigned>(number));
     return text.data();
@@ -66,7 +66,7 @@ std::string ActionOf(const struct sigaction &action) {
     const auto handler = reinterpret_cast<std::uintptr_t>(action.sa_handler);
     if (action.sa_handler == SIG_IGN)
         return "to ignore it";
-    return action.sa_handler == SIG_DFL ? "" : Hexadecimal(handler);
+    return action.sa_handler == SIG_DFL ? "" : HexDigits(handler);
 }
 
 ProcessState ReadProcess() {
@@ -140,10 +140,10 @@ void StateChecks::Ends(const Crossing &crossing) {
 void StateChecks::CompareCall(const Crossing &crossing, const CallState &before, const CallState &after) {
     if (after.x87 != before.x87)
         mFindings.Add(Named(kStateRules, "state-x87"), crossing,
-                      {{"after", Hexadecimal(after.x87)}, {"before", Hexadecimal(before.x87)}});
+                      {{"after", HexDigits(after.x87)}, {"before", HexDigits(before.x87)}});
     if (after.mxcsr != before.mxcsr)
         mFindings.Add(Named(kStateRules, "state-mxcsr"), crossing,
-                      {{"after", Hexadecimal(after.mxcsr)}, {"before", Hexadecimal(before.mxcsr)}});
+                      {{"after", HexDigits(after.mxcsr)}, {"before", HexDigits(before.mxcsr)}});
     if (after.isBackward)
         mFindings.Add(Named(kStateRules, "state-direction"), crossing);
     if (after.blocked != before.blocked)

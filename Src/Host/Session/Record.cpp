@@ -84,17 +84,16 @@ Record::Record(const std::string &file)
 
 Record::~Record() { close(mFile); }
 
+Json FindingJson(const Finding &finding) {
+    return {{"rule", finding.rule->id},   {"plugin", finding.plugin}, {"function", finding.function},
+            {"subject", finding.subject}, {"text", finding.text},     {"callback", finding.callback},
+            {"source", finding.source},   {"frame", finding.frame},   {"count", finding.count}};
+}
+
 void Record::Add(const Finding &finding) {
-    Write(mFile, {{"kind", "finding"},
-                  {"rule", finding.rule->id},
-                  {"plugin", finding.plugin},
-                  {"function", finding.function},
-                  {"subject", finding.subject},
-                  {"text", finding.text},
-                  {"callback", finding.callback},
-                  {"source", finding.source},
-                  {"frame", finding.frame},
-                  {"count", finding.count}});
+    Json object = FindingJson(finding);
+    object["kind"] = "finding";
+    Write(mFile, object);
 }
 
 void Record::Add(const Inventory &inventory) {

@@ -8,10 +8,15 @@
 
 #include "Rules/Findings.h"
 
+#include <nlohmann/json_fwd.hpp>
+
 #include <string>
 #include <vector>
 
 namespace host {
+
+// What a record and `avsk check --json` both say of a finding.
+nlohmann::json FindingJson(const Finding &finding);
 
 class Record {
   public:

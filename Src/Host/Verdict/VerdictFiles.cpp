@@ -2,6 +2,7 @@
 #include "Verdict.h"
 
 #include "Rules/RuleTable.h"
+#include "Session/Record.h"
 
 #include <nlohmann/json.hpp>
 
@@ -32,20 +33,12 @@ const char *WordOf(ScenarioRun::Result result) {
 
 Json JsonOf(const Found &found, const Verdict &verdict) {
     const Finding &finding = found.finding;
-    Json object = {{"rule", finding.rule->id},
-                   {"level", LevelWord(finding.rule->level)},
-                   {"fails", verdict.Counts(finding)},
-                   {"plugin", finding.plugin},
-                   {"function", finding.function},
-                   {"subject", finding.subject},
-                   {"text", finding.text},
-                   {"callback", finding.callback},
-                   {"source", finding.source},
-                   {"frame", finding.frame},
-                   {"count", finding.count},
-                   {"advice", finding.rule->advice},
-                   {"scenarios", found.scenarios},
-                   {"repeat", found.repeat}};
+    Json object = FindingJson(finding);
+    object["level"] = LevelWord(finding.rule->level);
+    object["fails"] = verdict.Counts(finding);
+    object["advice"] = finding.rule->advice;
+    object["scenarios"] = found.scenarios;
+    object["repeat"] = found.repeat;
     if (!found.report.empty())
         object["report"] = found.report;
     if (!found.session.empty())
