@@ -19,7 +19,7 @@
 namespace host {
 namespace {
 
-struct Request {
+struct CheckRequest {
     CheckOptions options;
     std::string json;
     std::string junit;
@@ -34,7 +34,7 @@ std::ofstream Open(const std::string &option, const std::string &file) {
     return stream;
 }
 
-int Do(const Request &request) {
+int Do(const CheckRequest &request) {
     if (request.options.paths.empty())
         throw UsageError("check: name a plugin, a folder of plugins, or a simulator's folder");
     if (request.options.inProcess)
@@ -83,7 +83,7 @@ was made; 3 if a plugin crashed or did not return.)";
 } // namespace
 
 void AddCheckCommand(CLI::App &app, Job &job) {
-    const auto request = std::make_shared<Request>();
+    const auto request = std::make_shared<CheckRequest>();
     CheckOptions &options = request->options;
     CLI::App *command = app.add_subcommand("check", "Judges plugins by the rules, from their files and in scenarios.");
     command

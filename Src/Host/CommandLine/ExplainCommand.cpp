@@ -16,12 +16,12 @@
 namespace host {
 namespace {
 
-struct Request {
+struct ExplainRequest {
     std::string id;
     bool markdown = false;
 };
 
-std::string List() {
+std::string ListRules() {
     std::string text;
     for (const RuleFamily &family : RuleFamilies()) {
         text += (text.empty() ? "" : "\n") + std::string(family.title) + "\n";
@@ -34,7 +34,7 @@ std::string List() {
     return text;
 }
 
-std::string Describe(const std::string &id) {
+std::string DescribeRule(const std::string &id) {
     const Rule *rule = FindRule(id);
     if (!rule) {
         const std::string nearest = DidYouMean(id, RuleIds());
@@ -47,7 +47,7 @@ std::string Describe(const std::string &id) {
 } // namespace
 
 void AddExplainCommand(CLI::App &app, Job &job) {
-    const auto request = std::make_shared<Request>();
+    const auto request = std::make_shared<ExplainRequest>();
     CLI::App *command = app.add_subcommand("explain", "Explains a rule of --check, or lists the rules.");
     command->add_option("RULE", request->id, "the word in parentheses in a finding; without it, a list of all rules")
         ->type_name("");
@@ -56,7 +56,9 @@ void AddExplainCommand(CLI::App &app, Job &job) {
                     "Exit status: 0, or 2 if there is no such rule.");
     command->callback([request, &job] {
         job = [request] {
-            ShowInPager(request->markdown ? RulesDocument() : request->id.empty() ? List() : Describe(request->id));
+            ShowInPager(request->markdown     ? RulesDocument()
+                        : request->id.empty() ? ListRules()
+                                              : DescribeRule(request->id));
             return 0;
         };
     });

@@ -17,7 +17,7 @@
 namespace host {
 namespace {
 
-std::string List() {
+std::string ListFunctions() {
     std::string text;
     std::string_view header;
     std::vector<std::vector<std::string>> rows;
@@ -39,7 +39,7 @@ std::string List() {
     return text;
 }
 
-std::string Describe(const std::string &name) {
+std::string DescribeFunction(const std::string &name) {
     const ReferenceEntry *entry = FindReference(name);
     if (!entry) {
         const std::string nearest = DidYouMean(name, ReferenceNames());
@@ -65,7 +65,7 @@ void AddFunctionsCommand(CLI::App &app, Job &job) {
         "  avsk functions | grep -i menu\n\nExit status: 0, or 2 if nothing has this name.");
     command->callback([name, &job] {
         job = [name] {
-            ShowInPager(name->empty() ? List() : Describe(*name));
+            ShowInPager(name->empty() ? ListFunctions() : DescribeFunction(*name));
             return 0;
         };
     });

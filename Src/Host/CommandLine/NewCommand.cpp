@@ -25,7 +25,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-struct Request {
+struct NewRequest {
     std::string name;
     std::string folder = ".";
     bool plainC = false;
@@ -87,7 +87,7 @@ void WriteFile(const fs::path &file, const std::string &text) {
         throw UsageError("new: cannot write '" + file.string() + "': look at the disk's space and permissions");
 }
 
-void MakeProject(const Request &request) {
+void MakeProject(const NewRequest &request) {
     CheckName(request.name);
     std::error_code error;
     if (!fs::is_directory(request.folder, error))
@@ -138,7 +138,7 @@ void MakeProject(const Request &request) {
 } // namespace
 
 void AddNewCommand(CLI::App &app, Job &job) {
-    const auto request = std::make_shared<Request>();
+    const auto request = std::make_shared<NewRequest>();
     CLI::App *command = app.add_subcommand("new", "Writes a plugin project to begin with.");
     command->add_option("NAME", request->name, "the plugin's name: letters, digits and underscores");
     CLI::Option *plainC = command->add_flag("--c", request->plainC, "in C");

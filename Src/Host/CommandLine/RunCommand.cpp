@@ -127,7 +127,7 @@ Screenshot ParseScreenshot(const std::string &text, int frames) {
     return shot;
 }
 
-struct Request {
+struct RunRequest {
     SessionOptions options;
     std::string aircraft; // its folder
     bool interactive = false;
@@ -138,7 +138,7 @@ struct Request {
 };
 
 // A session contains these itself, so they are refused together with one. Returns them.
-std::vector<CLI::Option *> AddRunOnlyOptions(CLI::App &run, Request &request) {
+std::vector<CLI::Option *> AddRunOnlyOptions(CLI::App &run, RunRequest &request) {
     SimulatorOptions &simulator = request.options.simulator;
     const std::vector<CLI::Option *> added{
         AddFrames(run, simulator.frames),
@@ -177,7 +177,7 @@ bool IsPlugin(const fs::path &path) {
 }
 
 // Tells a plugin from a session. Throws UsageError for options that do not belong together.
-void SortOut(Request &request, const std::vector<CLI::Option *> &runOnly) {
+void SortOut(RunRequest &request, const std::vector<CLI::Option *> &runOnly) {
     SessionOptions &options = request.options;
     if (!options.file.empty() && IsPlugin(options.file)) {
         options.plugins.push_back(fs::absolute(std::exchange(options.file, "")).string());
@@ -194,7 +194,7 @@ void SortOut(Request &request, const std::vector<CLI::Option *> &runOnly) {
     }
 }
 
-void ParsePlainOptions(Request &request) {
+void ParsePlainOptions(RunRequest &request) {
     SimulatorOptions &simulator = request.options.simulator;
     if (!request.options.keptRoot.empty())
         throw UsageError("--keep-root: belongs to a session: name one, or use --interactive");
@@ -216,7 +216,7 @@ int RunPlainly(SessionOptions options, const std::string &aircraft) {
     return RunFrames(std::move(run));
 }
 
-int WatchRuns(Request &request) {
+int WatchRuns(RunRequest &request) {
     if (request.interactive)
         throw UsageError("--watch: nobody can type a session again for each run: write it to a file instead of using "
                          "--interactive");
@@ -229,7 +229,7 @@ int WatchRuns(Request &request) {
                   }});
 }
 
-int Do(Request &request, char **argv) {
+int Do(RunRequest &request, char **argv) {
     if (request.words) {
         PrintSessionWords();
         return 0;
@@ -249,7 +249,7 @@ int Do(Request &request, char **argv) {
 } // namespace
 
 void AddRunCommand(CLI::App &app, Job &job, char **argv) {
-    const auto request = std::make_shared<Request>();
+    const auto request = std::make_shared<RunRequest>();
     SessionOptions &options = request->options;
     CLI::App *run = app.add_subcommand("run", "Loads the plugins, flies a number of frames and reports.");
     CLI::Option *const root = AddRoot(*run, options.simulator.root);
