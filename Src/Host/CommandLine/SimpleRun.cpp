@@ -3,6 +3,7 @@
 
 #include "Common/Terminal.h"
 #include "Observing/Observers.h"
+#include "Observing/SimulatedHost.h"
 #include "Rules/Checker.h"
 #include "Services/Lifetime.h"
 #include "Services/Simulator.h"
@@ -39,7 +40,7 @@ int RunFrames(SimpleRun run) {
     const auto simulator = std::make_unique<Simulator>(std::move(options.simulator));
     if (isTemporary || !run.namesRoot)
         simulator->console.Keep(simulator->options.root);
-    Observers observers(*simulator, options.observing);
+    Observers observers(std::make_unique<SimulatedHost>(*simulator), options.observing);
     std::optional<Checker> checker;
     if (options.observing.check)
         checker.emplace(simulator->frame, observers.Owners(), options.observing.allowed);

@@ -1,9 +1,10 @@
 // Applies the rules to the calls; see Ledger.h.
 #include "Ledger.h"
 
+#include "ObservedHost.h"
+
 #include "Crossings/Callback.h"
 #include "Crossings/Format.h"
-#include "Services/Simulator.h"
 
 #include "AVSK/AVSKPlugins.h"
 
@@ -68,7 +69,7 @@ bool IsSilent(const Possession &load) { return !load.otherKey.numbers.empty() &&
 
 } // namespace
 
-Ledger::Ledger(const Simulator &simulator) : mSimulator(simulator) { crossings::AddObserver(*this); }
+Ledger::Ledger(const ObservedHost &host) : mHost(host) { crossings::AddObserver(*this); }
 Ledger::~Ledger() { crossings::RemoveObserver(*this); }
 
 const std::vector<const LedgerRule *> &Ledger::RulesOf(const crossings::Prototype &function) {
@@ -79,7 +80,7 @@ const std::vector<const LedgerRule *> &Ledger::RulesOf(const crossings::Prototyp
 }
 
 void Ledger::Begins(const Crossing &crossing) {
-    const Call call{crossing, mSimulator, *this};
+    const Call call{crossing, mHost, *this};
     for (const LedgerRule *rule : RulesOf(crossing.what)) {
         if (rule->only && !rule->only(call))
             mRefusals.push_back({&crossing, rule});
@@ -89,7 +90,7 @@ void Ledger::Begins(const Crossing &crossing) {
 }
 
 void Ledger::Ends(const Crossing &crossing) {
-    const Call call{crossing, mSimulator, *this};
+    const Call call{crossing, mHost, *this};
     for (const LedgerRule *rule : RulesOf(crossing.what)) {
         const bool isRefused = std::any_of(mRefusals.begin(), mRefusals.end(), [&](const Refusal &refusal) {
             return refusal.crossing == &crossing && refusal.rule == rule;
@@ -147,7 +148,7 @@ void Ledger::Gain(const LedgerRule &rule, const Call &call) {
     if (call.crossing.result.kind == Value::Kind::Pointer)
         made.handle = call.crossing.result.pointer;
     made.what = Printable(rule.what(call));
-    made.madeBy = MadeBy(call.crossing, mSimulator.frame);
+    made.madeBy = MadeBy(call.crossing, mHost.Frame());
     mOwned.push_back(std::move(made));
 }
 

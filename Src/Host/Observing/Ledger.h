@@ -16,11 +16,11 @@
 
 namespace host {
 
-struct Simulator;
+class ObservedHost;
 
 class Ledger : public crossings::Observer {
   public:
-    explicit Ledger(const Simulator &simulator);
+    explicit Ledger(const ObservedHost &host);
     ~Ledger() override;
     Ledger(const Ledger &) = delete;
     Ledger &operator=(const Ledger &) = delete;
@@ -74,7 +74,7 @@ class Ledger : public crossings::Observer {
     void Leave(AVSKPluginID plugin, bool isCleared);
     void LeaveGone();
 
-    const Simulator &mSimulator;
+    const ObservedHost &mHost;
     std::unordered_map<const crossings::Prototype *, std::vector<const LedgerRule *>>
         mRules;                     // of functions seen so far
     std::vector<Refusal> mRefusals; // of calls under way

@@ -2,15 +2,17 @@
 // that the public headers document.
 #include "LedgerRules.h"
 
+#include "Ledger.h"
+#include "ObservedHost.h"
+
 #include "Crossings/Symbols.h"
 #include "Crossings/ValueText.h"
 #include "Crossings/Words.h"
-#include "Ledger.h"
-#include "Services/Simulator.h"
 
 #include "AVSK/AVSKCamera.h"
 #include "AVSK/AVSKDataAccess.h"
 #include "AVSK/AVSKDisplay.h"
+#include "AVSK/AVSKHost.h"
 #include "AVSK/AVSKMenus.h"
 #include "AVSK/AVSKUtilities.h"
 
@@ -81,8 +83,8 @@ std::string FunctionName(const Value &value) {
 }
 
 std::string CommandName(const Call &call) {
-    const Command *command = call.simulator.commands.Known(call["command"].pointer);
-    return command ? command->name : "no command";
+    const std::string name = call.host.CommandName(call["command"].pointer);
+    return name.empty() ? "no command" : name;
 }
 
 bool IsPluginsMenu(const Call &call) { return call.KeyOf({kMenu}) == call.KeyOf({kPluginsMenu}); }
@@ -172,8 +174,7 @@ bool MenuExists(const Call &call) { return IsPluginsMenu(call) || FindMenu(call)
 // A command of the simulator is found, not created.
 bool IsNoHostCommand(const Call &call) {
     const Value &name = call["name"];
-    const Command *command = name.text ? call.simulator.commands.Find(name.text) : nullptr;
-    return name.text && (!command || !command->act);
+    return name.text && !call.host.HasCommand(WholeText(name));
 }
 
 bool IsPlaneUnloaded(const Call &call) { return call["event"].integer == AVSKHostEventPlaneUnloaded; }

@@ -18,7 +18,7 @@
 namespace host {
 
 class Ledger;
-struct Simulator;
+class ObservedHost;
 
 // Where a part of a possession's key comes from.
 enum class Source : std::uint8_t {
@@ -59,7 +59,7 @@ struct Parts : std::array<Part, 4> {
 // A call, with what is needed to apply a rule to it.
 struct Call {
     const crossings::Crossing &crossing;
-    const Simulator &simulator;
+    const ObservedHost &host;
     const Ledger &ledger;
 
     // An argument by its name.

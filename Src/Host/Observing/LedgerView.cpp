@@ -1,8 +1,9 @@
 // The lists and queries of the ledger; see Ledger.h.
 #include "Ledger.h"
 
+#include "ObservedHost.h"
+
 #include "Common/Columns.h"
-#include "Services/Simulator.h"
 
 #include "AVSK/AVSKPlugins.h"
 
@@ -15,8 +16,8 @@ namespace {
 
 using Row = std::vector<std::string>;
 
-Row RowOf(const std::string &plugin, const Possession &possession, const Console &console) {
-    return {plugin, TraitsOf(possession.kind).word, console.WithoutRoot(possession.what), possession.madeBy};
+Row RowOf(const std::string &plugin, const Possession &possession, const ObservedHost &host) {
+    return {plugin, TraitsOf(possession.kind).word, host.Shown(possession.what), possession.madeBy};
 }
 
 constexpr std::size_t kWidest = 44;
@@ -34,7 +35,7 @@ std::vector<std::string> Ledger::Owned(const std::string &plugin) const {
         std::array<char, AVSK_TEXT_SIZE> signature{};
         AVSKGetPluginInfo(known.owner, name.data(), nullptr, signature.data(), nullptr);
         if (plugin.empty() || plugin == name.data() || plugin == signature.data())
-            rows.push_back(RowOf(name.front() ? name.data() : "nobody", known, mSimulator.console));
+            rows.push_back(RowOf(name.front() ? name.data() : "nobody", known, mHost));
     }
     return AlignColumns(rows, {.widest = kWidest, .numbers = {}});
 }
@@ -46,7 +47,7 @@ std::vector<std::string> Ledger::LeftBehind(const std::string &plugin) const {
         if (!plugin.empty() && plugin != name && plugin != signature)
             continue;
         for (const Possession &left : departed.left)
-            rows.push_back(RowOf(name, left, mSimulator.console));
+            rows.push_back(RowOf(name, left, mHost));
     }
     return AlignColumns(rows, {.widest = kWidest, .numbers = {}});
 }

@@ -2,11 +2,12 @@
 // Loading.h. A member of Observers, so that runs and sessions have it.
 #include "Loading.h"
 
+#include "ObservedHost.h"
+
 #include "Common/NearestName.h"
 #include "Crossings/Callback.h"
 #include "Elf/ElfFile.h"
 #include "Reference/Reference.h"
-#include "Services/Simulator.h"
 
 #include "AVSK/AVSKHost.h"
 
@@ -59,7 +60,7 @@ std::string LibraryFault(const std::string &library) {
     return "needs the library " + library + ", which is not there for 32 bits: install it or link it statically";
 }
 
-Loading::Loading(const Simulator &simulator) : mSimulator(simulator) { crossings::AddObserver(*this); }
+Loading::Loading(const ObservedHost &host) : mHost(host) { crossings::AddObserver(*this); }
 Loading::~Loading() { crossings::RemoveObserver(*this); }
 
 void Loading::Begins(const Crossing &crossing) {
@@ -90,11 +91,11 @@ void Loading::Ends(const Crossing &crossing) {
                 "stays disabled, since its AVPluginEnable returned 0: none of its callbacks is called");
     } else if (name == "AVSKInitializePlugins" || (name == "AVSKEventHook" && mReloads)) {
         mReloads = false;
-        Report(mSimulator.options.root + "Resources/plugins", PluginFolder::Simulators);
+        Report(mHost.Root() + "Resources/plugins", PluginFolder::Simulators);
     } else if (name == "AVSKEventHook") {
         const int event = crossing.arguments.front().integer;
         const AVSKWord parameter = crossing.arguments.back().word;
-        const std::string &model = mSimulator.fleet.Model(0);
+        const std::string model = mHost.AircraftModel();
         if (event == AVSKHostEventPlaneLoaded && parameter == 0 && !model.empty())
             Report((fs::path(model).parent_path() / "plugins").string(), PluginFolder::Extra);
         else if (event == AVSKHostEventSceneryFolder && parameter != 0)
@@ -147,7 +148,7 @@ void Loading::ReportStart(const Started &started) {
     });
     if (first->path != started.path)
         Say(started.path, "was unloaded, since its signature '" + started.signature + "' is that of '" +
-                              mSimulator.console.WithoutRoot(first->path) + "': give it one of its own");
+                              mHost.Shown(first->path) + "': give it one of its own");
 }
 
 std::string Loading::ReasonOf(const std::string &path) const {
@@ -173,7 +174,7 @@ void Loading::Say(const std::string &path, const std::string &fault) {
     // A link of a temporary root stands for the file that was named.
     std::error_code error;
     const fs::path real = fs::canonical(path, error);
-    const std::string line = mSimulator.console.WithoutRoot((error ? path : real.string()) + ": " + fault);
+    const std::string line = mHost.Shown((error ? path : real.string()) + ": " + fault);
     if (!mSaid.insert(line).second)
         return;
     if (mNotify)

@@ -5,7 +5,7 @@
 #define AVSK_HOST_OBSERVING_LOADING_H
 
 #include "Crossings/Crossing.h"
-#include "Services/PluginFiles.h"
+#include "Elf/PluginFiles.h"
 
 #include <functional>
 #include <set>
@@ -15,7 +15,7 @@
 
 namespace host {
 
-struct Simulator;
+class ObservedHost;
 
 // What is wrong with a plugin that needs a symbol or a library which nobody has:
 // "needs AVSKFoo, which nothing exports; did you mean 'AVSKFood'?"
@@ -24,7 +24,7 @@ std::string LibraryFault(const std::string &library);
 
 class Loading : public crossings::Observer {
   public:
-    explicit Loading(const Simulator &simulator);
+    explicit Loading(const ObservedHost &host);
     ~Loading() override;
     Loading(const Loading &) = delete;
     Loading &operator=(const Loading &) = delete;
@@ -53,7 +53,7 @@ class Loading : public crossings::Observer {
     std::string ReasonOf(const std::string &path) const;
     void Say(const std::string &path, const std::string &fault);
 
-    const Simulator &mSimulator;
+    const ObservedHost &mHost;
     std::vector<Started> mStarted;
     bool mReloads = false; // the plugins of the root
     bool mReasonFollows = false;

@@ -1,7 +1,7 @@
 // Constructs the observers and prints their lists; see Observers.h.
 #include "Observers.h"
 
-#include "Services/Simulator.h"
+#include "ObservedHost.h"
 
 #include <cstdio>
 #include <utility>
@@ -17,9 +17,9 @@ void PrintList(const char *title, const std::vector<std::string> &lines, const c
     std::fflush(stdout);
 }
 
-Observers::Observers(const Simulator &simulator, ObservingOptions options)
-    : mSimulator(simulator), mOptions(std::move(options)), mBlame(simulator.frame, mOptions.timeout),
-      mLedger(simulator), mProfile(simulator), mLoading(simulator) {
+Observers::Observers(std::unique_ptr<const ObservedHost> host, ObservingOptions options)
+    : mHost(std::move(host)), mOptions(std::move(options)), mBlame(mHost->Frame(), mOptions.timeout), mLedger(*mHost),
+      mProfile(*mHost), mLoading(*mHost) {
     if (mOptions.budget > 0)
         mProfile.SetBudget("", mOptions.budget);
     if (!mOptions.trace.file.empty())
@@ -49,7 +49,7 @@ std::vector<std::string> Observers::Failures() {
         for (std::string &line : mTrace->Finish())
             failures.push_back(std::move(line));
     }
-    if (const std::string fault = mSimulator.console.LogFault(); !fault.empty())
+    if (const std::string fault = mHost->LogFault(); !fault.empty())
         failures.push_back(fault);
     return failures;
 }

@@ -11,21 +11,22 @@
 #include "Profile.h"
 #include "Trace.h"
 
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
 
 namespace host {
 
-struct Simulator;
+class ObservedHost;
 
 // Prints a title and the lines below it, or another text if there are none.
 void PrintList(const char *title, const std::vector<std::string> &lines, const char *none = "nothing");
 
 class Observers {
   public:
-    // Begins to observe. The simulator must outlive it. Throws UsageError.
-    Observers(const Simulator &simulator, ObservingOptions options);
+    // Begins to observe. Throws UsageError.
+    Observers(std::unique_ptr<const ObservedHost> host, ObservingOptions options);
     Observers(const Observers &) = delete;
     Observers &operator=(const Observers &) = delete;
 
@@ -44,7 +45,7 @@ class Observers {
     std::vector<std::string> Failures();
 
   private:
-    const Simulator &mSimulator;
+    const std::unique_ptr<const ObservedHost> mHost;
     const ObservingOptions mOptions;
     HandleBook mHandles;
     Blame mBlame;

@@ -1,10 +1,11 @@
 // Adds up the time in plugins; see Profile.h.
 #include "Profile.h"
 
+#include "ObservedHost.h"
+
 #include "Common/NearestName.h"
 #include "Common/Utf8.h"
 #include "Crossings/Format.h"
-#include "Services/Simulator.h"
 
 #include <algorithm>
 #include <chrono>
@@ -29,7 +30,7 @@ std::string Formatted(const char *format, auto... values) {
 
 } // namespace
 
-Profile::Profile(const Simulator &simulator) : mSimulator(simulator) { crossings::AddObserver(*this); }
+Profile::Profile(const ObservedHost &host) : mHost(host) { crossings::AddObserver(*this); }
 Profile::~Profile() { crossings::RemoveObserver(*this); }
 
 void Profile::Begins(const Crossing &crossing) {
@@ -39,7 +40,7 @@ void Profile::Begins(const Crossing &crossing) {
         return;
     if (crossing.IsStart())
         mCalls.erase(crossing.plugin); // the ID may have belonged to another plugin
-    if (mSimulator.frame != mFrame)
+    if (mHost.Frame() != mFrame)
         CloseFrame();
     mInner.emplace_back();
 }
@@ -92,7 +93,7 @@ void Profile::CloseFrame() {
         for (auto &entry : rows)
             entry.second.present = {};
     }
-    mFrame = mSimulator.frame;
+    mFrame = mHost.Frame();
 }
 
 void Profile::EndFrames() {

@@ -11,13 +11,13 @@
 
 namespace host {
 
-struct Simulator;
+class ObservedHost;
 
 // A callback's time includes the library's and the host's work for it. It does
 // not include other callbacks that it caused: that time is theirs.
 class Profile : public crossings::Observer {
   public:
-    explicit Profile(const Simulator &simulator);
+    explicit Profile(const ObservedHost &host);
     ~Profile() override;
 
     // The most that a plugin may take in a frame. An empty name means all
@@ -63,7 +63,7 @@ class Profile : public crossings::Observer {
     void CloseFrame();
     double BudgetOf(const std::string &plugin) const; // 0: none
 
-    const Simulator &mSimulator;
+    const ObservedHost &mHost;
     std::map<std::string, double> mBudgets;
     std::map<std::string, std::map<std::string, Row>> mRows; // plugin, callback
     std::map<std::pair<const crossings::Callback *, AVSKPluginID>, Row *> mKnown;

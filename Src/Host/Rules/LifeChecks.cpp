@@ -5,10 +5,10 @@
 #include "LifeRules.h"
 
 #include "Crossings/Callback.h"
+#include "Elf/StayingFiles.h"
 #include "Observing/Backtrace.h"
 #include "Observing/Ledger.h"
 #include "Observing/Thrown.h"
-#include "Services/StayingFiles.h"
 
 #include "AVSK/AVSKPlugins.h"
 

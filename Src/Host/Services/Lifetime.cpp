@@ -1,11 +1,11 @@
 // The library's start and end; see Lifetime.h.
 #include "Lifetime.h"
 
-#include "PluginFiles.h"
 #include "ServiceTable.h"
 #include "Simulator.h"
 
 #include "Common/UsageError.h"
+#include "Elf/PluginFiles.h"
 
 #include "AVSK/AVSKHost.h"
 #include "AVSK/AVSKPlugins.h"

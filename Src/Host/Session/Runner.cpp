@@ -7,6 +7,7 @@
 #include "Common/Terminal.h"
 #include "Common/UsageError.h"
 #include "Observing/Place.h"
+#include "Observing/SimulatedHost.h"
 #include "Services/Lifetime.h"
 
 #include <cstdio>
@@ -29,7 +30,7 @@ void SessionRunner::Start() {
     mSimulator = std::make_unique<Simulator>(mSetUp.options.simulator);
     mSimulator->console.Keep(mSetUp.options.simulator.root);
     mCalls = std::make_unique<CallLog>(*mSimulator);
-    mObservers = std::make_unique<Observers>(*mSimulator, mSetUp.options.observing);
+    mObservers = std::make_unique<Observers>(std::make_unique<SimulatedHost>(*mSimulator), mSetUp.options.observing);
     if (mSetUp.options.observing.check)
         mChecker = std::make_unique<Checker>(mSimulator->frame, mObservers->Owners(), mSetUp.options.observing.allowed);
     StartRecord(mSetUp.options.observing.record);

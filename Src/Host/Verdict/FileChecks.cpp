@@ -5,9 +5,9 @@
 
 #include "Common/Text.h"
 #include "Elf/ElfFile.h"
+#include "Elf/PluginFiles.h"
 #include "Observing/Loading.h"
 #include "Rules/FileRules.h"
-#include "Services/PluginFiles.h"
 
 #include <algorithm>
 #include <map>

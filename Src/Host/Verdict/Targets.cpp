@@ -3,7 +3,7 @@
 
 #include "Common/NearestName.h"
 #include "Common/UsageError.h"
-#include "Services/PluginFiles.h"
+#include "Elf/PluginFiles.h"
 
 #include <algorithm>
 #include <filesystem>

@@ -5,7 +5,7 @@
 #include "Watch.h"
 
 #include "Common/UsageError.h"
-#include "Services/PluginFiles.h"
+#include "Elf/PluginFiles.h"
 #include "Session/Forms.h"
 #include "Session/RunSession.h"
 #include "Session/SetUp.h"

@@ -6,8 +6,8 @@
 #include "Watch.h"
 
 #include "Common/UsageError.h"
+#include "Elf/StayingFiles.h"
 #include "Observing/Blame.h"
-#include "Services/StayingFiles.h"
 
 #include <array>
 #include <cerrno>

@@ -2,8 +2,9 @@
 // the observer that explains why a plugin was not loaded.
 #include "PluginFiles.h"
 
+#include "ElfFile.h"
+
 #include "Common/NearestName.h"
-#include "Elf/ElfFile.h"
 
 #include <algorithm>
 #include <array>

@@ -1,6 +1,6 @@
 // Files of unloaded plugins that are still mapped into this process, and why.
-#ifndef AVSK_HOST_SERVICES_STAYING_FILES_H
-#define AVSK_HOST_SERVICES_STAYING_FILES_H
+#ifndef AVSK_HOST_ELF_STAYING_FILES_H
+#define AVSK_HOST_ELF_STAYING_FILES_H
 
 #include <string>
 #include <vector>

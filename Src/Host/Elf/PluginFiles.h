@@ -1,7 +1,7 @@
 // Looks at the plugin files of a folder without loading them: which of them the
 // library tries to load, and what is wrong with a file.
-#ifndef AVSK_HOST_SERVICES_PLUGIN_FILES_H
-#define AVSK_HOST_SERVICES_PLUGIN_FILES_H
+#ifndef AVSK_HOST_ELF_PLUGIN_FILES_H
+#define AVSK_HOST_ELF_PLUGIN_FILES_H
 
 #include <cstdint>
 #include <string>

@@ -4,7 +4,7 @@
 // between two rounds, when no plugin is loaded.
 #include "StayingFiles.h"
 
-#include "Elf/ElfFile.h"
+#include "ElfFile.h"
 
 #include <algorithm>
 #include <cstdint>
