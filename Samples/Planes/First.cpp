@@ -15,7 +15,8 @@ int gFrames = 0;
 
 float Fly(float /*sinceLastCall*/, float /*elapsed*/, int /*pass*/, void * /*refcon*/) {
     float height = 500.0F + static_cast<float>(++gFrames);
-    AVSKSetDatavf(gHeights, &height, kDrone, 1);
+    if (gHeights) // not every host publishes it
+        AVSKSetDatavf(gHeights, &height, kDrone, 1);
     return -1.0F;
 }
 

@@ -2,7 +2,7 @@
 #ifndef AVSK_HOST_COMMAND_LINE_SHARED_OPTIONS_H
 #define AVSK_HOST_COMMAND_LINE_SHARED_OPTIONS_H
 
-#include "Observing/ObservingOptions.h"
+#include "Observing/ObservingFlags.h"
 #include "Session/SessionOptions.h"
 
 #include <CLI/CLI.hpp>
@@ -12,9 +12,6 @@
 
 namespace host {
 
-// Accepts finite numbers above 0.
-const CLI::Validator &PositiveNumber();
-
 // The options of a command that runs a while and prints a list: 60 frames, no log.
 SessionOptions QuietOptions();
 
@@ -23,10 +20,6 @@ CLI::Option *AddFrames(CLI::App &command, int &frames);
 CLI::Option *AddPlugins(CLI::App &command, std::vector<std::string> &plugins, const std::string &help);
 // Selects names; see SelectNames().
 void AddPattern(CLI::App &command, std::string &pattern);
-// Judges the plugins by the rules.
-void AddCheck(CLI::App &command, ObservingOptions &options);
-// The options of the observers, --check included.
-void AddObservingOptions(CLI::App &command, ObservingOptions &options);
 
 void PrintLines(const std::vector<std::string> &lines);
 

@@ -170,6 +170,10 @@ Side CurrentSide();
 // Whether calls are observed now: true on the main thread outside of observers.
 bool AreObserved();
 
+// Called once, when an exported function is called for the first time, on that
+// thread. Null for none.
+void OnFirstCall(void (*prepare)());
+
 // Calls of exported functions on other threads than the main one are not
 // observed. They call the handler, on their thread, before they do anything; null
 // for none. The handler must call no exported function.

@@ -1,6 +1,6 @@
-// Wraps the entry points of plugins. The library finds them with dlsym(), so
-// this program defines dlsym(). Lookups of other names go on to the dynamic
-// linker's dlsym().
+// Defines dlsym(). The library finds the entry points of plugins with it, which are
+// wrapped here. A host may find the library's names with it, for which it gets
+// those of this layer. Lookups of other names go on to the dynamic linker's dlsym().
 //
 // Built without sanitizers, because they call dlsym() before they are
 // initialised. That path must call no function that is instrumented elsewhere.
@@ -8,7 +8,6 @@
 #include "RealSymbols.h"
 #include "Symbols.h"
 
-#include <cstdlib>
 #include <cstring>
 
 #include <dlfcn.h>
@@ -16,27 +15,12 @@
 namespace crossings {
 namespace {
 
-using Lookup = void *(*)(void *handle, const char *name);
-
 constexpr const CallbackKind *kEntryPoints[] = {&k_AVPluginStart, &k_AVPluginStop, &k_AVPluginEnable,
                                                 &k_AVPluginDisable, &k_AVPluginReceiveMessage};
 
-Lookup RealLookup() {
-    static constinit Lookup real = nullptr;
-    constexpr const char *kVersions[] = {"GLIBC_2.34", "GLIBC_2.0"};
-    for (const char *version : kVersions) {
-        if (!real)
-            real = reinterpret_cast<Lookup>(dlvsym(RTLD_NEXT, "dlsym", version));
-    }
-    if (!real)
-        std::abort(); // nothing works without dlsym()
-    return real;
-}
-
-bool MayBeEntryPoint(const char *name) {
-    constexpr const char kPrefix[] = "AVPlugin";
-    for (std::size_t i = 0; i + 1 < sizeof kPrefix; ++i) {
-        if (name[i] != kPrefix[i])
+bool StartsWith(const char *name, const char *prefix) {
+    while (*prefix) {
+        if (*name++ != *prefix++)
             return false;
     }
     return true;
@@ -57,14 +41,27 @@ void *EntryPoint(void *handle, const char *name) {
     return nullptr;
 }
 
+// This layer's definition of an exported name, if the lookup finds the library's or this one.
+void *Export(void *handle, const char *name) {
+    void *const ours = LayerSymbol(name);
+    if (!ours)
+        return nullptr;
+    const bool isGlobal = handle == RTLD_DEFAULT || handle == RTLD_NEXT;
+    void *const found = isGlobal ? NextSymbol(name) : RealLookup()(handle, name);
+    // The handle of the whole program finds this layer also if there is no library.
+    return found == ours && !NextSymbol(name) ? nullptr : found ? ours : nullptr;
+}
+
 } // namespace
 
 // If the upper half is not zero, the lower half is the result of the lookup; else
 // it is the dynamic linker's dlsym(), to be called.
 extern "C" __attribute__((used, visibility("hidden"))) std::uint64_t AvskLookUp(void *handle, const char *name) {
-    void *entry = MayBeEntryPoint(name) ? EntryPoint(handle, name) : nullptr;
+    void *const found = StartsWith(name, "AVPlugin") ? EntryPoint(handle, name)
+                        : StartsWith(name, "AVSK")   ? Export(handle, name)
+                                                     : nullptr;
     constexpr std::uint64_t kFinal = std::uint64_t{1} << 32;
-    return entry ? kFinal | reinterpret_cast<std::uintptr_t>(entry) : reinterpret_cast<std::uintptr_t>(RealLookup());
+    return found ? kFinal | reinterpret_cast<std::uintptr_t>(found) : reinterpret_cast<std::uintptr_t>(RealLookup());
 }
 
 // RTLD_NEXT depends on the caller's address, so this jumps to the dynamic
@@ -91,7 +88,5 @@ dlsym:
     .section .note.GNU-stack, "", @progbits
     .text
 )");
-
-void *NextSymbol(const char *name) { return RealLookup()(RTLD_NEXT, name); }
 
 } // namespace crossings

@@ -8,7 +8,30 @@
 #include "AVSK/AVSK.h"
 #include "AVSK/AVSKHost.h"
 
+#include <algorithm>
+#include <atomic>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+
 using namespace crossings;
+
+namespace {
+
+std::atomic<void (*)()> gOnFirstCall = nullptr;
+
+void *PrepareCall(const char *name) {
+    if (const auto prepare = gOnFirstCall.exchange(nullptr))
+        prepare();
+    if (void *const next = NextSymbol(name))
+        return next;
+    std::fprintf(stderr, "avsk: the program called %s, but libAVSK.so is not loaded or does not have it\n", name);
+    std::abort();
+}
+
+} // namespace
+
+void crossings::OnFirstCall(void (*prepare)()) { gOnFirstCall = prepare; }
 
 // NOLINTBEGIN(bugprone-macro-parentheses): a declaration cannot have them
 #define AVSK_CALLBACK(result, name, parameters, entry, names, ...)
@@ -16,9 +39,25 @@ using namespace crossings;
 #define AVSK_FUNCTION(result, name, parameters, names, ...)                                                            \
     result name parameters {                                                                                           \
         static constexpr Prototype what{#name, names};                                                                 \
-        static const auto next = reinterpret_cast<decltype(&name)>(NextSymbol(#name));                                 \
+        static const auto next = reinterpret_cast<decltype(&name)>(PrepareCall(#name));                                \
         const Forward handOn{what, Side::Library, nullptr, next};                                                      \
         return handOn(__VA_ARGS__);                                                                                    \
     }
 #include "Prototypes.inc"
+#undef AVSK_FUNCTION
 // NOLINTEND(bugprone-macro-parentheses)
+
+void *crossings::LayerSymbol(const char *name) {
+    struct Export {
+        const char *name;
+        void *address;
+    };
+    static const Export exports[] = {
+#define AVSK_FUNCTION(result, name, parameters, names, ...) {#name, reinterpret_cast<void *>(&name)},
+#include "Prototypes.inc"
+    };
+    const Export *const found = std::find_if(std::begin(exports), std::end(exports), [name](const Export &known) {
+        return std::strcmp(known.name, name) == 0;
+    });
+    return found == std::end(exports) ? nullptr : found->address;
+}

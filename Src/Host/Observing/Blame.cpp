@@ -18,6 +18,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <string_view>
+#include <utility>
 
 #include <csignal>
 #include <sys/mman.h>
@@ -48,6 +49,7 @@ const int *gFrame = nullptr; // of the simulator; not read through the Blame, wh
 int gLastFrame = 0;          // when the Blame ended
 pthread_t gMainThread;
 void (*gAddition)() = nullptr; // to each report
+const ForeignSignals *gForeign = nullptr;
 std::atomic<bool> gReporting = false;
 
 bool IsMainThread() { return pthread_equal(pthread_self(), gMainThread) != 0; }
@@ -146,23 +148,40 @@ void WriteCore() {
         waitpid(child, nullptr, 0);
 }
 
-[[noreturn]] void Report(const Line &head, ucontext_t *context) {
+void Report(const Line &head, ucontext_t *context) {
     struct sigaction giveUp {};
+    struct sigaction before {};
     giveUp.sa_handler = GiveUp;
-    sigaction(SIGALRM, &giveUp, nullptr);
+    sigaction(SIGALRM, &giveUp, &before);
     sigset_t alarms;
     sigemptyset(&alarms);
     sigaddset(&alarms, SIGALRM);
     pthread_sigmask(SIG_UNBLOCK, &alarms, nullptr);
-    alarm(kReportPatience);
+    const unsigned left = alarm(kReportPatience);
     FlushOutput();
     WriteCalls(head);
     WriteBacktrace(context);
     if (gAddition)
         gAddition();
-    if (context)
+    alarm(left);
+    sigaction(SIGALRM, &before, nullptr);
+}
+
+[[noreturn]] void ReportAndEnd(const Line &head, ucontext_t *context) {
+    Report(head, context);
+    if (context && !gForeign)
         WriteCore();
     _exit(kBlamedStatus);
+}
+
+// Whether a fault in a foreign program is one of its own, which it handles.
+bool IsProgramsOwn(int signal, const void *instruction) {
+    static const void *last = nullptr;
+    const char *file = FileAt(instruction);
+    const bool isPlugins = file && std::string_view(file).ends_with(".avp");
+    const bool isOurs = isPlugins || (IsMainThread() && gHistory.Innermost());
+    // A program that handles a fault may repeat the instruction without end.
+    return gForeign->isHandled(signal) && (!isOurs || std::exchange(last, instruction) == instruction);
 }
 
 // Names the file of code that the library did not call: code that runs while its
@@ -180,10 +199,15 @@ bool AddStray(Line &line, const void *instruction) {
 }
 
 void OnFault(int signal, siginfo_t *info, void *interrupted) {
-    if (gReporting.exchange(true))
-        GiveUp(signal);
     auto *context = static_cast<ucontext_t *>(interrupted);
     const auto *instruction = reinterpret_cast<const void *>(context->uc_mcontext.gregs[REG_EIP]);
+    if (gForeign && IsProgramsOwn(signal, instruction))
+        return gForeign->passOn(signal, info, interrupted);
+    if (gReporting.exchange(true)) {
+        if (gForeign)
+            return gForeign->passOn(signal, info, interrupted);
+        GiveUp(signal);
+    }
     const History::Call *call = nullptr;
     const bool isObserversFault = IsMainThread() && !crossings::AreObserved();
     if (IsMainThread() && IsStackFull(*info))
@@ -206,7 +230,11 @@ void OnFault(int signal, siginfo_t *info, void *interrupted) {
         AddCulprit(head, gHistory.Innermost());
         head.Add(", which may have corrupted memory");
     }
+    if (!gForeign)
+        ReportAndEnd(head, context);
     Report(head, context);
+    gReporting = false;
+    gForeign->passOn(signal, info, interrupted);
 }
 
 // The innermost call of a plugin that has taken almost the whole time: calls
@@ -235,7 +263,7 @@ void OnOverdue(int /*signal*/, siginfo_t * /*info*/, void *interrupted) {
     head.Add(gBlame->Limit());
     head.Add(" s from ");
     AddTitleAndCaller(head, call);
-    Report(head, static_cast<ucontext_t *>(interrupted));
+    ReportAndEnd(head, static_cast<ucontext_t *>(interrupted));
 }
 
 // A regular end of the program comes when no call is under way.
@@ -255,6 +283,8 @@ void OnExit(int status, void * /*unused*/) {
         head.Add(" in ");
         AddTitleAndCaller(head, gHistory.Innermost());
     }
+    if (!gForeign)
+        ReportAndEnd(head, nullptr);
     Report(head, nullptr);
 }
 
@@ -335,6 +365,17 @@ Blame::~Blame() {
     gFrame = nullptr;
 }
 
+void Blame::MoveToThisThread() {
+    const double timeout = Limit();
+    mWatchdog.reset();
+    mBefore.reset();
+    gMainThread = pthread_self();
+    LearnStack();
+    mBefore = std::make_unique<Handlers>();
+    if (timeout > 0)
+        mWatchdog.emplace(timeout, kOverdue);
+}
+
 void Blame::Begins(const Crossing &crossing) {
     gHistory.Begins(crossing);
     const bool isPlugins = crossing.to == Side::Plugin && mPluginDepth < 0;
@@ -358,6 +399,7 @@ void Blame::Ends(const Crossing &crossing) {
 }
 
 void AddToBlame(void (*write)()) { gAddition = write; }
+void SetForeignSignals(const ForeignSignals *signals) { gForeign = signals; }
 
 void ReportException(std::string_view what) {
     std::string head = "avsk: the run was broken off by an exception";

@@ -12,6 +12,8 @@
 #include <optional>
 #include <string_view>
 
+#include <csignal>
+
 namespace host {
 
 constexpr int kBlamedStatus = 3;
@@ -29,6 +31,9 @@ class Blame : public crossings::Observer {
     void Begins(const crossings::Crossing &crossing) override;
     void Ends(const crossings::Crossing &crossing) override;
 
+    // The calling thread is now the one that calls the library.
+    void MoveToThisThread();
+
     bool IsOverdue() const { return mWatchdog && mWatchdog->IsOverdue(); }
     double Limit() const { return mWatchdog ? mWatchdog->Limit() : 0; }
 
@@ -42,6 +47,15 @@ class Blame : public crossings::Observer {
 // The function writes what reports of Blame contain at their end. It runs in signal
 // handlers. Null for none.
 void AddToBlame(void (*write)());
+
+// In a program of somebody else's, a report of a fault does not end the process: the
+// program does what it would do without an observer. The functions run in signal handlers.
+struct ForeignSignals {
+    bool (*isHandled)(int signal); // by the program itself
+    void (*passOn)(int signal, siginfo_t *info, void *context);
+};
+// Null for this program. To be set before a Blame is constructed.
+void SetForeignSignals(const ForeignSignals *signals);
 
 // Reports the exception that is being handled: which plugin threw it, what it
 // says, the last calls, and the stack where it was thrown. Also valid without a

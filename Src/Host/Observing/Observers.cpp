@@ -8,14 +8,23 @@
 
 namespace host {
 
+namespace {
+
+std::FILE *gLists = nullptr; // null: standard output
+
+} // namespace
+
 void PrintList(const char *title, const std::vector<std::string> &lines, const char *none) {
-    std::printf("%s\n", title);
+    std::FILE *const stream = gLists ? gLists : stdout;
+    std::fprintf(stream, "%s\n", title);
     for (const std::string &line : lines)
-        std::printf("  %s\n", line.c_str());
+        std::fprintf(stream, "  %s\n", line.c_str());
     if (lines.empty())
-        std::printf("  %s\n", none);
-    std::fflush(stdout);
+        std::fprintf(stream, "  %s\n", none);
+    std::fflush(stream);
 }
+
+void PrintListsTo(std::FILE *stream) { gLists = stream; }
 
 Observers::Observers(std::unique_ptr<const ObservedHost> host, ObservingOptions options)
     : mHost(std::move(host)), mOptions(std::move(options)), mBlame(mHost->Frame(), mOptions.timeout), mLedger(*mHost),

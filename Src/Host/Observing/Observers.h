@@ -11,6 +11,7 @@
 #include "Profile.h"
 #include "Trace.h"
 
+#include <cstdio>
 #include <memory>
 #include <optional>
 #include <string>
@@ -20,8 +21,11 @@ namespace host {
 
 class ObservedHost;
 
-// Prints a title and the lines below it, or another text if there are none.
+// Prints a title and the lines below it, or another text if there are none: to
+// standard output, unless another stream was set.
 void PrintList(const char *title, const std::vector<std::string> &lines, const char *none = "nothing");
+
+void PrintListsTo(std::FILE *stream);
 
 class Observers {
   public:
@@ -34,6 +38,9 @@ class Observers {
     Profile &Times() { return mProfile; }
     const Profile &Times() const { return mProfile; }
     Loading &Loaded() { return mLoading; }
+
+    // The calling thread is now the one that calls the library.
+    void MoveToThisThread() { mBlame.MoveToThisThread(); }
 
     // Print what the options ask for. To be called after the last frame, and after
     // the plugins are unloaded.

@@ -17,10 +17,10 @@
 
 #include <unwind.h>
 
-// Of the linker: this program's code.
+// Of the linker: the code of this program, or of the object that is preloaded into another one.
 // NOLINTNEXTLINE(bugprone-reserved-identifier)
-extern "C" const char __executable_start;
-extern "C" const char etext;
+extern "C" __attribute__((visibility("hidden"))) const char __ehdr_start;
+extern "C" __attribute__((visibility("hidden"))) const char etext;
 
 namespace host {
 namespace {
@@ -36,7 +36,7 @@ std::array<Throw, 4> gThrows;
 unsigned gCount = 0;
 
 bool IsOfProgram(std::uintptr_t address) {
-    return address >= reinterpret_cast<std::uintptr_t>(&__executable_start) &&
+    return address >= reinterpret_cast<std::uintptr_t>(&__ehdr_start) &&
            address < reinterpret_cast<std::uintptr_t>(&etext);
 }
 
