@@ -52,6 +52,23 @@ std::string UnknownWord(const CLI::App &app, const std::string &word) {
 
 } // namespace
 
+namespace {
+
+// What follows "--" in the arguments of `avsk exec` is another program's. The parser does not see it.
+std::vector<std::string> TakeProgram(int &argc, char **argv) {
+    if (argc < 2 || std::string_view(argv[1]) != "exec")
+        return {};
+    const auto isEnd = [](const char *argument) { return std::string_view(argument) == "--"; };
+    char **const end = std::find_if(argv + 2, argv + argc, isEnd);
+    std::vector<std::string> program;
+    if (end != argv + argc)
+        program.assign(end + 1, argv + argc);
+    argc = static_cast<int>(end - argv);
+    return program;
+}
+
+} // namespace
+
 Job ParseCommandLine(int argc, char **argv) {
     Job job;
     CLI::App app("avsk: runs plugins without the simulator, in a small one of its own.", "avsk");
@@ -65,6 +82,7 @@ Job ParseCommandLine(int argc, char **argv) {
     AddNewCommand(app, job);
     AddRunCommand(app, job, argv);
     AddCheckCommand(app, job);
+    AddExecCommand(app, job, TakeProgram(argc, argv));
     AddPsCommand(app, job);
     AddDatarefsCommand(app, job);
     AddCommandsCommand(app, job);

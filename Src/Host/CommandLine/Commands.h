@@ -6,6 +6,8 @@
 #define AVSK_HOST_COMMAND_LINE_COMMANDS_H
 
 #include <functional>
+#include <string>
+#include <vector>
 
 namespace CLI {
 class App;
@@ -20,6 +22,8 @@ using Job = std::function<int()>;
 // The job must outlive the parser. argv is that of the program.
 void AddRunCommand(CLI::App &app, Job &job, char **argv);
 void AddCheckCommand(CLI::App &app, Job &job);
+// The program and its arguments are those behind "--".
+void AddExecCommand(CLI::App &app, Job &job, std::vector<std::string> program);
 void AddPsCommand(CLI::App &app, Job &job);
 void AddDatarefsCommand(CLI::App &app, Job &job);
 void AddCommandsCommand(CLI::App &app, Job &job);

@@ -116,6 +116,7 @@ class Reader {
         for (const auto &part : parts) {
             if (part.p_type == PT_LOAD && !mBytes.Contains(part.p_offset, part.p_filesz))
                 return false;
+            file.hasInterpreter = file.hasInterpreter || part.p_type == PT_INTERP;
             if (part.p_type == PT_GNU_STACK)
                 file.hasExecutableStack = (part.p_flags & PF_X) != 0;
         }
