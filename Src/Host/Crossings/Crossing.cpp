@@ -144,6 +144,7 @@ void RemoveObserver(Observer &observer) { std::erase(Observers(), &observer); }
 const Crossing *Innermost() { return gInnermost; }
 Side CurrentSide() { return gInnermost ? gInnermost->to : Side::Host; }
 bool AreObserved() { return tObserved; }
+bool AreByObserver() { return tIsMain && !tObserved; }
 
 void OnForeignCall(ForeignHandler handler) { gForeignHandler = handler; }
 

@@ -169,6 +169,8 @@ const Crossing *Innermost();
 Side CurrentSide();
 // Whether calls are observed now: true on the main thread outside of observers.
 bool AreObserved();
+// Whether an observer makes the calls that are made now.
+bool AreByObserver();
 
 // Called once, when an exported function is called for the first time, on that
 // thread. Null for none.

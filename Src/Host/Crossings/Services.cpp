@@ -12,12 +12,19 @@ namespace {
 
 const AVSKHostCallbacks *gTable = nullptr; // the host's own
 
+template <class T>
+T Neutral() {
+    return T();
+}
+
 // NOLINTBEGIN(bugprone-macro-parentheses): a declaration cannot have them
 #define AVSK_CALLBACK(result, name, parameters, entry, names, ...)
 #define AVSK_FUNCTION(result, name, parameters, names, ...)
 #define AVSK_SERVICE(result, name, parameters, names, ...)                                                             \
     constexpr Prototype kPrototype_##name{#name, (names)};                                                             \
     result Serve_##name parameters {                                                                                   \
+        if (AreByObserver()) /* the host must not notice */                                                            \
+            return Neutral<result>();                                                                                  \
         const Forward handOn{kPrototype_##name, Side::Host, nullptr, gTable->name};                                    \
         return handOn(__VA_ARGS__);                                                                                    \
     }

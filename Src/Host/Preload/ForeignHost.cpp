@@ -4,8 +4,7 @@
 #include "Crossings/ValueText.h"
 
 #include "AVSK/AVSKHost.h"
-#include "AVSK/AVSKPlanes.h"
-#include "AVSK/AVSKUtilities.h"
+#include "AVSK/AVSKPlugins.h"
 
 #include <array>
 #include <string_view>
@@ -13,7 +12,11 @@
 namespace host {
 namespace {
 
-constexpr std::size_t kPathSize = 4096; // more than the interface promises: the host is being tested
+std::string TextIn(const crossings::Value &buffer) {
+    std::array<char, AVSK_TEXT_SIZE> text{};
+    const auto *const given = static_cast<const char *>(buffer.pointer);
+    return given && crossings::ReadText(given, -1, text.data(), text.size()) ? text.data() : "";
+}
 
 } // namespace
 
@@ -21,15 +24,23 @@ ForeignHost::ForeignHost() { crossings::AddObserver(*this); }
 ForeignHost::~ForeignHost() { crossings::RemoveObserver(*this); }
 
 void ForeignHost::Begins(const crossings::Crossing &crossing) {
-    if (crossing.depth == 0 && std::string_view(crossing.what.name) == "AVSKEventHook" &&
-        crossing.arguments.front().integer == AVSKHostEventFrame)
+    if (crossing.depth != 0)
+        return;
+    const std::string_view name = crossing.what.name;
+    if (name == "AVSKEventHook" && crossing.arguments.front().integer == AVSKHostEventFrame)
         ++mFrame;
+    else if (name == "AVSKInitializePlugins")
+        mRoot = WholeText(crossing["path"]);
 }
 
 void ForeignHost::Ends(const crossings::Crossing &crossing) {
-    if (crossing.to == crossings::Side::Host && crossing.result.pointer &&
-        std::string_view(crossing.what.name) == "findCommand")
+    if (crossing.to != crossings::Side::Host || crossing.callback || !crossing.returned)
+        return;
+    const std::string_view name = crossing.what.name;
+    if (name == "findCommand" && crossing.result.pointer)
         mCommands[crossing.result.pointer] = WholeText(crossing["name"]);
+    else if (name == "getAircraftModel" && crossing["index"].integer == 0)
+        mAircraftModel = TextIn(crossing["outPath"]);
 }
 
 std::string ForeignHost::CommandName(const void *command) const {
@@ -38,17 +49,5 @@ std::string ForeignHost::CommandName(const void *command) const {
 }
 
 bool ForeignHost::HasCommand(const std::string &name) const { return name.starts_with("sim/"); }
-
-std::string ForeignHost::Root() const {
-    std::array<char, kPathSize> path{};
-    AVSKGetSystemPath(path.data());
-    return path.data();
-}
-
-std::string ForeignHost::AircraftModel() const {
-    std::array<char, kPathSize> path{};
-    AVSKGetNthAircraftModel(0, nullptr, path.data());
-    return path.data();
-}
 
 } // namespace host

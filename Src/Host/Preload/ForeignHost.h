@@ -10,8 +10,9 @@
 
 namespace host {
 
-// Counts the frames by the events that the host reports, and learns the names of
-// commands from the service that finds them. To be made before the observers that use it.
+// Counts the frames by the events that the host reports, and learns names and paths
+// from services that the library calls. It calls no service itself: the host would
+// notice. To be made before the observers that use it.
 class ForeignHost : public ObservedHost, public crossings::Observer {
   public:
     ForeignHost();
@@ -26,11 +27,13 @@ class ForeignHost : public ObservedHost, public crossings::Observer {
     std::string CommandName(const void *command) const override;
     // The names that begin with "sim/" are the host's.
     bool HasCommand(const std::string &name) const override;
-    std::string Root() const override;
-    std::string AircraftModel() const override;
+    std::string Root() const override { return mRoot; }
+    std::string AircraftModel() const override { return mAircraftModel; }
 
   private:
     int mFrame = 0;
+    std::string mRoot;
+    std::string mAircraftModel;
     std::map<const void *, std::string> mCommands;
 };
 
