@@ -62,7 +62,7 @@ void *EntryPoint(void *handle, const char *name) {
 // If the upper half is not zero, the lower half is the result of the lookup; else
 // it is the dynamic linker's dlsym(), to be called.
 extern "C" __attribute__((used, visibility("hidden"))) std::uint64_t AvskLookUp(void *handle, const char *name) {
-    void *entry = MayBeEntryPoint(name) ? EntryPoint(handle, name) : nullptr;
+    void *entry = MayBeEntryPoint(name) && IsObservedThread() ? EntryPoint(handle, name) : nullptr;
     constexpr std::uint64_t kFinal = std::uint64_t{1} << 32;
     return entry ? kFinal | reinterpret_cast<std::uintptr_t>(entry) : reinterpret_cast<std::uintptr_t>(RealLookup());
 }

@@ -4,6 +4,7 @@
 
 #include "Forward.h"
 #include "Kinds.h"
+#include "PrototypeTable.h"
 
 #include <algorithm>
 
@@ -16,9 +17,8 @@ const AVSKHostCallbacks *gTable = nullptr; // the host's own
 #define AVSK_CALLBACK(result, name, parameters, entry, names, ...)
 #define AVSK_FUNCTION(result, name, parameters, names, ...)
 #define AVSK_SERVICE(result, name, parameters, names, ...)                                                             \
-    constexpr Prototype kPrototype_##name{#name, (names)};                                                             \
     result Serve_##name parameters {                                                                                   \
-        const Forward handOn{kPrototype_##name, Side::Host, nullptr, gTable->name};                                    \
+        const Forward handOn{gPrototypes[kIndex_##name], Side::Host, nullptr, gTable->name};                           \
         return handOn(__VA_ARGS__);                                                                                    \
     }
 #include "Prototypes.inc"
@@ -26,7 +26,7 @@ const AVSKHostCallbacks *gTable = nullptr; // the host's own
 // NOLINTEND(bugprone-macro-parentheses)
 
 constexpr const Prototype *kServices[] = {
-#define AVSK_SERVICE(result, name, parameters, names, ...) &kPrototype_##name,
+#define AVSK_SERVICE(result, name, parameters, names, ...) &gPrototypes[kIndex_##name],
 #include "Prototypes.inc"
 #undef AVSK_SERVICE
 };

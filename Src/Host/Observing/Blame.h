@@ -26,11 +26,14 @@ class Blame : public crossings::Observer {
     Blame(const Blame &) = delete;
     Blame &operator=(const Blame &) = delete;
 
+    crossings::Interest InterestIn(const crossings::Prototype & /*function*/) const override {
+        return crossings::Interest::Calls;
+    }
     void Begins(const crossings::Crossing &crossing) override;
     void Ends(const crossings::Crossing &crossing) override;
 
-    bool IsOverdue() const { return mWatchdog && mWatchdog->IsOverdue(); }
-    double Limit() const { return mWatchdog ? mWatchdog->Limit() : 0; }
+    // Null without a limit.
+    const Watchdog *Timer() const { return mWatchdog ? &*mWatchdog : nullptr; }
 
   private:
     struct Handlers; // installs ours and restores the previous ones
