@@ -117,16 +117,23 @@ std::string TimeText(double nanoseconds) {
     return text;
 }
 
-void PrintRow(const std::string &name, double ours, std::optional<double> other, double goal, const char *verdict) {
+std::string GoalText(double goal, const char *format) {
+    char text[24] = "-";
+    if (goal != Report::kNoGoal)
+        std::snprintf(text, sizeof text, format, goal);
+    return text;
+}
+
+const char *VerdictFor(double goal, bool isOver) { return goal == Report::kNoGoal ? "" : isOver ? "over" : "ok"; }
+
+void PrintRow(const std::string &name, double ours, std::optional<double> other, const std::string &goal,
+              const char *verdict) {
     const std::string otherText = other ? TimeText(*other) : "-";
     char ratioText[24] = "-";
-    char goalText[24] = "-";
     if (other)
         std::snprintf(ratioText, sizeof ratioText, "%.2f", ours / *other);
-    if (goal != Report::kNoGoal)
-        std::snprintf(goalText, sizeof goalText, "%.2f", goal);
-    std::printf("%-58s %10s %10s %7s %6s  %s\n", name.c_str(), TimeText(ours).c_str(), otherText.c_str(), ratioText,
-                goalText, verdict);
+    std::printf("%-58s %10s %10s %7s %7s  %s\n", name.c_str(), TimeText(ours).c_str(), otherText.c_str(), ratioText,
+                goal.c_str(), verdict);
     std::fflush(stdout);
 }
 
@@ -181,11 +188,11 @@ Side Side::Elsewhere(unsigned callsPerBatch, const std::function<Side()> &make) 
 }
 
 void Report::PrintHead() {
-    std::printf("%-58s %10s %10s %7s %6s\n", "ours / other", "ours ns", "other ns", "ratio", "goal");
+    std::printf("%-58s %10s %10s %7s %7s\n", "ours / other", "ours ns", "other ns", "ratio", "goal");
     std::fflush(stdout);
 }
 
-void Report::Compare(const std::string &name, double goal, const Side &ours, const Side &other) {
+Report::Medians Report::Alternate(const std::string &name, const Side &ours, const Side &other) {
     const double sampleTime = options.quick ? 2e5 : 2e6;
     const int rounds = options.quick ? 5 : 21;
     Sampler left(name, "our", ours);
@@ -199,12 +206,23 @@ void Report::Compare(const std::string &name, double goal, const Side &ours, con
         first.Keep();
         second.Keep();
     }
-    const double mine = left.Median();
-    const double theirs = right.Median();
+    return {left.Median(), right.Median()};
+}
+
+void Report::Compare(const std::string &name, double goal, const Side &ours, const Side &other) {
+    const auto [mine, theirs] = Alternate(name, ours, other);
     const bool over = goal != kNoGoal && mine / theirs > goal;
     ++totals.rows;
     totals.over += over;
-    PrintRow(name, mine, theirs, goal, goal == kNoGoal ? "" : over ? "over" : "ok");
+    PrintRow(name, mine, theirs, GoalText(goal, "%.2f"), VerdictFor(goal, over));
+}
+
+void Report::Limit(const std::string &name, double goal, const Side &ours, const Side &other) {
+    const auto [mine, theirs] = Alternate(name, ours, other);
+    const bool over = goal != kNoGoal && mine > goal;
+    ++totals.rows;
+    totals.over += over;
+    PrintRow(name, mine, theirs, GoalText(goal, "%.0f ns"), VerdictFor(goal, over));
 }
 
 void Report::Measure(const std::string &name, const Side &ours) {
@@ -213,5 +231,5 @@ void Report::Measure(const std::string &name, const Side &ours) {
     for (int round = 0; round < (options.quick ? 5 : 21); ++round)
         sampler.Keep();
     ++totals.rows;
-    PrintRow(name, sampler.Median(), std::nullopt, kNoGoal, "");
+    PrintRow(name, sampler.Median(), std::nullopt, "-", "");
 }

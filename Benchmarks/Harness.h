@@ -66,9 +66,17 @@ class Report {
 
     // The goal is the largest allowed ratio of our time to the other.
     void Compare(const std::string &name, double goal, const Side &ours, const Side &other);
+    // The goal is the longest allowed time of a call of ours, in nanoseconds.
+    void Limit(const std::string &name, double goal, const Side &ours, const Side &other);
     void Measure(const std::string &name, const Side &ours);
 
   private:
+    struct Medians {
+        double ours;
+        double other;
+    };
+    Medians Alternate(const std::string &name, const Side &ours, const Side &other);
+
     const Options &options;
     Totals &totals;
 };
@@ -78,6 +86,9 @@ struct Comparison {
     const char *name; // what --filter looks at
     void (*run)(Report &report);
 };
+
+// Those of the program.
+std::vector<Comparison> Comparisons();
 
 std::vector<Comparison> CommandComparisons();
 std::vector<Comparison> DataAccessComparisons();

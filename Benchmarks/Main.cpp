@@ -1,4 +1,4 @@
-// The program: options, and one process for each comparison, since the library's
+// Both programs: options, and one process for each comparison, since the library's
 // state is global to a process.
 #include "Harness.h"
 
@@ -18,7 +18,7 @@ namespace {
 constexpr int kUsageError = 2;
 
 void PrintHelp(const std::vector<Comparison> &comparisons) {
-    std::puts("usage: avsk_bench [--filter TEXT] [--quick] [--strict]\n"
+    std::puts("usage: PROGRAM [--filter TEXT] [--quick] [--strict]\n"
               "\n"
               "Measures calls through the library against the same work without it, in turns,\n"
               "and prints medians of processor time per call, in nanoseconds where no unit stands,\n"
@@ -26,7 +26,7 @@ void PrintHelp(const std::vector<Comparison> &comparisons) {
               "\n"
               "  --filter TEXT  only comparisons whose name contains TEXT\n"
               "  --quick        short samples: to see that all of it works, not to quote\n"
-              "  --strict       exit with status 3 if a ratio is over its goal\n"
+              "  --strict       exit with status 3 if a ratio or a time is over its goal\n"
               "  --help         print this\n"
               "\n"
               "Exit status: 0, 1 if a benchmark failed, 2 for a wrong command line.\n"
@@ -37,7 +37,7 @@ void PrintHelp(const std::vector<Comparison> &comparisons) {
 }
 
 [[noreturn]] void UsageError(const std::string &what) {
-    std::fprintf(stderr, "avsk_bench: %s: avsk_bench --help prints the usage\n", what.c_str());
+    std::fprintf(stderr, "%s: %s: --help prints the usage\n", program_invocation_short_name, what.c_str());
     std::exit(kUsageError);
 }
 
@@ -68,8 +68,7 @@ bool RunInChild(const Comparison &comparison, const Options &options, Totals &to
     std::fflush(stdout);
     const pid_t child = fork();
     if (child < 0) {
-        std::fprintf(stderr, "avsk_bench: cannot start a process for '%s' (%s)\n", comparison.name,
-                     std::strerror(errno));
+        std::fprintf(stderr, "cannot start a process for '%s' (%s)\n", comparison.name, std::strerror(errno));
         return false;
     }
     if (child == 0) {
@@ -78,7 +77,7 @@ bool RunInChild(const Comparison &comparison, const Options &options, Totals &to
             Report report(options, totals);
             comparison.run(report);
         } catch (const std::exception &error) {
-            std::fprintf(stderr, "avsk_bench: '%s' failed: %s\n", comparison.name, error.what());
+            std::fprintf(stderr, "'%s' failed: %s\n", comparison.name, error.what());
             status = 1;
         }
         std::fflush(stdout);
@@ -87,7 +86,7 @@ bool RunInChild(const Comparison &comparison, const Options &options, Totals &to
     int status = 0;
     waitpid(child, &status, 0);
     if (WIFSIGNALED(status))
-        std::fprintf(stderr, "avsk_bench: '%s' crashed (%s): run it alone with --filter\n", comparison.name,
+        std::fprintf(stderr, "'%s' crashed (%s): run it alone with --filter\n", comparison.name,
                      strsignal(WTERMSIG(status)));
     return WIFEXITED(status) && WEXITSTATUS(status) == 0;
 }
@@ -99,14 +98,13 @@ void StayOnOneProcessor() {
     CPU_ZERO(&here);
     CPU_SET(sched_getcpu(), &here);
     if (sched_setaffinity(0, sizeof here, &here) != 0)
-        std::fprintf(stderr, "avsk_bench: not kept on one processor (%s): ratios will vary more\n",
-                     std::strerror(errno));
+        std::fprintf(stderr, "not kept on one processor (%s): ratios will vary more\n", std::strerror(errno));
 }
 
 Totals *ShareTotals() {
     void *memory = mmap(nullptr, sizeof(Totals), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0);
     if (memory == MAP_FAILED) {
-        std::fprintf(stderr, "avsk_bench: cannot share memory with its processes (%s)\n", std::strerror(errno));
+        std::fprintf(stderr, "cannot share memory with its processes (%s)\n", std::strerror(errno));
         std::exit(1);
     }
     return static_cast<Totals *>(memory);
@@ -115,11 +113,7 @@ Totals *ShareTotals() {
 } // namespace
 
 int main(int argc, char **argv) {
-    std::vector<Comparison> comparisons;
-    for (const auto &family :
-         {DataAccessComparisons(), SharedDataComparisons(), ProcessingComparisons(), DisplayComparisons(),
-          MenuComparisons(), CommandComparisons(), FolderComparisons(), PluginComparisons(), GrowthComparisons()})
-        comparisons.insert(comparisons.end(), family.begin(), family.end());
+    const std::vector<Comparison> comparisons = Comparisons();
     const Options options = ParseOptions(argc, argv, comparisons);
 
     std::vector<Comparison> chosen;

@@ -172,7 +172,7 @@ int Execute(ExecRequest &request) {
 
 constexpr const char *kFooter =
     R"text(The options go before --. Reports go to standard error, or to the file of --report: when the program ends, and whenever
-it gets the signal SIGUSR1, at the next call of the library. The program's own handlers of signals run after a report.
+it gets the signal SIGUSR1, at the next event that it reports. The program's own handlers of signals run after a report.
 Programs that it starts are not observed.
 
 A program that cannot be started so is observed with two variables: LD_PRELOAD names the object that observes, and

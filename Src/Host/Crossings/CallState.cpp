@@ -1,5 +1,5 @@
-// Reads and restores the state of processor and thread; see CallState.h. Owns the
-// switch. Built without sanitizers: their code uses string instructions, and End()
+// Reads and restores the state of processor and thread; see CallState.h. Built
+// without sanitizers: their code uses string instructions, and End()
 // may be entered with the direction flag set.
 #include "CallState.h"
 
@@ -11,8 +11,6 @@
 
 namespace crossings {
 namespace {
-
-bool gKeepsStates = false;
 
 constexpr std::uint32_t kControlBits = 0xFFC0; // of the MXCSR; the others are set by every operation
 
@@ -34,7 +32,7 @@ CallState CurrentState() noexcept {
 
 void KeepStates(bool keep) { gKeepsStates = keep; }
 
-bool StateKeeper::IsAsked(const Crossing &crossing) noexcept { return gKeepsStates && crossing.to == Side::Plugin; }
+bool StateKeeper::IsOfPlugin(const Crossing &crossing) noexcept { return crossing.to == Side::Plugin; }
 
 void StateKeeper::Begin() noexcept { mCrossing->stateBefore = CurrentState(); }
 

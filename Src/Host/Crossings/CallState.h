@@ -14,6 +14,9 @@ namespace crossings {
 
 class Crossing;
 
+// Whether states are compared; see KeepStates().
+inline bool gKeepsStates = false;
+
 struct CallState {
     std::uint16_t x87 = 0;     // control word
     std::uint32_t mxcsr = 0;   // the control bits
@@ -32,7 +35,8 @@ void KeepStates(bool keep);
 // Exists during a call; fills the states of the crossing, and undoes a change.
 class StateKeeper {
   public:
-    explicit StateKeeper(Crossing &crossing) noexcept : mCrossing(IsAsked(crossing) ? &crossing : nullptr) {
+    explicit StateKeeper(Crossing &crossing) noexcept
+        : mCrossing(gKeepsStates && IsOfPlugin(crossing) ? &crossing : nullptr) {
         if (mCrossing)
             Begin();
     }
@@ -44,7 +48,7 @@ class StateKeeper {
     StateKeeper &operator=(const StateKeeper &) = delete;
 
   private:
-    static bool IsAsked(const Crossing &crossing) noexcept;
+    static bool IsOfPlugin(const Crossing &crossing) noexcept;
     void Begin() noexcept;
     void End() noexcept;
 

@@ -1,16 +1,17 @@
 // Makes thunks; see Callback.h. They are allocated by the page and never freed,
-// because the library may call one until the process ends. Owns the pages, the
-// map from functions to thunks, and the functions' names.
+// because the library may call one until the process ends. Owns the pages and the
+// map from functions to thunks.
 #include "Callback.h"
 
+#include "Interned.h"
 #include "Symbols.h"
 
 #include <array>
 #include <cstddef>
 #include <cstring>
-#include <map>
 #include <memory>
 #include <new>
+#include <unordered_map>
 #include <utility>
 #include <vector>
 
@@ -55,15 +56,22 @@ struct Page {
 
 using Key = std::pair<Function, const CallbackKind *>;
 
+struct KeyHash {
+    std::size_t operator()(const Key &key) const {
+        return reinterpret_cast<std::size_t>(key.first) + 31 * reinterpret_cast<std::size_t>(key.second);
+    }
+};
+
 std::vector<std::unique_ptr<Page>> &gPages = *new std::vector<std::unique_ptr<Page>>;
-std::map<Key, std::pair<Callback *, Function>> &gThunks = *new std::map<Key, std::pair<Callback *, Function>>;
-std::map<const Callback *, std::string> &gNames = *new std::map<const Callback *, std::string>;
+std::unordered_map<Key, std::pair<Callback *, Function>, KeyHash> &gThunks =
+    *new std::unordered_map<Key, std::pair<Callback *, Function>, KeyHash>;
 
 std::pair<Callback *, Function> NewThunk() {
     if (gPages.empty() || gPages.back()->used == kThunks)
         gPages.push_back(std::make_unique<Page>());
     Page &page = *gPages.back();
     const std::size_t index = page.used++;
+    page.callbacks[index].number = (gPages.size() - 1) * kThunks + index;
     return {&page.callbacks[index], reinterpret_cast<Function>(page.thunks + index)};
 }
 
@@ -77,9 +85,8 @@ Function Wrap(Function function, const CallbackKind &kind, Side side, AVSKPlugin
     if (!thunk)
         std::tie(callback, thunk) = NewThunk();
     // A plugin that was loaded since may have other code at this address.
-    if (callback->owner != owner || owner == NO_PLUGIN_ID)
-        gNames.erase(callback);
-    *callback = {kind.entry, function, &kind, side, owner};
+    const std::string *name = callback->owner == owner && owner != NO_PLUGIN_ID ? callback->name : nullptr;
+    *callback = {kind.entry, function, &kind, side, owner, callback->number, name};
     return thunk;
 }
 
@@ -92,10 +99,9 @@ const Callback *CallbackOf(const void *function) {
 }
 
 const std::string &NameOf(const Callback &callback) {
-    std::string &name = gNames[&callback];
-    if (name.empty())
-        name = SymbolAt(reinterpret_cast<const void *>(callback.function));
-    return name;
+    if (!callback.name)
+        callback.name = &Interned(SymbolAt(reinterpret_cast<const void *>(callback.function)));
+    return *callback.name;
 }
 
 } // namespace crossings

@@ -7,6 +7,7 @@
 
 #include "Crossing.h"
 
+#include <cstddef>
 #include <string>
 
 namespace crossings {
@@ -14,7 +15,7 @@ namespace crossings {
 // A callback type: its prototype, and the function that observes calls of it.
 // That function takes a Callback in a register, and the arguments on the stack.
 struct CallbackKind {
-    Prototype what;
+    const Prototype &what;
     void (*entry)();
 };
 
@@ -26,15 +27,18 @@ struct Callback {
     const CallbackKind *kind = nullptr;
     Side side = Side::Plugin; // the side that defines the function
     AVSKPluginID owner = NO_PLUGIN_ID;
+    std::size_t number = 0;                    // counts from 0, in the order of the first use
+    mutable const std::string *name = nullptr; // null until NameOf() is called
 };
 
-// The thunk of a callback that this side and plugin passed. Null for null.
+// The thunk of a callback that this side and plugin passed. Null for null. To be
+// called on the observed thread.
 Function Wrap(Function function, const CallbackKind &kind, Side side, AVSKPluginID owner);
 
 // The callback of a thunk; null if the address is no thunk.
 const Callback *CallbackOf(const void *function);
 
-// The function's name, or its file and offset if the file has no symbol for it.
+// The function's name, or its file and offset if the file has no symbol for it. It is never freed.
 const std::string &NameOf(const Callback &callback);
 
 } // namespace crossings

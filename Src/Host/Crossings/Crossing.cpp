@@ -3,6 +3,9 @@
 #include "Crossing.h"
 
 #include "Callback.h"
+#include "Interned.h"
+#include "PrototypeTable.h"
+#include "RealSymbols.h"
 #include "ValueText.h"
 #include "Words.h"
 
@@ -11,10 +14,10 @@
 #include <algorithm>
 #include <array>
 #include <atomic>
+#include <bit>
 #include <cassert>
-#include <cstring>
+#include <cstdint>
 #include <exception>
-#include <map>
 #include <string_view>
 #include <utility>
 #include <vector>
@@ -25,27 +28,62 @@ namespace crossings {
 namespace {
 
 Crossing *gInnermost = nullptr;
-Crossing::Clock::duration gObserving{}; // the time spent in observers so far
-// Never destroyed: plugins may call until the process ends.
-std::map<AVSKPluginID, std::string> &gLabels = *new std::map<AVSKPluginID, std::string>;
-
-// Constructed on first use: static observers register before main().
-std::vector<Observer *> &Observers() {
-    static auto &observers = *new std::vector<Observer *>;
-    return observers;
-}
-
-// False on other threads, which may only use the library's thread slots.
-thread_local bool tObserved = false;
-thread_local bool tIsMain = false;
-
+Crossing::Clock::duration gObserving{}; // the time spent in observers so far, as far as it is measured
 std::atomic<ForeignHandler> gForeignHandler = nullptr;
 
-__attribute__((constructor)) void ObserveThisThread() { tObserved = tIsMain = true; }
+// In the order in which they are notified. Static observers register before main().
+constinit std::array<Observer *, 32> gObservers{};
+std::size_t gObserverCount = 0;
 
+__attribute__((constructor)) void ObserveLoadingThread() { ObserveThisThread(); }
+
+// The library's own function: a call of the exported name would be a crossing.
 AVSKPluginID Dispatched() {
-    const Unobserved calls;
-    return AVSKGetMyID();
+    static const auto real = reinterpret_cast<decltype(&AVSKGetMyID)>(NextSymbol("AVSKGetMyID"));
+    return real();
+}
+
+bool Includes(Interest interest, Interest part) {
+    return (static_cast<unsigned>(interest) & static_cast<unsigned>(part)) == static_cast<unsigned>(part);
+}
+
+// Asks the observers what they want.
+void UpdatePrototypes() {
+    bool isTimed = false;
+    for (Prototype &function : gPrototypes) {
+        function.observers = 0;
+        function.isTimed = function.isMeasured = false;
+        for (std::size_t i = 0; i < gObserverCount; ++i) {
+            const Interest interest = gObservers[i]->InterestIn(function);
+            if (interest != Interest::None)
+                function.observers |= 1U << i;
+            function.isTimed = function.isTimed || Includes(interest, Interest::Times);
+            function.isMeasured = function.isMeasured || Includes(interest, Interest::Work);
+        }
+        isTimed = isTimed || function.isTimed;
+    }
+    if (isTimed)
+        return Clock::Prepare();
+    for (Prototype &function : gPrototypes)
+        function.isMeasured = false;
+}
+
+template <auto kNotify>
+void NotifyObservers(const Crossing &crossing) {
+    for (std::uint32_t rest = crossing.what.observers; rest != 0; rest &= rest - 1)
+        (gObservers[static_cast<std::size_t>(std::countr_zero(rest))]->*kNotify)(crossing);
+}
+
+// ---- Labels of plugins
+
+// By ID; null if it is not known yet. Never destroyed: plugins may call until the process ends.
+std::vector<const std::string *> &gLabels = *new std::vector<const std::string *>;
+
+const std::string *&LabelSlot(AVSKPluginID plugin) {
+    const auto index = static_cast<std::size_t>(plugin);
+    if (index >= gLabels.size())
+        gLabels.resize(index + 1);
+    return gLabels[index];
 }
 
 // An entry point belongs to the called plugin, another callback to the plugin that registered it.
@@ -76,7 +114,7 @@ void NoteName(const Crossing &start) {
     std::array<char, AVSK_TEXT_SIZE> name{};
     const auto *given = static_cast<const char *>(start["outName"].pointer);
     if (start.returned && start.result.integer != 0 && ReadText(given, -1, name.data(), name.size()) && name.front())
-        gLabels[start.plugin] = OneLine(name.data());
+        LabelSlot(start.plugin) = &Interned(OneLine(name.data()));
 }
 
 } // namespace
@@ -85,33 +123,40 @@ Crossing::Crossing(const Prototype &prototype, Side callee, std::span<const Valu
                    const Callback *called) noexcept
     : what(prototype), from(CurrentSide()), to(callee), arguments(values), callback(called),
       plugin(gInnermost ? gInnermost->plugin : AVSK_PLUGIN_AERIVO), dispatched(Dispatched()), outer(gInnermost),
-      depth(gInnermost ? gInnermost->depth + 1 : 0) {
+      depth(gInnermost ? gInnermost->depth + 1 : 0), mIsTimed(prototype.isTimed), mIsMeasured(prototype.isMeasured) {
     if (called)
         plugin = Owner(*called, dispatched);
     gInnermost = this;
-    if (IsStart())
-        gLabels.erase(plugin); // the ID may have belonged to another plugin
+    if (IsStart() && plugin >= 0)
+        LabelSlot(plugin) = nullptr; // the ID may have belonged to another plugin
+    if (what.observers != 0)
+        NotifyBegin();
+}
+
+void Crossing::NotifyBegin() noexcept {
     const Unobserved calls;
-    const Clock::time_point start = Clock::now();
+    const Clock::time_point start = mIsMeasured ? Clock::now() : Clock::time_point();
     began = start;
-    for (Observer *observer : Observers())
-        observer->Begins(*this);
-    began = Clock::now();
-    gObserving += began - start;
+    NotifyObservers<&Observer::Begins>(*this);
+    if (mIsTimed || mIsMeasured)
+        began = Clock::now();
+    if (mIsMeasured)
+        gObserving += began - start;
     mObserving = gObserving;
 }
 
 Crossing::~Crossing() {
-    ended = Clock::now();
+    if (mIsTimed || mIsMeasured)
+        ended = Clock::now();
     mObserving = gObserving - mObserving;
     {
         const Unobserved calls;
         if (IsStart())
             NoteName(*this);
-        for (Observer *observer : Observers())
-            observer->Ends(*this);
+        NotifyObservers<&Observer::Ends>(*this);
     }
-    gObserving += Clock::now() - ended;
+    if (mIsMeasured)
+        gObserving += Clock::now() - ended;
     gInnermost = outer;
 }
 
@@ -122,9 +167,6 @@ void Crossing::NoteException() noexcept {
                   "an exception_ptr holds the address of the object and nothing else");
     thrown = *reinterpret_cast<const void *const *>(&handled);
 }
-
-bool Crossing::IsEntryPoint() const { return std::strncmp(what.name, "AVPlugin", std::strlen("AVPlugin")) == 0; }
-bool Crossing::IsStart() const { return std::strcmp(what.name, "AVPluginStart") == 0; }
 
 const Value &Crossing::operator[](const char *parameter) const {
     const std::string_view wanted = parameter;
@@ -138,28 +180,43 @@ const Value &Crossing::operator[](const char *parameter) const {
     return nothing;
 }
 
-void AddObserver(Observer &observer) { Observers().push_back(&observer); }
-void RemoveObserver(Observer &observer) { std::erase(Observers(), &observer); }
+void AddObserver(Observer &observer) {
+    assert(gObserverCount < gObservers.size());
+    gObservers[gObserverCount++] = &observer;
+    UpdatePrototypes();
+}
+
+void RemoveObserver(Observer &observer) {
+    Observer **const end = gObservers.data() + gObserverCount;
+    gObserverCount = static_cast<std::size_t>(std::remove(gObservers.data(), end, &observer) - gObservers.data());
+    UpdatePrototypes();
+}
 
 const Crossing *Innermost() { return gInnermost; }
 Side CurrentSide() { return gInnermost ? gInnermost->to : Side::Host; }
-bool AreObserved() { return tObserved; }
-bool AreByObserver() { return tIsMain && !tObserved; }
+
+void ObserveThisThread() {
+    if (gInnermost)
+        return;
+    const void *thread = nullptr;
+    asm("movl %%gs:0, %0" : "=r"(thread));
+    gObservedThread = thread;
+}
 
 void OnForeignCall(ForeignHandler handler) { gForeignHandler = handler; }
 
 void NoteUnobserved(const Prototype &function, Side callee) {
-    const ForeignHandler handler = tIsMain || callee != Side::Library ? nullptr : gForeignHandler.load();
+    const ForeignHandler handler = IsObservedThread() || callee != Side::Library ? nullptr : gForeignHandler.load();
     if (handler)
         handler(function);
 }
 
 const std::string &LabelOf(AVSKPluginID plugin) {
-    const auto known = gLabels.find(plugin);
-    if (known != gLabels.end())
-        return known->second;
+    const auto index = static_cast<std::size_t>(plugin);
+    if (index < gLabels.size() && gLabels[index])
+        return *gLabels[index];
     if (plugin == AVSK_PLUGIN_AERIVO)
-        return gLabels[plugin] = "host";
+        return *(LabelSlot(plugin) = &Interned("host"));
     const Unobserved calls;
     std::array<char, AVSK_TEXT_SIZE> name{};
     std::array<char, AVSK_TEXT_SIZE> path{};
@@ -167,11 +224,9 @@ const std::string &LabelOf(AVSKPluginID plugin) {
     // The library answers the path while a plugin has not started.
     const bool hasName = name.front() && !std::string_view(name.data()).ends_with(".avp");
     std::string label = OneLine(hasName ? name.data() : NameFromPath(path.data()));
-    static const std::string nobody = "nobody";
-    return label.empty() ? nobody : gLabels[plugin] = std::move(label);
+    if (label.empty())
+        return Interned("nobody");
+    return *(LabelSlot(plugin) = &Interned(std::move(label)));
 }
-
-Unobserved::Unobserved() noexcept : mBefore(std::exchange(tObserved, false)) {}
-Unobserved::~Unobserved() { tObserved = mBefore; }
 
 } // namespace crossings

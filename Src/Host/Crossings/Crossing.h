@@ -9,10 +9,11 @@
 #define AVSK_HOST_CROSSING_H
 
 #include "CallState.h"
+#include "Clock.h"
 
 #include "AVSK/AVSKTypes.h"
 
-#include <chrono>
+#include <atomic>
 #include <cstdint>
 #include <span>
 #include <string>
@@ -26,12 +27,6 @@ enum class Side : std::uint8_t {
     Host,
     Library,
     Plugin
-};
-
-// One function, as the public headers declare it.
-struct Prototype {
-    const char *name;
-    const char *parameters; // names: "x,y,refcon"
 };
 
 struct Callback;
@@ -70,37 +65,69 @@ struct StructureView {
 };
 
 template <class T>
+constexpr Value::Kind KindOf() {
+    if constexpr (std::is_void_v<T>)
+        return Value::Kind::Nothing;
+    else if constexpr (std::is_same_v<T, char>)
+        return Value::Kind::Character;
+    else if constexpr (std::is_same_v<T, AVSKWord>)
+        return Value::Kind::Word;
+    else if constexpr (std::is_integral_v<T>)
+        return Value::Kind::Integer;
+    else if constexpr (std::is_floating_point_v<T>)
+        return Value::Kind::Real;
+    else if constexpr (std::is_same_v<T, const char *>)
+        return Value::Kind::Text;
+    else
+        return std::is_function_v<std::remove_pointer_t<T>> ? Value::Kind::Function : Value::Kind::Pointer;
+}
+
+template <class T>
 Value ValueOf(T argument) {
     Value value;
-    if constexpr (std::is_same_v<T, char>) {
-        value.kind = Value::Kind::Character;
+    value.kind = KindOf<T>();
+    if constexpr (KindOf<T>() == Value::Kind::Character)
         value.integer = static_cast<unsigned char>(argument);
-    } else if constexpr (std::is_same_v<T, AVSKWord>) {
-        value.kind = Value::Kind::Word;
+    else if constexpr (KindOf<T>() == Value::Kind::Word)
         value.word = argument;
-    } else if constexpr (std::is_integral_v<T>) {
-        value.kind = Value::Kind::Integer;
+    else if constexpr (KindOf<T>() == Value::Kind::Integer)
         value.integer = argument;
-    } else if constexpr (std::is_floating_point_v<T>) {
-        value.kind = Value::Kind::Real;
+    else if constexpr (KindOf<T>() == Value::Kind::Real)
         value.real = argument;
-    } else if constexpr (std::is_same_v<T, const char *>) {
-        value.kind = Value::Kind::Text;
+    else if constexpr (KindOf<T>() == Value::Kind::Text)
         value.text = argument;
-    } else if constexpr (std::is_function_v<std::remove_pointer_t<T>>) {
-        value.kind = Value::Kind::Function;
+    else if constexpr (KindOf<T>() == Value::Kind::Function)
         value.pointer = reinterpret_cast<const void *>(argument);
-    } else {
-        value.kind = Value::Kind::Pointer;
+    else
         value.pointer = argument;
-    }
     return value;
 }
+
+// One function, as the public headers declare it. There is one object for each; see PrototypeTable.h.
+struct Prototype {
+    enum class Form : std::uint8_t {
+        Function,
+        Service,
+        Callback,
+        EntryPoint, // a callback that plugins export
+        Start,      // the entry point that is called first
+    };
+
+    const char *name;
+    const char *parameters; // names: "x,y,refcon"
+    Form form;
+    Value::Kind result;
+
+    // What the present observers want of its calls; see Interest.
+    std::uint32_t observers = 0; // a bit for each
+    bool isTimed = false;
+    bool isMeasured = false;
+};
 
 // A call across the border, from its begin to its end.
 class Crossing {
   public:
-    using Clock = std::chrono::steady_clock;
+    using Clock = crossings::Clock;
 
     // The callback is null for calls of functions and services.
     Crossing(const Prototype &prototype, Side callee, std::span<const Value> values,
@@ -130,7 +157,7 @@ class Crossing {
     const int depth;       // 0 for the outermost
     Value result;
     bool returned = false;
-    Clock::time_point began;
+    Clock::time_point began; // if an observer reads times
     Clock::time_point ended;
     // Of the exception that ended the call: the object that was thrown, and its type.
     const void *thrown = nullptr;
@@ -142,20 +169,35 @@ class Crossing {
     // An argument by its name, which must be the name of a parameter.
     const Value &operator[](const char *parameter) const;
     // Whether this is a plugin's start, from which on the ID belongs to that plugin.
-    bool IsStart() const;
-    bool IsEntryPoint() const; // a call of one of the functions that plugins export
-    // Without the time that observing the inner calls took. Valid in Ends() only.
+    bool IsStart() const { return what.form == Prototype::Form::Start; }
+    bool IsEntryPoint() const { return what.form >= Prototype::Form::EntryPoint; }
+    // Without the time that observing the inner calls took. Valid in Ends() only, for observers that read times.
     Clock::duration Duration() const { return ended - began - mObserving; }
 
   private:
+    void NotifyBegin() noexcept;
+
+    const bool mIsTimed;    // the clock is read
+    const bool mIsMeasured; // also before and after the observers' work
     Clock::duration mObserving{};
 };
 
-// Sees every call on the main thread, except the calls that observers make
+// What an observer wants of the calls of a function.
+enum class Interest : std::uint8_t {
+    None = 0,
+    Calls = 1,          // it is notified
+    Times = Calls | 2,  // and reads the times of the crossing
+    Work = Calls | 4,   // and takes longer than the clock does, so this time is left out of durations
+    All = Times | Work, // both
+};
+
+// Sees the calls on the observed thread, except the calls that observers make
 // themselves. An observer must outlive all calls or be removed.
 class Observer {
   public:
     virtual ~Observer() = default;
+    // Asked for each function whenever an observer is added or removed.
+    virtual Interest InterestIn(const Prototype & /*function*/) const { return Interest::All; }
     virtual void Begins(const Crossing &crossing) = 0;
     virtual void Ends(const Crossing &crossing) = 0;
 };
@@ -167,16 +209,30 @@ void RemoveObserver(Observer &observer);
 const Crossing *Innermost();
 // The side whose code runs now.
 Side CurrentSide();
-// Whether calls are observed now: true on the main thread outside of observers.
-bool AreObserved();
-// Whether an observer makes the calls that are made now.
-bool AreByObserver();
 
 // Called once, when an exported function is called for the first time, on that
 // thread. Null for none.
 void OnFirstCall(void (*prepare)());
 
-// Calls of exported functions on other threads than the main one are not
+// Only one thread is observed: that which loaded this program, until another one
+// initialises the library.
+inline std::atomic<const void *> gObservedThread = nullptr;
+// While the observed thread runs observers, and it alone reads and writes this.
+inline bool gIsUnobserved = false;
+
+inline bool IsObservedThread() {
+    const void *thread = nullptr;
+    asm("movl %%gs:0, %0" : "=r"(thread)); // its own address; cheaper than a thread_local variable
+    return thread == gObservedThread.load(std::memory_order_relaxed);
+}
+// Makes the calling thread the observed one, unless the present one is inside a call.
+void ObserveThisThread();
+// Whether calls are observed now: true on the observed thread outside of observers.
+inline bool AreObserved() { return IsObservedThread() && !gIsUnobserved; }
+// Whether an observer makes the calls that are made now.
+inline bool AreByObserver() { return IsObservedThread() && gIsUnobserved; }
+
+// Calls of exported functions on other threads than the observed one are not
 // observed. They call the handler, on their thread, before they do anything; null
 // for none. The handler must call no exported function.
 using ForeignHandler = void (*)(const Prototype &function);
@@ -184,20 +240,25 @@ void OnForeignCall(ForeignHandler handler);
 // To be called for each call that is not observed.
 void NoteUnobserved(const Prototype &function, Side callee);
 
-// A plugin's name, or its folder's while it has none; "host" for 0. The text
-// stays valid until the ID is given to another plugin.
+// A plugin's name, or its folder's while it has none; "host" for 0. The text is never freed.
 const std::string &LabelOf(AVSKPluginID plugin);
 
 // Calls during its lifetime are not observed.
 class Unobserved {
   public:
-    Unobserved() noexcept;
-    ~Unobserved();
+    Unobserved() noexcept : mSets(AreObserved()) {
+        if (mSets)
+            gIsUnobserved = true;
+    }
+    ~Unobserved() {
+        if (mSets)
+            gIsUnobserved = false;
+    }
     Unobserved(const Unobserved &) = delete;
     Unobserved &operator=(const Unobserved &) = delete;
 
   private:
-    const bool mBefore;
+    const bool mSets;
 };
 
 } // namespace crossings

@@ -57,9 +57,9 @@ void *Export(void *handle, const char *name) {
 // If the upper half is not zero, the lower half is the result of the lookup; else
 // it is the dynamic linker's dlsym(), to be called.
 extern "C" __attribute__((used, visibility("hidden"))) std::uint64_t AvskLookUp(void *handle, const char *name) {
-    void *const found = StartsWith(name, "AVPlugin") ? EntryPoint(handle, name)
-                        : StartsWith(name, "AVSK")   ? Export(handle, name)
-                                                     : nullptr;
+    void *const found = StartsWith(name, "AVPlugin") && IsObservedThread() ? EntryPoint(handle, name)
+                        : StartsWith(name, "AVSK")                         ? Export(handle, name)
+                                                                           : nullptr;
     constexpr std::uint64_t kFinal = std::uint64_t{1} << 32;
     return found ? kFinal | reinterpret_cast<std::uintptr_t>(found) : reinterpret_cast<std::uintptr_t>(RealLookup());
 }

@@ -64,11 +64,12 @@ class Structure {
 };
 
 // The host's table is replaced by one whose slots are observed. They call the
-// slots of the given table, read at the time of each call.
+// slots of the given table, read at the time of each call. The thread that gives
+// the table, to initialise the library, is the one that is observed from then on.
 template <>
 class Structure<AVSKHostCallbacks> {
   public:
-    explicit Structure(const AVSKHostCallbacks *given) : mGiven(given) {}
+    explicit Structure(const AVSKHostCallbacks *given) : mGiven(given) { ObserveThisThread(); }
     const AVSKHostCallbacks *Replaced() const;
     Value Shown() const { return ValueOf<const void *>(mGiven); }
 
@@ -88,8 +89,11 @@ struct Giver {
 };
 Giver CurrentGiver();
 
+// Another thread passes its functions unchanged: the tables belong to the observed thread.
 template <class F>
 F Replace(F function, const CallbackKind &kind) {
+    if (!IsObservedThread())
+        return function;
     const Giver giver = CurrentGiver();
     return reinterpret_cast<F>(Wrap(reinterpret_cast<Function>(function), kind, giver.side, giver.plugin));
 }

@@ -3,6 +3,7 @@
 // the program first. The library is linked so that its own calls stay inside it.
 #include "Forward.h"
 #include "Kinds.h"
+#include "PrototypeTable.h"
 #include "RealSymbols.h"
 
 #include "AVSK/AVSK.h"
@@ -38,9 +39,8 @@ void crossings::OnFirstCall(void (*prepare)()) { gOnFirstCall = prepare; }
 #define AVSK_SERVICE(result, name, parameters, names, ...)
 #define AVSK_FUNCTION(result, name, parameters, names, ...)                                                            \
     result name parameters {                                                                                           \
-        static constexpr Prototype what{#name, names};                                                                 \
         static const auto next = reinterpret_cast<decltype(&name)>(PrepareCall(#name));                                \
-        const Forward handOn{what, Side::Library, nullptr, next};                                                      \
+        const Forward handOn{gPrototypes[kIndex_##name], Side::Library, nullptr, next};                                \
         return handOn(__VA_ARGS__);                                                                                    \
     }
 #include "Prototypes.inc"

@@ -3,6 +3,7 @@
 #include "Kinds.h"
 
 #include "Forward.h"
+#include "PrototypeTable.h"
 
 #include "AVSK/AVSK.h"
 
@@ -18,7 +19,7 @@ namespace crossings {
         const Forward handOn{called->kind->what, called->side, called, function};                                      \
         return handOn(__VA_ARGS__);                                                                                    \
     }                                                                                                                  \
-    const CallbackKind k_##name{{#name, names}, reinterpret_cast<Function>(Enter_##name)};
+    const CallbackKind k_##name{gPrototypes[kIndex_##name], reinterpret_cast<Function>(Enter_##name)};
 #include "Prototypes.inc"
 
 } // namespace crossings

@@ -1,15 +1,37 @@
-// Lists the table of prototypes; see Prototypes.h.
+// The table of prototypes; see PrototypeTable.h. Crossing.cpp notes in it who observes what.
 #include "Prototypes.h"
 
+#include "PrototypeTable.h"
+
+#include "AVSK/AVSK.h"
+#include "AVSK/AVSKHost.h"
+
+#include <string_view>
+
 namespace crossings {
+namespace {
+
+constexpr Prototype::Form FormOfCallback(std::string_view name) {
+    return name == "AVPluginStart"        ? Prototype::Form::Start
+           : name.starts_with("AVPlugin") ? Prototype::Form::EntryPoint
+                                          : Prototype::Form::Callback;
+}
+
+} // namespace
+
+constinit Prototype gPrototypes[] = {
+#define AVSK_FUNCTION(result, name, parameters, names, ...) {#name, names, Prototype::Form::Function, KindOf<result>()},
+#define AVSK_SERVICE(result, name, parameters, names, ...) {#name, names, Prototype::Form::Service, KindOf<result>()},
+#define AVSK_CALLBACK(result, name, parameters, entry, names, ...)                                                     \
+    {#name, names, FormOfCallback(#name), KindOf<result>()},
+#include "Prototypes.inc"
+};
 
 std::vector<std::string> PrototypeNames() {
-    return {
-#define AVSK_FUNCTION(result, name, parameters, names, ...) #name,
-#define AVSK_SERVICE(result, name, parameters, names, ...) #name,
-#define AVSK_CALLBACK(result, name, parameters, entry, names, ...) #name,
-#include "Prototypes.inc"
-    };
+    std::vector<std::string> names;
+    for (const Prototype &function : gPrototypes)
+        names.emplace_back(function.name);
+    return names;
 }
 
 } // namespace crossings

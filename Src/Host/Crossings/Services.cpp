@@ -4,6 +4,7 @@
 
 #include "Forward.h"
 #include "Kinds.h"
+#include "PrototypeTable.h"
 
 #include <algorithm>
 
@@ -21,11 +22,10 @@ T Neutral() {
 #define AVSK_CALLBACK(result, name, parameters, entry, names, ...)
 #define AVSK_FUNCTION(result, name, parameters, names, ...)
 #define AVSK_SERVICE(result, name, parameters, names, ...)                                                             \
-    constexpr Prototype kPrototype_##name{#name, (names)};                                                             \
     result Serve_##name parameters {                                                                                   \
         if (AreByObserver()) /* the host must not notice */                                                            \
             return Neutral<result>();                                                                                  \
-        const Forward handOn{kPrototype_##name, Side::Host, nullptr, gTable->name};                                    \
+        const Forward handOn{gPrototypes[kIndex_##name], Side::Host, nullptr, gTable->name};                           \
         return handOn(__VA_ARGS__);                                                                                    \
     }
 #include "Prototypes.inc"
@@ -33,7 +33,7 @@ T Neutral() {
 // NOLINTEND(bugprone-macro-parentheses)
 
 constexpr const Prototype *kServices[] = {
-#define AVSK_SERVICE(result, name, parameters, names, ...) &kPrototype_##name,
+#define AVSK_SERVICE(result, name, parameters, names, ...) &gPrototypes[kIndex_##name],
 #include "Prototypes.inc"
 #undef AVSK_SERVICE
 };

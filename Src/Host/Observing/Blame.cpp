@@ -45,14 +45,13 @@ const int kOverdue = SIGRTMAX - 3; // rarely used by others
 
 History gHistory;
 Blame *gBlame = nullptr;
-const int *gFrame = nullptr; // of the simulator; not read through the Blame, which may be overwritten
-int gLastFrame = 0;          // when the Blame ended
-pthread_t gMainThread;
+const int *gFrame = nullptr;   // of the simulator; not read through the Blame, which may be overwritten
+int gLastFrame = 0;            // when the Blame ended
 void (*gAddition)() = nullptr; // to each report
 const ForeignSignals *gForeign = nullptr;
 std::atomic<bool> gReporting = false;
 
-bool IsMainThread() { return pthread_equal(pthread_self(), gMainThread) != 0; }
+bool IsMainThread() { return crossings::IsObservedThread(); }
 
 // The plugin or host that a call is made for.
 void AddBehalf(Line &line, const History::Call &call) {
@@ -239,28 +238,28 @@ void OnFault(int signal, siginfo_t *info, void *interrupted) {
 
 // The innermost call of a plugin that has taken almost the whole time: calls
 // inside it may be short. Else the outermost of all calls.
-const History::Call *OverdueCall(double limit) {
-    constexpr double kNearly = 0.9;
-    const Crossing::Clock::time_point now = Crossing::Clock::now();
-    for (const Crossing *call = crossings::Innermost(); call; call = call->outer) {
-        if (call->to == Side::Plugin && std::chrono::duration<double>(now - call->began).count() >= kNearly * limit)
-            return gHistory.Open(call->depth);
+const History::Call *OverdueCall(const Watchdog &timer) {
+    for (int depth = gHistory.Depth() - 1; depth > 0; --depth) {
+        const History::Call *call = gHistory.Open(depth);
+        if (call->to == Side::Plugin && timer.IsNearlyOverdue(call->tick))
+            return call;
     }
     return gHistory.Open(0);
 }
 
 void OnOverdue(int /*signal*/, siginfo_t * /*info*/, void *interrupted) {
     const int error = errno;
-    if (!gBlame || !gBlame->IsOverdue() || gReporting.exchange(true)) {
+    const Watchdog *timer = gBlame ? gBlame->Timer() : nullptr;
+    if (!timer || !timer->IsOverdue() || gReporting.exchange(true)) {
         errno = error;
         return;
     }
-    const History::Call *call = OverdueCall(gBlame->Limit());
+    const History::Call *call = OverdueCall(*timer);
     Line head;
     head.Add("avsk: ");
     AddCulprit(head, call);
     head.Add(" did not return within ");
-    head.Add(gBlame->Limit());
+    head.Add(timer->Limit());
     head.Add(" s from ");
     AddTitleAndCaller(head, call);
     ReportAndEnd(head, static_cast<ucontext_t *>(interrupted));
@@ -344,7 +343,6 @@ Blame::Blame(const int &frame, double timeout) {
     [[maybe_unused]] static const int once = on_exit(OnExit, nullptr);
     if (__sanitizer_set_death_callback)
         __sanitizer_set_death_callback(OnSanitizersEnd);
-    gMainThread = pthread_self();
     gHistory.Clear(); // of an earlier run
     LearnStack();
     PrepareBacktrace();
@@ -366,10 +364,9 @@ Blame::~Blame() {
 }
 
 void Blame::MoveToThisThread() {
-    const double timeout = Limit();
+    const double timeout = mWatchdog ? mWatchdog->Limit() : 0;
     mWatchdog.reset();
     mBefore.reset();
-    gMainThread = pthread_self();
     LearnStack();
     mBefore = std::make_unique<Handlers>();
     if (timeout > 0)
@@ -377,12 +374,12 @@ void Blame::MoveToThisThread() {
 }
 
 void Blame::Begins(const Crossing &crossing) {
-    gHistory.Begins(crossing);
+    gHistory.Begins(crossing, mWatchdog ? mWatchdog->Now() : 0);
     const bool isPlugins = crossing.to == Side::Plugin && mPluginDepth < 0;
     if (isPlugins)
         mPluginDepth = crossing.depth;
     if (mWatchdog && (isPlugins || crossing.depth == 0))
-        mWatchdog->Restart(crossing.began);
+        mWatchdog->Restart();
 }
 
 void Blame::Ends(const Crossing &crossing) {
@@ -395,7 +392,7 @@ void Blame::Ends(const Crossing &crossing) {
     if (mWatchdog && crossing.depth == 0)
         mWatchdog->Stop();
     else if (mWatchdog && isPlugins)
-        mWatchdog->Restart(crossing.ended);
+        mWatchdog->Restart();
 }
 
 void AddToBlame(void (*write)()) { gAddition = write; }

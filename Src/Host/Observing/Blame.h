@@ -28,14 +28,17 @@ class Blame : public crossings::Observer {
     Blame(const Blame &) = delete;
     Blame &operator=(const Blame &) = delete;
 
+    crossings::Interest InterestIn(const crossings::Prototype & /*function*/) const override {
+        return crossings::Interest::Calls;
+    }
     void Begins(const crossings::Crossing &crossing) override;
     void Ends(const crossings::Crossing &crossing) override;
 
     // The calling thread is now the one that calls the library.
     void MoveToThisThread();
 
-    bool IsOverdue() const { return mWatchdog && mWatchdog->IsOverdue(); }
-    double Limit() const { return mWatchdog ? mWatchdog->Limit() : 0; }
+    // Null without a limit.
+    const Watchdog *Timer() const { return mWatchdog ? &*mWatchdog : nullptr; }
 
   private:
     struct Handlers; // installs ours and restores the previous ones

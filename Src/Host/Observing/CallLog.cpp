@@ -17,7 +17,6 @@ namespace host {
 namespace {
 
 using crossings::Crossing;
-using crossings::Side;
 using crossings::Value;
 
 // The handles of the host's own objects, by name.
@@ -68,10 +67,11 @@ int CallLog::CountArguments(std::string_view slot) {
     return service ? crossings::CountParameters(*service) : -1;
 }
 
+crossings::Interest CallLog::InterestIn(const crossings::Prototype &function) const {
+    return function.form == crossings::Prototype::Form::Service ? crossings::Interest::Work : crossings::Interest::None;
+}
+
 void CallLog::Begins(const Crossing &crossing) {
-    // Other calls to the host are its own callbacks.
-    if (crossing.to != Side::Host || crossing.callback)
-        return;
     Arguments arguments;
     for (std::size_t i = 0; i < crossing.arguments.size(); ++i) {
         const Value &value = crossing.arguments[i];

@@ -26,6 +26,7 @@ class CallLog : public crossings::Observer {
     // Number of a slot's arguments by its name in the table; -1 if there is no such slot.
     static int CountArguments(std::string_view slot);
 
+    crossings::Interest InterestIn(const crossings::Prototype &function) const override;
     void Begins(const crossings::Crossing &crossing) override;
     void Ends(const crossings::Crossing & /*crossing*/) override {}
     void Forget() { mCalls.clear(); }

@@ -12,11 +12,14 @@ namespace host {
 DatarefNames::DatarefNames() { crossings::AddObserver(*this); }
 DatarefNames::~DatarefNames() { crossings::RemoveObserver(*this); }
 
+crossings::Interest DatarefNames::InterestIn(const crossings::Prototype &function) const {
+    const std::string_view name = function.name;
+    return name == "AVSKShareData" || name == "AVSKRegisterDataAccessor" ? crossings::Interest::Work
+                                                                         : crossings::Interest::None;
+}
+
 void DatarefNames::Begins(const crossings::Crossing &crossing) {
-    const std::string_view function = crossing.what.name;
-    const bool isShared = function == "AVSKShareData";
-    if (!isShared && function != "AVSKRegisterDataAccessor")
-        return;
+    const bool isShared = crossing.what.name == std::string_view("AVSKShareData");
     const char *name = crossing["name"].text;
     if (name)
         mNames.emplace(name);

@@ -19,6 +19,7 @@ class DatarefNames : public crossings::Observer {
     DatarefNames(const DatarefNames &) = delete;
     DatarefNames &operator=(const DatarefNames &) = delete;
 
+    crossings::Interest InterestIn(const crossings::Prototype &function) const override;
     void Begins(const crossings::Crossing &crossing) override;
     void Ends(const crossings::Crossing & /*crossing*/) override {}
 

@@ -43,6 +43,11 @@ HandleBook::~HandleBook() {
     crossings::RemoveObserver(*this);
 }
 
+// Functions whose results are handles, or other pointers.
+crossings::Interest HandleBook::InterestIn(const crossings::Prototype &function) const {
+    return function.result == Value::Kind::Pointer ? crossings::Interest::Work : crossings::Interest::None;
+}
+
 void HandleBook::Ends(const Crossing &crossing) {
     if (!crossing.returned || crossing.result.kind != Value::Kind::Pointer || !crossing.result.pointer)
         return;

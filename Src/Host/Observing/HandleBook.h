@@ -21,6 +21,7 @@ class HandleBook : public crossings::Observer, public crossings::HandleNames {
     HandleBook(const HandleBook &) = delete;
     HandleBook &operator=(const HandleBook &) = delete;
 
+    crossings::Interest InterestIn(const crossings::Prototype &function) const override;
     void Begins(const crossings::Crossing & /*crossing*/) override {}
     void Ends(const crossings::Crossing &crossing) override;
 

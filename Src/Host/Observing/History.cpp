@@ -43,11 +43,12 @@ void History::Clear() {
     mHasThrown = false;
 }
 
-void History::Begins(const Crossing &crossing) {
+void History::Begins(const Crossing &crossing, std::uint32_t tick) {
     if (mHasThrown && std::uncaught_exceptions() == 0)
         mHasThrown = false; // it was caught
     Call &call = Slot(crossing.depth);
     call.to = crossing.to;
+    call.tick = tick;
     call.forHost = crossing.plugin == AVSK_PLUGIN_AERIVO;
     call.plugin.Clear();
     call.plugin.Add(std::string_view(crossings::LabelOf(crossing.plugin)));

@@ -8,6 +8,7 @@
 
 #include <array>
 #include <cstddef>
+#include <cstdint>
 #include <string_view>
 
 namespace host {
@@ -16,6 +17,7 @@ class History {
   public:
     struct Call {
         crossings::Side to;
+        std::uint32_t tick;     // when it began, see Watchdog.h
         bool forHost;           // no plugin is involved
         crossings::Line plugin; // whose code runs, or for which the library or host works
         crossings::Line title;  // "AVSKMenuHandler_f OnPick"
@@ -24,9 +26,11 @@ class History {
 
     // Forgets everything; no call may be under way.
     void Clear();
-    void Begins(const crossings::Crossing &crossing);
+    void Begins(const crossings::Crossing &crossing, std::uint32_t tick);
     void Ends(const crossings::Crossing &crossing);
 
+    // The number of calls under way.
+    int Depth() const { return mDepth; }
     // The call under way at a depth, or the deepest that is stored. Null if there is none.
     const Call *Open(int depth) const;
     const Call *Innermost() const { return Open(mDepth - 1); }

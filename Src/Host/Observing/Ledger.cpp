@@ -72,6 +72,10 @@ bool IsSilent(const Possession &load) { return !load.otherKey.numbers.empty() &&
 Ledger::Ledger(const ObservedHost &host) : mHost(host) { crossings::AddObserver(*this); }
 Ledger::~Ledger() { crossings::RemoveObserver(*this); }
 
+crossings::Interest Ledger::InterestIn(const crossings::Prototype &function) const {
+    return FindRules(function.name).empty() ? crossings::Interest::None : crossings::Interest::Work;
+}
+
 const std::vector<const LedgerRule *> &Ledger::RulesOf(const crossings::Prototype &function) {
     const auto [rules, isNew] = mRules.try_emplace(&function);
     if (isNew)

@@ -25,6 +25,7 @@ class Ledger : public crossings::Observer {
     Ledger(const Ledger &) = delete;
     Ledger &operator=(const Ledger &) = delete;
 
+    crossings::Interest InterestIn(const crossings::Prototype &function) const override;
     void Begins(const crossings::Crossing &crossing) override;
     void Ends(const crossings::Crossing &crossing) override;
 

@@ -15,6 +15,7 @@
 #include <cstdio>
 #include <cstring>
 #include <filesystem>
+#include <iterator>
 #include <string_view>
 #include <system_error>
 #include <utility>
@@ -62,6 +63,13 @@ std::string LibraryFault(const std::string &library) {
 
 Loading::Loading(const ObservedHost &host) : mHost(host) { crossings::AddObserver(*this); }
 Loading::~Loading() { crossings::RemoveObserver(*this); }
+
+crossings::Interest Loading::InterestIn(const crossings::Prototype &function) const {
+    static constexpr std::string_view kSeen[] = {"AVPluginStart",         "AVPluginEnable", "AVSKEventHook",
+                                                 "AVSKInitializePlugins", "debugString",    "showMessage"};
+    const bool isSeen = std::find(std::begin(kSeen), std::end(kSeen), function.name) != std::end(kSeen);
+    return isSeen ? crossings::Interest::Work : crossings::Interest::None;
+}
 
 void Loading::Begins(const Crossing &crossing) {
     if (crossing.from != crossings::Side::Library)

@@ -34,6 +34,7 @@ class Loading : public crossings::Observer {
         mNotify = std::move(notify);
     }
 
+    crossings::Interest InterestIn(const crossings::Prototype &function) const override;
     void Begins(const crossings::Crossing &crossing) override;
     void Ends(const crossings::Crossing &crossing) override;
 

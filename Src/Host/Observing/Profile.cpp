@@ -5,6 +5,7 @@
 
 #include "Common/NearestName.h"
 #include "Common/Utf8.h"
+#include "Crossings/Callback.h"
 #include "Crossings/Format.h"
 
 #include <algorithm>
@@ -30,17 +31,28 @@ std::string Formatted(const char *format, auto... values) {
 
 } // namespace
 
-Profile::Profile(const ObservedHost &host) : mHost(host) { crossings::AddObserver(*this); }
+Profile::Profile(const ObservedHost &host) : mPresentFrame(host.Frame()) { crossings::AddObserver(*this); }
 Profile::~Profile() { crossings::RemoveObserver(*this); }
 
+crossings::Interest Profile::InterestIn(const crossings::Prototype &function) const {
+    using Form = crossings::Prototype::Form;
+    return function.form == Form::Service    ? crossings::Interest::None
+           : function.form == Form::Function ? crossings::Interest::Calls
+                                             : crossings::Interest::Times;
+}
+
 void Profile::Begins(const Crossing &crossing) {
-    if (crossing.from == Side::Plugin && crossing.to == Side::Library)
-        ++mCalls[crossing.plugin];
+    const auto plugin = static_cast<std::size_t>(crossing.plugin);
+    if (crossing.from == Side::Plugin && crossing.to == Side::Library && crossing.plugin >= 0) {
+        if (plugin >= mCalls.size())
+            mCalls.resize(plugin + 1);
+        ++mCalls[plugin];
+    }
     if (!IsPlugins(crossing))
         return;
-    if (crossing.IsStart())
-        mCalls.erase(crossing.plugin); // the ID may have belonged to another plugin
-    if (mHost.Frame() != mFrame)
+    if (crossing.IsStart() && plugin < mCalls.size())
+        mCalls[plugin] = 0; // the ID may have belonged to another plugin
+    if (mPresentFrame != mFrame)
         CloseFrame();
     mInner.emplace_back();
 }
@@ -63,10 +75,13 @@ void Profile::Ends(const Crossing &crossing) {
 }
 
 Profile::Row &Profile::RowOf(const Crossing &crossing) {
-    Row *&known = mKnown[{crossing.callback, crossing.plugin}];
-    if (!known)
-        known = &mRows[crossings::LabelOf(crossing.plugin)][crossings::TitleOf(crossing)];
-    return *known;
+    const std::size_t number = crossing.callback->number;
+    if (number >= mKnown.size())
+        mKnown.resize(number + 1);
+    Known &known = mKnown[number];
+    if (!known.row || known.plugin != crossing.plugin)
+        known = {crossing.plugin, &mRows[crossings::LabelOf(crossing.plugin)][crossings::TitleOf(crossing)]};
+    return *known.row;
 }
 
 void Profile::CloseFrame() {
@@ -93,7 +108,7 @@ void Profile::CloseFrame() {
         for (auto &entry : rows)
             entry.second.present = {};
     }
-    mFrame = mHost.Frame();
+    mFrame = mPresentFrame;
 }
 
 void Profile::EndFrames() {
@@ -161,8 +176,8 @@ std::vector<std::string> Profile::OverBudget() const {
 }
 
 long Profile::CallsOf(AVSKPluginID plugin) const {
-    const auto found = mCalls.find(plugin);
-    return found == mCalls.end() ? 0 : found->second;
+    const auto index = static_cast<std::size_t>(plugin);
+    return index < mCalls.size() ? mCalls[index] : 0;
 }
 
 } // namespace host

@@ -6,7 +6,6 @@
 
 #include <map>
 #include <string>
-#include <utility>
 #include <vector>
 
 namespace host {
@@ -24,6 +23,7 @@ class Profile : public crossings::Observer {
     // plugins without a budget of their own.
     void SetBudget(const std::string &plugin, double milliseconds) { mBudgets[plugin] = milliseconds; }
 
+    crossings::Interest InterestIn(const crossings::Prototype &function) const override;
     void Begins(const crossings::Crossing &crossing) override;
     void Ends(const crossings::Crossing &crossing) override;
 
@@ -37,7 +37,7 @@ class Profile : public crossings::Observer {
     // One line for each plugin that exceeded its budget: the worst frame, its
     // slowest callback, and how many frames exceeded it.
     std::vector<std::string> OverBudget() const;
-    // How often a plugin called the library.
+    // How often a plugin called the library since it was started.
     long CallsOf(AVSKPluginID plugin) const;
 
   private:
@@ -63,12 +63,17 @@ class Profile : public crossings::Observer {
     void CloseFrame();
     double BudgetOf(const std::string &plugin) const; // 0: none
 
-    const ObservedHost &mHost;
+    const int &mPresentFrame;
     std::map<std::string, double> mBudgets;
     std::map<std::string, std::map<std::string, Row>> mRows; // plugin, callback
-    std::map<std::pair<const crossings::Callback *, AVSKPluginID>, Row *> mKnown;
+    struct Known {
+        AVSKPluginID plugin;
+        Row *row; // null if it is not known yet
+    };
+
+    std::vector<Known> mKnown; // by the callback's number
     std::map<std::string, Excess> mExcesses;
-    std::map<AVSKPluginID, long> mCalls;
+    std::vector<long> mCalls; // by the plugin's ID
     std::vector<Time> mInner; // for each callback under way, the time of the callbacks that it caused
     int mFrame = 0;
     bool mHasBudgets = true; // false while plugins are unloaded at the end

@@ -2,12 +2,16 @@
 #include "Watchdog.h"
 
 #include <algorithm>
+#include <chrono>
+#include <cmath>
 
 #include <csignal>
 
 namespace host {
 
-Watchdog::Watchdog(double seconds, int signal) : mSeconds(seconds), mSignal(signal) {
+Watchdog::Watchdog(double seconds, int signal)
+    : mSeconds(seconds), mPeriod(std::clamp(seconds / 16, 0.001, 0.25)),
+      mLimit(static_cast<Ticks>(std::lround(std::ceil(seconds / mPeriod)))), mSignal(signal) {
     // The thread blocks all signals, so that the main thread receives them.
     sigset_t all;
     sigset_t before;
@@ -26,20 +30,17 @@ Watchdog::~Watchdog() {
     mThread.join();
 }
 
-std::uint32_t Watchdog::Milliseconds(Clock::time_point time) const {
-    // 0 means that no call is under way.
-    return static_cast<std::uint32_t>(std::chrono::duration_cast<std::chrono::milliseconds>(time - mStart).count()) + 1;
-}
-
+// The first tick may have come at once, so one more than the limit is needed.
 bool Watchdog::IsOverdue() const {
-    const std::uint32_t since = mSince;
-    return since != kNothing && (Milliseconds(Clock::now()) - since) / 1000.0 >= mSeconds;
+    const Ticks since = mSince;
+    return since != kNothing && Now() - since > mLimit;
 }
 
 void Watchdog::Run() {
-    const std::chrono::duration<double> period(std::min(mSeconds / 8, 0.25));
+    const std::chrono::duration<double> period(mPeriod);
     std::unique_lock lock(mMutex);
     while (!mWakened.wait_for(lock, period, [this] { return mEnds; })) {
+        mNow.store(Now() + 1, std::memory_order_relaxed);
         if (IsOverdue())
             pthread_kill(mTarget, mSignal);
     }

@@ -6,7 +6,9 @@
 #include "AVSK/AVSKHost.h"
 #include "AVSK/AVSKPlugins.h"
 
+#include <algorithm>
 #include <array>
+#include <iterator>
 #include <string_view>
 
 namespace host {
@@ -22,6 +24,13 @@ std::string TextIn(const crossings::Value &buffer) {
 
 ForeignHost::ForeignHost() { crossings::AddObserver(*this); }
 ForeignHost::~ForeignHost() { crossings::RemoveObserver(*this); }
+
+crossings::Interest ForeignHost::InterestIn(const crossings::Prototype &function) const {
+    static constexpr std::string_view kSeen[] = {"AVSKEventHook", "AVSKInitializePlugins", "findCommand",
+                                                 "getAircraftModel"};
+    const bool isSeen = std::find(std::begin(kSeen), std::end(kSeen), function.name) != std::end(kSeen);
+    return isSeen ? crossings::Interest::Calls : crossings::Interest::None;
+}
 
 void ForeignHost::Begins(const crossings::Crossing &crossing) {
     if (crossing.depth != 0)

@@ -20,6 +20,7 @@ class ForeignHost : public ObservedHost, public crossings::Observer {
     ForeignHost(const ForeignHost &) = delete;
     ForeignHost &operator=(const ForeignHost &) = delete;
 
+    crossings::Interest InterestIn(const crossings::Prototype &function) const override;
     void Begins(const crossings::Crossing &crossing) override;
     void Ends(const crossings::Crossing &crossing) override;
 

@@ -26,6 +26,8 @@
 #include <utility>
 #include <vector>
 
+#include <csignal>
+#include <pthread.h>
 #include <unistd.h>
 
 namespace host {
@@ -52,11 +54,17 @@ class Observation : public crossings::Observer {
         crossings::AddObserver(*this);
     }
 
+    crossings::Interest InterestIn(const crossings::Prototype &function) const override {
+        static constexpr std::string_view kSeen[] = {"AVSKEventHook", "AVSKInitializePlugins", "AVSKShutdownPlugins"};
+        const bool isSeen = std::find(std::begin(kSeen), std::end(kSeen), function.name) != std::end(kSeen);
+        return isSeen ? crossings::Interest::Work : crossings::Interest::None;
+    }
+
     void Begins(const Crossing &crossing) override {
         if (crossing.depth != 0)
             return;
         if (std::string_view(crossing.what.name) == "AVSKInitializePlugins")
-            mIsRunning = true;
+            BeginRun();
         else if (std::string_view(crossing.what.name) == "AVSKShutdownPlugins")
             EndRun();
     }
@@ -64,6 +72,15 @@ class Observation : public crossings::Observer {
     void Ends(const Crossing &crossing) override {
         if (crossing.depth == 0 && gIsReportWanted.exchange(false))
             Report(/*isLast=*/false);
+    }
+
+    void BeginRun() {
+        mIsRunning = true;
+        if (pthread_equal(pthread_self(), mThread) != 0)
+            return;
+        const OwnSignals own;
+        mThread = pthread_self();
+        mObservers.MoveToThisThread();
     }
 
     // Keeps what only a running library tells.
@@ -111,6 +128,7 @@ class Observation : public crossings::Observer {
     Observers mObservers;
     std::optional<Checker> mChecker;
     std::vector<std::string> mOwned;
+    pthread_t mThread = pthread_self(); // that calls the library
     bool mIsRunning = false;
     bool mHasReported = false;
 };
