@@ -35,6 +35,7 @@ constexpr unsigned kPatience = 5;       // seconds for addr2line
 constexpr unsigned kWholePatience = 15; // seconds for a stack
 
 std::string &gProgram = *new std::string;                   // the path of this program
+std::string &gOwnFile = *new std::string;                   // of the observers: the program, or a preloaded object
 std::string &gSymbolizer = *new std::string;                // the path of addr2line; empty without it
 std::set<std::string> &gFiles = *new std::set<std::string>; // of stacks that are kept
 
@@ -47,6 +48,8 @@ Frame FrameAt(std::uintptr_t address) {
     const char *file = map->l_name && *map->l_name ? map->l_name : gProgram.c_str();
     return {file, address - map->l_addr, info.dli_sname || std::string_view(file).ends_with(".avp")};
 }
+
+bool IsOwn(const char *file) { return file && file == gOwnFile; }
 
 // The functions of the observing layer, which are between any two of interest.
 bool IsOfObservers(std::string_view what) {
@@ -147,9 +150,9 @@ void ReturnFromNowhere(ucontext_t &context) {
 void *InstructionOf(const ucontext_t &context) { return reinterpret_cast<void *>(context.uc_mcontext.gregs[REG_EIP]); }
 
 std::span<void *const> FromContextOn(std::span<void *const> stack, const ucontext_t *context) {
-    const auto begin = context ? std::find(stack.begin(), stack.end(), InstructionOf(*context))
-                               : std::find_if(stack.begin(), stack.end(),
-                                              [](void *address) { return FileAt(address) != gProgram.c_str(); });
+    const auto begin =
+        context ? std::find(stack.begin(), stack.end(), InstructionOf(*context))
+                : std::find_if(stack.begin(), stack.end(), [](void *address) { return !IsOwn(FileAt(address)); });
     return begin == stack.end() ? stack : std::span<void *const>(begin, stack.end());
 }
 
@@ -220,7 +223,7 @@ Caller CallerOfProgram() {
     Caller caller{nullptr, nullptr};
     for (void *address : std::span(addresses).first(depth)) {
         const char *file = FileAt(address);
-        if (!file || file == gProgram.c_str())
+        if (!file || IsOwn(file))
             continue;
         if (!caller.file || std::string_view(file).ends_with(".avp"))
             caller = {address, file};
@@ -236,6 +239,8 @@ void PrepareBacktrace() {
     std::array<char, 4096> program{};
     if (readlink("/proc/self/exe", program.data(), program.size() - 1) > 0)
         gProgram = program.data();
+    if (const char *const own = FileAt(reinterpret_cast<const void *>(&PrepareBacktrace)))
+        gOwnFile = own;
     const char *path = std::getenv("PATH");
     std::string_view folders = path ? path : "/usr/bin:/bin";
     for (gSymbolizer.clear(); gSymbolizer.empty() && !folders.empty();) {

@@ -157,7 +157,8 @@ void Report(const Line &head, ucontext_t *context) {
     sigaddset(&alarms, SIGALRM);
     pthread_sigmask(SIG_UNBLOCK, &alarms, nullptr);
     const unsigned left = alarm(kReportPatience);
-    FlushOutput();
+    if (!gForeign)
+        FlushOutput();
     WriteCalls(head);
     WriteBacktrace(context);
     if (gAddition)
@@ -396,6 +397,7 @@ void Blame::Ends(const Crossing &crossing) {
 }
 
 void AddToBlame(void (*write)()) { gAddition = write; }
+bool IsReporting() { return gReporting; }
 void SetForeignSignals(const ForeignSignals *signals) { gForeign = signals; }
 
 void ReportException(std::string_view what) {

@@ -60,6 +60,9 @@ struct ForeignSignals {
 // Null for this program. To be set before a Blame is constructed.
 void SetForeignSignals(const ForeignSignals *signals);
 
+// Whether a report is being written now.
+bool IsReporting();
+
 // Reports the exception that is being handled: which plugin threw it, what it
 // says, the last calls, and the stack where it was thrown. Also valid without a
 // Blame, after the run.

@@ -10,6 +10,7 @@
 #include "Crossings/Crossing.h"
 #include "Crossings/RealSymbols.h"
 #include "Observing/Blame.h"
+#include "Observing/Fault.h"
 #include "Observing/Observers.h"
 #include "Rules/Checker.h"
 
@@ -27,7 +28,10 @@
 #include <vector>
 
 #include <csignal>
+#include <ctime>
 #include <pthread.h>
+#include <sys/syscall.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 namespace host {
@@ -164,9 +168,16 @@ void Attach() {
     std::atexit(BeforeExit);
 }
 
+bool gHasEnded = false; // the last report was written
+
+[[noreturn]] void EndProcess(int status) {
+    for (;;)
+        syscall(SYS_exit_group, status);
+}
+
 // The last function at the end of the process.
 void AtExit(int status, void * /*unused*/) {
-    if (getpid() != gProcess)
+    if (getpid() != gProcess || std::exchange(gHasEnded, true))
         return;
     bool failed = false;
     if (gObservation) {
@@ -180,7 +191,7 @@ void AtExit(int status, void * /*unused*/) {
     if (!failed || status != 0)
         return;
     std::fflush(nullptr);
-    _exit(1);
+    EndProcess(1);
 }
 
 // Programs that this one starts are not observed, and may be programs that cannot load this object.
@@ -211,5 +222,37 @@ __attribute__((constructor)) void Begin() {
     on_exit(AtExit, nullptr);
 }
 
+// The program ends without running the functions of its end, possibly in a handler
+// of a signal. A child reports: it may stop or crash if this process was interrupted.
+[[noreturn]] void EndAtOnce(int status) {
+    constexpr int kPatience = 500; // hundredths of a second
+    constexpr timespec kPause{.tv_sec = 0, .tv_nsec = 10'000'000};
+    const bool isEnd = gObservation && getpid() == gProcess && !IsReporting() && !gHasEnded;
+    const pid_t child = isEnd ? _Fork() : -1;
+    if (child == 0) {
+        const OwnSignals own;
+        for (const int signal : kFatalSignals)
+            std::signal(signal, SIG_DFL);
+        gProcess = getpid();
+        BeforeExit();
+        AtExit(0, nullptr);
+        EndProcess(0);
+    }
+    int result = 0;
+    for (int waited = 0; child > 0 && waitpid(child, &result, WNOHANG) == 0; ++waited) {
+        nanosleep(&kPause, nullptr);
+        if (waited == kPatience)
+            kill(child, SIGKILL);
+    }
+    EndProcess(status == 0 && WIFEXITED(result) ? WEXITSTATUS(result) : status);
+}
+
 } // namespace
 } // namespace host
+
+// NOLINTBEGIN(bugprone-reserved-identifier): functions of the C library
+extern "C" {
+__attribute__((visibility("default"), noreturn)) void _exit(int status) { host::EndAtOnce(status); }
+__attribute__((visibility("default"), noreturn)) void _Exit(int status) { host::EndAtOnce(status); }
+}
+// NOLINTEND(bugprone-reserved-identifier)
