@@ -1,0 +1,229 @@
+// The checks of frames and of the clock; see HostFrameChecks.h.
+#include "HostFrameChecks.h"
+
+#include "HostOrderRules.h"
+
+#include "Crossings/Line.h"
+
+#include "AVSK/AVSKHost.h"
+
+#include <chrono>
+#include <cmath>
+#include <string>
+
+namespace host {
+namespace {
+
+using crossings::Crossing;
+
+constexpr int kLastCode = 26;
+
+std::string SecondsText(double value) {
+    crossings::Line line;
+    line.Add(value);
+    line.Add(" s");
+    return std::string(line.Text());
+}
+
+double SecondsSince(Crossing::Clock::time_point begin) {
+    return std::chrono::duration<double>(Crossing::Clock::now() - begin).count();
+}
+
+// "3, 20"
+std::string MissingCodes(std::uint32_t drawn) {
+    std::string codes;
+    for (int code = 1; code <= kLastCode; ++code) {
+        if ((drawn >> code & 1) == 0)
+            codes += (codes.empty() ? "" : ", ") + std::to_string(code);
+    }
+    return codes;
+}
+
+} // namespace
+
+constexpr CallRow<HostFrameChecks> HostFrameChecks::kBefore[] = {
+    {"AVSKInitializePlugins", &HostFrameChecks::BeforeStart},
+    {"AVSKShutdownPlugins", &HostFrameChecks::BeforeEnd},
+    {"AVSKEventHook", &HostFrameChecks::BeforeEvent},
+    {"AVSKDoDrawingHook", &HostFrameChecks::BeforeDrawing},
+};
+
+constexpr CallRow<HostFrameChecks> HostFrameChecks::kAfter[] = {
+    {"getElapsedTime", &HostFrameChecks::AfterTime},
+};
+
+HostFrameChecks::HostFrameChecks(Findings &findings) : mFindings(findings), mBefore(kBefore), mAfter(kAfter) {
+    crossings::AddObserver(*this);
+}
+
+HostFrameChecks::~HostFrameChecks() { crossings::RemoveObserver(*this); }
+
+void HostFrameChecks::Begins(const Crossing &crossing) {
+    if (!crossing.outer)
+        mBefore.Apply(*this, crossing);
+}
+
+void HostFrameChecks::Ends(const Crossing &crossing) {
+    if (!crossing.outer && !crossing.returned)
+        mFrame.isBroken = true;
+    mAfter.Apply(*this, crossing);
+}
+
+void HostFrameChecks::BeforeStart(const Crossing & /*start*/) {
+    mFrame = {};
+    mEvents.last = mService.last = mBegin = -1;
+    mStanding = 0;
+}
+
+void HostFrameChecks::BeforeEnd(const Crossing &end) {
+    if (mFrame.hasEnded)
+        JudgeFrame(end);
+    constexpr int kEnough = 60;
+    if (mFrames >= kEnough && !mHasDrawn)
+        mFindings.Add(Named(kHostOrderRules, "host-draw-never"), end, {{"frames", std::to_string(mFrames)}});
+    mFrame = {};
+}
+
+// ---- Frames
+
+void HostFrameChecks::BeforeEvent(const Crossing &hook) {
+    const int event = hook["event"].integer;
+    if (event == AVSKHostEventFrame)
+        BeginFrame(hook);
+    else if (event == AVSKHostEventFrameEnd)
+        EndFrame(hook);
+    else if (event == AVSKHostEventCommands) {
+        if (mFrame.hasBegun && mFrame.hasEnded && !mFrame.isDrawnLate)
+            Report(hook, "event 10", "event 9");
+        mFrame.hasCommands = true;
+    }
+    if (event != AVSKHostEventFrame && event != AVSKHostEventFrameEnd)
+        return;
+    const double time = hook["elapsed"].real;
+    if (!IsTime(hook, mEvents, time))
+        return;
+    CheckClock(hook, mEvents, time);
+    if (event == AVSKHostEventFrame)
+        CheckStep(hook, time);
+}
+
+void HostFrameChecks::BeginFrame(const Crossing &hook) {
+    if (mFrame.isDrawnLate || (!mFrame.hasBegun && mFrame.drawn != 0))
+        Report(hook, mFrame.hasEnded ? "event 10" : "a draw pass", mFrame.hasEnded ? "a draw pass" : "event 0");
+    if (mFrame.hasBegun)
+        JudgeFrame(hook);
+    mFrame = {};
+    mFrame.hasBegun = true;
+    ++mFrames;
+}
+
+void HostFrameChecks::EndFrame(const Crossing &hook) {
+    // An event 10 alone, before the first frame, makes a reload.
+    const bool isFrame = mFrame.hasCommands || mFrame.drawn != 0;
+    if (mFrame.isDrawnLate || (mFrame.hasEnded ? mFrame.hasBegun : !mFrame.hasBegun && isFrame)) {
+        mFindings.Add(Named(kHostOrderRules, "host-frame-event"), hook, {{"event", "0"}});
+        mFrame = {};
+    }
+    mFrame.hasEnded = true;
+}
+
+void HostFrameChecks::BeforeDrawing(const Crossing &hook) {
+    mHasDrawn = true;
+    if (mFrame.hasEnded) {
+        mFrame.isDrawnLate = true;
+        return;
+    }
+    if (mFrame.hasCommands && mFrame.hasBegun)
+        Report(hook, "event 9", "a draw pass");
+    const int code = hook["drawCode"].integer;
+    if (code < 1 || code > kLastCode)
+        return;
+    mFrame.drawn |= std::uint32_t{1} << code;
+    const std::size_t reflection = hook["reflection"].integer != 0 ? 1 : 0;
+    int &first = mFrame.first[reflection];
+    int &last = mFrame.last[reflection];
+    if (first == 0 || code <= first)
+        first = code; // of a new pass
+    else if (code <= last)
+        mFindings.Add(Named(kHostOrderRules, "host-draw-order"), hook,
+                      {{"code", std::to_string(code)}, {"before", std::to_string(last)}});
+    last = code;
+}
+
+void HostFrameChecks::JudgeFrame(const Crossing &hook) {
+    if (!mFrame.hasBegun || mFrame.isBroken)
+        return;
+    const auto miss = [&](const char *event) {
+        mFindings.Add(Named(kHostOrderRules, "host-frame-event"), hook, {{"event", event}});
+    };
+    if (!mFrame.hasCommands)
+        miss("9");
+    if (!mFrame.hasEnded)
+        miss("10");
+    const std::string missing = mFrame.drawn != 0 ? MissingCodes(mFrame.drawn) : "";
+    if (!missing.empty())
+        mFindings.Add(Named(kHostOrderRules, "host-draw-missing"), hook, {{"codes", missing}});
+}
+
+void HostFrameChecks::Report(const Crossing &hook, const char *first, const char *second) {
+    mFindings.Add(Named(kHostOrderRules, "host-frame-order"), hook, {{"first", first}, {"second", second}});
+}
+
+// ---- The clock
+
+bool HostFrameChecks::IsTime(const Crossing &call, const Clock &clock, double time) {
+    if (std::isfinite(time) && time >= 0)
+        return true;
+    mFindings.Add(Named(kHostOrderRules, "host-time-invalid"), call,
+                  {{"name", clock.name}, {"value", SecondsText(time)}});
+    return false;
+}
+
+void HostFrameChecks::CheckClock(const Crossing &call, Clock &clock, double time) {
+    if (time < clock.last)
+        mFindings.Add(Named(kHostOrderRules, "host-time-backwards"), call,
+                      {{"name", clock.name}, {"after", SecondsText(time)}, {"before", SecondsText(clock.last)}});
+    clock.last = time;
+}
+
+// From one event 0 to the next.
+void HostFrameChecks::CheckStep(const Crossing &hook, double time) {
+    constexpr int kLong = 120; // frames
+    constexpr double kJump = 5;
+    constexpr double kTimesStep = 4; // a host may simulate long steps
+    const double before = mBegin;
+    mBegin = time;
+    mStanding = time == before ? mStanding + 1 : 0;
+    if (mStanding == kLong)
+        mFindings.Add(Named(kHostOrderRules, "host-time-stands"), hook,
+                      {{"name", mEvents.name}, {"frames", std::to_string(kLong)}});
+    const double step = time - before;
+    const double most = kJump + kTimesStep * mStep + SecondsSince(mBeganAt);
+    if (before >= 0 && step > most)
+        mFindings.Add(Named(kHostOrderRules, "host-time-jumps"), hook,
+                      {{"name", mEvents.name}, {"before", SecondsText(before)}, {"after", SecondsText(time)}});
+    mStep = before >= 0 && step > 0 ? step : 0;
+    mBeganAt = Crossing::Clock::now();
+}
+
+void HostFrameChecks::AfterTime(const Crossing &service) {
+    const double time = service.result.real;
+    if (!service.returned || !IsTime(service, mService, time))
+        return;
+    CheckClock(service, mService, time);
+    const Crossing *outermost = &service;
+    while (outermost->outer)
+        outermost = outermost->outer;
+    if (outermost == &service || std::string_view(outermost->what.name) != "AVSKEventHook")
+        return;
+    const int event = (*outermost)["event"].integer;
+    const double passed = (*outermost)["elapsed"].real;
+    constexpr double kTolerance = 0.5; // a clock that runs on during the event
+    const double difference = time - passed;
+    if ((event == AVSKHostEventFrame || event == AVSKHostEventFrameEnd) && std::isfinite(passed) &&
+        (difference < -kTolerance || difference > kTolerance + SecondsSince(outermost->began)))
+        mFindings.Add(Named(kHostOrderRules, "host-time-differs"), service,
+                      {{"name", mService.name}, {"service", SecondsText(time)}, {"event", SecondsText(passed)}});
+}
+
+} // namespace host
