@@ -187,7 +187,8 @@ static void TellLargeSize(void) { table.sizeInBytes = 300; }
 static void TellOldVersion(void) { table.version = 2; }
 static void LeaveSlotNull(void) { table.saveDataFile = NULL; }
 static void FillSlotWithData(void) { memcpy(&table.saveDataFile, &hostTable, sizeof hostTable); }
-static void ChangeSlot(const char *text) { table.reinitUsersPlane = (int (*)(int, int))Nothing; }
+static void Speak(const char *text) {}
+static void ChangeSlot(const char *text) { table.speakString = Speak; }
 static void ChangeInLog(void) { table.debugString = ChangeSlot; }
 static void WriteLog(void) { AVSKDebugString("x"); }
 static void ReceiveOther(AVSKPluginID from, int message, void *parameter) {}
@@ -219,10 +220,11 @@ static void ShutdownInService(const char *text) {
         Shutdown();
 }
 static void ShutdownByLog(void) {
-    if (hostFrame < kFrames)
-        return RunFrame();
-    table.debugString = ShutdownInService;
-    WriteLog();
+    RunFrame();
+    if (hostFrame == kFrames) {
+        table.debugString = ShutdownInService;
+        WriteLog();
+    }
 }
 static void Handle(int signal) { Touch(); }
 static void TouchInHandler(void) {
@@ -248,7 +250,6 @@ static void PassBareFolder(void) { Scenery("/nowhere"); }
 static void ReportSceneryTwice(void) { Scenery(kHostRoot), Scenery(kHostRoot); }
 static void ReportUnknownEvent(void) { AVSKEventHook(14, 0, 0, 0); }
 static void DrawUnknownCode(void) { Draw(27, 27); }
-static void DrawOddReflection(void) { AVSKDoDrawingHook(1, 2); }
 static void PassNan(void) {
     float f[7] = {[3] = NAN};
     AVSKCameraHook(f, f + 1, f + 2, f + 3, f + 4, f + 5, f + 6);
@@ -265,6 +266,13 @@ static void AskForUsersModel(void) {
 
 /* ---- Faults of frames and of the clock */
 
+static void DrawOddReflection(void) {
+    Event(AVSKHostEventFrame);
+    AVSKDoDrawingHook(1, 2);
+    Draw(1, kLastCode);
+    Event(AVSKHostEventCommands);
+    Event(AVSKHostEventFrameEnd);
+}
 static void LeaveOutCommands(void) {
     Event(AVSKHostEventFrame);
     Draw(1, kLastCode);
@@ -327,7 +335,7 @@ static const Fault kFaults[] = {
     {.rule = "host-hook-folder", .started = PassBareFolder},
     {.rule = "host-event-unknown", .started = ReportUnknownEvent},
     {.rule = "host-draw-unknown", .started = DrawUnknownCode},
-    {.rule = "host-draw-reflection", .started = DrawOddReflection},
+    {.rule = "host-draw-reflection", .frame = DrawOddReflection},
     {.rule = "host-camera-invalid", .started = PassNan},
     {.rule = "host-key-empty", .started = PressNothing},
     {.rule = "host-plane-events", .started = LoadPlaneTwice},

@@ -75,12 +75,12 @@ void HostFrameChecks::BeforeStart(const Crossing & /*start*/) {
     mStanding = 0;
 }
 
-void HostFrameChecks::BeforeEnd(const Crossing &end) {
-    if (mFrame.hasEnded)
-        JudgeFrame(end);
+void HostFrameChecks::BeforeEnd(const Crossing & /*end*/) {
+    if (mFrame.hasBegun && mFrame.hasEnded)
+        JudgeFrame();
     constexpr int kEnough = 60;
     if (mFrames >= kEnough && !mHasDrawn)
-        mFindings.Add(Named(kHostOrderRules, "host-draw-never"), end, {{"frames", std::to_string(mFrames)}});
+        Report(Named(kHostOrderRules, "host-draw-never"), {{"frames", std::to_string(mFrames)}});
     mFrame = {};
 }
 
@@ -89,12 +89,12 @@ void HostFrameChecks::BeforeEnd(const Crossing &end) {
 void HostFrameChecks::BeforeEvent(const Crossing &hook) {
     const int event = hook["event"].integer;
     if (event == AVSKHostEventFrame)
-        BeginFrame(hook);
+        BeginFrame();
     else if (event == AVSKHostEventFrameEnd)
-        EndFrame(hook);
+        EndFrame();
     else if (event == AVSKHostEventCommands) {
         if (mFrame.hasBegun && mFrame.hasEnded && !mFrame.isDrawnLate)
-            Report(hook, "event 10", "event 9");
+            Report(Named(kHostOrderRules, "host-frame-order"), {{"first", "event 10"}, {"second", "event 9"}});
         mFrame.hasCommands = true;
     }
     if (event != AVSKHostEventFrame && event != AVSKHostEventFrameEnd)
@@ -107,21 +107,21 @@ void HostFrameChecks::BeforeEvent(const Crossing &hook) {
         CheckStep(hook, time);
 }
 
-void HostFrameChecks::BeginFrame(const Crossing &hook) {
-    if (mFrame.isDrawnLate || (!mFrame.hasBegun && mFrame.drawn != 0))
-        Report(hook, mFrame.hasEnded ? "event 10" : "a draw pass", mFrame.hasEnded ? "a draw pass" : "event 0");
+void HostFrameChecks::BeginFrame() {
+    if (mFrame.isDrawnLate)
+        Report(Named(kHostOrderRules, "host-frame-order"), {{"first", "a draw pass"}, {"second", "event 0"}});
     if (mFrame.hasBegun)
-        JudgeFrame(hook);
+        JudgeFrame();
     mFrame = {};
     mFrame.hasBegun = true;
     ++mFrames;
 }
 
-void HostFrameChecks::EndFrame(const Crossing &hook) {
+void HostFrameChecks::EndFrame() {
     // An event 10 alone, before the first frame, makes a reload.
-    const bool isFrame = mFrame.hasCommands || mFrame.drawn != 0;
-    if (mFrame.isDrawnLate || (mFrame.hasEnded ? mFrame.hasBegun : !mFrame.hasBegun && isFrame)) {
-        mFindings.Add(Named(kHostOrderRules, "host-frame-event"), hook, {{"event", "0"}});
+    const bool isWithoutBegin = !mFrame.hasBegun && (mFrame.hasCommands || mFrame.drawn != 0);
+    if (mFrame.isDrawnLate || isWithoutBegin || (mFrame.hasBegun && mFrame.hasEnded)) {
+        Report(Named(kHostOrderRules, "host-frame-event"), {{"event", "0"}});
         mFrame = {};
     }
     mFrame.hasEnded = true;
@@ -129,12 +129,12 @@ void HostFrameChecks::EndFrame(const Crossing &hook) {
 
 void HostFrameChecks::BeforeDrawing(const Crossing &hook) {
     mHasDrawn = true;
-    if (mFrame.hasEnded) {
+    if (mFrame.hasBegun && mFrame.hasEnded) {
         mFrame.isDrawnLate = true;
         return;
     }
     if (mFrame.hasCommands && mFrame.hasBegun)
-        Report(hook, "event 9", "a draw pass");
+        Report(Named(kHostOrderRules, "host-frame-order"), {{"first", "event 9"}, {"second", "a draw pass"}});
     const int code = hook["drawCode"].integer;
     if (code < 1 || code > kLastCode)
         return;
@@ -150,23 +150,21 @@ void HostFrameChecks::BeforeDrawing(const Crossing &hook) {
     last = code;
 }
 
-void HostFrameChecks::JudgeFrame(const Crossing &hook) {
-    if (!mFrame.hasBegun || mFrame.isBroken)
+void HostFrameChecks::JudgeFrame() {
+    if (mFrame.isBroken)
         return;
-    const auto miss = [&](const char *event) {
-        mFindings.Add(Named(kHostOrderRules, "host-frame-event"), hook, {{"event", event}});
-    };
     if (!mFrame.hasCommands)
-        miss("9");
+        Report(Named(kHostOrderRules, "host-frame-event"), {{"event", "9"}});
     if (!mFrame.hasEnded)
-        miss("10");
+        Report(Named(kHostOrderRules, "host-frame-event"), {{"event", "10"}});
     const std::string missing = mFrame.drawn != 0 ? MissingCodes(mFrame.drawn) : "";
     if (!missing.empty())
-        mFindings.Add(Named(kHostOrderRules, "host-draw-missing"), hook, {{"codes", missing}});
+        Report(Named(kHostOrderRules, "host-draw-missing"), {{"codes", missing}});
 }
 
-void HostFrameChecks::Report(const Crossing &hook, const char *first, const char *second) {
-    mFindings.Add(Named(kHostOrderRules, "host-frame-order"), hook, {{"first", first}, {"second", second}});
+// A finding about the frame, whichever hook completes it.
+void HostFrameChecks::Report(const Rule &rule, FindingValues values) {
+    mFindings.Add(rule, crossings::LabelOf(AVSK_PLUGIN_AERIVO), values);
 }
 
 // ---- The clock

@@ -50,10 +50,10 @@ class HostFrameChecks : public crossings::Observer {
     void BeforeEnd(const crossings::Crossing &end);
     void AfterTime(const crossings::Crossing &service);
 
-    void BeginFrame(const crossings::Crossing &hook);
-    void EndFrame(const crossings::Crossing &hook);
-    void JudgeFrame(const crossings::Crossing &hook);
-    void Report(const crossings::Crossing &hook, const char *first, const char *second);
+    void BeginFrame();
+    void EndFrame();
+    void JudgeFrame();
+    void Report(const Rule &rule, FindingValues values);
     bool IsTime(const crossings::Crossing &call, const Clock &clock, double time);
     void CheckClock(const crossings::Crossing &call, Clock &clock, double time);
     void CheckStep(const crossings::Crossing &hook, double time);

@@ -88,7 +88,7 @@ inline constexpr Rule kHostOrderRules[] = {
      "Report event 0, draw, then report event 9 and event 10.",
      "Plugins prepare in event 0 what they draw, and read in event 10 what the frame has changed. In another order "
      "they "
-     "draw the last frame, and see half a step."},
+     "draw the last frame, and see half a step. A draw pass after event 10 counts as one before the next event 0."},
     {"host-draw-missing", Level::Warning, "a frame has no draw pass with the codes {codes}",
      "Call AVSKDoDrawingHook with each code from 1 to 26, also if the host draws nothing there.",
      "The callbacks of the missing passes are not called. Without code 20 no window is drawn, and drags do not "
