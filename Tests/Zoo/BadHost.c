@@ -10,6 +10,8 @@
 #include <stdlib.h>
 #include <string.h>
 #include <sys/mman.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 /* Services receive more arguments than this host uses. */
 #pragma GCC diagnostic ignored "-Wunused-parameter"
@@ -247,7 +249,18 @@ static void PassNull(void) {
 }
 static void Scenery(const char *folder) { AVSKEventHook(AVSKHostEventSceneryFolder, 0, 0, (W)folder); }
 static void PassBareFolder(void) { Scenery("/nowhere"); }
-static void ReportSceneryTwice(void) { Scenery(kHostRoot), Scenery(kHostRoot); }
+static void ReportSceneryTwice(void) {
+    char folder[] = "/tmp/badhost-XXXXXX";
+    char scenery[64];
+    char plugins[64];
+    if (!mkdtemp(folder))
+        abort();
+    snprintf(scenery, sizeof scenery, "%s/", folder);
+    snprintf(plugins, sizeof plugins, "%s/plugins", folder);
+    mkdir(plugins, 0700);
+    Scenery(scenery), Scenery(scenery);
+    rmdir(plugins), rmdir(folder);
+}
 static void ReportUnknownEvent(void) { AVSKEventHook(14, 0, 0, 0); }
 static void DrawUnknownCode(void) { Draw(27, 27); }
 static void PassNan(void) {
@@ -304,7 +317,7 @@ static void DrawNothing(void) {
 static float BeNan(void) { return IsFifth() ? NAN : GoodElapsed(); }
 static float GoBack(void) { return IsFifth() ? 0 : GoodElapsed(); }
 static float Stand(void) { return IsLate() ? 1 : 0; }
-static float Jump(void) { return GoodElapsed() + (IsLate() ? 1000 : 0); }
+static float Jump(void) { return (float)hostFrame * 1000 / kFps; }
 static float Differ(void) { return GoodElapsed() + 10; }
 static void ChangeClock(void) { table.getElapsedTime = Differ; }
 static void KeepClock(void) { table.getElapsedTime = GoodElapsed; }

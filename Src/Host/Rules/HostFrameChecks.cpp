@@ -72,7 +72,7 @@ void HostFrameChecks::Ends(const Crossing &crossing) {
 void HostFrameChecks::BeforeStart(const Crossing & /*start*/) {
     mFrame = {};
     mEvents.last = mService.last = mBegin = -1;
-    mStanding = 0;
+    mStanding = mLong = 0;
 }
 
 void HostFrameChecks::BeforeEnd(const Crossing & /*end*/) {
@@ -184,24 +184,27 @@ void HostFrameChecks::CheckClock(const Crossing &call, Clock &clock, double time
     clock.last = time;
 }
 
-// From one event 0 to the next.
+// From one event 0 to the next. A single long step may be wanted: the host loads something.
 void HostFrameChecks::CheckStep(const Crossing &hook, double time) {
-    constexpr int kLong = 120; // frames
-    constexpr double kJump = 5;
-    constexpr double kTimesStep = 4; // a host may simulate long steps
+    constexpr int kManyStanding = 120; // frames
+    constexpr int kManyLong = 10;
+    constexpr double kLong = 5;
+    constexpr double kDay = 86400;
     const double before = mBegin;
-    mBegin = time;
-    mStanding = time == before ? mStanding + 1 : 0;
-    if (mStanding == kLong)
-        mFindings.Add(Named(kHostOrderRules, "host-time-stands"), hook,
-                      {{"name", mEvents.name}, {"frames", std::to_string(kLong)}});
     const double step = time - before;
-    const double most = kJump + kTimesStep * mStep + SecondsSince(mBeganAt);
-    if (before >= 0 && step > most)
+    const double most = kLong + SecondsSince(mBeganAt);
+    mBegin = time;
+    mBeganAt = Crossing::Clock::now();
+    if (before < 0)
+        return;
+    mStanding = step == 0 ? mStanding + 1 : 0;
+    mLong = step > most ? mLong + 1 : 0;
+    if (mStanding == kManyStanding)
+        mFindings.Add(Named(kHostOrderRules, "host-time-stands"), hook,
+                      {{"name", mEvents.name}, {"frames", std::to_string(kManyStanding)}});
+    if (mLong == kManyLong || step > kDay)
         mFindings.Add(Named(kHostOrderRules, "host-time-jumps"), hook,
                       {{"name", mEvents.name}, {"before", SecondsText(before)}, {"after", SecondsText(time)}});
-    mStep = before >= 0 && step > 0 ? step : 0;
-    mBeganAt = Crossing::Clock::now();
 }
 
 void HostFrameChecks::AfterTime(const Crossing &service) {

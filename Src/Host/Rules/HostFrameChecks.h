@@ -67,8 +67,8 @@ class HostFrameChecks : public crossings::Observer {
     Clock mEvents{"elapsed"};
     Clock mService{"slot 14"};
     double mBegin = -1;                              // the time of the last event 0; negative before
-    double mStep = 0;                                // its distance from the one before
     int mStanding = 0;                               // frames since that time changed
+    int mLong = 0;                                   // frames that followed each other after many seconds
     crossings::Crossing::Clock::time_point mBeganAt; // of the last event 0
 };
 

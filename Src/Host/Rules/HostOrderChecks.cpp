@@ -22,6 +22,7 @@
 #include <string_view>
 
 #include <execinfo.h>
+#include <unistd.h>
 
 namespace host {
 namespace {
@@ -283,7 +284,8 @@ void HostOrderChecks::CheckPlane(const Crossing &hook, int event, AVSKWord index
 
 void HostOrderChecks::CheckScenery(const Crossing &hook, const char *folder) {
     const std::string path = CheckFolder(hook, "parameter", folder);
-    if (!path.empty() && !mScenery.insert(path).second)
+    const bool isNew = path.empty() || mScenery.insert(path).second;
+    if (!isNew && access((path + "plugins").c_str(), F_OK) == 0)
         mFindings.Add(Named(kHostOrderRules, "host-scenery-twice"), hook, {{"folder", Quoted(path)}});
 }
 

@@ -116,11 +116,12 @@ inline constexpr Rule kHostOrderRules[] = {
      "Advance the clock in each frame, also while the simulation is paused.",
      "Flight loops with an interval in seconds are not called while the clock stands. The windows and connections of "
      "plugins freeze. A float with milliseconds since 1970 stands still too: it counts seconds since the start."},
-    {"host-time-jumps", Level::Note, "{name} jumps from {before} to {after} between two frames",
+    {"host-time-jumps", Level::Warning, "{name} jumps from {before} to {after} between two frames",
      "Advance the clock by the time that a frame takes; pass seconds, not milliseconds.",
      "Each flight loop that is due is called once, however many intervals have passed, so plugins make one step of "
      "many "
-     "seconds. The process did not take that long for the frame."},
+     "seconds. One long frame is no fault. Here ten frames in a row were seconds apart, or one frame a day, and the "
+     "process did not take that long."},
     {"host-time-differs", Level::Warning, "{name} is {service} in an event at {event}",
      "Return from slot 14 the clock whose value AVSKEventHook receives.",
      "Both are one clock. The library computes from slot 14 when a flight loop is due that is created or scheduled, "
