@@ -230,8 +230,8 @@ static void ShutdownByLog(void) {
 }
 static void Handle(int signal) { Touch(); }
 static void TouchInHandler(void) {
-    signal(SIGUSR1, Handle);
-    raise(SIGUSR1);
+    signal(SIGUSR2, Handle);
+    raise(SIGUSR2);
 }
 static void *Run(void *unused) {
     Touch();

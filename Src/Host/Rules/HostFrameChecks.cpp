@@ -58,6 +58,10 @@ HostFrameChecks::HostFrameChecks(Findings &findings) : mFindings(findings), mBef
 
 HostFrameChecks::~HostFrameChecks() { crossings::RemoveObserver(*this); }
 
+crossings::Interest HostFrameChecks::InterestIn(const crossings::Prototype &function) const {
+    return mBefore.Has(function) || mAfter.Has(function) ? crossings::Interest::Work : crossings::Interest::None;
+}
+
 void HostFrameChecks::Begins(const Crossing &crossing) {
     if (!crossing.outer)
         mBefore.Apply(*this, crossing);
@@ -99,6 +103,7 @@ void HostFrameChecks::BeforeEvent(const Crossing &hook) {
     }
     if (event != AVSKHostEventFrame && event != AVSKHostEventFrameEnd)
         return;
+    mEventAt = Crossing::Clock::now();
     const double time = hook["elapsed"].real;
     if (!IsTime(hook, mEvents, time))
         return;
@@ -222,7 +227,7 @@ void HostFrameChecks::AfterTime(const Crossing &service) {
     constexpr double kTolerance = 0.5; // a clock that runs on during the event
     const double difference = time - passed;
     if ((event == AVSKHostEventFrame || event == AVSKHostEventFrameEnd) && std::isfinite(passed) &&
-        (difference < -kTolerance || difference > kTolerance + SecondsSince(outermost->began)))
+        (difference < -kTolerance || difference > kTolerance + SecondsSince(mEventAt)))
         mFindings.Add(Named(kHostOrderRules, "host-time-differs"), service,
                       {{"name", mService.name}, {"service", SecondsText(time)}, {"event", SecondsText(passed)}});
 }

@@ -20,6 +20,7 @@ class HostFrameChecks : public crossings::Observer {
     HostFrameChecks(const HostFrameChecks &) = delete;
     HostFrameChecks &operator=(const HostFrameChecks &) = delete;
 
+    crossings::Interest InterestIn(const crossings::Prototype &function) const override;
     void Begins(const crossings::Crossing &crossing) override;
     void Ends(const crossings::Crossing &crossing) override;
 
@@ -69,6 +70,7 @@ class HostFrameChecks : public crossings::Observer {
     double mBegin = -1;                              // the time of the last event 0; negative before
     int mStanding = 0;                               // frames since that time changed
     int mLong = 0;                                   // frames that followed each other after many seconds
+    crossings::Crossing::Clock::time_point mEventAt; // of the last event 0 or 10
     crossings::Crossing::Clock::time_point mBeganAt; // of the last event 0
 };
 

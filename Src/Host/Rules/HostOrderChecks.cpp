@@ -80,6 +80,10 @@ std::string NumberText(double value) {
 
 } // namespace
 
+bool IsHook(const Prototype &function) {
+    return std::find(kHooks.begin(), kHooks.end(), function.name) != kHooks.end();
+}
+
 bool NoteHookOnThread(const Prototype &function) {
     const auto *const hook = std::find(kHooks.begin(), kHooks.end(), function.name);
     if (hook == kHooks.end())
@@ -127,6 +131,10 @@ HostOrderChecks::HostOrderChecks(Findings &findings)
 }
 
 HostOrderChecks::~HostOrderChecks() { crossings::RemoveObserver(*this); }
+
+crossings::Interest HostOrderChecks::InterestIn(const crossings::Prototype &function) const {
+    return mBefore.Has(function) || mAfter.Has(function) ? crossings::Interest::Work : crossings::Interest::None;
+}
 
 void HostOrderChecks::Begins(const Crossing &crossing) {
     TakeForeign();

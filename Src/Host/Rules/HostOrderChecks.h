@@ -14,6 +14,9 @@
 
 namespace host {
 
+// Whether only hosts call the function.
+bool IsHook(const crossings::Prototype &function);
+
 // Notes a hook that is called on another thread than the main one. Called on that
 // thread; uses atomics only. False if the function is no hook.
 bool NoteHookOnThread(const crossings::Prototype &function);
@@ -25,6 +28,7 @@ class HostOrderChecks : public crossings::Observer {
     HostOrderChecks(const HostOrderChecks &) = delete;
     HostOrderChecks &operator=(const HostOrderChecks &) = delete;
 
+    crossings::Interest InterestIn(const crossings::Prototype &function) const override;
     void Begins(const crossings::Crossing &crossing) override;
     void Ends(const crossings::Crossing &crossing) override;
     // To be called at the end of the process.

@@ -2,6 +2,7 @@
 // the kernel only: the host may have passed anything.
 #include "HostTableChecks.h"
 
+#include "HostOrderChecks.h"
 #include "HostTableRules.h"
 #include "StackAlignment.h"
 
@@ -85,6 +86,10 @@ HostTableChecks::HostTableChecks(Findings &findings) : mFindings(findings), mNam
 }
 
 HostTableChecks::~HostTableChecks() { crossings::RemoveObserver(*this); }
+
+crossings::Interest HostTableChecks::InterestIn(const Prototype &function) const {
+    return IsHook(function) ? crossings::Interest::Work : crossings::Interest::None;
+}
 
 void HostTableChecks::Begins(const Crossing &crossing) {
     if (crossing.outer)

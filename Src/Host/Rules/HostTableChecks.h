@@ -1,5 +1,5 @@
 // Finds what violates the rules about the host's table: at the start, and before and
-// after each outermost call while the library is started.
+// after each outermost hook while the library is started.
 #ifndef AVSK_HOST_RULES_HOST_TABLE_CHECKS_H
 #define AVSK_HOST_RULES_HOST_TABLE_CHECKS_H
 
@@ -23,6 +23,7 @@ class HostTableChecks : public crossings::Observer {
     HostTableChecks(const HostTableChecks &) = delete;
     HostTableChecks &operator=(const HostTableChecks &) = delete;
 
+    crossings::Interest InterestIn(const crossings::Prototype &function) const override;
     void Begins(const crossings::Crossing &crossing) override;
     void Ends(const crossings::Crossing &crossing) override;
 
