@@ -1,5 +1,6 @@
 // The rules judge the zoo: each inhabitant breaks its rule and no other, and the
 // samples break none.
+#include "FoundRules.h"
 #include "RunAvsk.h"
 #include "World.h"
 
@@ -7,7 +8,6 @@
 
 #include <fstream>
 #include <iterator>
-#include <regex>
 #include <set>
 #include <string>
 
@@ -20,26 +20,8 @@ constexpr const char *kZoo = "run --check --quiet --frames 8 --plugin " AVSK_TES
 // A note about what the library removes, which is no fault.
 constexpr const char *kLeft = "left-behind";
 
-// The words in parentheses at the ends of findings.
-std::set<std::string> RulesIn(const std::string &said) {
-    std::set<std::string> rules;
-    static const std::regex finding(R"(\n  (?:error|warning|note): .*\(([a-z0-9-]+)\))");
-    for (std::sregex_iterator match(said.begin(), said.end(), finding); match != std::sregex_iterator(); ++match)
-        rules.insert((*match)[1]);
-    return rules;
-}
-
-// Those about calls. The others are the matter of Check_test.cpp.
-std::set<std::string> AllRules() {
-    const std::string list = RunAvsk("explain").said;
-    std::set<std::string> rules;
-    static const std::regex row(R"(\n  ([a-z0-9-]+) +(?:error|warning|note) )");
-    for (std::sregex_iterator match(list.begin(), list.end(), row); match != std::sregex_iterator(); ++match)
-        rules.insert((*match)[1]);
-    static const std::regex other("(file|run|memory)-.*");
-    std::erase_if(rules, [](const std::string &rule) { return std::regex_match(rule, other); });
-    return rules;
-}
+// Those about calls of plugins. Check_test.cpp and BadHost_test.cpp have the others.
+std::set<std::string> AllRules() { return RulesLike("(?!file-|run-|memory-|host-)[a-z0-9-]+"); }
 
 // In parts: the run of one inhabitant takes a second with the sanitizers.
 constexpr int kParts = 8;

@@ -18,6 +18,7 @@
 #include <cxxabi.h>
 #include <dlfcn.h>
 #include <elf.h>
+#include <link.h>
 #include <unistd.h>
 
 namespace crossings {
@@ -105,6 +106,32 @@ const std::vector<Symbol> &SymbolsOf(const std::string &path) {
     return file->second;
 }
 
+// Where an address lies; without a file if none is loaded there.
+struct Location {
+    explicit Location(const void *address) {
+        Dl_info info{};
+        link_map *map = nullptr;
+        if (dladdr1(address, &info, reinterpret_cast<void **>(&map), RTLD_DL_LINKMAP) == 0 || !info.dli_fname)
+            return;
+        file = info.dli_fname;
+        offset = static_cast<std::uint32_t>(reinterpret_cast<std::uintptr_t>(address) - (map ? map->l_addr : 0));
+    }
+    const char *file = nullptr;
+    std::uint32_t offset = 0; // in the file
+};
+
+// The function at a place of a file; null if the file has no symbol for it.
+const Symbol *SymbolOf(const Location &location) {
+    const std::vector<Symbol> &symbols = SymbolsOf(location.file);
+    auto found = std::upper_bound(symbols.begin(), symbols.end(), location.offset,
+                                  [](std::uint32_t wanted, const Symbol &symbol) { return wanted < symbol.begin; });
+    if (found == symbols.begin())
+        return nullptr;
+    --found;
+    const std::uint32_t into = location.offset - found->begin;
+    return into == 0 || into < found->size ? &*found : nullptr;
+}
+
 // Demangles a name and leaves out parameters and unnamed namespaces.
 std::string Readable(const std::string &symbol) {
     int status = 0;
@@ -123,23 +150,21 @@ std::string Readable(const std::string &symbol) {
 } // namespace
 
 std::string SymbolAt(const void *address) {
-    Dl_info info{};
-    if (dladdr(address, &info) == 0 || !info.dli_fname)
+    const Location location(address);
+    if (!location.file)
         return "unknown code";
-    const auto offset =
-        static_cast<std::uint32_t>(static_cast<const char *>(address) - static_cast<const char *>(info.dli_fbase));
-    const std::vector<Symbol> &symbols = SymbolsOf(info.dli_fname);
-    auto found = std::upper_bound(symbols.begin(), symbols.end(), offset,
-                                  [](std::uint32_t wanted, const Symbol &symbol) { return wanted < symbol.begin; });
-    if (found != symbols.begin()) {
-        --found;
-        if (offset == found->begin || offset - found->begin < found->size)
-            return Readable(found->name);
-    }
-    const std::string file = info.dli_fname;
+    if (const Symbol *symbol = SymbolOf(location))
+        return Readable(symbol->name);
+    const std::string file = location.file;
     char text[16];
-    std::snprintf(text, sizeof text, "+0x%x", offset);
+    std::snprintf(text, sizeof text, "+0x%x", location.offset);
     return file.substr(file.rfind('/') + 1) + text;
+}
+
+std::size_t SizeAt(const void *function) {
+    const Location location(function);
+    const Symbol *symbol = location.file ? SymbolOf(location) : nullptr;
+    return symbol && symbol->begin == location.offset ? symbol->size : 0;
 }
 
 void ForgetSymbolsNear(const void *address) {

@@ -2,6 +2,7 @@
 #ifndef AVSK_HOST_SYMBOLS_H
 #define AVSK_HOST_SYMBOLS_H
 
+#include <cstddef>
 #include <string>
 
 namespace crossings {
@@ -9,6 +10,8 @@ namespace crossings {
 // The function at an address: "Tick" or "lights::Tick", without parameters, or
 // "lin.avp+0x1234" if the file has no symbol for it.
 std::string SymbolAt(const void *address);
+// The size of the function that begins at an address; 0 if its file has no symbol for it.
+std::size_t SizeAt(const void *function);
 // Forgets the symbols of the file that an address belongs to, which may have been
 // replaced, and those of files that were removed.
 void ForgetSymbolsNear(const void *address);

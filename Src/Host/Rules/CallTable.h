@@ -5,6 +5,7 @@
 
 #include "Crossings/Crossing.h"
 
+#include <algorithm>
 #include <span>
 #include <string_view>
 #include <unordered_map>
@@ -23,6 +24,12 @@ template <class Family>
 class CallTable {
   public:
     explicit CallTable(std::span<const CallRow<Family>> rows) : mRows(rows) {}
+
+    // Whether a function has a row.
+    bool Has(const crossings::Prototype &function) const {
+        return std::any_of(mRows.begin(), mRows.end(),
+                           [&function](const CallRow<Family> &row) { return row.function == function.name; });
+    }
 
     void Apply(Family &family, const crossings::Crossing &crossing) {
         const auto [known, isNew] = mChecks.try_emplace(&crossing.what);

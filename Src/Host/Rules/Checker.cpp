@@ -23,7 +23,8 @@ void WriteFindings() {
 
 Checker::Checker(const int &frame, const Ledger &owners, std::map<std::string, std::string> allowed)
     : mFindings(frame, std::move(allowed)), mArguments(mFindings, mHandles), mDatarefs(mFindings),
-      mLife(mFindings, owners), mPlaces(mFindings, mHandles), mState(mFindings), mMemory(mFindings) {
+      mLife(mFindings, owners), mPlaces(mFindings, mHandles), mState(mFindings), mMemory(mFindings),
+      mHostTable(mFindings), mHostOrder(mFindings), mHostFrames(mFindings) {
     gFindings = &mFindings;
     AddToBlame(WriteFindings);
 }
@@ -42,6 +43,7 @@ void Checker::Finish() {
     mPlaces.Finish();
     mLife.Finish();
     mMemory.Finish();
+    mHostOrder.Finish();
 }
 
 int Checker::PrintReport() {

@@ -1,11 +1,14 @@
-// The observers that judge plugins by the rules while they run. They exist only
-// if a command asks for them.
+// The observers that judge plugins and the host by the rules while they run. They
+// exist only if a command asks for them.
 #ifndef AVSK_HOST_RULES_CHECKER_H
 #define AVSK_HOST_RULES_CHECKER_H
 
 #include "ArgumentChecks.h"
 #include "DatarefChecks.h"
 #include "Findings.h"
+#include "HostFrameChecks.h"
+#include "HostOrderChecks.h"
+#include "HostTableChecks.h"
 #include "KnownHandles.h"
 #include "LifeChecks.h"
 #include "MemoryChecks.h"
@@ -45,6 +48,9 @@ class Checker {
     PlaceChecks mPlaces;
     StateChecks mState;
     MemoryChecks mMemory;
+    HostTableChecks mHostTable;
+    HostOrderChecks mHostOrder;
+    HostFrameChecks mHostFrames;
     bool mIsReported = false;
 };
 

@@ -104,8 +104,8 @@ Findings::Findings(const int &frame, std::map<std::string, std::string> allowed)
 
 Finding Findings::Bare(const Rule &rule, const Crossing &crossing, FindingValues values) const {
     Finding finding;
-    const Crossing *code = PluginCodeOf(crossing);
-    finding.plugin = crossings::LabelOf(code ? code->plugin : crossing.plugin);
+    const Crossing *code = rule.BlamesHost() ? nullptr : PluginCodeOf(crossing);
+    finding.plugin = crossings::LabelOf(rule.BlamesHost() ? AVSK_PLUGIN_AERIVO : (code ? code : &crossing)->plugin);
     finding.function = &crossing == code ? "" : crossing.what.name;
     finding.Become(rule, values);
     if (code)
@@ -116,7 +116,8 @@ Finding Findings::Bare(const Rule &rule, const Crossing &crossing, FindingValues
 
 Finding Findings::Make(const Rule &rule, const Crossing &crossing, FindingValues values) const {
     Finding finding = Bare(rule, crossing, values);
-    finding.source = SourceOf(crossing);
+    if (!rule.BlamesHost())
+        finding.source = SourceOf(crossing);
     return finding;
 }
 
@@ -124,7 +125,8 @@ void Findings::Add(const Rule &rule, const Crossing &crossing, FindingValues val
     Finding finding = Bare(rule, crossing, values);
     if (CountAgain(finding))
         return;
-    finding.source = SourceOf(crossing);
+    if (!rule.BlamesHost())
+        finding.source = SourceOf(crossing);
     Keep(std::move(finding));
 }
 

@@ -22,7 +22,7 @@ using FindingValues = std::initializer_list<std::pair<std::string_view, std::str
 
 struct Finding {
     const Rule *rule = nullptr;
-    std::string plugin;   // its name or its file
+    std::string plugin;   // its name or its file; "host" if the rule is for hosts
     std::string function; // that was called, "AVSKSetDataf"; empty if the finding concerns no call
     std::string subject;  // the first value: violations that differ in other values only are one finding
     std::string text;     // the rule's sentence with its values, those of the first occurrence
@@ -45,7 +45,8 @@ class Findings {
     // The map gives reasons for the IDs of excused rules.
     Findings(const int &frame, std::map<std::string, std::string> allowed);
 
-    // A violation by the call that is under way, or by a callback that it calls.
+    // A violation by the call that is under way, or by a callback that it calls. A rule
+    // for hosts blames the host, with the call's function and without a place in a plugin.
     void Add(const Rule &rule, const crossings::Crossing &crossing, FindingValues values = {});
     // A violation that concerns no call.
     void Add(const Rule &rule, const std::string &plugin, FindingValues values = {});

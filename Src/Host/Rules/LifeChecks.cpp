@@ -2,6 +2,7 @@
 // threads, which are found while the main thread may do anything.
 #include "LifeChecks.h"
 
+#include "HostOrderChecks.h"
 #include "LifeRules.h"
 
 #include "Crossings/Callback.h"
@@ -70,7 +71,7 @@ std::string StackIn(const std::string &file) {
 // The source lines are looked up without the lock, for which the main thread may wait.
 void NoteForeignCall(const crossings::Prototype &function) {
     const std::string_view name = function.name;
-    if (name == "AVSKAllocTLS" || name == "AVSKGetTLS" || name == "AVSKSetTLS")
+    if (name == "AVSKAllocTLS" || name == "AVSKGetTLS" || name == "AVSKSetTLS" || NoteHookOnThread(function))
         return;
     const Caller caller = CallerOfProgram();
     if (!caller.file)

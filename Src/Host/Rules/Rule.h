@@ -23,6 +23,9 @@ struct Rule {
     const char *finding;
     const char *advice;      // what to do, one sentence
     const char *explanation; // a paragraph
+
+    // Rules for hosts have IDs that begin with "host-"; the others are for plugins.
+    constexpr bool BlamesHost() const { return std::string_view(id).starts_with("host-"); }
 };
 
 // A rule of a table by its ID. Does not compile if the table has no such rule.

@@ -4,6 +4,8 @@
 #include "ArgumentRules.h"
 #include "DatarefRules.h"
 #include "FileRules.h"
+#include "HostOrderRules.h"
+#include "HostTableRules.h"
 #include "LifeRules.h"
 #include "PlaceRules.h"
 #include "RunRules.h"
@@ -25,10 +27,15 @@ RuleFamily Family(const char *title, std::span<const Rule> table) {
 
 const std::vector<RuleFamily> &RuleFamilies() {
     static const std::vector<RuleFamily> families = {
-        Family("Datarefs", kDatarefRules),     Family("Arguments and results", kArgumentRules),
-        Family("Place and time", kPlaceRules), Family("Life", kLifeRules),
-        Family("State", kStateRules),          Family("Runs", kRunRules),
+        Family("Datarefs", kDatarefRules),
+        Family("Arguments and results", kArgumentRules),
+        Family("Place and time", kPlaceRules),
+        Family("Life", kLifeRules),
+        Family("State", kStateRules),
+        Family("Runs", kRunRules),
         Family("Files", kFileRules),
+        Family("Hosts: the table", kHostTableRules),
+        Family("Hosts: order and time", kHostOrderRules),
     };
     return families;
 }
@@ -76,10 +83,10 @@ std::string Explain(const Rule &rule) {
 std::string RulesDocument() {
     std::string text =
         "# Rules\n\n"
-        "`avsk run --check` and `avsk check` judge plugins by these rules. An error is certainly without effect, or\n"
-        "dangerous. A warning is probably a fault. A note is worth a look. `avsk explain RULE` shows one rule, and "
-        "the\n"
-        "line `allow RULE \"reason\"` in a session excuses it there.\n\n"
+        "`avsk run --check` and `avsk check` judge plugins by these rules, and the host by those of the families "
+        "\"Hosts\".\n"
+        "An error is certainly without effect, or dangerous. A warning is probably a fault. A note is worth a look.\n"
+        "`avsk explain RULE` shows one rule, and the line `allow RULE \"reason\"` in a session excuses it there.\n\n"
         "This file is made from the table of rules: `avsk explain --markdown`.\n";
     for (const RuleFamily &family : RuleFamilies()) {
         text += "\n## " + std::string(family.title) + "\n";

@@ -1,0 +1,4 @@
+/* The faults of services. */
+#include "BadHost.h"
+
+const Fault kServiceFaults[] = {{0}};
