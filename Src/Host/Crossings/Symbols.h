@@ -3,12 +3,15 @@
 #define AVSK_HOST_SYMBOLS_H
 
 #include <string>
+#include <string_view>
 
 namespace crossings {
 
 // The function at an address: "Tick" or "lights::Tick", without parameters, or
 // "lin.avp+0x1234" if the file has no symbol for it.
 std::string SymbolAt(const void *address);
+// The same text outside the heap, where it stays. Looks each address up once.
+std::string_view KeptNameAt(const void *address);
 // Forgets the symbols of the file that an address belongs to, which may have been
 // replaced, and those of files that were removed.
 void ForgetSymbolsNear(const void *address);
