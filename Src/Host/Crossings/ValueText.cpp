@@ -28,14 +28,17 @@ std::size_t BytesLeftOnPage(const char *address) {
 }
 
 void AddQuoted(Line &line, std::string_view text) {
+    const auto isPlain = [](char c) { return static_cast<unsigned char>(c) >= ' ' && c != '"' && c != '\\'; };
     line.Add('"');
-    for (const char c : text) {
-        if (c == '\n')
-            line.Add("\\n");
-        else if (c == '"' || c == '\\')
-            line.Add(std::string_view(c == '"' ? "\\\"" : "\\\\"));
-        else
-            line.Add(static_cast<unsigned char>(c) < ' ' ? '?' : c);
+    while (!text.empty()) {
+        const auto *const end = std::find_if_not(text.begin(), text.end(), isPlain);
+        line.Add(text.substr(0, static_cast<std::size_t>(end - text.begin())));
+        text.remove_prefix(static_cast<std::size_t>(end - text.begin()));
+        if (text.empty())
+            break;
+        const char c = text.front();
+        line.Add(c == '\n' ? std::string_view("\\n") : c == '"' ? "\\\"" : c == '\\' ? "\\\\" : "?");
+        text.remove_prefix(1);
     }
     line.Add('"');
 }

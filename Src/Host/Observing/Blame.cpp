@@ -8,6 +8,7 @@
 #include "History.h"
 #include "Place.h"
 #include "Thrown.h"
+#include "TraceFile.h"
 
 #include "Common/Terminal.h"
 #include "Crossings/TextCopy.h"
@@ -156,6 +157,7 @@ void WriteCore() {
     sigaddset(&alarms, SIGALRM);
     pthread_sigmask(SIG_UNBLOCK, &alarms, nullptr);
     alarm(kReportPatience);
+    FlushTrace();
     FlushOutput();
     WriteCalls(head);
     WriteBacktrace(context);
@@ -279,6 +281,7 @@ void OnExit(int status, void * /*unused*/) {
 void OnSanitizersEnd() {
     if (!gBlame || !gHistory.Innermost() || gReporting.exchange(true))
         return;
+    FlushTrace();
     Line head;
     head.Add("avsk: a sanitizer ended the run, in ");
     AddCulprit(head, gHistory.Innermost());
