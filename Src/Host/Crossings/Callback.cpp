@@ -85,7 +85,7 @@ Function Wrap(Function function, const CallbackKind &kind, Side side, AVSKPlugin
     if (!thunk)
         std::tie(callback, thunk) = NewThunk();
     // A plugin that was loaded since may have other code at this address.
-    const std::string *name = callback->owner == owner && owner != NO_PLUGIN_ID ? callback->name : nullptr;
+    const InternedText *name = callback->owner == owner && owner != NO_PLUGIN_ID ? callback->name : nullptr;
     *callback = {kind.entry, function, &kind, side, owner, callback->number, name};
     return thunk;
 }
@@ -99,9 +99,14 @@ const Callback *CallbackOf(const void *function) {
 }
 
 const std::string &NameOf(const Callback &callback) {
+    KeptNameOf(callback);
+    return callback.name->text;
+}
+
+std::string_view KeptNameOf(const Callback &callback) {
     if (!callback.name)
         callback.name = &Interned(SymbolAt(reinterpret_cast<const void *>(callback.function)));
-    return *callback.name;
+    return callback.name->kept;
 }
 
 } // namespace crossings

@@ -27,8 +27,8 @@ struct Callback {
     const CallbackKind *kind = nullptr;
     Side side = Side::Plugin; // the side that defines the function
     AVSKPluginID owner = NO_PLUGIN_ID;
-    std::size_t number = 0;                    // counts from 0, in the order of the first use
-    mutable const std::string *name = nullptr; // null until NameOf() is called
+    std::size_t number = 0;                            // counts from 0, in the order of the first use
+    mutable const struct InternedText *name = nullptr; // null until NameOf() is called
 };
 
 // The thunk of a callback that this side and plugin passed. Null for null. To be
@@ -40,6 +40,8 @@ const Callback *CallbackOf(const void *function);
 
 // The function's name, or its file and offset if the file has no symbol for it. It is never freed.
 const std::string &NameOf(const Callback &callback);
+// The same text outside the heap.
+std::string_view KeptNameOf(const Callback &callback);
 
 } // namespace crossings
 

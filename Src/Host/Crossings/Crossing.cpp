@@ -77,9 +77,9 @@ void NotifyObservers(const Crossing &crossing) {
 // ---- Labels of plugins
 
 // By ID; null if it is not known yet. Never destroyed: plugins may call until the process ends.
-std::vector<const std::string *> &gLabels = *new std::vector<const std::string *>;
+std::vector<const InternedText *> &gLabels = *new std::vector<const InternedText *>;
 
-const std::string *&LabelSlot(AVSKPluginID plugin) {
+const InternedText *&LabelSlot(AVSKPluginID plugin) {
     const auto index = static_cast<std::size_t>(plugin);
     if (index >= gLabels.size())
         gLabels.resize(index + 1);
@@ -115,6 +115,24 @@ void NoteName(const Crossing &start) {
     const auto *given = static_cast<const char *>(start["outName"].pointer);
     if (start.returned && start.result.integer != 0 && ReadText(given, -1, name.data(), name.size()) && name.front())
         LabelSlot(start.plugin) = &Interned(OneLine(name.data()));
+}
+
+const InternedText &Label(AVSKPluginID plugin) {
+    const auto index = static_cast<std::size_t>(plugin);
+    if (index < gLabels.size() && gLabels[index])
+        return *gLabels[index];
+    if (plugin == AVSK_PLUGIN_AERIVO)
+        return *(LabelSlot(plugin) = &Interned("host"));
+    const Unobserved calls;
+    std::array<char, AVSK_TEXT_SIZE> name{};
+    std::array<char, AVSK_TEXT_SIZE> path{};
+    AVSKGetPluginInfo(plugin, name.data(), path.data(), nullptr, nullptr);
+    // The library answers the path while a plugin has not started.
+    const bool hasName = name.front() && !std::string_view(name.data()).ends_with(".avp");
+    const std::string label = OneLine(hasName ? name.data() : NameFromPath(path.data()));
+    if (label.empty())
+        return Interned("nobody");
+    return *(LabelSlot(plugin) = &Interned(label));
 }
 
 } // namespace
@@ -211,22 +229,7 @@ void NoteUnobserved(const Prototype &function, Side callee) {
         handler(function);
 }
 
-const std::string &LabelOf(AVSKPluginID plugin) {
-    const auto index = static_cast<std::size_t>(plugin);
-    if (index < gLabels.size() && gLabels[index])
-        return *gLabels[index];
-    if (plugin == AVSK_PLUGIN_AERIVO)
-        return *(LabelSlot(plugin) = &Interned("host"));
-    const Unobserved calls;
-    std::array<char, AVSK_TEXT_SIZE> name{};
-    std::array<char, AVSK_TEXT_SIZE> path{};
-    AVSKGetPluginInfo(plugin, name.data(), path.data(), nullptr, nullptr);
-    // The library answers the path while a plugin has not started.
-    const bool hasName = name.front() && !std::string_view(name.data()).ends_with(".avp");
-    std::string label = OneLine(hasName ? name.data() : NameFromPath(path.data()));
-    if (label.empty())
-        return Interned("nobody");
-    return *(LabelSlot(plugin) = &Interned(std::move(label)));
-}
+const std::string &LabelOf(AVSKPluginID plugin) { return Label(plugin).text; }
+std::string_view KeptLabelOf(AVSKPluginID plugin) { return Label(plugin).kept; }
 
 } // namespace crossings

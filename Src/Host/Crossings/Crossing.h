@@ -17,6 +17,7 @@
 #include <cstdint>
 #include <span>
 #include <string>
+#include <string_view>
 #include <type_traits>
 #include <typeinfo>
 
@@ -42,12 +43,15 @@ struct Value {
         Text,
         Function,
         Pointer,
-        Structure
+        Structure,
+        // Only in copies that outlive the call:
+        Name,      // of a function or handle, shown as it is
+        Unreadable // a text at a bad address
     };
 
     Kind kind = Kind::Nothing;
     bool isHandle = false; // of the library or the host
-    int length = -1;       // of a text without a terminating zero; -1: it has one
+    int length = -1;       // of a name, and of a text without a terminating zero; -1: it has one
     union {
         int integer;
         AVSKWord word;
@@ -242,6 +246,8 @@ void NoteUnobserved(const Prototype &function, Side callee);
 
 // A plugin's name, or its folder's while it has none; "host" for 0. The text is never freed.
 const std::string &LabelOf(AVSKPluginID plugin);
+// The same text outside the heap.
+std::string_view KeptLabelOf(AVSKPluginID plugin);
 
 // Calls during its lifetime are not observed.
 class Unobserved {

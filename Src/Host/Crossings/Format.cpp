@@ -13,16 +13,21 @@ std::string_view SideName(Side side, const std::string &plugin) {
     return side == Side::Host ? "host" : side == Side::Library ? "library" : std::string_view(plugin);
 }
 
-bool IsEntryPoint(const Callback &callback) { return callback.owner == NO_PLUGIN_ID; }
-
 } // namespace
 
-void AddTitle(Line &line, const Crossing &crossing) {
-    line.Add(crossing.what.name);
-    if (crossing.callback && !IsEntryPoint(*crossing.callback)) {
-        line.Add(' ');
-        line.Add(NameOf(*crossing.callback));
-    }
+std::string_view CallbackName(const Crossing &crossing) {
+    const bool isNamed = crossing.callback && crossing.callback->owner != NO_PLUGIN_ID;
+    return isNamed ? KeptNameOf(*crossing.callback) : std::string_view();
+}
+
+void AddTitle(Line &line, const Crossing &crossing) { AddTitle(line, crossing.what, CallbackName(crossing)); }
+
+void AddTitle(Line &line, const Prototype &function, std::string_view callback) {
+    line.Add(function.name);
+    if (callback.empty())
+        return;
+    line.Add(' ');
+    line.Add(callback);
 }
 
 std::string TitleOf(const Crossing &crossing) {
@@ -44,13 +49,15 @@ void AddCall(Line &line, const Crossing &crossing) {
     line.Add(')');
 }
 
-void AddResult(Line &line, const Crossing &crossing) {
-    if (!crossing.returned)
+void AddResult(Line &line, const Crossing &crossing) { AddResult(line, crossing.returned, crossing.result); }
+
+void AddResult(Line &line, bool isReturned, const Value &result) {
+    if (!isReturned)
         return line.Add(" threw");
-    if (crossing.result.kind == Value::Kind::Nothing)
+    if (result.kind == Value::Kind::Nothing)
         return;
     line.Add(" = ");
-    AddValue(line, crossing.result);
+    AddValue(line, result);
 }
 
 } // namespace crossings

@@ -6,9 +6,14 @@
 #include "Line.h"
 
 #include <string>
+#include <string_view>
 
 namespace crossings {
 
+// The function's name, and that of a callback's function if it is not empty.
+void AddTitle(Line &line, const Prototype &function, std::string_view callback);
+// The name of a callback's function; empty for other calls and for entry points. It is never freed.
+std::string_view CallbackName(const Crossing &crossing);
 // What is called: "AVSKDrawString", or "AVSKFlightLoop_f Tick" with the name of
 // a callback's function.
 void AddTitle(Line &line, const Crossing &crossing);
@@ -20,6 +25,7 @@ void AddSides(Line &line, const Crossing &crossing);
 void AddCall(Line &line, const Crossing &crossing);
 // " = 3"; empty without a result; " threw" if an exception ended the call.
 void AddResult(Line &line, const Crossing &crossing);
+void AddResult(Line &line, bool isReturned, const Value &result);
 
 } // namespace crossings
 

@@ -4,10 +4,16 @@
 #define AVSK_HOST_INTERNED_H
 
 #include <string>
+#include <string_view>
 
 namespace crossings {
 
-const std::string &Interned(std::string text);
+struct InternedText {
+    std::string text;
+    std::string_view kept; // outside the heap, which plugins may corrupt
+};
+
+const InternedText &Interned(const std::string &text);
 
 } // namespace crossings
 

@@ -1,7 +1,9 @@
 // Reads symbol tables from files; see Symbols.h. The dynamic linker knows only
 // exported names, and plugins export little else than their entry points. Owns
-// the symbols of the files that were read.
+// the symbols of the files that were read, and the names of addresses.
 #include "Symbols.h"
+
+#include "Interned.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -13,6 +15,7 @@
 #include <memory>
 #include <optional>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 #include <cxxabi.h>
@@ -97,6 +100,7 @@ std::vector<Symbol> ReadSymbols(const std::string &path) {
     return symbols;
 }
 
+std::unordered_map<const void *, std::string_view> &gNames = *new std::unordered_map<const void *, std::string_view>;
 std::map<std::string, std::vector<Symbol>> &gFiles = *new std::map<std::string, std::vector<Symbol>>;
 
 const std::vector<Symbol> &SymbolsOf(const std::string &path) {
@@ -167,7 +171,15 @@ std::size_t SizeAt(const void *function) {
     return symbol && symbol->begin == location.offset ? symbol->size : 0;
 }
 
+std::string_view KeptNameAt(const void *address) {
+    const auto [known, isNew] = gNames.try_emplace(address);
+    if (isNew)
+        known->second = Interned(SymbolAt(address)).kept;
+    return known->second;
+}
+
 void ForgetSymbolsNear(const void *address) {
+    gNames.clear();
     Dl_info info{};
     if (dladdr(address, &info) != 0 && info.dli_fname)
         gFiles.erase(info.dli_fname);

@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <string>
+#include <string_view>
 
 namespace crossings {
 
@@ -12,6 +13,8 @@ namespace crossings {
 std::string SymbolAt(const void *address);
 // The size of the function that begins at an address; 0 if its file has no symbol for it.
 std::size_t SizeAt(const void *function);
+// The same text outside the heap, where it stays. Looks each address up once.
+std::string_view KeptNameAt(const void *address);
 // Forgets the symbols of the file that an address belongs to, which may have been
 // replaced, and those of files that were removed.
 void ForgetSymbolsNear(const void *address);

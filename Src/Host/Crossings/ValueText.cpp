@@ -2,6 +2,7 @@
 #include "ValueText.h"
 
 #include "Symbols.h"
+#include "TextCopy.h"
 #include "Words.h"
 
 #include <algorithm>
@@ -27,37 +28,42 @@ std::size_t BytesLeftOnPage(const char *address) {
 }
 
 void AddQuoted(Line &line, std::string_view text) {
+    const auto isPlain = [](char c) { return static_cast<unsigned char>(c) >= ' ' && c != '"' && c != '\\'; };
     line.Add('"');
-    for (const char c : text) {
-        if (c == '\n')
-            line.Add("\\n");
-        else if (c == '"' || c == '\\')
-            line.Add(std::string_view(c == '"' ? "\\\"" : "\\\\"));
-        else
-            line.Add(static_cast<unsigned char>(c) < ' ' ? '?' : c);
+    while (!text.empty()) {
+        const auto *const end = std::find_if_not(text.begin(), text.end(), isPlain);
+        line.Add(text.substr(0, static_cast<std::size_t>(end - text.begin())));
+        text.remove_prefix(static_cast<std::size_t>(end - text.begin()));
+        if (text.empty())
+            break;
+        const char c = text.front();
+        line.Add(c == '\n' ? std::string_view("\\n") : c == '"' ? "\\\"" : c == '\\' ? "\\\\" : "?");
+        text.remove_prefix(1);
     }
     line.Add('"');
 }
 
+void AddUnreadable(Line &line, const void *text) {
+    line.Add("unreadable ");
+    line.AddHex(reinterpret_cast<std::uintptr_t>(text));
+}
+
 void AddText(Line &line, const char *text, int length) {
-    constexpr std::size_t kMost = 80;
-    std::array<char, kMost + 1> buffer{};
+    std::array<char, kShownText + 1> buffer;
     if (!text)
         return line.Add("null");
-    if (!ReadText(text, length, buffer.data(), buffer.size())) {
-        line.Add("unreadable ");
-        return line.AddHex(reinterpret_cast<std::uintptr_t>(text));
-    }
+    if (!ReadText(text, length, buffer.data(), buffer.size()))
+        return AddUnreadable(line, text);
     const std::string_view shown = buffer.data();
     AddQuoted(line, shown);
-    if (shown.size() == kMost && length != static_cast<int>(kMost))
+    if (shown.size() == kShownText && length != static_cast<int>(kShownText))
         line.Add("...");
 }
 
 void AddPointer(Line &line, const Value &value) {
     if (!value.pointer)
         return line.Add("null");
-    const std::string_view name = value.isHandle && gHandleNames ? gHandleNames->NameOf(value.pointer) : "";
+    const std::string_view name = value.isHandle ? NameOfHandle(value.pointer) : "";
     return name.empty() ? line.AddHex(reinterpret_cast<std::uintptr_t>(value.pointer)) : line.Add(name);
 }
 
@@ -73,6 +79,10 @@ void AddCharacter(Line &line, int character) {
 
 void SetHandleNames(const HandleNames *names) { gHandleNames = names; }
 
+std::string_view NameOfHandle(const void *handle) {
+    return gHandleNames ? gHandleNames->NameOf(handle) : std::string_view();
+}
+
 // The kernel copies, so a bad address is an error and not a fault.
 bool ReadMemory(const void *from, void *to, std::size_t size) {
     const iovec source{const_cast<void *>(from), size};
@@ -82,6 +92,8 @@ bool ReadMemory(const void *from, void *to, std::size_t size) {
 
 bool ReadText(const char *text, int length, char *buffer, std::size_t size) {
     const std::size_t most = length < 0 ? size - 1 : std::min(size - 1, static_cast<std::size_t>(length));
+    if (gMayFault)
+        return CopyText(text, buffer, most);
     std::size_t read = 0;
     while (read < most) {
         const std::size_t part = std::min(most - read, BytesLeftOnPage(text + read)); // the next page may be missing
@@ -110,13 +122,17 @@ void AddValue(Line &line, const Value &value) {
     case Value::Kind::Text:
         return AddText(line, value.text, value.length);
     case Value::Kind::Function:
-        return value.pointer ? line.Add(SymbolAt(value.pointer)) : line.Add("null");
+        return value.pointer ? line.Add(KeptNameAt(value.pointer)) : line.Add("null");
     case Value::Kind::Pointer:
         return AddPointer(line, value);
     case Value::Kind::Structure:
         line.Add('{');
         AddValues(line, value.structure->fields, value.structure->values);
         return line.Add('}');
+    case Value::Kind::Name:
+        return line.Add({value.text, static_cast<std::size_t>(value.length)});
+    case Value::Kind::Unreadable:
+        return AddUnreadable(line, value.pointer);
     }
 }
 
@@ -151,10 +167,9 @@ std::string StableText(const Value &value, const HandleNames &names) {
         const std::string_view name = value.pointer ? names.NameOf(value.pointer) : "null";
         return std::string(name.empty() ? "pointer" : name);
     }
-    case Value::Kind::Structure:
+    default:
         return "pointer";
     }
-    return "";
 }
 
 std::string WholeText(const Value &value) {

@@ -23,8 +23,13 @@ class HandleNames {
 };
 
 // The names that AddValue() shows instead of addresses. Null for none; else they
-// must stay until replaced.
+// must stay until replaced, and the texts for ever, outside the heap.
 void SetHandleNames(const HandleNames *names);
+// One of them; empty if there is none.
+std::string_view NameOfHandle(const void *handle);
+
+// So many bytes of a text are shown to a reader.
+inline constexpr std::size_t kShownText = 80;
 
 // For a reader: texts in quotes and cut, functions and handles by name, other
 // addresses in hexadecimal.

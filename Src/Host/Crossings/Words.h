@@ -3,13 +3,15 @@
 #define AVSK_HOST_WORDS_H
 
 #include <algorithm>
+#include <cstddef>
 #include <string_view>
 
 namespace crossings {
 
 // Removes the first word of a list and the separator behind it. Returns the word.
 inline std::string_view TakeWord(std::string_view &words, std::string_view separators = ",") {
-    const std::string_view first = words.substr(0, words.find_first_of(separators));
+    const std::size_t end = separators.size() == 1 ? words.find(separators.front()) : words.find_first_of(separators);
+    const std::string_view first = words.substr(0, end);
     words.remove_prefix(std::min(first.size() + 1, words.size()));
     return first;
 }

@@ -8,13 +8,16 @@
 #include "History.h"
 #include "Place.h"
 #include "Thrown.h"
+#include "TraceFile.h"
 
 #include "Common/Terminal.h"
-#include "Crossings/Format.h"
+#include "Crossings/TextCopy.h"
 
+#include <algorithm>
 #include <array>
 #include <atomic>
 #include <cerrno>
+#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <string_view>
@@ -55,17 +58,17 @@ bool IsMainThread() { return crossings::IsObservedThread(); }
 
 // The plugin or host that a call is made for.
 void AddBehalf(Line &line, const History::Call &call) {
-    if (call.forHost)
+    if (call.IsForHost())
         return line.Add("the host");
     line.Add("plugin '");
-    line.Add(call.plugin.Text());
+    line.Add(call.Plugin());
     line.Add('\'');
 }
 
 void AddCulprit(Line &line, const History::Call *call) {
-    if (!call || call->to == Side::Host)
+    if (!call || call->To() == Side::Host)
         return line.Add("the host itself");
-    if (call->to == Side::Library)
+    if (call->To() == Side::Library)
         return line.Add("the library");
     AddBehalf(line, *call);
 }
@@ -73,10 +76,10 @@ void AddCulprit(Line &line, const History::Call *call) {
 void AddTitleAndCaller(Line &line, const History::Call *call) {
     if (!call)
         return;
-    line.Add(call->title.Text());
-    if (call->to == Side::Plugin)
+    call->AddTitle(line);
+    if (call->To() == Side::Plugin)
         return;
-    line.Add(call->to == Side::Library ? std::string_view(", called by ") : ", called for ");
+    line.Add(call->To() == Side::Library ? std::string_view(", called by ") : ", called for ");
     AddBehalf(line, *call);
 }
 
@@ -157,6 +160,7 @@ void Report(const Line &head, ucontext_t *context) {
     sigaddset(&alarms, SIGALRM);
     pthread_sigmask(SIG_UNBLOCK, &alarms, nullptr);
     const unsigned left = alarm(kReportPatience);
+    FlushTrace();
     if (!gForeign)
         FlushOutput();
     WriteCalls(head);
@@ -190,7 +194,7 @@ bool AddStray(Line &line, const void *instruction) {
     const History::Call *call = gHistory.Innermost();
     const char *file = FileAt(instruction);
     const bool isPlugins = file && std::string_view(file).ends_with(".avp");
-    if (IsMainThread() && (!isPlugins || (call && call->to == Side::Plugin)))
+    if (IsMainThread() && (!isPlugins || (call && call->To() == Side::Plugin)))
         return false;
     line.Add(IsMainThread() ? std::string_view("code of '") : "a thread other than the main one, in '");
     line.Add(file ? std::string_view(file) : "no file");
@@ -201,6 +205,10 @@ bool AddStray(Line &line, const void *instruction) {
 void OnFault(int signal, siginfo_t *info, void *interrupted) {
     auto *context = static_cast<ucontext_t *>(interrupted);
     const auto *instruction = reinterpret_cast<const void *>(context->uc_mcontext.gregs[REG_EIP]);
+    if (const void *resumed = crossings::ResumeAfter(instruction)) {
+        context->uc_mcontext.gregs[REG_EIP] = static_cast<greg_t>(reinterpret_cast<std::uintptr_t>(resumed));
+        return;
+    }
     if (gForeign && IsProgramsOwn(signal, instruction))
         return gForeign->passOn(signal, info, interrupted);
     if (gReporting.exchange(true)) {
@@ -225,7 +233,7 @@ void OnFault(int signal, siginfo_t *info, void *interrupted) {
         AddTitleAndCaller(head, call);
     } else if (isObserversFault && gHistory.Innermost()) {
         head.Add(" while it observed ");
-        head.Add(gHistory.Innermost()->title.Text());
+        gHistory.Innermost()->AddTitle(head);
         head.Add(" of ");
         AddCulprit(head, gHistory.Innermost());
         head.Add(", which may have corrupted memory");
@@ -237,12 +245,24 @@ void OnFault(int signal, siginfo_t *info, void *interrupted) {
     gForeign->passOn(signal, info, interrupted);
 }
 
+// Whether a fault leads to OnFault(). Plugins may have changed that.
+bool AreFaultsHandled() {
+    sigset_t blocked;
+    if (pthread_sigmask(SIG_SETMASK, nullptr, &blocked) != 0)
+        return false;
+    return std::ranges::all_of(std::array{SIGSEGV, SIGBUS}, [&blocked](int signal) {
+        struct sigaction action {};
+        const bool isOurs = gForeign || (sigaction(signal, nullptr, &action) == 0 && action.sa_sigaction == OnFault);
+        return isOurs && sigismember(&blocked, signal) == 0;
+    });
+}
+
 // The innermost call of a plugin that has taken almost the whole time: calls
 // inside it may be short. Else the outermost of all calls.
 const History::Call *OverdueCall(const Watchdog &timer) {
     for (int depth = gHistory.Depth() - 1; depth > 0; --depth) {
         const History::Call *call = gHistory.Open(depth);
-        if (call->to == Side::Plugin && timer.IsNearlyOverdue(call->tick))
+        if (call->To() == Side::Plugin && timer.IsNearlyOverdue(call->tick))
             return call;
     }
     return gHistory.Open(0);
@@ -292,6 +312,7 @@ void OnExit(int status, void * /*unused*/) {
 void OnSanitizersEnd() {
     if (!gBlame || !gHistory.Innermost() || gReporting.exchange(true))
         return;
+    FlushTrace();
     Line head;
     head.Add("avsk: a sanitizer ended the run, in ");
     AddCulprit(head, gHistory.Innermost());
@@ -352,11 +373,13 @@ Blame::Blame(const int &frame, double timeout) {
     mBefore = std::make_unique<Handlers>();
     if (timeout > 0)
         mWatchdog.emplace(timeout, kOverdue);
+    crossings::gMayFault = AreFaultsHandled();
     crossings::AddObserver(*this);
 }
 
 Blame::~Blame() {
     crossings::RemoveObserver(*this);
+    crossings::gMayFault = false;
     mWatchdog.reset(); // before the handler of its signal
     mBefore.reset();
     gBlame = nullptr;
@@ -387,6 +410,9 @@ void Blame::Ends(const Crossing &crossing) {
     gHistory.Ends(crossing);
     if (crossing.depth == 0 && !crossing.returned)
         KeepThrownStacks();
+    constexpr unsigned kOften = 64; // system calls take longer than the rest
+    if (crossing.IsEntryPoint() || (crossing.depth == 0 && ++mCalls % kOften == 0))
+        crossings::gMayFault = AreFaultsHandled();
     const bool isPlugins = crossing.depth == mPluginDepth;
     if (isPlugins)
         mPluginDepth = -1;

@@ -44,6 +44,7 @@ class Blame : public crossings::Observer {
     struct Handlers; // installs ours and restores the previous ones
     std::unique_ptr<Handlers> mBefore;
     std::optional<Watchdog> mWatchdog;
+    unsigned mCalls = 0;   // of the host
     int mPluginDepth = -1; // depth of the outermost call of a plugin; -1: none
 };
 

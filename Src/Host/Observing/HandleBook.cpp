@@ -1,8 +1,10 @@
 // Learns the names of handles; see HandleBook.h.
 #include "HandleBook.h"
 
+#include "Crossings/Interned.h"
 #include "Crossings/Words.h"
 
+#include <array>
 #include <span>
 
 namespace host {
@@ -51,19 +53,32 @@ crossings::Interest HandleBook::InterestIn(const crossings::Prototype &function)
 void HandleBook::Ends(const Crossing &crossing) {
     if (!crossing.returned || crossing.result.kind != Value::Kind::Pointer || !crossing.result.pointer)
         return;
+    // Plugins look the same datarefs up again and again.
+    std::array<char, crossings::kShownText + 1> text;
+    text.front() = '\0';
+    const Value *const first = crossing.arguments.empty() ? nullptr : &crossing.arguments.front();
+    if (first && first->kind == Value::Kind::Text && first->text &&
+        crossings::ReadText(first->text, first->length, text.data(), text.size()) && IsKnown(crossing, text.data()))
+        return;
     Line line;
     AddName(line, crossing.what.parameters, crossing.arguments);
     if (std::string_view(crossing.what.name) == "AVSKFindPluginsMenu")
         line.Add("\"Plugins\"");
     if (line.Text().empty())
         return;
-    const std::string shown(line.Text());
-    const std::string name = crossing.what.name + (" " + shown);
     Entry &entry = mEntries[crossing.result.pointer];
-    if (entry.name == name || entry.shown == shown)
+    if (entry.name == line.Text() && (entry.function == &crossing.what || entry.shown == entry.name))
         return;
-    const int number = ++mCounts[name];
-    entry = {name, number > 1 ? shown + "#" + std::to_string(number) : shown};
+    entry = {&crossing.what, std::string(line.Text()), text.data(), {}};
+    const int number = ++mCounts[crossing.what.name + (" " + entry.name)];
+    entry.shown = crossings::Interned(number > 1 ? entry.name + "#" + std::to_string(number) : entry.name).kept;
+}
+
+// Whether the handle has the name that this call would give to it.
+bool HandleBook::IsKnown(const Crossing &crossing, std::string_view text) const {
+    const auto known = mEntries.find(crossing.result.pointer);
+    return known != mEntries.end() && !text.empty() && known->second.text == text &&
+           (known->second.function == &crossing.what || known->second.shown == known->second.name);
 }
 
 std::string_view HandleBook::NameOf(const void *handle) const {

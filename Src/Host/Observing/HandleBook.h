@@ -29,12 +29,16 @@ class HandleBook : public crossings::Observer, public crossings::HandleNames {
 
   private:
     struct Entry {
-        std::string name;  // with the function that created or found it
-        std::string shown; // with a number if others of that name exist
+        const crossings::Prototype *function = nullptr; // that created or found it
+        std::string name;                               // as it is shown without a number
+        std::string text;                               // the argument that is the name; empty if it is another one
+        std::string_view shown;                         // with a number if others of that name exist
     };
 
+    bool IsKnown(const crossings::Crossing &crossing, std::string_view text) const;
+
     std::unordered_map<const void *, Entry> mEntries;
-    std::map<std::string, int> mCounts; // of handles by name
+    std::map<std::string, int> mCounts; // of handles by function and name
 };
 
 } // namespace host

@@ -1,7 +1,7 @@
-// Stores calls as text; see History.h.
+// Stores calls; see History.h.
 #include "History.h"
 
-#include "Crossings/Format.h"
+#include "Crossings/Line.h"
 
 #include <algorithm>
 #include <exception>
@@ -27,6 +27,12 @@ void WriteIndented(int depth, std::string_view text, std::string_view end) {
     WriteError("\n");
 }
 
+Line TextOf(const KeptCall &call) {
+    Line text;
+    call.AddCall(text);
+    return text;
+}
+
 } // namespace
 
 void WriteError(std::string_view text) {
@@ -47,19 +53,10 @@ void History::Begins(const Crossing &crossing, std::uint32_t tick) {
     if (mHasThrown && std::uncaught_exceptions() == 0)
         mHasThrown = false; // it was caught
     Call &call = Slot(crossing.depth);
-    call.to = crossing.to;
+    call.Keep(crossing);
     call.tick = tick;
-    call.forHost = crossing.plugin == AVSK_PLUGIN_AERIVO;
-    call.plugin.Clear();
-    call.plugin.Add(std::string_view(crossings::LabelOf(crossing.plugin)));
-    call.title.Clear();
-    crossings::AddTitle(call.title, crossing);
-    call.text.Clear();
-    crossings::AddSides(call.text, crossing);
-    call.text.Add("  ");
-    crossings::AddCall(call.text, crossing);
     mDepth = crossing.depth + 1;
-    if (!call.forHost) {
+    if (!call.IsForHost()) {
         while (mPushed < mDepth)
             Push(mPushed++);
     }
@@ -69,26 +66,28 @@ void History::Ends(const Crossing &crossing) {
     NoteException(crossing);
     mDepth = crossing.depth;
     if (mPushed > mDepth) {
-        AddResult(crossing);
+        KeepResult(crossing);
         mPushed = mDepth;
     }
 }
 
 void History::Push(int depth) {
+    Call &call = Slot(depth);
+    call.number = mCount;
     Past &past = mLast[mCount++ % kLast];
     past.depth = depth;
     past.isOpen = true;
-    past.text = Slot(depth).text;
-    past.result.Clear();
+    past.call = call;
 }
 
-void History::AddResult(const Crossing &crossing) {
-    // The last open one of this depth, if it is still stored.
-    for (unsigned back = 1; back <= std::min(mCount, kLast); ++back) {
-        Past &past = mLast[(mCount - back) % kLast];
+void History::KeepResult(const Crossing &crossing) {
+    // Later calls may have taken its place. The numbers of very deep calls are not stored.
+    unsigned number = crossing.depth < kDeepest ? Slot(crossing.depth).number : mCount - 1;
+    for (; mCount - number <= std::min(mCount, kLast); --number) {
+        Past &past = mLast[number % kLast];
         if (!past.isOpen || past.depth != crossing.depth)
             continue;
-        crossings::AddResult(past.result, crossing);
+        past.call.KeepResult(crossing);
         past.isOpen = false;
         return;
     }
@@ -111,7 +110,7 @@ const History::Call *History::Open(int depth) const {
 
 const History::Call *History::InnermostOfPlugins() const {
     for (int depth = std::min(mDepth, kDeepest) - 1; depth >= 0; --depth) {
-        if (const Call *call = Open(depth); call->to == crossings::Side::Plugin)
+        if (const Call *call = Open(depth); call->To() == crossings::Side::Plugin)
             return call;
     }
     return Innermost();
@@ -125,7 +124,7 @@ void History::WriteOpen() const {
     for (int depth = 0; depth < kept; ++depth) {
         const bool isLeftOut = kept > 2 * kEachEnd && depth >= kEachEnd && depth < kept - kEachEnd;
         if (!isLeftOut)
-            WriteIndented(depth, mOpen[static_cast<std::size_t>(depth)].text.Text(), "");
+            WriteIndented(depth, TextOf(mOpen[static_cast<std::size_t>(depth)]).Text(), "");
         else if (depth == kEachEnd)
             WriteIndented(depth, "...", "");
     }
@@ -144,7 +143,10 @@ void History::WriteLast() const {
         WriteError("The last calls from and to plugins, the oldest first:\n");
     for (unsigned back = count; back > 0; --back) {
         const Past &past = mLast[(mCount - back) % kLast];
-        WriteIndented(past.depth, past.text.Text(), past.isOpen ? std::string_view(" ...") : past.result.Text());
+        Line result;
+        if (!past.isOpen)
+            past.call.AddResult(result);
+        WriteIndented(past.depth, TextOf(past.call).Text(), past.isOpen ? std::string_view(" ...") : result.Text());
     }
 }
 

@@ -1,10 +1,10 @@
-// The calls under way and the last ones, as text, because after a crash nothing
-// can be looked up. Allocates only for the names of functions, the first time.
+// The calls under way and the last ones, for reports of a crash.
 #ifndef AVSK_HOST_OBSERVING_HISTORY_H
 #define AVSK_HOST_OBSERVING_HISTORY_H
 
+#include "KeptCall.h"
+
 #include "Crossings/Crossing.h"
-#include "Crossings/Line.h"
 
 #include <array>
 #include <cstddef>
@@ -15,13 +15,9 @@ namespace host {
 
 class History {
   public:
-    struct Call {
-        crossings::Side to;
-        std::uint32_t tick;     // when it began, see Watchdog.h
-        bool forHost;           // no plugin is involved
-        crossings::Line plugin; // whose code runs, or for which the library or host works
-        crossings::Line title;  // "AVSKMenuHandler_f OnPick"
-        crossings::Line text;   // "library > Menu  AVSKMenuHandler_f OnPick(menuRef=...)"
+    struct Call : KeptCall {
+        std::uint32_t tick; // when it began, see Watchdog.h
+        unsigned number;    // among all calls that were added to the last ones
     };
 
     // Forgets everything; no call may be under way.
@@ -50,13 +46,12 @@ class History {
     struct Past {
         int depth;
         bool isOpen;
-        crossings::Line text;
-        crossings::Line result;
+        KeptCall call;
     };
 
     Call &Slot(int depth) { return depth < kDeepest ? mOpen[static_cast<std::size_t>(depth)] : mDeeper; }
     void Push(int depth);
-    void AddResult(const crossings::Crossing &crossing);
+    void KeepResult(const crossings::Crossing &crossing);
     void NoteException(const crossings::Crossing &crossing);
 
     std::array<Call, kDeepest> mOpen{};

@@ -9,7 +9,6 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
-#include <utility>
 
 #include <fnmatch.h>
 
@@ -54,18 +53,16 @@ std::vector<std::string> UnknownFunctions(const std::vector<std::string> &patter
 } // namespace
 
 Trace::Trace(const TraceOptions &options)
-    : mOptions(options), mPlugins{"host"}, mUnknown(UnknownFunctions(options.functions)) {
-    mFile = std::fopen(options.file.c_str(), "w");
-    if (!mFile)
+    : mOptions(options), mFile(options.file), mPlugins{"host"}, mUnknown(UnknownFunctions(options.functions)) {
+    if (!mFile.IsOpen())
         throw UsageError("--trace: cannot write '" + options.file + "' (" + std::strerror(errno) +
                          "): name a file in a folder that exists and is writable");
-    std::setvbuf(mFile, nullptr, _IOLBF, BUFSIZ);
     mWriter = options.file.ends_with(".json") ? MakeJsonWriter(mFile) : MakeTextWriter(mFile);
     crossings::AddObserver(*this);
 }
 
 Trace::~Trace() {
-    if (mFile)
+    if (!mIsFinished)
         Finish();
 }
 
@@ -73,8 +70,8 @@ std::vector<std::string> Trace::Finish() {
     crossings::RemoveObserver(*this);
     mWriter.reset(); // writes the end
     std::vector<std::string> faults;
-    const bool isWhole = std::ferror(mFile) == 0;
-    if (std::fclose(std::exchange(mFile, nullptr)) != 0 || !isWhole)
+    mIsFinished = true;
+    if (!mFile.Close())
         faults.push_back("--trace: '" + mOptions.file + "' is not complete: writing it failed");
     for (const std::string &pattern : mOptions.plugins) {
         if (!IsMatched(pattern, mPlugins))
@@ -103,10 +100,12 @@ void Trace::Begins(const Crossing &crossing) {
 void Trace::Ends(const Crossing &crossing) {
     if (crossing.IsStart())
         mPlugins.insert(crossings::LabelOf(crossing.plugin));
-    if (mShown.empty() || mShown.back() != &crossing)
-        return;
-    mShown.pop_back();
-    mWriter->End(crossing, static_cast<int>(mShown.size()));
+    if (!mShown.empty() && mShown.back() == &crossing) {
+        mShown.pop_back();
+        mWriter->End(crossing, static_cast<int>(mShown.size()));
+    }
+    if (crossing.depth == 0)
+        mFile.Flush();
 }
 
 void Trace::NoteNames(const Crossing &crossing) {

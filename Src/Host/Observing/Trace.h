@@ -5,8 +5,8 @@
 
 #include "Crossings/Crossing.h"
 #include "ObservingOptions.h"
+#include "TraceFile.h"
 
-#include <cstdio>
 #include <memory>
 #include <set>
 #include <string>
@@ -24,10 +24,9 @@ class TraceWriter {
     virtual void End(const crossings::Crossing &crossing, int depth) = 0;
 };
 
-// The file is written line by line, so it is complete when a plugin ends the run.
 // The writers do not own the file.
-std::unique_ptr<TraceWriter> MakeTextWriter(std::FILE *file);
-std::unique_ptr<TraceWriter> MakeJsonWriter(std::FILE *file);
+std::unique_ptr<TraceWriter> MakeTextWriter(TraceFile &file);
+std::unique_ptr<TraceWriter> MakeJsonWriter(TraceFile &file);
 
 class Trace : public crossings::Observer {
   public:
@@ -48,7 +47,8 @@ class Trace : public crossings::Observer {
     void NoteNames(const crossings::Crossing &crossing);
 
     const TraceOptions mOptions;
-    std::FILE *mFile = nullptr; // null when it is closed
+    TraceFile mFile;
+    bool mIsFinished = false;
     std::unique_ptr<TraceWriter> mWriter;
     std::set<std::string> mPlugins; // names of plugins that were started
     // Patterns that match no function of the interface, and the names of callbacks that they may match.

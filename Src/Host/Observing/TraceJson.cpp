@@ -2,14 +2,17 @@
 // Viewers also open it without its end, after a crash.
 #include "Trace.h"
 
+#include "Common/Utf8.h"
 #include "Crossings/Format.h"
 #include "Crossings/ValueText.h"
 #include "Crossings/Words.h"
 
-#include <nlohmann/json.hpp>
-
-#include <algorithm>
-#include <chrono>
+#include <array>
+#include <charconv>
+#include <cmath>
+#include <cstdint>
+#include <string>
+#include <string_view>
 
 namespace host {
 namespace {
@@ -17,76 +20,148 @@ namespace {
 using crossings::Crossing;
 using crossings::Line;
 using crossings::Value;
-using nlohmann::ordered_json;
 
-ordered_json JsonOf(const Value &value) {
-    if (value.kind == Value::Kind::Integer)
-        return value.integer;
-    if (value.kind == Value::Kind::Real)
-        return value.real; // null if it is not a number
-    Line line;
-    crossings::AddValue(line, value);
-    return std::string(line.Text());
+void AddEscape(std::string &text, std::uint32_t unit) {
+    constexpr std::string_view kDigits = "0123456789abcdef";
+    text += "\\u";
+    for (int shift = 12; shift >= 0; shift -= 4)
+        text += kDigits[unit >> shift & 15U];
 }
 
-ordered_json ArgumentsOf(const Crossing &crossing) {
-    ordered_json arguments = ordered_json::object();
-    std::string_view names = crossing.what.parameters;
-    for (const Value &value : crossing.arguments) {
-        const std::string_view name = crossings::TakeWord(names);
-        arguments[std::string(name)] = JsonOf(value);
+void AddCharacter(std::string &text, char32_t character) {
+    constexpr char32_t kReplacement = 0xFFFD;
+    const bool isNone = character > 0x10FFFF || (character >= 0xD800 && character < 0xE000);
+    if (isNone)
+        return AddEscape(text, kReplacement);
+    if (character < 0x10000)
+        return AddEscape(text, character);
+    AddEscape(text, 0xD7C0 + (character >> 10));
+    AddEscape(text, 0xDC00 + (character & 0x3FF));
+}
+
+// Names come from plugins and may be no valid UTF-8. The file has only ASCII.
+void AddString(std::string &text, std::string_view string) {
+    text += '"';
+    while (!string.empty()) {
+        const char32_t character = TakeCharacter(string);
+        if (character == '"' || character == '\\')
+            text += '\\';
+        if (character >= ' ' && character < 0x7F)
+            text += static_cast<char>(character);
+        else
+            AddCharacter(text, character);
     }
-    return arguments;
+    text += '"';
+}
+
+void AddNumber(std::string &text, double number) {
+    if (!std::isfinite(number)) {
+        text += "null";
+        return;
+    }
+    std::array<char, 32> digits;
+    const bool isWhole = std::fabs(number) < 1e9 && number == std::trunc(number);
+    const auto [end, error] = isWhole ? std::to_chars(digits.begin(), digits.end(), static_cast<int>(number))
+                                      : std::to_chars(digits.begin(), digits.end(), number);
+    text.append(digits.data(), end);
+    if (isWhole)
+        text += ".0";
+}
+
+void AddInteger(std::string &text, int number) {
+    std::array<char, 16> digits;
+    text.append(digits.data(), std::to_chars(digits.begin(), digits.end(), number).ptr);
+}
+
+void AddValue(std::string &text, const Value &value) {
+    if (value.kind == Value::Kind::Integer)
+        return AddInteger(text, value.integer);
+    if (value.kind == Value::Kind::Real)
+        return AddNumber(text, value.real);
+    Line line;
+    crossings::AddValue(line, value);
+    AddString(text, line.Text());
+}
+
+void AddArguments(std::string &text, const Crossing &crossing) {
+    std::string_view names = crossing.what.parameters;
+    text += '{';
+    for (const Value &value : crossing.arguments) {
+        if (&value != crossing.arguments.data())
+            text += ',';
+        AddString(text, crossings::TakeWord(names));
+        text += ':';
+        AddValue(text, value);
+    }
+    text += '}';
 }
 
 class JsonWriter : public TraceWriter {
   public:
-    explicit JsonWriter(std::FILE *file) : mFile(file) {
-        std::fputs("[\n", mFile);
-        Write({{"name", "process_name"}, {"ph", "M"}, {"pid", 1}, {"tid", 1}, {"args", {{"name", "avsk"}}}});
+    explicit JsonWriter(TraceFile &file) : mFile(file) {
+        mFile.Add("[\n"
+                  R"({"name":"process_name","ph":"M","pid":1,"tid":1,"args":{"name":"avsk"}})");
     }
-    ~JsonWriter() override { std::fputs("\n]\n", mFile); }
+    ~JsonWriter() override { mFile.Add("\n]\n"); }
 
     void Begin(const Crossing &crossing, int /*depth*/) override {
+        Line title;
+        crossings::AddTitle(title, crossing);
         Line sides;
         crossings::AddSides(sides, crossing);
-        Write({{"name", crossings::TitleOf(crossing)},
-               {"cat", std::string(sides.Text())},
-               {"ph", "B"},
-               {"ts", Microseconds(crossing.began)},
-               {"pid", 1},
-               {"tid", 1},
-               {"args", ArgumentsOf(crossing)}});
+        mText = R"({"name":)";
+        AddString(mText, title.Text());
+        mText += R"(,"cat":)";
+        AddString(mText, sides.Text());
+        mText += R"(,"ph":"B","ts":)";
+        AddTime(crossing.began);
+        mText += R"(,"pid":1,"tid":1,"args":)";
+        AddArguments(mText, crossing);
+        Write();
     }
 
     void End(const Crossing &crossing, int /*depth*/) override {
-        ordered_json event{{"ph", "E"}, {"ts", Microseconds(crossing.ended)}, {"pid", 1}, {"tid", 1}};
-        if (!crossing.returned)
-            event["args"] = {{"result", "threw"}};
-        else if (crossing.result.kind != Value::Kind::Nothing)
-            event["args"] = {{"result", JsonOf(crossing.result)}};
-        Write(event);
+        mText = R"({"ph":"E","ts":)";
+        AddTime(crossing.ended);
+        mText += R"(,"pid":1,"tid":1)";
+        if (!crossing.returned) {
+            mText += R"(,"args":{"result":"threw"})";
+        } else if (crossing.result.kind != Value::Kind::Nothing) {
+            mText += R"(,"args":{"result":)";
+            AddValue(mText, crossing.result);
+            mText += '}';
+        }
+        Write();
     }
 
   private:
-    double Microseconds(Crossing::Clock::time_point time) const {
-        return std::chrono::duration<double, std::micro>(time - mStart).count();
+    // In microseconds, with three digits behind the point.
+    void AddTime(Crossing::Clock::time_point time) {
+        const auto nanoseconds = (time - mStart).count();
+        std::array<char, 24> digits;
+        mText.append(digits.data(), std::to_chars(digits.begin(), digits.end(), nanoseconds / 1000).ptr);
+        const auto rest = static_cast<int>(nanoseconds % 1000);
+        mText += '.';
+        mText += static_cast<char>('0' + rest / 100);
+        mText += static_cast<char>('0' + rest / 10 % 10);
+        mText += static_cast<char>('0' + rest % 10);
     }
 
-    void Write(const ordered_json &event) {
-        // Names come from plugins and may be no valid UTF-8.
-        const std::string text = event.dump(-1, ' ', /*ensure_ascii=*/true, ordered_json::error_handler_t::replace);
-        std::fprintf(mFile, "%s%s", mIsFirst ? "" : ",\n", text.c_str());
-        mIsFirst = false;
+    // Ends the line before it, and then adds the event.
+    void Write() {
+        mText += '}';
+        mFile.Add(",");
+        mFile.EndLine();
+        mFile.Add(mText);
     }
 
-    std::FILE *mFile;
+    TraceFile &mFile;
     const Crossing::Clock::time_point mStart = Crossing::Clock::now();
-    bool mIsFirst = true;
+    std::string mText; // of an event
 };
 
 } // namespace
 
-std::unique_ptr<TraceWriter> MakeJsonWriter(std::FILE *file) { return std::make_unique<JsonWriter>(file); }
+std::unique_ptr<TraceWriter> MakeJsonWriter(TraceFile &file) { return std::make_unique<JsonWriter>(file); }
 
 } // namespace host

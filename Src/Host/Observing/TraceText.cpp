@@ -10,7 +10,11 @@
 
 #include "Crossings/Format.h"
 
-#include <chrono>
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <cstdint>
+#include <limits>
 
 namespace host {
 namespace {
@@ -18,9 +22,44 @@ namespace {
 using crossings::Crossing;
 using crossings::Line;
 
+using Nanoseconds = Crossing::Clock::rep;
+
+// "    0.016701"
+void AddSeconds(Line &line, Nanoseconds time) {
+    constexpr std::size_t kWidth = 5;
+    const Nanoseconds microseconds = (time + 500) / 1000;
+    std::array<char, 24> seconds;
+    const auto [end, error] =
+        std::to_chars(seconds.begin(), seconds.end(), static_cast<std::uint32_t>(microseconds / 1'000'000));
+    for (auto width = static_cast<std::size_t>(end - seconds.data()); width < kWidth; ++width)
+        line.Add(' ');
+    line.Add(std::string_view(seconds.data(), static_cast<std::size_t>(end - seconds.data())));
+    std::array<char, 7> digits{'.'};
+    auto rest = static_cast<std::uint32_t>(microseconds % 1'000'000);
+    for (std::size_t i = digits.size() - 1; i > 0; --i, rest /= 10)
+        digits[i] = static_cast<char>('0' + rest % 10);
+    line.Add(std::string_view(digits.data(), digits.size()));
+}
+
+// "  [2.1 us]", or "  [1234 us]"
+void AddDuration(Line &line, Nanoseconds time) {
+    constexpr Nanoseconds kLong = 1'000'000;
+    constexpr Nanoseconds kLongest = std::numeric_limits<int>::max();
+    line.Add("  [");
+    if (time < kLong) {
+        const int tenths = (static_cast<int>(std::max<Nanoseconds>(time, 0)) + 50) / 100;
+        line.Add(tenths / 10);
+        line.Add('.');
+        line.Add(tenths % 10);
+    } else {
+        line.Add(static_cast<int>(std::min((time + 500) / 1000, kLongest)));
+    }
+    line.Add(" us]");
+}
+
 class TextWriter : public TraceWriter {
   public:
-    explicit TextWriter(std::FILE *file) : mFile(file) {}
+    explicit TextWriter(TraceFile &file) : mFile(file) {}
 
     void Begin(const Crossing &crossing, int depth) override {
         if (mIsHeld)
@@ -36,37 +75,33 @@ class TextWriter : public TraceWriter {
         if (!mIsHeld) {
             StartLine(crossing.ended, depth);
             mLine.Add("} ");
-            mLine.Add(crossings::TitleOf(crossing));
+            crossings::AddTitle(mLine, crossing);
         }
         Line end;
         crossings::AddResult(end, crossing);
-        const double microseconds = std::chrono::duration<double, std::micro>(crossing.Duration()).count();
-        char duration[40];
-        std::snprintf(duration, sizeof duration, microseconds < 1000 ? "  [%.1f us]" : "  [%.0f us]", microseconds);
-        end.Add(std::string_view(duration));
+        AddDuration(end, crossing.Duration().count());
         Write(end.Text());
     }
 
   private:
     void StartLine(Crossing::Clock::time_point time, int depth) {
         constexpr int kDeepest = 40; // indented
-        char column[32];
-        std::snprintf(column, sizeof column, "%12.6f  ", std::chrono::duration<double>(time - mStart).count());
         mLine.Clear();
-        mLine.Add(std::string_view(column));
+        AddSeconds(mLine, (time - mStart).count());
+        mLine.Add("  ");
         for (int i = 0; i < depth && i < kDeepest; ++i)
             mLine.Add("  ");
     }
 
     // Long arguments are cut, the result and the duration never.
     void Write(std::string_view end) {
-        const std::string_view text = mLine.Text();
-        std::fprintf(mFile, "%.*s%.*s\n", static_cast<int>(text.size()), text.data(), static_cast<int>(end.size()),
-                     end.data());
+        mFile.Add(mLine.Text());
+        mFile.Add(end);
+        mFile.EndLine();
         mIsHeld = false;
     }
 
-    std::FILE *mFile;
+    TraceFile &mFile;
     const Crossing::Clock::time_point mStart = Crossing::Clock::now();
     Line mLine;
     bool mIsHeld = false; // the line of a call that has not made inner calls yet
@@ -74,6 +109,6 @@ class TextWriter : public TraceWriter {
 
 } // namespace
 
-std::unique_ptr<TraceWriter> MakeTextWriter(std::FILE *file) { return std::make_unique<TextWriter>(file); }
+std::unique_ptr<TraceWriter> MakeTextWriter(TraceFile &file) { return std::make_unique<TextWriter>(file); }
 
 } // namespace host

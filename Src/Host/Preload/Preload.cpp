@@ -10,6 +10,7 @@
 #include "Crossings/Crossing.h"
 #include "Crossings/RealSymbols.h"
 #include "Observing/Blame.h"
+#include "Observing/EndAtOnce.h"
 #include "Observing/Fault.h"
 #include "Observing/Observers.h"
 #include "Rules/Checker.h"
@@ -30,7 +31,6 @@
 #include <csignal>
 #include <ctime>
 #include <pthread.h>
-#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -170,28 +170,48 @@ void Attach() {
 
 bool gHasEnded = false; // the last report was written
 
-[[noreturn]] void EndProcess(int status) {
-    for (;;)
-        syscall(SYS_exit_group, status);
+// Tells whether the program should fail.
+bool WriteLastReport() {
+    gHasEnded = true;
+    if (gObservation)
+        return gObservation->Report(/*isLast=*/true);
+    if (gOptions)
+        std::fprintf(stderr, "avsk: %s %s, so nothing was observed\n", program_invocation_name,
+                     crossings::IsLibraryLoaded() ? "loaded libAVSK.so and did not call it"
+                                                  : "did not load libAVSK.so");
+    return gOptions != nullptr;
 }
 
 // The last function at the end of the process.
 void AtExit(int status, void * /*unused*/) {
-    if (getpid() != gProcess || std::exchange(gHasEnded, true))
-        return;
-    bool failed = false;
-    if (gObservation) {
-        failed = gObservation->Report(/*isLast=*/true);
-    } else if (gOptions) {
-        std::fprintf(stderr, "avsk: %s %s, so nothing was observed\n", program_invocation_name,
-                     crossings::IsLibraryLoaded() ? "loaded libAVSK.so and did not call it"
-                                                  : "did not load libAVSK.so");
-        failed = true;
-    }
-    if (!failed || status != 0)
+    if (getpid() != gProcess || gHasEnded || !WriteLastReport() || status != 0)
         return;
     std::fflush(nullptr);
     EndProcess(1);
+}
+
+// The program ends without running the functions of its end, possibly in a handler
+// of a signal. A child reports: it may stop or crash if this process was interrupted.
+int ReportInChild(int status) {
+    constexpr int kPatience = 500; // hundredths of a second
+    constexpr timespec kPause{.tv_sec = 0, .tv_nsec = 10'000'000};
+    const bool isEnd = getpid() == gProcess && !IsReporting() && !gHasEnded;
+    const pid_t child = isEnd ? _Fork() : -1;
+    if (child == 0) {
+        const OwnSignals own;
+        for (const int signal : kFatalSignals)
+            std::signal(signal, SIG_DFL);
+        gProcess = getpid();
+        BeforeExit();
+        EndProcess(WriteLastReport() ? 1 : 0);
+    }
+    int result = 0;
+    for (int waited = 0; child > 0 && waitpid(child, &result, WNOHANG) == 0; ++waited) {
+        nanosleep(&kPause, nullptr);
+        if (waited == kPatience)
+            kill(child, SIGKILL);
+    }
+    return status == 0 && WIFEXITED(result) ? WEXITSTATUS(result) : status;
 }
 
 // Programs that this one starts are not observed, and may be programs that cannot load this object.
@@ -220,39 +240,8 @@ __attribute__((constructor)) void Begin() {
     RemoveFromEnvironment();
     crossings::OnFirstCall(Attach);
     on_exit(AtExit, nullptr);
-}
-
-// The program ends without running the functions of its end, possibly in a handler
-// of a signal. A child reports: it may stop or crash if this process was interrupted.
-[[noreturn]] void EndAtOnce(int status) {
-    constexpr int kPatience = 500; // hundredths of a second
-    constexpr timespec kPause{.tv_sec = 0, .tv_nsec = 10'000'000};
-    const bool isEnd = gObservation && getpid() == gProcess && !IsReporting() && !gHasEnded;
-    const pid_t child = isEnd ? _Fork() : -1;
-    if (child == 0) {
-        const OwnSignals own;
-        for (const int signal : kFatalSignals)
-            std::signal(signal, SIG_DFL);
-        gProcess = getpid();
-        BeforeExit();
-        AtExit(0, nullptr);
-        EndProcess(0);
-    }
-    int result = 0;
-    for (int waited = 0; child > 0 && waitpid(child, &result, WNOHANG) == 0; ++waited) {
-        nanosleep(&kPause, nullptr);
-        if (waited == kPatience)
-            kill(child, SIGKILL);
-    }
-    EndProcess(status == 0 && WIFEXITED(result) ? WEXITSTATUS(result) : status);
+    OnEndAtOnce(ReportInChild);
 }
 
 } // namespace
 } // namespace host
-
-// NOLINTBEGIN(bugprone-reserved-identifier): functions of the C library
-extern "C" {
-__attribute__((visibility("default"), noreturn)) void _exit(int status) { host::EndAtOnce(status); }
-__attribute__((visibility("default"), noreturn)) void _Exit(int status) { host::EndAtOnce(status); }
-}
-// NOLINTEND(bugprone-reserved-identifier)
