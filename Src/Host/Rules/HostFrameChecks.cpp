@@ -194,7 +194,6 @@ void HostFrameChecks::CheckStep(const Crossing &hook, double time) {
     constexpr int kManyStanding = 120; // frames
     constexpr int kManyLong = 10;
     constexpr double kLong = 5;
-    constexpr double kDay = 86400;
     const double before = mBegin;
     const double step = time - before;
     const double most = kLong + SecondsSince(mBeganAt);
@@ -207,7 +206,7 @@ void HostFrameChecks::CheckStep(const Crossing &hook, double time) {
     if (mStanding == kManyStanding)
         mFindings.Add(Named(kHostOrderRules, "host-time-stands"), hook,
                       {{"name", mEvents.name}, {"frames", std::to_string(kManyStanding)}});
-    if (mLong == kManyLong || step > kDay)
+    if (mLong == kManyLong)
         mFindings.Add(Named(kHostOrderRules, "host-time-jumps"), hook,
                       {{"name", mEvents.name}, {"before", SecondsText(before)}, {"after", SecondsText(time)}});
 }
