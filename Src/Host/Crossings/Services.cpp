@@ -5,8 +5,10 @@
 #include "Forward.h"
 #include "Kinds.h"
 #include "PrototypeTable.h"
+#include "ValueText.h"
 
 #include <algorithm>
+#include <cstddef>
 
 namespace crossings {
 namespace {
@@ -44,6 +46,7 @@ AVSKHostCallbacks gReplacement = {
     .sizeInBytes = 0,
 #define AVSK_SERVICE(result, name, parameters, names, ...) .name = Serve_##name,
 #include "Prototypes.inc"
+#undef AVSK_SERVICE
 };
 
 } // namespace
@@ -54,6 +57,14 @@ const AVSKHostCallbacks *Structure<AVSKHostCallbacks>::Replaced() const {
     gTable = mGiven;
     gReplacement.version = mGiven->version;
     gReplacement.sizeInBytes = mGiven->sizeInBytes;
+    // What the host leaves out, the library must find missing. The size may be wrong, so the memory may not be there.
+    AVSKHostCallbacks given{};
+    const auto size = std::min(static_cast<std::size_t>(std::max(mGiven->sizeInBytes, 0)), sizeof given);
+    const bool isKnown = ReadMemory(mGiven, &given, size);
+#define AVSK_SERVICE(result, name, parameters, names, ...)                                                             \
+    gReplacement.name = isKnown && offsetof(AVSKHostCallbacks, name) < size && !given.name ? nullptr : Serve_##name;
+#include "Prototypes.inc"
+#undef AVSK_SERVICE
     return &gReplacement;
 }
 
