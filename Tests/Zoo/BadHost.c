@@ -317,7 +317,7 @@ static void DrawNothing(void) {
 static float BeNan(void) { return IsFifth() ? NAN : GoodElapsed(); }
 static float GoBack(void) { return IsFifth() ? 0 : GoodElapsed(); }
 static float Stand(void) { return IsLate() ? 1 : 0; }
-static float Jump(void) { return (float)hostFrame * 1000 / kFps; }
+static float Jump(void) { return GoodElapsed() + (hostFrame < kFrames / 2 ? 0 : 10); }
 static float Differ(void) { return GoodElapsed() + 10; }
 static void ChangeClock(void) { table.getElapsedTime = Differ; }
 static void KeepClock(void) { table.getElapsedTime = GoodElapsed; }

@@ -42,8 +42,10 @@ int RunFrames(SimpleRun run) {
         simulator->console.Keep(simulator->options.root);
     Observers observers(std::make_unique<SimulatedHost>(*simulator), options.observing);
     std::optional<Checker> checker;
-    if (options.observing.check)
+    if (options.observing.check) {
         checker.emplace(simulator->frame, observers.Owners(), options.observing.allowed);
+        checker->AcceptLongSteps();
+    }
     if (options.round)
         simulator->placePlugins = [&chosen] { chosen.PlacePlugins(); };
     Prepare(*simulator);

@@ -33,6 +33,9 @@ class Checker {
     Checker(const Checker &) = delete;
     Checker &operator=(const Checker &) = delete;
 
+    // The clock follows a session and not real time, so frames may take any time.
+    void AcceptLongSteps() { mHostFrames.AcceptLongSteps(); }
+
     Findings &Found() { return mFindings; }
     // To be called once, after the plugins are unloaded. Adds what is certain only then.
     void Finish();

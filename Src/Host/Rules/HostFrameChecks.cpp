@@ -76,7 +76,7 @@ void HostFrameChecks::Ends(const Crossing &crossing) {
 void HostFrameChecks::BeforeStart(const Crossing & /*start*/) {
     mFrame = {};
     mEvents.last = mService.last = mBegin = -1;
-    mStanding = mLong = 0;
+    mStanding = 0;
 }
 
 void HostFrameChecks::BeforeEnd(const Crossing & /*end*/) {
@@ -189,11 +189,10 @@ void HostFrameChecks::CheckClock(const Crossing &call, Clock &clock, double time
     clock.last = time;
 }
 
-// From one event 0 to the next. A single long step may be wanted: the host loads something.
+// From one event 0 to the next. A step may be as long as the process took for it.
 void HostFrameChecks::CheckStep(const Crossing &hook, double time) {
     constexpr int kManyStanding = 120; // frames
-    constexpr int kManyLong = 10;
-    constexpr double kLong = 5;
+    constexpr double kLong = 2;
     const double before = mBegin;
     const double step = time - before;
     const double most = kLong + SecondsSince(mBeganAt);
@@ -202,11 +201,10 @@ void HostFrameChecks::CheckStep(const Crossing &hook, double time) {
     if (before < 0)
         return;
     mStanding = step == 0 ? mStanding + 1 : 0;
-    mLong = step > most ? mLong + 1 : 0;
     if (mStanding == kManyStanding)
         mFindings.Add(Named(kHostOrderRules, "host-time-stands"), hook,
                       {{"name", mEvents.name}, {"frames", std::to_string(kManyStanding)}});
-    if (mLong == kManyLong)
+    if (step > most && !mAcceptsLongSteps)
         mFindings.Add(Named(kHostOrderRules, "host-time-jumps"), hook,
                       {{"name", mEvents.name}, {"before", SecondsText(before)}, {"after", SecondsText(time)}});
 }

@@ -120,8 +120,7 @@ inline constexpr Rule kHostOrderRules[] = {
      "Advance the clock by the time that a frame takes; pass seconds, not milliseconds.",
      "Each flight loop that is due is called once, however many intervals have passed, so plugins make one step of "
      "many "
-     "seconds. One long frame is no fault. Here ten frames in a row were seconds apart, and the process did not take "
-     "that long."},
+     "seconds. A frame that takes long is no fault: here the clock went on by seconds that the process did not take."},
     {"host-time-differs", Level::Warning, "{name} is {service} in an event at {event}",
      "Return from slot 14 the clock whose value AVSKEventHook receives.",
      "Both are one clock. The library computes from slot 14 when a flight loop is due that is created or scheduled, "

@@ -31,8 +31,10 @@ void SessionRunner::Start() {
     mSimulator->console.Keep(mSetUp.options.simulator.root);
     mCalls = std::make_unique<CallLog>(*mSimulator);
     mObservers = std::make_unique<Observers>(std::make_unique<SimulatedHost>(*mSimulator), mSetUp.options.observing);
-    if (mSetUp.options.observing.check)
+    if (mSetUp.options.observing.check) {
         mChecker = std::make_unique<Checker>(mSimulator->frame, mObservers->Owners(), mSetUp.options.observing.allowed);
+        mChecker->AcceptLongSteps();
+    }
     StartRecord(mSetUp.options.observing.record);
     mDatarefs = std::make_unique<DatarefNames>();
     for (const auto &[plugin, milliseconds] : mSetUp.budgets)
