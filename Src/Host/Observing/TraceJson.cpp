@@ -95,8 +95,7 @@ void AddArguments(std::string &text, const Crossing &crossing) {
     for (const Value &value : crossing.arguments) {
         if (&value != crossing.arguments.data())
             text += ',';
-        AddString(text, crossings::TakeWord(names));
-        text += ':';
+        ((text += '"') += crossings::TakeWord(names)) += "\":";
         AddValue(text, value);
     }
     text += '}';
