@@ -1,10 +1,13 @@
 // Plugins that end the reference host: its exit status, and which plugin it
 // blames for which fault.
 #include "RunAvsk.h"
+#include "World.h"
 
 #include <gtest/gtest.h>
 
+#include <fstream>
 #include <ostream>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -57,6 +60,11 @@ INSTANTIATE_TEST_SUITE_P(
             3,
             {"avsk: the library died of SIGSEGV (address 0x7 is not mapped) in AVSKGetPluginInfo, called by plugin "
              "'Dies'\n"}},
+        // The history copies the text before the library reads it.
+        End{"text",
+            3,
+            {"avsk: the library died of SIGSEGV", " in AVSKFindDataRef, called by plugin 'Dies'\n",
+             "AVSKFindDataRef(name=unreadable 0x7)"}},
         End{"loading", 3, {"avsk: code of '", "Dies/lin.avp' died of SIGSEGV", " in AVSKInitializePlugins, "}},
         End{"thread", 3, {"avsk: a thread other than the main one, in '", "Dies/lin.avp', died of SIGSEGV"}},
         End{"loop", 3, {"avsk: plugin 'Dies' did not return within 2 s from AVSKFlightLoop_f Tick\n", "Dies.cpp:"}},
@@ -73,5 +81,19 @@ INSTANTIATE_TEST_SUITE_P(
         // The host reports the second exception, not the first, which was caught.
         End{"rethrow", 1, {": its type is not derived from std::exception\n", "It was thrown here", "Caught() at "}},
         End{"nothing", 0, {"Dies"}}));
+
+// The plugin ends the run in the first frame, while the trace is buffered.
+TEST(TraceTest, IsCompleteWhenAPluginEndsTheRun) {
+    const World world;
+    for (const std::string way : {"_exit", "abort", "exit", "interrupt"}) {
+        const auto [status, said] =
+            RunAvsk("run --root " AVSK_TEST_DIES_ROOT " --frames 3 --key F8@2 --trace " + world.Path("t.txt"),
+                    "AVSK_TEST_DIES=" + way);
+        std::ostringstream trace;
+        trace << std::ifstream(world.Path("t.txt")).rdbuf();
+        const std::string hook = way == "abort" ? "host > library  AVSKKeyPressHook(" : "AVSKEventHook(event=0, ";
+        EXPECT_NE(trace.str().rfind(hook), std::string::npos) << way << ' ' << status << '\n' << said << trace.str();
+    }
+}
 
 } // namespace

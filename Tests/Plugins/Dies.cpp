@@ -11,6 +11,9 @@
 #include <string_view>
 #include <thread>
 
+#include <csignal>
+#include <unistd.h>
+
 namespace {
 
 std::string_view Way() {
@@ -84,6 +87,9 @@ const struct {
              {"rethrow", Caught},
              {"throw", [] { throw std::runtime_error("enough"); }},
              {"file", [] { AVSKSaveDataFile(/*situation*/ 1, "Notes.txt"); }},
+             {"text", [] { AVSKFindDataRef(kNoText); }},
+             {"_exit", [] { _exit(0); }},
+             {"interrupt", [] { raise(SIGINT); }},
              {"library", [] { AVSKGetPluginInfo(AVSKGetMyID(), kNoText, nullptr, nullptr, nullptr); }}};
 
 float Tick(float, float, int, void *) {

@@ -3,7 +3,6 @@
 // map from functions to thunks.
 #include "Callback.h"
 
-#include "Interned.h"
 #include "Symbols.h"
 
 #include <array>
@@ -98,15 +97,8 @@ const Callback *CallbackOf(const void *function) {
     return nullptr;
 }
 
-const std::string &NameOf(const Callback &callback) {
-    KeptNameOf(callback);
-    return callback.name->text;
-}
-
-std::string_view KeptNameOf(const Callback &callback) {
-    if (!callback.name)
-        callback.name = &Interned(SymbolAt(reinterpret_cast<const void *>(callback.function)));
-    return callback.name->kept;
+const InternedText &LearnName(const Callback &callback) {
+    return *(callback.name = &Interned(SymbolAt(reinterpret_cast<const void *>(callback.function))));
 }
 
 } // namespace crossings

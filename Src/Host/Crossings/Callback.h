@@ -6,6 +6,7 @@
 #define AVSK_HOST_CALLBACK_H
 
 #include "Crossing.h"
+#include "Interned.h"
 
 #include <cstddef>
 #include <string>
@@ -27,8 +28,8 @@ struct Callback {
     const CallbackKind *kind = nullptr;
     Side side = Side::Plugin; // the side that defines the function
     AVSKPluginID owner = NO_PLUGIN_ID;
-    std::size_t number = 0;                            // counts from 0, in the order of the first use
-    mutable const struct InternedText *name = nullptr; // null until NameOf() is called
+    std::size_t number = 0;                     // counts from 0, in the order of the first use
+    mutable const InternedText *name = nullptr; // null until it is asked for
 };
 
 // The thunk of a callback that this side and plugin passed. Null for null. To be
@@ -39,9 +40,13 @@ Function Wrap(Function function, const CallbackKind &kind, Side side, AVSKPlugin
 const Callback *CallbackOf(const void *function);
 
 // The function's name, or its file and offset if the file has no symbol for it. It is never freed.
-const std::string &NameOf(const Callback &callback);
+const InternedText &LearnName(const Callback &callback);
+inline const InternedText &NameTextOf(const Callback &callback) {
+    return callback.name ? *callback.name : LearnName(callback);
+}
+inline const std::string &NameOf(const Callback &callback) { return NameTextOf(callback).text; }
 // The same text outside the heap.
-std::string_view KeptNameOf(const Callback &callback);
+inline std::string_view KeptNameOf(const Callback &callback) { return NameTextOf(callback).kept; }
 
 } // namespace crossings
 

@@ -152,7 +152,7 @@ Crossing::Crossing(const Prototype &prototype, Side callee, std::span<const Valu
 }
 
 void Crossing::NotifyBegin() noexcept {
-    const Unobserved calls;
+    gIsUnobserved = true;
     const Clock::time_point start = mIsMeasured ? Clock::now() : Clock::time_point();
     began = start;
     NotifyObservers<&Observer::Begins>(*this);
@@ -161,18 +161,18 @@ void Crossing::NotifyBegin() noexcept {
     if (mIsMeasured)
         gObserving += began - start;
     mObserving = gObserving;
+    gIsUnobserved = false;
 }
 
 Crossing::~Crossing() {
     if (mIsTimed || mIsMeasured)
         ended = Clock::now();
     mObserving = gObserving - mObserving;
-    {
-        const Unobserved calls;
-        if (IsStart())
-            NoteName(*this);
-        NotifyObservers<&Observer::Ends>(*this);
-    }
+    gIsUnobserved = true;
+    if (IsStart())
+        NoteName(*this);
+    NotifyObservers<&Observer::Ends>(*this);
+    gIsUnobserved = false;
     if (mIsMeasured)
         gObserving += Clock::now() - ended;
     gInnermost = outer;

@@ -262,7 +262,7 @@ bool AreFaultsHandled() {
 const History::Call *OverdueCall(const Watchdog &timer) {
     for (int depth = gHistory.Depth() - 1; depth > 0; --depth) {
         const History::Call *call = gHistory.Open(depth);
-        if (call->To() == Side::Plugin && timer.IsNearlyOverdue(call->tick))
+        if (call && call->To() == Side::Plugin && timer.IsNearlyOverdue(call->tick))
             return call;
     }
     return gHistory.Open(0);

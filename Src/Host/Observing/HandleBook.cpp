@@ -5,6 +5,7 @@
 #include "Crossings/Words.h"
 
 #include <array>
+#include <cstdint>
 #include <span>
 
 namespace host {
@@ -45,9 +46,9 @@ HandleBook::~HandleBook() {
     crossings::RemoveObserver(*this);
 }
 
-// Functions whose results are handles, or other pointers.
+// Functions whose results are handles, or other pointers. Only a new name takes long.
 crossings::Interest HandleBook::InterestIn(const crossings::Prototype &function) const {
-    return function.result == Value::Kind::Pointer ? crossings::Interest::Work : crossings::Interest::None;
+    return function.result == Value::Kind::Pointer ? crossings::Interest::Calls : crossings::Interest::None;
 }
 
 void HandleBook::Ends(const Crossing &crossing) {
@@ -76,14 +77,25 @@ void HandleBook::Ends(const Crossing &crossing) {
 
 // Whether the handle has the name that this call would give to it.
 bool HandleBook::IsKnown(const Crossing &crossing, std::string_view text) const {
-    const auto known = mEntries.find(crossing.result.pointer);
-    return known != mEntries.end() && !text.empty() && known->second.text == text &&
-           (known->second.function == &crossing.what || known->second.shown == known->second.name);
+    const Entry *known = Find(crossing.result.pointer);
+    return known && !text.empty() && known->text == text &&
+           (known->function == &crossing.what || known->shown == known->name);
+}
+
+const HandleBook::Entry *HandleBook::Find(const void *handle) const {
+    auto &recent = mRecent[reinterpret_cast<std::uintptr_t>(handle) / 16 % mRecent.size()];
+    if (recent.first == handle)
+        return recent.second;
+    const auto known = mEntries.find(handle);
+    if (known == mEntries.end())
+        return nullptr;
+    recent = {handle, &known->second};
+    return recent.second;
 }
 
 std::string_view HandleBook::NameOf(const void *handle) const {
-    const auto entry = mEntries.find(handle);
-    return entry == mEntries.end() ? std::string_view() : entry->second.shown;
+    const Entry *entry = Find(handle);
+    return entry ? entry->shown : std::string_view();
 }
 
 } // namespace host

@@ -7,10 +7,12 @@
 #include "Crossings/Crossing.h"
 #include "Crossings/ValueText.h"
 
+#include <array>
 #include <map>
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <utility>
 
 namespace host {
 
@@ -37,7 +39,11 @@ class HandleBook : public crossings::Observer, public crossings::HandleNames {
 
     bool IsKnown(const crossings::Crossing &crossing, std::string_view text) const;
 
-    std::unordered_map<const void *, Entry> mEntries;
+    const Entry *Find(const void *handle) const;
+
+    std::unordered_map<const void *, Entry> mEntries; // none is ever removed
+    // Those that were found lately, by some bits of the address.
+    mutable std::array<std::pair<const void *, const Entry *>, 256> mRecent{};
     std::map<std::string, int> mCounts; // of handles by function and name
 };
 

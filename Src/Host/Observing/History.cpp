@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <exception>
 #include <string_view>
+#include <utility>
 
 #include <unistd.h>
 
@@ -45,51 +46,77 @@ void WriteError(std::string_view text) {
 }
 
 void History::Clear() {
+    mOpen = {};
+    mLast = {};
+    mDepth = mPushed = 0;
     mCount = 0;
     mHasThrown = false;
+    mFreeCount = 0;
+    for (Call &call : mCalls)
+        Free(call);
 }
+
+// There are enough of them.
+History::Call &History::Take() { return *mFree[--mFreeCount]; }
 
 void History::Begins(const Crossing &crossing, std::uint32_t tick) {
     if (mHasThrown && std::uncaught_exceptions() == 0)
         mHasThrown = false; // it was caught
-    Call &call = Slot(crossing.depth);
-    call.Keep(crossing);
+    Call &call = Take();
+    call.Keep(crossing, crossing.depth <= kDeepest ? Open(crossing.depth - 1) : nullptr);
     call.tick = tick;
+    call.depth = crossing.depth;
+    call.isUnderWay = true;
+    call.isLast = false;
     mDepth = crossing.depth + 1;
+    if (crossing.depth < kDeepest)
+        mOpen[static_cast<std::size_t>(crossing.depth)] = &call;
     if (!call.IsForHost()) {
-        while (mPushed < mDepth)
-            Push(mPushed++);
+        for (; mPushed < std::min(crossing.depth, kDeepest); ++mPushed) {
+            if (Call *outer = mOpen[static_cast<std::size_t>(mPushed)])
+                Push(*outer);
+        }
+        Push(call);
+        mPushed = mDepth;
+    } else if (crossing.depth >= kDeepest) {
+        Free(call);
     }
 }
 
 void History::Ends(const Crossing &crossing) {
     NoteException(crossing);
     mDepth = crossing.depth;
-    if (mPushed > mDepth) {
-        KeepResult(crossing);
-        mPushed = mDepth;
-    }
-}
-
-void History::Push(int depth) {
-    Call &call = Slot(depth);
-    call.number = mCount;
-    Past &past = mLast[mCount++ % kLast];
-    past.depth = depth;
-    past.isOpen = true;
-    past.call = call;
-}
-
-void History::KeepResult(const Crossing &crossing) {
-    // Later calls may have taken its place. The numbers of very deep calls are not stored.
-    unsigned number = crossing.depth < kDeepest ? Slot(crossing.depth).number : mCount - 1;
-    for (; mCount - number <= std::min(mCount, kLast); --number) {
-        Past &past = mLast[number % kLast];
-        if (!past.isOpen || past.depth != crossing.depth)
-            continue;
-        past.call.KeepResult(crossing);
-        past.isOpen = false;
+    mPushed = std::min(mPushed, mDepth);
+    if (crossing.depth >= kDeepest)
+        return EndDeep(crossing);
+    Call *const call = std::exchange(mOpen[static_cast<std::size_t>(crossing.depth)], nullptr);
+    if (!call)
         return;
+    call->isUnderWay = false;
+    if (call->isLast)
+        call->KeepResult(crossing);
+    else
+        Free(*call);
+}
+
+void History::Push(Call &call) {
+    Call *&last = mLast[mCount++ % kLast];
+    if (last) {
+        last->isLast = false;
+        if (!last->isUnderWay || last->depth >= kDeepest)
+            Free(*last);
+    }
+    last = &call;
+    call.isLast = true;
+}
+
+// The call is stored only if it is one of the last ones.
+void History::EndDeep(const Crossing &crossing) {
+    for (Call *call : mLast) {
+        if (!call || !call->isUnderWay || call->depth != crossing.depth)
+            continue;
+        call->isUnderWay = false;
+        call->KeepResult(crossing);
     }
 }
 
@@ -105,12 +132,12 @@ void History::NoteException(const Crossing &crossing) {
 }
 
 const History::Call *History::Open(int depth) const {
-    return mDepth == 0 || depth < 0 ? nullptr : &mOpen[static_cast<std::size_t>(std::min(depth, kDeepest - 1))];
+    return mDepth == 0 || depth < 0 ? nullptr : mOpen[static_cast<std::size_t>(std::min(depth, kDeepest - 1))];
 }
 
 const History::Call *History::InnermostOfPlugins() const {
     for (int depth = std::min(mDepth, kDeepest) - 1; depth >= 0; --depth) {
-        if (const Call *call = Open(depth); call->To() == crossings::Side::Plugin)
+        if (const Call *call = Open(depth); call && call->To() == crossings::Side::Plugin)
             return call;
     }
     return Innermost();
@@ -123,8 +150,9 @@ void History::WriteOpen() const {
     const int kept = std::min(mDepth, kDeepest);
     for (int depth = 0; depth < kept; ++depth) {
         const bool isLeftOut = kept > 2 * kEachEnd && depth >= kEachEnd && depth < kept - kEachEnd;
-        if (!isLeftOut)
-            WriteIndented(depth, TextOf(mOpen[static_cast<std::size_t>(depth)]).Text(), "");
+        const Call *call = Open(depth);
+        if (!isLeftOut && call)
+            WriteIndented(depth, TextOf(*call).Text(), "");
         else if (depth == kEachEnd)
             WriteIndented(depth, "...", "");
     }
@@ -142,11 +170,13 @@ void History::WriteLast() const {
     if (count > 0)
         WriteError("The last calls from and to plugins, the oldest first:\n");
     for (unsigned back = count; back > 0; --back) {
-        const Past &past = mLast[(mCount - back) % kLast];
+        const Call &call = *mLast[(mCount - back) % kLast];
         Line result;
-        if (!past.isOpen)
-            past.call.AddResult(result);
-        WriteIndented(past.depth, TextOf(past.call).Text(), past.isOpen ? std::string_view(" ...") : result.Text());
+        if (call.isUnderWay)
+            result.Add(" ...");
+        else
+            call.AddResult(result);
+        WriteIndented(call.depth, TextOf(call).Text(), result.Text());
     }
 }
 

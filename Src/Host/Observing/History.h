@@ -16,10 +16,13 @@ namespace host {
 class History {
   public:
     struct Call : KeptCall {
-        std::uint32_t tick; // when it began, see Watchdog.h
-        unsigned number;    // among all calls that were added to the last ones
+        std::uint32_t tick = 0; // when it began, see Watchdog.h
+        int depth = 0;
+        bool isUnderWay = false;
+        bool isLast = false; // one of the last ones
     };
 
+    History() { Clear(); }
     // Forgets everything; no call may be under way.
     void Clear();
     void Begins(const crossings::Crossing &crossing, std::uint32_t tick);
@@ -43,21 +46,19 @@ class History {
     static constexpr int kDeepest = 128;
     static constexpr unsigned kLast = 20;
 
-    struct Past {
-        int depth;
-        bool isOpen;
-        KeptCall call;
-    };
-
-    Call &Slot(int depth) { return depth < kDeepest ? mOpen[static_cast<std::size_t>(depth)] : mDeeper; }
-    void Push(int depth);
-    void KeepResult(const crossings::Crossing &crossing);
+    Call &Take();
+    void Free(Call &call) { mFree[mFreeCount++] = &call; }
+    void Push(Call &call);
+    void EndDeep(const crossings::Crossing &crossing);
     void NoteException(const crossings::Crossing &crossing);
 
-    std::array<Call, kDeepest> mOpen{};
-    Call mDeeper{}; // the last call deeper than that
+    // A call is in use while it is under way, to some depth, and while it is one of the last ones.
+    std::array<Call, kDeepest + kLast + 2> mCalls;
+    std::array<Call *, kDeepest + kLast + 2> mFree;
+    std::size_t mFreeCount = 0;
+    std::array<Call *, kDeepest> mOpen{}; // by depth; null if the call began before this saw calls
     int mDepth = 0;
-    std::array<Past, kLast> mLast{};
+    std::array<Call *, kLast> mLast{};
     unsigned mCount = 0; // of all calls that were added to mLast
     int mPushed = 0;     // so many of the calls under way, the outermost, were added to it
     Call mThrown{};

@@ -25,64 +25,71 @@ KeptCall &KeptCall::operator=(const KeptCall &other) {
     return *this;
 }
 
-void KeptCall::Keep(const Crossing &crossing) {
-    mHead.what = &crossing.what;
-    mHead.callback = crossings::CallbackName(crossing);
-    mHead.plugin = crossing.plugin;
-    mHead.pluginName = crossings::KeptLabelOf(crossing.plugin);
-    mHead.from = crossing.from;
-    mHead.to = crossing.to;
-    if (crossing.from == Side::Plugin)
-        mHead.outerName = crossings::KeptLabelOf(crossing.outer->plugin);
-    mHead.isReturned = false;
-    mHead.values = 0;
-    mHead.texts = 0;
-    KeepValues(crossing.arguments);
-    mHead.arguments = mHead.values;
-    for (const Value &value : crossing.arguments) {
-        if (value.kind != Value::Kind::Structure)
-            continue;
-        mHead.fields = value.structure->fields;
-        KeepValues(value.structure->values);
-        break; // no function has two
-    }
+inline void KeptCall::KeepValue(Value &kept, const Value &value) {
+    using Kind = Value::Kind;
+    kept = value;
+    const bool hasText =
+        value.kind == Kind::Text || value.kind == Kind::Function || (value.kind == Kind::Pointer && value.isHandle);
+    if (hasText && value.pointer)
+        KeepText(kept);
 }
 
-void KeptCall::KeepValues(std::span<const Value> values) {
-    assert(mHead.values + values.size() <= kMostValues);
-    for (const Value &value : values)
-        mValues[mHead.values++] = Kept(value);
-}
-
-void KeptCall::KeepResult(const Crossing &crossing) {
-    mHead.isReturned = crossing.returned;
-    mHead.result = Kept(crossing.result);
-}
-
-Value KeptCall::Kept(const Value &value) {
-    Value kept = value;
-    const auto show = [&kept](std::string_view name) {
+void KeptCall::KeepText(Value &kept) {
+    if (kept.kind != Value::Kind::Text) {
+        const std::string_view name = kept.kind == Value::Kind::Function ? crossings::KeptNameAt(kept.pointer)
+                                                                         : crossings::NameOfHandle(kept.pointer);
         if (name.empty())
             return;
         kept.kind = Value::Kind::Name;
         kept.text = name.data();
         kept.length = static_cast<int>(name.size());
-    };
-    if (value.kind == Value::Kind::Text && value.text) {
-        char *const copy = mTexts.data() + mHead.texts;
-        if (mHead.texts + crossings::kShownText + 1 > kTexts ||
-            !crossings::ReadText(value.text, value.length, copy, crossings::kShownText + 1)) {
-            kept.kind = Value::Kind::Unreadable;
-            return kept;
-        }
-        kept.word = mHead.texts + AVSKWord{1}; // 0 stays null
-        mHead.texts = static_cast<std::uint16_t>(mHead.texts + std::strlen(copy) + 1);
-    } else if (value.kind == Value::Kind::Function && value.pointer) {
-        show(crossings::KeptNameAt(value.pointer));
-    } else if (value.kind == Value::Kind::Pointer && value.isHandle && value.pointer) {
-        show(crossings::NameOfHandle(value.pointer));
+        return;
     }
-    return kept;
+    char *const copy = mTexts.data() + mHead.texts;
+    if (mHead.texts + crossings::kShownText + 1 > kTexts ||
+        !crossings::ReadText(kept.text, kept.length, copy, crossings::kShownText + 1)) {
+        kept.kind = Value::Kind::Unreadable;
+        return;
+    }
+    kept.word = mHead.texts + AVSKWord{1}; // 0 stays null
+    mHead.texts = static_cast<std::uint16_t>(mHead.texts + std::strlen(copy) + 1);
+}
+
+inline void KeptCall::KeepValues(std::span<const Value> values) {
+    assert(mHead.values + values.size() <= kMostValues);
+    for (const Value &value : values)
+        KeepValue(mValues[mHead.values++], value);
+}
+
+void KeptCall::Keep(const Crossing &crossing, const KeptCall *outer) {
+    mHead.what = &crossing.what;
+    mHead.plugin = crossing.plugin;
+    if (crossing.callback || !outer) {
+        mHead.callback = crossings::CallbackName(crossing);
+        mHead.pluginName = crossings::KeptLabelOf(crossing.plugin);
+    } else {
+        mHead.callback = {};
+        mHead.pluginName = outer->mHead.pluginName;
+    }
+    mHead.from = crossing.from;
+    mHead.to = crossing.to;
+    if (crossing.from == Side::Plugin)
+        mHead.outerName = outer ? outer->mHead.pluginName : crossings::KeptLabelOf(crossing.outer->plugin);
+    mHead.isReturned = false;
+    mHead.values = 0;
+    mHead.texts = 0;
+    KeepValues(crossing.arguments);
+    mHead.arguments = mHead.values;
+    if (crossing.arguments.empty() || crossing.arguments.front().kind != Value::Kind::Structure)
+        return;
+    // A structure is the only argument.
+    mHead.fields = crossing.arguments.front().structure->fields;
+    KeepValues(crossing.arguments.front().structure->values);
+}
+
+void KeptCall::KeepResult(const Crossing &crossing) {
+    mHead.isReturned = crossing.returned;
+    KeepValue(mHead.result, crossing.result);
 }
 
 Value KeptCall::Restored(const Value &value) const {

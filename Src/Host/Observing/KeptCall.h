@@ -20,8 +20,8 @@ class KeptCall {
     // Copies only the values and texts that there are.
     KeptCall &operator=(const KeptCall &other);
 
-    // Allocates only for the names of functions, the first time.
-    void Keep(const crossings::Crossing &crossing);
+    // Allocates only for the names of functions, the first time. The outer call may be null.
+    void Keep(const crossings::Crossing &crossing, const KeptCall *outer);
     void KeepResult(const crossings::Crossing &crossing);
 
     crossings::Side To() const { return mHead.to; }
@@ -39,7 +39,8 @@ class KeptCall {
     static constexpr std::size_t kTexts = 5 * 84;
 
     // Copies a value, with the text or name that shows it. Texts are offsets in mTexts.
-    crossings::Value Kept(const crossings::Value &value);
+    void KeepValue(crossings::Value &kept, const crossings::Value &value);
+    void KeepText(crossings::Value &kept);
     void KeepValues(std::span<const crossings::Value> values);
     crossings::Value Restored(const crossings::Value &value) const;
 

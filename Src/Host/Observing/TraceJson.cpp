@@ -7,9 +7,11 @@
 #include "Crossings/ValueText.h"
 #include "Crossings/Words.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <cmath>
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -41,13 +43,17 @@ void AddCharacter(std::string &text, char32_t character) {
 
 // Names come from plugins and may be no valid UTF-8. The file has only ASCII.
 void AddString(std::string &text, std::string_view string) {
+    const auto isPlain = [](char c) { return c >= ' ' && c < 0x7F && c != '"' && c != '\\'; };
     text += '"';
     while (!string.empty()) {
+        const auto *const end = std::find_if_not(string.begin(), string.end(), isPlain);
+        text.append(string.begin(), end);
+        string.remove_prefix(static_cast<std::size_t>(end - string.begin()));
+        if (string.empty())
+            break;
         const char32_t character = TakeCharacter(string);
         if (character == '"' || character == '\\')
-            text += '\\';
-        if (character >= ' ' && character < 0x7F)
-            text += static_cast<char>(character);
+            (text += '\\') += static_cast<char>(character);
         else
             AddCharacter(text, character);
     }
@@ -89,8 +95,7 @@ void AddArguments(std::string &text, const Crossing &crossing) {
     for (const Value &value : crossing.arguments) {
         if (&value != crossing.arguments.data())
             text += ',';
-        AddString(text, crossings::TakeWord(names));
-        text += ':';
+        ((text += '"') += crossings::TakeWord(names)) += "\":";
         AddValue(text, value);
     }
     text += '}';
@@ -137,10 +142,25 @@ class JsonWriter : public TraceWriter {
   private:
     // In microseconds, with three digits behind the point.
     void AddTime(Crossing::Clock::time_point time) {
-        const auto nanoseconds = (time - mStart).count();
+        // Two numbers of 32 bits: a division of 64 bits takes long.
+        const auto nanoseconds = static_cast<std::uint64_t>((time - mStart).count());
+        constexpr std::uint64_t kBillion = 1'000'000'000;
+        const auto seconds = static_cast<std::uint32_t>(nanoseconds / kBillion);
+        const auto part = static_cast<std::uint32_t>(nanoseconds - seconds * kBillion);
         std::array<char, 24> digits;
-        mText.append(digits.data(), std::to_chars(digits.begin(), digits.end(), nanoseconds / 1000).ptr);
-        const auto rest = static_cast<int>(nanoseconds % 1000);
+        char *at = digits.data();
+        if (seconds != 0)
+            at = std::to_chars(at, digits.end(), seconds).ptr;
+        std::uint32_t microseconds = part / 1000;
+        if (seconds == 0) {
+            at = std::to_chars(at, digits.end(), microseconds).ptr;
+        } else {
+            for (int i = 5; i >= 0; --i, microseconds /= 10)
+                at[i] = static_cast<char>('0' + microseconds % 10);
+            at += 6;
+        }
+        mText.append(digits.data(), at);
+        const std::uint32_t rest = part % 1000;
         mText += '.';
         mText += static_cast<char>('0' + rest / 100);
         mText += static_cast<char>('0' + rest / 10 % 10);
