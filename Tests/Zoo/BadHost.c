@@ -1,5 +1,6 @@
 /* A host without plugins that commits the fault of one rule: badhost RULE. Acts as
- * plugin 0 where a fault needs calls of a plugin. With "none" it commits no fault. */
+ * plugin 0 where a fault needs calls of a plugin. With "none" it commits no fault.
+ * Without a rule it lists the faults; "host-overrun:2" is the second one of its rule. */
 #define _GNU_SOURCE
 #include "BadHost.h"
 
@@ -382,7 +383,17 @@ static void Do(void (*step)(void)) {
         step();
 }
 
+static void List(const Fault *faults) {
+    for (; faults->rule; ++faults)
+        printf("\n%s;", faults->rule);
+}
+
 int main(int argc, char **argv) {
+    if (argc == 1) {
+        List(kFaults);
+        List(kServiceFaults);
+        return 0;
+    }
     fault = argc == 2 ? Find(kFaults, argv[1]) : NULL;
     if (argc == 2 && !fault)
         fault = Find(kServiceFaults, argv[1]);

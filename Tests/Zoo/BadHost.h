@@ -1,10 +1,14 @@
 /* A host that commits one fault. BadHost.c has the faults of the table and of hooks,
- * BadHostServices.c those of services. */
+ * BadHostServices.cpp those of services. */
 #ifndef AVSK_TESTS_BAD_HOST_H
 #define AVSK_TESTS_BAD_HOST_H
 
 #include "AVSK/AVSK.h"
 #include "AVSK/AVSKHost.h"
+
+#ifdef __cplusplus
+extern "C" {
+#endif
 
 /* What the host does wrong, and when; null for nothing. */
 typedef struct Fault {
@@ -28,5 +32,9 @@ extern const char kHostRoot[];
 /* The clock as it should be. */
 float GoodElapsed(void);
 void RunFrame(void);
+
+#ifdef __cplusplus
+}
+#endif
 
 #endif

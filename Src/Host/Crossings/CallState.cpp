@@ -32,7 +32,7 @@ CallState CurrentState() noexcept {
 
 void KeepStates(bool keep) { gKeepsStates = keep; }
 
-bool StateKeeper::IsOfPlugin(const Crossing &crossing) noexcept { return crossing.to == Side::Plugin; }
+bool StateKeeper::IsKept(const Crossing &crossing) noexcept { return crossing.to != Side::Library; }
 
 void StateKeeper::Begin() noexcept { mCrossing->stateBefore = CurrentState(); }
 

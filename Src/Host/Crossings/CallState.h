@@ -1,6 +1,6 @@
 // What a called function must leave as it found it: the state of the processor
 // and the signals that the thread blocks. It is compared around each call into a
-// plugin if somebody asks for it.
+// plugin or the host if somebody asks for it.
 //
 // A changed state is undone when the call has ended, because the observers, the
 // library and the next plugin would suffer from it. A run that keeps states
@@ -36,7 +36,7 @@ void KeepStates(bool keep);
 class StateKeeper {
   public:
     explicit StateKeeper(Crossing &crossing) noexcept
-        : mCrossing(gKeepsStates && IsOfPlugin(crossing) ? &crossing : nullptr) {
+        : mCrossing(gKeepsStates && IsKept(crossing) ? &crossing : nullptr) {
         if (mCrossing)
             Begin();
     }
@@ -48,7 +48,7 @@ class StateKeeper {
     StateKeeper &operator=(const StateKeeper &) = delete;
 
   private:
-    static bool IsOfPlugin(const Crossing &crossing) noexcept;
+    static bool IsKept(const Crossing &crossing) noexcept;
     void Begin() noexcept;
     void End() noexcept;
 

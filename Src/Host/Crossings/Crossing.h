@@ -166,7 +166,7 @@ class Crossing {
     // Of the exception that ended the call: the object that was thrown, and its type.
     const void *thrown = nullptr;
     const std::type_info *thrownType = nullptr; // null if C++ code did not throw it
-    // Equal unless states are kept and this call of a plugin changed something.
+    // Equal unless states are kept and this call of a plugin or the host changed something.
     CallState stateBefore;
     CallState stateAfter;
 

@@ -81,6 +81,12 @@ std::vector<std::string> ServiceNames() {
     return names;
 }
 
+int SlotOf(const Prototype &service) {
+    constexpr int kNumbers = 2; // version and size, before the slots
+    const auto *const found = std::find(std::begin(kServices), std::end(kServices), &service);
+    return found == std::end(kServices) ? 0 : kNumbers + static_cast<int>(found - std::begin(kServices));
+}
+
 int CountParameters(const Prototype &function) {
     const std::string_view names = function.parameters;
     return names.empty() ? 0 : 1 + static_cast<int>(std::count(names.begin(), names.end(), ','));

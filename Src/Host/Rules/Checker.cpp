@@ -24,7 +24,8 @@ void WriteFindings() {
 Checker::Checker(const int &frame, const Ledger &owners, std::map<std::string, std::string> allowed)
     : mFindings(frame, std::move(allowed)), mArguments(mFindings, mHandles), mDatarefs(mFindings),
       mLife(mFindings, owners), mPlaces(mFindings, mHandles), mState(mFindings), mMemory(mFindings),
-      mHostTable(mFindings), mHostOrder(mFindings), mHostFrames(mFindings) {
+      mHostTable(mFindings), mHostOrder(mFindings), mHostFrames(mFindings), mHostTexts(mFindings),
+      mHostNumbers(mFindings), mHostServices(mFindings), mHostReports(mFindings) {
     gFindings = &mFindings;
     AddToBlame(WriteFindings);
 }
@@ -44,6 +45,7 @@ void Checker::Finish() {
     mLife.Finish();
     mMemory.Finish();
     mHostOrder.Finish();
+    mHostServices.Finish();
 }
 
 int Checker::PrintReport() {

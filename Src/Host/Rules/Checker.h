@@ -7,8 +7,12 @@
 #include "DatarefChecks.h"
 #include "Findings.h"
 #include "HostFrameChecks.h"
+#include "HostNumberChecks.h"
 #include "HostOrderChecks.h"
+#include "HostReportChecks.h"
+#include "HostServiceChecks.h"
 #include "HostTableChecks.h"
+#include "HostTextChecks.h"
 #include "KnownHandles.h"
 #include "LifeChecks.h"
 #include "MemoryChecks.h"
@@ -54,6 +58,10 @@ class Checker {
     HostTableChecks mHostTable;
     HostOrderChecks mHostOrder;
     HostFrameChecks mHostFrames;
+    HostTextChecks mHostTexts;
+    HostNumberChecks mHostNumbers;
+    HostServiceChecks mHostServices;
+    HostReportChecks mHostReports;
     bool mIsReported = false;
 };
 

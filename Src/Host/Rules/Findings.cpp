@@ -6,6 +6,7 @@
 #include "Crossings/Callback.h"
 #include "Crossings/Format.h"
 #include "Crossings/Line.h"
+#include "Crossings/Services.h"
 #include "Observing/Backtrace.h"
 
 #include <algorithm>
@@ -107,6 +108,8 @@ Finding Findings::Bare(const Rule &rule, const Crossing &crossing, FindingValues
     const Crossing *code = rule.BlamesHost() ? nullptr : PluginCodeOf(crossing);
     finding.plugin = crossings::LabelOf(rule.BlamesHost() ? AVSK_PLUGIN_AERIVO : (code ? code : &crossing)->plugin);
     finding.function = &crossing == code ? "" : crossing.what.name;
+    if (const int slot = rule.BlamesHost() ? crossings::SlotOf(crossing.what) : 0)
+        finding.function = "slot " + std::to_string(slot) + " (" + finding.function + ")";
     finding.Become(rule, values);
     if (code)
         finding.callback = crossings::TitleOf(*code);

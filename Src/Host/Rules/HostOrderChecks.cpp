@@ -31,7 +31,7 @@ using crossings::Crossing;
 using crossings::Prototype;
 using crossings::Side;
 
-constexpr std::array<std::string_view, 15> kHooks = {
+constexpr std::array<std::string_view, 16> kHooks = {
     "AVSKInitializePlugins",
     "AVSKShutdownPlugins",
     "AVSKEventHook",
@@ -47,6 +47,7 @@ constexpr std::array<std::string_view, 15> kHooks = {
     "AVSKMenuItemEnabled",
     "AVSKUpdatePlaneNameAndPath",
     "AVSKGetNumberPlanesToHandle",
+    "loadObjectAsync_completion",
 };
 
 std::array<std::atomic<long>, kHooks.size()> gForeign;

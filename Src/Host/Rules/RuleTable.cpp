@@ -5,6 +5,7 @@
 #include "DatarefRules.h"
 #include "FileRules.h"
 #include "HostOrderRules.h"
+#include "HostServiceRules.h"
 #include "HostTableRules.h"
 #include "LifeRules.h"
 #include "PlaceRules.h"
@@ -36,6 +37,7 @@ const std::vector<RuleFamily> &RuleFamilies() {
         Family("Files", kFileRules),
         Family("Hosts: the table", kHostTableRules),
         Family("Hosts: order and time", kHostOrderRules),
+        Family("Hosts: services", kHostServiceRules),
     };
     return families;
 }

@@ -37,19 +37,6 @@ std::string SignalName(int signal) {
     return name ? std::string("SIG") + name : "signal " + std::to_string(signal);
 }
 
-// "SIGUSR1 is blocked, SIGALRM is no longer blocked"
-std::string ChangesOf(std::uint64_t before, std::uint64_t after) {
-    std::string changes;
-    for (int bit = 0; bit < 64; ++bit) {
-        const std::uint64_t mask = std::uint64_t{1} << bit;
-        if (((before ^ after) & mask) == 0)
-            continue;
-        changes += (changes.empty() ? "" : ", ") + SignalName(bit + 1) +
-                   ((after & mask) != 0 ? " is blocked" : " is no longer blocked");
-    }
-    return changes;
-}
-
 std::string Umask() {
     // umask() itself would change it for a moment, in which other threads may create files.
     std::ifstream status("/proc/self/status");
@@ -107,6 +94,18 @@ const std::string *ValueIn(const ProcessState &state, const ProcessState::key_ty
 
 } // namespace
 
+std::string SignalChanges(std::uint64_t before, std::uint64_t after) {
+    std::string changes;
+    for (int bit = 0; bit < 64; ++bit) {
+        const std::uint64_t mask = std::uint64_t{1} << bit;
+        if (((before ^ after) & mask) == 0)
+            continue;
+        changes += (changes.empty() ? "" : ", ") + SignalName(bit + 1) +
+                   ((after & mask) != 0 ? " is blocked" : " is no longer blocked");
+    }
+    return changes;
+}
+
 StateChecks::StateChecks(Findings &findings) : mFindings(findings), mExpected(crossings::CurrentState()) {
     crossings::KeepStates(true);
     crossings::AddObserver(*this);
@@ -128,7 +127,7 @@ void StateChecks::Ends(const Crossing &crossing) {
         CompareCall(crossing, mExpected, crossing.stateBefore);
     if (crossing.IsStart())
         mExpected = crossing.stateBefore;
-    if (crossing.stateBefore != crossing.stateAfter)
+    if (crossing.to == crossings::Side::Plugin && crossing.stateBefore != crossing.stateAfter)
         CompareCall(crossing, crossing.stateBefore, crossing.stateAfter);
     if (!crossing.IsEntryPoint())
         return;
@@ -148,7 +147,7 @@ void StateChecks::CompareCall(const Crossing &crossing, const CallState &before,
         mFindings.Add(Named(kStateRules, "state-direction"), crossing);
     if (after.blocked != before.blocked)
         mFindings.Add(Named(kStateRules, "state-signals"), crossing,
-                      {{"changes", ChangesOf(before.blocked, after.blocked)}});
+                      {{"changes", SignalChanges(before.blocked, after.blocked)}});
 }
 
 void StateChecks::CompareProcess(const Crossing &entryPoint, const ProcessState &before) {

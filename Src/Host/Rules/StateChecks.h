@@ -9,12 +9,16 @@
 #include "Crossings/CallState.h"
 #include "Crossings/Crossing.h"
 
+#include <cstdint>
 #include <map>
 #include <string>
 #include <utility>
 #include <vector>
 
 namespace host {
+
+// Two masks of blocked signals: "SIGUSR1 is blocked, SIGALRM is no longer blocked"
+std::string SignalChanges(std::uint64_t before, std::uint64_t after);
 
 class StateChecks : public crossings::Observer {
   public:

@@ -1,4 +1,0 @@
-/* The faults of services. */
-#include "BadHost.h"
-
-const Fault kServiceFaults[] = {{0}};
