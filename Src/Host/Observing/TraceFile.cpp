@@ -2,6 +2,7 @@
 #include "TraceFile.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <cstdlib>
 #include <cstring>
 
