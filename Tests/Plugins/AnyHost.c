@@ -31,6 +31,10 @@ static int Has(const char *word) {
 }
 
 static int Nothing(void) { return 0; }
+static void *Menu(void *parent, int item, const char *name) {
+    (void)parent, (void)item, (void)name;
+    return words;
+}
 static float Elapsed(void) { return (float)frame / 60; }
 static void SystemPath(char *out) { strcpy(out, root); }
 
@@ -55,6 +59,7 @@ static void *Host(void *unused) {
         slots[i] = (void *)Nothing;
     table.version = AVSK_HOST_INTERFACE;
     table.sizeInBytes = sizeof table;
+    table.createMenu = Menu;
     table.getElapsedTime = Elapsed;
     table.getSystemPath = SystemPath;
     int (*event)(int, float, int, AVSKWord) = (int (*)(int, float, int, AVSKWord))Find("AVSKEventHook");
@@ -67,6 +72,8 @@ static void *Host(void *unused) {
     }
     for (frame = 1; frame <= 10; ++frame) {
         event(AVSKHostEventFrame, Elapsed(), 0, 0);
+        event(AVSKHostEventCommands, Elapsed(), 0, 0);
+        event(AVSKHostEventFrameEnd, Elapsed(), 0, 0);
         if (frame == 5 && Has("signal"))
             raise(SIGUSR1);
     }

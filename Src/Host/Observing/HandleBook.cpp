@@ -67,6 +67,10 @@ void HandleBook::Ends(const Crossing &crossing) {
         line.Add("\"Plugins\"");
     if (line.Text().empty())
         return;
+    // A plugin that creates without end must not fill the memory. Further handles are shown by address.
+    constexpr std::size_t kMost = 20000;
+    if (mEntries.size() >= kMost && !mEntries.contains(crossing.result.pointer))
+        return;
     Entry &entry = mEntries[crossing.result.pointer];
     if (entry.name == line.Text() && (entry.function == &crossing.what || entry.shown == entry.name))
         return;

@@ -26,33 +26,40 @@ void PrintList(const char *title, const std::vector<std::string> &lines, const c
 
 void PrintListsTo(std::FILE *stream) { gLists = stream; }
 
-Observers::Observers(std::unique_ptr<const ObservedHost> host, ObservingOptions options)
-    : mHost(std::move(host)), mOptions(std::move(options)), mBlame(mHost->Frame(), mOptions.timeout), mLedger(*mHost),
-      mProfile(*mHost), mLoading(*mHost) {
+Observers::Observers(std::unique_ptr<const ObservedHost> host, ObservingOptions options, Extent extent)
+    : mHost(std::move(host)), mOptions(std::move(options)), mBlame(mHost->Frame(), mOptions.timeout), mLoading(*mHost) {
+    const bool isAll = extent == Extent::Everything;
+    if (isAll || mOptions.owners || mOptions.check)
+        mLedger.emplace(*mHost);
+    if (isAll || mOptions.profile || mOptions.budget > 0)
+        mProfile.emplace(*mHost);
     if (mOptions.budget > 0)
-        mProfile.SetBudget("", mOptions.budget);
+        mProfile->SetBudget("", mOptions.budget);
     if (!mOptions.trace.file.empty())
         mTrace.emplace(mOptions.trace);
 }
 
 void Observers::ReportLoaded() {
-    mProfile.EndFrames();
+    if (mProfile)
+        mProfile->EndFrames();
     if (mOptions.owners)
-        PrintList("\nOwned by plugins:", mLedger.Owned());
+        PrintList("\nOwned by plugins:", mLedger->Owned());
 }
 
 void Observers::ReportUnloaded() {
     if (mOptions.owners)
-        PrintList("\nLeft behind when they were unloaded:", mLedger.LeftBehind());
+        PrintList("\nLeft behind when they were unloaded:", mLedger->LeftBehind());
     if (mOptions.profile)
-        PrintList("\nTime in plugins:", mProfile.Table(), "none");
+        PrintList("\nTime in plugins:", mProfile->Table(), "none");
 }
 
 std::vector<std::string> Observers::Failures() {
     std::vector<std::string> failures;
-    for (const std::vector<std::string> &lines : {mProfile.OverBudget(), mProfile.UnusedBudgets()}) {
-        for (const std::string &line : lines)
-            failures.push_back("budget: " + line);
+    if (mProfile) {
+        for (const std::vector<std::string> &lines : {mProfile->OverBudget(), mProfile->UnusedBudgets()}) {
+            for (const std::string &line : lines)
+                failures.push_back("budget: " + line);
+        }
     }
     if (mTrace) {
         for (std::string &line : mTrace->Finish())

@@ -29,14 +29,21 @@ void PrintListsTo(std::FILE *stream);
 
 class Observers {
   public:
+    enum class Extent {
+        Everything, // sessions ask for owners and times, whatever the options say
+        AsAsked,    // owners and times only if an option needs them: the others cost nothing
+    };
+
     // Begins to observe. Throws UsageError.
-    Observers(std::unique_ptr<const ObservedHost> host, ObservingOptions options);
+    Observers(std::unique_ptr<const ObservedHost> host, ObservingOptions options, Extent extent = Extent::Everything);
     Observers(const Observers &) = delete;
     Observers &operator=(const Observers &) = delete;
 
-    Ledger &Owners() { return mLedger; }
-    Profile &Times() { return mProfile; }
-    const Profile &Times() const { return mProfile; }
+    // Only if they are observed.
+    Ledger &Owners() { return mLedger.value(); }
+    Profile &Times() { return mProfile.value(); }
+    const Profile &Times() const { return mProfile.value(); }
+    bool HasTimes() const { return mProfile.has_value(); }
     Loading &Loaded() { return mLoading; }
 
     // The calling thread is now the one that calls the library.
@@ -56,8 +63,8 @@ class Observers {
     const ObservingOptions mOptions;
     HandleBook mHandles;
     Blame mBlame;
-    Ledger mLedger;
-    Profile mProfile;
+    std::optional<Ledger> mLedger;
+    std::optional<Profile> mProfile;
     Loading mLoading;
     std::optional<Trace> mTrace;
 };

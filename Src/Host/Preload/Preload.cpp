@@ -52,7 +52,7 @@ class Observation : public crossings::Observer {
   public:
     explicit Observation(ObservingOptions options)
         : mOptions(std::move(options)), mHost(new ForeignHost),
-          mObservers(std::unique_ptr<const ObservedHost>(mHost), mOptions) {
+          mObservers(std::unique_ptr<const ObservedHost>(mHost), mOptions, Observers::Extent::AsAsked) {
         if (mOptions.check)
             mChecker.emplace(mHost->Frame(), mObservers.Owners(), mOptions.allowed);
         crossings::AddObserver(*this);
@@ -92,8 +92,10 @@ class Observation : public crossings::Observer {
         if (!mIsRunning)
             return;
         mIsRunning = false;
-        mObservers.Times().EndFrames();
-        mOwned = mObservers.Owners().Owned();
+        if (mObservers.HasTimes())
+            mObservers.Times().EndFrames();
+        if (mOptions.owners)
+            mOwned = mObservers.Owners().Owned();
     }
 
     // Tells whether the program should fail.
