@@ -67,6 +67,13 @@ INSTANTIATE_TEST_SUITE_P(
         Program{
             "DefaultActionEndsTheProgram", "", 139, {"avsk: plugin 'Dies' died of SIGSEGV", "Dies.cpp:"}, "", "write"},
         Program{"FullStack", "handler", 7, {"(the stack is full: ", "the host's own handler ran"}, "", "stack"},
+        Program{"ExceptionThatNobodyCatches",
+                "",
+                134,
+                {"avsk: plugin 'Dies' threw an exception" + kTick.substr(0, kTick.size() - 1) +
+                 ", which nobody caught, and the host died of SIGABRT"},
+                "",
+                "throw"},
         Program{"ExitKeepsItsStatus", "", 0, {"avsk: plugin 'Dies' called exit(0)" + kTick}, "", "exit"},
         Program{"HangingCall", "thread", 3, {"avsk: plugin 'Dies' did not return within 1 s"}, "--timeout 1", "loop"}),
     testing::PrintToStringParamName());
@@ -75,7 +82,7 @@ TEST(Exec, WritesReportsAndTracesToFiles) {
     const std::string folder = testing::TempDir() + "/exec test";
     std::filesystem::create_directories(folder);
     const auto [status, said] =
-        RunAvsk(Exec("--ps --report '" + folder + "/report.txt' --trace '" + folder + "/t.txt'", ""));
+        RunAvsk(Exec("--ps --report '" + folder + "/report.txt' --trace '" + folder + "/t.txt'", "foreign"));
     EXPECT_EQ(status, 0);
     EXPECT_EQ(said.find("Owned"), std::string::npos) << said;
     const auto contains = [](const std::string &path, const std::string &text) {
@@ -84,6 +91,7 @@ TEST(Exec, WritesReportsAndTracesToFiles) {
     };
     EXPECT_TRUE(contains(folder + "/report.txt", "loop  Tick"));
     EXPECT_TRUE(contains(folder + "/t.txt", "library > Dies  AVSKFlightLoop_f Tick"));
+    EXPECT_TRUE(contains(folder + "/t.txt", " > library  AVSKCountPlugins, which is not the host's thread"));
 }
 
 struct Refused {

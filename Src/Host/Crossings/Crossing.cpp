@@ -29,7 +29,7 @@ namespace {
 
 Crossing *gInnermost = nullptr;
 Crossing::Clock::duration gObserving{}; // the time spent in observers so far, as far as it is measured
-std::atomic<ForeignHandler> gForeignHandler = nullptr;
+std::array<std::atomic<ForeignHandler>, 3> gForeignHandlers{};
 
 // In the order in which they are notified. Static observers register before main().
 constinit std::array<Observer *, 32> gObservers{};
@@ -221,12 +221,29 @@ void ObserveThisThread() {
     gObservedThread = thread;
 }
 
-void OnForeignCall(ForeignHandler handler) { gForeignHandler = handler; }
+void AddForeignHandler(ForeignHandler handler) {
+    for (auto &place : gForeignHandlers) {
+        ForeignHandler free = nullptr;
+        if (place.compare_exchange_strong(free, handler))
+            return;
+    }
+    assert(!"no place for another handler");
+}
+
+void RemoveForeignHandler(ForeignHandler handler) {
+    for (auto &place : gForeignHandlers) {
+        ForeignHandler known = handler;
+        place.compare_exchange_strong(known, nullptr);
+    }
+}
 
 void NoteUnobserved(const Prototype &function, Side callee) {
-    const ForeignHandler handler = IsObservedThread() || callee != Side::Library ? nullptr : gForeignHandler.load();
-    if (handler)
-        handler(function);
+    if (IsObservedThread() || callee != Side::Library)
+        return;
+    for (const auto &place : gForeignHandlers) {
+        if (const ForeignHandler handler = place.load())
+            handler(function);
+    }
 }
 
 const std::string &LabelOf(AVSKPluginID plugin) { return Label(plugin).text; }

@@ -237,10 +237,11 @@ inline bool AreObserved() { return IsObservedThread() && !gIsUnobserved; }
 inline bool AreByObserver() { return IsObservedThread() && gIsUnobserved; }
 
 // Calls of exported functions on other threads than the observed one are not
-// observed. They call the handler, on their thread, before they do anything; null
-// for none. The handler must call no exported function.
+// observed. They call the handlers, on their thread, before they do anything. A
+// handler must call no exported function. At most three at a time.
 using ForeignHandler = void (*)(const Prototype &function);
-void OnForeignCall(ForeignHandler handler);
+void AddForeignHandler(ForeignHandler handler);
+void RemoveForeignHandler(ForeignHandler handler);
 // To be called for each call that is not observed.
 void NoteUnobserved(const Prototype &function, Side callee);
 

@@ -20,6 +20,7 @@
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
+#include <exception>
 #include <string_view>
 #include <utility>
 
@@ -202,6 +203,12 @@ bool AddStray(Line &line, const void *instruction) {
     return true;
 }
 
+// The call that an exception ended which now ends the process; null if there is none.
+const History::Call *UncaughtThrow() {
+    const bool isEnding = std::uncaught_exceptions() > 0 || std::current_exception();
+    return isEnding ? gHistory.Thrown() : nullptr;
+}
+
 void OnFault(int signal, siginfo_t *info, void *interrupted) {
     auto *context = static_cast<ucontext_t *>(interrupted);
     const auto *instruction = reinterpret_cast<const void *>(context->uc_mcontext.gregs[REG_EIP]);
@@ -224,8 +231,15 @@ void OnFault(int signal, siginfo_t *info, void *interrupted) {
         call = gHistory.Innermost();
     Line head;
     head.Add("avsk: ");
-    if (!AddStray(head, instruction))
+    if (const History::Call *thrown = signal == SIGABRT && gForeign ? UncaughtThrow() : nullptr) {
+        AddCulprit(head, thrown);
+        head.Add(" threw an exception in ");
+        AddTitleAndCaller(head, thrown);
+        head.Add(", which nobody caught, and the host");
+        call = nullptr;
+    } else if (!AddStray(head, instruction)) {
         AddCulprit(head, call);
+    }
     head.Add(" died of ");
     AddCause(head, *info, instruction);
     if (call) {

@@ -89,7 +89,17 @@ std::vector<std::string> Trace::Finish() {
     return faults;
 }
 
+// Whose calls they are is not known, so a filter for plugins leaves them out.
+void Trace::TakeForeign() {
+    mForeign.Take([this](const crossings::Prototype &function, int thread) {
+        if (mOptions.plugins.empty() && (mOptions.functions.empty() || MatchesAny(mOptions.functions, function.name)))
+            mWriter->Foreign(function, thread, static_cast<int>(mShown.size()));
+    });
+}
+
 void Trace::Begins(const Crossing &crossing) {
+    if (mForeign.IsAny())
+        TakeForeign();
     NoteNames(crossing);
     if (!IsWanted(crossing))
         return;
@@ -98,6 +108,8 @@ void Trace::Begins(const Crossing &crossing) {
 }
 
 void Trace::Ends(const Crossing &crossing) {
+    if (mForeign.IsAny())
+        TakeForeign();
     if (crossing.IsStart())
         mPlugins.insert(crossings::LabelOf(crossing.plugin));
     if (!mShown.empty() && mShown.back() == &crossing) {

@@ -3,7 +3,7 @@
 #ifndef AVSK_HOST_OBSERVING_TRACE_H
 #define AVSK_HOST_OBSERVING_TRACE_H
 
-#include "Crossings/Crossing.h"
+#include "ForeignCalls.h"
 #include "ObservingOptions.h"
 #include "TraceFile.h"
 
@@ -22,6 +22,8 @@ class TraceWriter {
     virtual ~TraceWriter() = default;
     virtual void Begin(const crossings::Crossing &crossing, int depth) = 0;
     virtual void End(const crossings::Crossing &crossing, int depth) = 0;
+    // A call on another thread, of which nothing else is known.
+    virtual void Foreign(const crossings::Prototype &function, int thread, int depth) = 0;
 };
 
 // The writers do not own the file.
@@ -44,12 +46,14 @@ class Trace : public crossings::Observer {
 
   private:
     bool IsWanted(const crossings::Crossing &crossing) const;
+    void TakeForeign();
     void NoteNames(const crossings::Crossing &crossing);
 
     const TraceOptions mOptions;
     TraceFile mFile;
     bool mIsFinished = false;
     std::unique_ptr<TraceWriter> mWriter;
+    ForeignCalls mForeign;
     std::set<std::string> mPlugins; // names of plugins that were started
     // Patterns that match no function of the interface, and the names of callbacks that they may match.
     std::vector<std::string> mUnknown;

@@ -139,6 +139,15 @@ class JsonWriter : public TraceWriter {
         Write();
     }
 
+    void Foreign(const crossings::Prototype &function, int thread, int /*depth*/) override {
+        mText = R"({"name":)";
+        AddString(mText, function.name);
+        mText += R"(,"cat":"another thread than the host's","ph":"i","s":"t","ts":)";
+        AddTime(Crossing::Clock::now());
+        mText += R"(,"pid":1,"tid":)" + std::to_string(thread);
+        Write();
+    }
+
   private:
     // In microseconds, with three digits behind the point.
     void AddTime(Crossing::Clock::time_point time) {

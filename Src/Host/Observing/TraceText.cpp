@@ -83,6 +83,17 @@ class TextWriter : public TraceWriter {
         Write(end.Text());
     }
 
+    void Foreign(const crossings::Prototype &function, int thread, int depth) override {
+        if (mIsHeld)
+            Write(" {");
+        StartLine(Crossing::Clock::now(), depth);
+        mLine.Add("thread ");
+        mLine.Add(thread);
+        mLine.Add(" > library  ");
+        mLine.Add(function.name);
+        Write(", which is not the host's thread");
+    }
+
   private:
     void StartLine(Crossing::Clock::time_point time, int depth) {
         constexpr int kDeepest = 40; // indented

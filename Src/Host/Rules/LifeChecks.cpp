@@ -163,11 +163,11 @@ std::string Readable(const std::type_info *type) {
 
 LifeChecks::LifeChecks(Findings &findings, const Ledger &owners) : mFindings(findings), mOwners(owners) {
     crossings::AddObserver(*this);
-    crossings::OnForeignCall(NoteForeignCall);
+    crossings::AddForeignHandler(NoteForeignCall);
 }
 
 LifeChecks::~LifeChecks() {
-    crossings::OnForeignCall(nullptr);
+    crossings::RemoveForeignHandler(NoteForeignCall);
     crossings::RemoveObserver(*this);
 }
 
