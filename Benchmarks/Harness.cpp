@@ -219,7 +219,7 @@ void Report::Compare(const std::string &name, double goal, const Side &ours, con
 
 void Report::Limit(const std::string &name, double goal, const Side &ours, const Side &other) {
     const auto [mine, theirs] = Alternate(name, ours, other);
-    const bool over = goal != kNoGoal && mine > goal;
+    const bool over = goal != kNoGoal && mine - theirs > goal;
     ++totals.rows;
     totals.over += over;
     PrintRow(name, mine, theirs, GoalText(goal, "%.0f ns"), VerdictFor(goal, over));

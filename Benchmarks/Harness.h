@@ -66,7 +66,7 @@ class Report {
 
     // The goal is the largest allowed ratio of our time to the other.
     void Compare(const std::string &name, double goal, const Side &ours, const Side &other);
-    // The goal is the longest allowed time of a call of ours, in nanoseconds.
+    // The goal is how much longer ours may take than the other, in nanoseconds.
     void Limit(const std::string &name, double goal, const Side &ours, const Side &other);
     void Measure(const std::string &name, const Side &ours);
 

@@ -54,13 +54,22 @@ crossings::Interest HandleBook::InterestIn(const crossings::Prototype &function)
 void HandleBook::Ends(const Crossing &crossing) {
     if (!crossing.returned || crossing.result.kind != Value::Kind::Pointer || !crossing.result.pointer)
         return;
-    // Plugins look the same datarefs up again and again.
+    // Plugins look the same datarefs up again and again, mostly with the same constant.
     std::array<char, crossings::kShownText + 1> text;
     text.front() = '\0';
     const Value *const first = crossing.arguments.empty() ? nullptr : &crossing.arguments.front();
-    if (first && first->kind == Value::Kind::Text && first->text &&
-        crossings::ReadText(first->text, first->length, text.data(), text.size()) && IsKnown(crossing, text.data()))
+    const bool isNamed = first && first->kind == Value::Kind::Text && first->text;
+    if (isNamed) {
+        const auto &recent = mRecent[IndexOf(crossing.result.pointer)];
+        if (recent.handle == crossing.result.pointer && recent.source == first->text &&
+            recent.entry->function == &crossing.what)
+            return;
+    }
+    if (isNamed && crossings::ReadText(first->text, first->length, text.data(), text.size()) &&
+        IsKnown(crossing, text.data())) {
+        mRecent[IndexOf(crossing.result.pointer)].source = first->text;
         return;
+    }
     Line line;
     AddName(line, crossing.what.parameters, crossing.arguments);
     if (std::string_view(crossing.what.name) == "AVSKFindPluginsMenu")
@@ -86,15 +95,17 @@ bool HandleBook::IsKnown(const Crossing &crossing, std::string_view text) const 
            (known->function == &crossing.what || known->shown == known->name);
 }
 
+std::size_t HandleBook::IndexOf(const void *handle) { return reinterpret_cast<std::uintptr_t>(handle) / 16 % kRecent; }
+
 const HandleBook::Entry *HandleBook::Find(const void *handle) const {
-    auto &recent = mRecent[reinterpret_cast<std::uintptr_t>(handle) / 16 % mRecent.size()];
-    if (recent.first == handle)
-        return recent.second;
+    Recent &recent = mRecent[IndexOf(handle)];
+    if (recent.handle == handle)
+        return recent.entry;
     const auto known = mEntries.find(handle);
     if (known == mEntries.end())
         return nullptr;
-    recent = {handle, &known->second};
-    return recent.second;
+    recent = {handle, &known->second, nullptr};
+    return recent.entry;
 }
 
 std::string_view HandleBook::NameOf(const void *handle) const {

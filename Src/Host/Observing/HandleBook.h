@@ -12,7 +12,6 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
-#include <utility>
 
 namespace host {
 
@@ -37,13 +36,22 @@ class HandleBook : public crossings::Observer, public crossings::HandleNames {
         std::string_view shown;                         // with a number if others of that name exist
     };
 
+    struct Recent {
+        const void *handle = nullptr;
+        const Entry *entry = nullptr;
+        const void *source = nullptr; // the address of the name in the last call that found it
+    };
+
+    static constexpr std::size_t kRecent = 256;
+
+    static std::size_t IndexOf(const void *handle);
     bool IsKnown(const crossings::Crossing &crossing, std::string_view text) const;
 
     const Entry *Find(const void *handle) const;
 
     std::unordered_map<const void *, Entry> mEntries; // none is ever removed
     // Those that were found lately, by some bits of the address.
-    mutable std::array<std::pair<const void *, const Entry *>, 256> mRecent{};
+    mutable std::array<Recent, kRecent> mRecent{};
     std::map<std::string, int> mCounts; // of handles by function and name
 };
 
