@@ -13,10 +13,10 @@ struct AvskRun {
     std::string said;
 };
 
-// Runs it with arguments in shell syntax. Captures standard output and standard error.
-inline AvskRun RunAvsk(const std::string &arguments, const std::string &environment = "") {
+// Runs a command of the shell. Captures standard output and standard error.
+inline AvskRun RunShell(const std::string &command) {
     AvskRun run;
-    std::FILE *output = popen((environment + " " AVSK_TEST_HOST " " + arguments + " 2>&1").c_str(), "r");
+    std::FILE *output = popen((command + " 2>&1").c_str(), "r");
     if (!output)
         return run;
     std::array<char, 4096> part{};
@@ -25,6 +25,22 @@ inline AvskRun RunAvsk(const std::string &arguments, const std::string &environm
     const int status = pclose(output);
     run.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
     return run;
+}
+
+// Runs it with arguments in shell syntax.
+inline AvskRun RunAvsk(const std::string &arguments, const std::string &environment = "") {
+    return RunShell(environment + " " AVSK_TEST_HOST " " + arguments);
+}
+
+// Runs a program that `avsk exec` observes. With the sanitizers the program contains
+// the observers; see avsk_add_observed_host() in Tests/CMakeLists.txt.
+inline AvskRun RunObserved(const std::string &options, const std::string &program,
+                           const std::string &environment = "") {
+#ifdef __SANITIZE_ADDRESS__
+    return RunShell(environment + " AVSK_OBSERVE='" + options + "' " + program);
+#else
+    return RunAvsk("exec " + options + " -- " + program, environment);
+#endif
 }
 
 #endif

@@ -42,7 +42,7 @@ void *EntryPoint(void *handle, const char *name) {
 }
 
 // This layer's definition of an exported name, if the lookup finds the library's or this one.
-void *Export(void *handle, const char *name) {
+void *LookUpExport(void *handle, const char *name) {
     void *const ours = LayerSymbol(name);
     if (!ours)
         return nullptr;
@@ -58,7 +58,7 @@ void *Export(void *handle, const char *name) {
 // it is the dynamic linker's dlsym(), to be called.
 extern "C" __attribute__((used, visibility("hidden"))) std::uint64_t AvskLookUp(void *handle, const char *name) {
     void *const found = StartsWith(name, "AVPlugin") && IsObservedThread() ? EntryPoint(handle, name)
-                        : StartsWith(name, "AVSK")                         ? Export(handle, name)
+                        : StartsWith(name, "AVSK")                         ? LookUpExport(handle, name)
                                                                            : nullptr;
     constexpr std::uint64_t kFinal = std::uint64_t{1} << 32;
     return found ? kFinal | reinterpret_cast<std::uintptr_t>(found) : reinterpret_cast<std::uintptr_t>(RealLookup());

@@ -9,11 +9,9 @@
 #include "AVSK/AVSK.h"
 #include "AVSK/AVSKHost.h"
 
-#include <algorithm>
 #include <atomic>
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
 
 using namespace crossings;
 
@@ -47,17 +45,8 @@ void crossings::OnFirstCall(void (*prepare)()) { gOnFirstCall = prepare; }
 #undef AVSK_FUNCTION
 // NOLINTEND(bugprone-macro-parentheses)
 
-void *crossings::LayerSymbol(const char *name) {
-    struct Export {
-        const char *name;
-        void *address;
-    };
-    static const Export exports[] = {
+const Export crossings::kExports[] = {
 #define AVSK_FUNCTION(result, name, parameters, names, ...) {#name, reinterpret_cast<void *>(&name)},
 #include "Prototypes.inc"
-    };
-    const Export *const found = std::find_if(std::begin(exports), std::end(exports), [name](const Export &known) {
-        return std::strcmp(known.name, name) == 0;
-    });
-    return found == std::end(exports) ? nullptr : found->address;
-}
+    {nullptr, nullptr},
+};

@@ -117,6 +117,14 @@ Lookup RealLookup() {
     return real;
 }
 
+void *LayerSymbol(const char *name) {
+    for (const Export *known = kExports; known->name; ++known) {
+        if (std::strcmp(known->name, name) == 0)
+            return known->address;
+    }
+    return nullptr;
+}
+
 void *NextSymbol(const char *name) {
     if (!LayerSymbol(name))
         return RealLookup()(RTLD_NEXT, name);

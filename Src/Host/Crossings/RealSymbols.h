@@ -15,6 +15,13 @@ bool IsLibraryLoaded();
 using Lookup = void *(*)(void *handle, const char *name);
 Lookup RealLookup();
 
+// This layer's definitions of the exported names. The last one has no name.
+struct Export {
+    const char *name;
+    void *address;
+};
+extern const Export kExports[];
+
 // This layer's definition of an exported name; null if the name is not exported.
 void *LayerSymbol(const char *name);
 
