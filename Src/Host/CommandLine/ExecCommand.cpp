@@ -45,7 +45,7 @@ constexpr const char *kPreloadVariable = "LD_PRELOAD";
 std::string FindPreload() {
     const fs::path folder = fs::canonical("/proc/self/exe").parent_path();
     for (const fs::path &place : {folder, folder.parent_path() / AVSK_PRELOAD_FOLDER}) {
-        const std::string path = (place / AVSK_PRELOAD_NAME).string();
+        std::string path = (place / AVSK_PRELOAD_NAME).string();
         std::error_code error;
         if (!fs::exists(path, error))
             continue;
