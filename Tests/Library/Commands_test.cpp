@@ -121,6 +121,16 @@ TEST_F(Commands, TheHoldsAndHandlersOfAnUnloadedPluginEnd) {
               "disable air; stop air; beginCommand(11); endCommand(11); endCommand(12); endCommand(13)");
     EXPECT_EQ(Repeat(), "1: continueCommand(13)") << "A's";
     EXPECT_EQ(Dispatch(1), "1: A's");
+
+    // A host that begins a command inside a rejected duplicate's last calls begins it as that plugin.
+    air.signature = "test.A";
+    air.start = [] { return AVSKCommandBegin(kPush), 1; };
+    host.on.endCommand = [](void *) { AVSKCommandBegin(kPull); };
+    World::LoadAircraft();
+    host.on.endCommand = nullptr;
+    air.signature = "test.air", air.start = nullptr;
+    World::LoadAircraft();
+    EXPECT_EQ(Repeat(), "1: continueCommand(13)") << "the next plugin with its ID does not hold that command";
 }
 
 TEST_F(Commands, HoldsMayChangeWhileTheyAreContinued) {

@@ -63,6 +63,15 @@ TEST_F(DataAccess, OnlyARecordsAddressIsGood) {
     for (char *bad : {static_cast<char *>(nullptr), handles[0] + 1, handles[0] + size / 2, handles[0] - size,
                       handles.back() + size, reinterpret_cast<char *>(handles.data())})
         EXPECT_EQ(isGood(bad), 0);
+    a.Run(JournalErrors);
+    for (char *handle : handles)
+        if (char *next = handle + size; !std::binary_search(handles.begin(), handles.end(), next)) {
+            EXPECT_EQ(DOES_AS(a, AVSKUnregisterDataAccessor(reinterpret_cast<AVSKDataRef>(next))),
+                      "error: Dataref is illegal and cannot be unregistered.");
+        }
+    world.Stop();
+    for (char *handle : handles)
+        EXPECT_EQ(isGood(handle), 0) << "all go with their plugin";
 }
 
 // ---- Typed access

@@ -102,6 +102,7 @@ TEST_F(Loader, AFolderPrefers32AndFallsBackForAnyReason) {
 TEST_F(Loader, DuringStartThePluginHasItsIDAndProvisionalTextsAndThenAsMuchAsFits) {
     Puppet &a = world.Install("A");
     a.name = std::string(255, 'n');
+    a.signature = std::string(300, 's');
     a.description = std::string(300, 'd');
     char texts[4][AVSK_TEXT_SIZE];
     a.start = [&] {
@@ -113,7 +114,9 @@ TEST_F(Loader, DuringStartThePluginHasItsIDAndProvisionalTextsAndThenAsMuchAsFit
     };
     world.Start();
     AVSKGetPluginInfo(1, texts[0], texts[1], texts[2], texts[3]);
-    EXPECT_EQ((Lines{texts, texts + 4}), (Lines{a.name, a.path, a.signature, a.description.substr(0, 255)}));
+    EXPECT_EQ((Lines{texts, texts + 4}),
+              (Lines{a.name, a.path, a.signature.substr(0, 255), a.description.substr(0, 255)}));
+    EXPECT_EQ(AVSKFindPluginBySignature(texts[2]), 1);
 }
 
 TEST_F(Loader, ADuplicateIsStoppedCleanedUpAndUnloaded) {
@@ -128,6 +131,10 @@ TEST_F(Loader, ADuplicateIsStoppedCleanedUpAndUnloaded) {
     EXPECT_EQ(AVSKCountPlugins(), 2);
     EXPECT_TRUE(host.log.ends_with("Warning: " + b.path +
                                    " Signature: test.A. (A version of this plugin is already loaded.)\n"));
+    world.Stop();
+    b.stop = [] { throw 1; };
+    EXPECT_THROW(world.Start(), int);
+    EXPECT_EQ(AVSKCountPlugins(), 2);
 }
 
 TEST_F(Loader, WhatARefusedStartLeavesPassesToTheNextPlugin) {

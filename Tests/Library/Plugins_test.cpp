@@ -125,6 +125,12 @@ TEST_F(Plugins, WhatItStillDoesOnceUnloadedIsNobodys) {
         AVSKCreateCommand("sim/x", "text");
     });
     EXPECT_EQ(host.TakeLog(), "[unknown]: It is illegal to register a command starting with sim/\n");
+    World::LoadAircraft();
+    int caller = -2;
+    LoopPlayer hosts = [&](float, float, int) { return air.Run(World::UnloadAircraft), caller = AVSKGetMyID(), 0.0F; };
+    AVSKRegisterFlightLoopCallback(a.code.flightLoop, -1, &hosts);
+    World::Pass(1);
+    EXPECT_EQ(caller, 0) << "a callback of the host stays the host's";
 }
 
 TEST_F(Registry, StopIsCalledOnceThoughItEndsInUnloadingAgainOrAShutdown) {

@@ -119,6 +119,7 @@ TEST_F(Processing, FaultyParametersAreReportedOneByOneAndMakeALoopAllTheSame) {
     AVSKScheduleFlightLoop(AVSKCreateFlightLoop(&nothing), -1, 0);
     Every("phase 2", 2);
     EXPECT_EQ((Lines{Pass(1), FrameEnd(1)}), Lines(2, "1")) << "none of them is ever called";
+    EXPECT_EQ(DOES((Every("before"), Every("after", 1))).find("error"), std::string::npos);
 }
 
 TEST_F(Processing, AnotherPluginsLoopIsLeftAloneAndReported) {

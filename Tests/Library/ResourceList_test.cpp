@@ -89,6 +89,7 @@ TEST_F(ResourceList, AWalkFromTheBackLeavesTheCursorOnTheLastRecord) {
     Fill("abc");
     Names(list->LiveRecordsFromBack());
     EXPECT_EQ(list->head, items['a']);
+    EXPECT_TRUE(list->Any([](const Item &item) { return item.name == 'c'; }));
     EXPECT_EQ(All(), "cba") << "the next walk rewinds it";
 
     Names(list->LiveRecordsFromBack());

@@ -175,7 +175,11 @@ TEST_F(Scenery, ALoadIsGivenBackWhicheverWayItsPluginGoes) {
               }},
              {"asked in its stop call", [&] { air.stop = ask, World::LoadAircraft(), World::UnloadAircraft(); }},
              {"reload", [&] { World::LoadAircraft(), air.Run(ask), AVSKReloadPlugins(), World::Pass(1); }},
-             {"shutdown", [&] { World::LoadAircraft(), air.Run(ask), world.Stop(); }}}) {
+             {"shutdown", [&] { World::LoadAircraft(), air.Run(ask), world.Stop(); }},
+             {"asked in its stop call inside its own call, and its record stays", [&] {
+                  Restart(), world.InstallScenery("s"), world.LoadScenery();
+                  air.stop = ask, air.Run(World::UnloadAircraft);
+              }}}) {
         SCOPED_TRACE(way);
         World::UnloadAircraft();
         go();
