@@ -27,6 +27,7 @@ TEST_F(DataAccess, ANameKeepsItsHandleThroughOwnersAndGaps) {
     EXPECT_EQ(PublishAs(b, "a/x", Eight), ref);
     EXPECT_EQ(AVSKGetDatai(ref), 8);
     EXPECT_TRUE(!AVSKFindDataRef(nullptr) && !Publish(nullptr));
+    EXPECT_TRUE(!AVSKCanWriteDataRef(nullptr) && !AVSKGetDataRefTypes(nullptr));
 }
 
 TEST_F(DataAccess, NamesOfTheSameHashAreTwo) {

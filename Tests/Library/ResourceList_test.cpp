@@ -1,4 +1,5 @@
 // The list of callbacks: records may be removed at any time during any walk.
+#include "AVSKCallbackSequence.h"
 #include "AVSKResourceList.h"
 
 #include <gtest/gtest.h>
@@ -176,5 +177,18 @@ TEST_F(ResourceList, AFreedSlotIsReused) {
     EXPECT_EQ(items['d'], slot);
 }
 #endif
+
+TEST(CallbackSequence, AnItemThatIsErasedInItsCallIsNotFound) {
+    AVSKCallbackSequence<int> sequence;
+    sequence.Append(7);
+    const auto isSeven = [](int item) { return item == 7; };
+    EXPECT_TRUE(sequence.Any(isSeven));
+    sequence.FromOldest([&](int /*item*/) {
+        sequence.EraseAll(isSeven);
+        EXPECT_FALSE(sequence.Any(isSeven));
+        return true;
+    });
+    EXPECT_TRUE(sequence.Empty());
+}
 
 } // namespace
