@@ -140,7 +140,7 @@ struct RunRequest {
 // A session contains these itself, so they are refused together with one. Returns them.
 std::vector<CLI::Option *> AddRunOnlyOptions(CLI::App &run, RunRequest &request) {
     SimulatorOptions &simulator = request.options.simulator;
-    const std::vector<CLI::Option *> added{
+    std::vector<CLI::Option *> added{
         AddFrames(run, simulator.frames),
         run.add_option("--fps", simulator.fps, "frames per simulated second")
             ->check(PositiveNumber())

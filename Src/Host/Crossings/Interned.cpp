@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <cstring>
 #include <unordered_map>
 
 #include <sys/mman.h>
@@ -25,7 +24,7 @@ std::string_view Keep(const std::string &text) {
         gFreeBytes = size;
     }
     const std::string_view kept(gFree, text.size());
-    std::memcpy(gFree, text.data(), text.size());
+    std::copy(text.begin(), text.end(), gFree);
     gFree += text.size();
     gFreeBytes -= text.size();
     return kept;

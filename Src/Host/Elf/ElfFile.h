@@ -28,7 +28,7 @@ struct ElfFile {
     std::vector<std::string> unique;    // dynamic symbols of which a process has only one; they keep the file mapped
     std::vector<std::string> folders;   // that it names for the search of libraries, "$ORIGIN/lib" or the like
 
-    bool hasInterpreter = false;  // a program that the dynamic linker starts
+    bool hasInterpreter = false;     // a program that the dynamic linker starts
     bool isNeverUnloaded = false;    // linked with -z nodelete
     bool hasTextRelocations = false; // its code is changed while it is loaded
     bool hasExecutableStack = false;
