@@ -137,9 +137,7 @@ int AVSKAcquirePlanes(char **paths, AVSKPlanesAvailable_f callback, void *refcon
             gQueue.Append({callback, refcon, plugin});
         return 0;
     }
-    gRequestedPlanes.clear();
-    gPlaneLimit = -1;
-    gOwner = plugin;
+    gOwner = plugin; // its predecessor's release has cleared the limit and the requests
     bool tooLong = false;
     for (int index = 0; paths && paths[index]; ++index) {
         std::string path = Converted(paths[index]);
