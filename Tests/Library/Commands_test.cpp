@@ -135,8 +135,12 @@ TEST_F(Commands, TheHoldsAndHandlersOfAnUnloadedPluginEnd) {
 
 TEST_F(Commands, HoldsMayChangeWhileTheyAreContinued) {
     Begin(air, {kPush, kPull, kTurn});
-    std::function<void()> act = [&] { air.Run([] { AVSKCommandEnd(kPush), AVSKCommandEnd(kPull); }); };
+    std::function<void()> act = [&] { air.Run([] { AVSKCommandEnd(kPush), AVSKCommandBegin(kPull); }); };
     host.on.continueCommand = [&](void *) { act ? std::exchange(act, nullptr)() : void(); };
+    EXPECT_EQ(Repeat(),
+              "1: continueCommand(11); endCommand(11); beginCommand(12); continueCommand(12); continueCommand(13)");
+    Begin(air, {kPush});
+    act = [&] { air.Run([] { AVSKCommandEnd(kPush), AVSKCommandEnd(kPull); }); };
     EXPECT_EQ(Repeat(), "1: continueCommand(11); endCommand(11); endCommand(12); continueCommand(13)");
     Begin(air, {kPush});
     act = World::UnloadAircraft;

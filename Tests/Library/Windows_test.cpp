@@ -102,6 +102,8 @@ TEST_F(Windows, WithoutFunctionsItLetsEverythingPassButKeysAndOnceGoneItIsIgnore
     Focus(nullptr);
     AVSKGetWindowGeometry(window, nullptr, nullptr, nullptr, nullptr);
     EXPECT_EQ(Geometry(window), "0 10 77 5");
+    AVSKSetWindowRefCon(window, &host);
+    EXPECT_EQ(AVSKGetWindowRefCon(window), &host);
     AVSKDestroyWindow(window);
     AVSKSetWindowRefCon(window, this);
     AVSKSetWindowGeometry(window, 1, 2, 3, 4);
