@@ -132,8 +132,8 @@ TEST_F(Paths, AListingGivesWholeNamesWhileThereIsRoomForThemAndTheirEnd) {
         SCOPED_TRACE(Line(from, " ", size, " ", indexCount));
         // Exactly the size passed, so that a sanitizer detects an overflow.
         std::vector<char> buffer(static_cast<std::size_t>(std::max(size, 0)), '#');
-        std::vector<char *> found(static_cast<std::size_t>(indexCount), nullptr);
         char none = '#';
+        std::vector<char *> found(static_cast<std::size_t>(indexCount), &none);
         int total = -1, returned = -1;
         EXPECT_EQ(AVSKGetDirectoryContents(folder.c_str(), from, buffer.empty() ? &none : buffer.data(), size,
                                            found.data(), indexCount, &total, &returned),

@@ -82,6 +82,7 @@ TEST_F(Planes, AcquiringTakesTheModelsOfItsListButTheUsers) {
     EXPECT_EQ(Acquire(b), 1);
     EXPECT_EQ(Model(1), "own") << "a null list requests nothing";
     EXPECT_EQ(Acquire(a), 0) << "and without a callback it does not wait";
+    EXPECT_EQ(Release(b), "");
 }
 
 TEST_F(Planes, AModelIsLoadedAtOnceWhenTheHostHasThatAircraft) {
