@@ -25,6 +25,7 @@ TEST_F(DataAccess, ANameKeepsItsHandleThroughOwnersAndGaps) {
     EXPECT_EQ(AVSKGetDatai(ref), 0);
     EXPECT_EQ(AVSKGetDataRefTypes(ref), AVSKDataTypeInt) << "what was stored is still told";
     EXPECT_EQ(PublishAs(b, "a/x", Eight), ref);
+    EXPECT_EQ(PublishAs(a, "a/x", Seven), ref) << "taken: B's, unchanged";
     EXPECT_EQ(AVSKGetDatai(ref), 8);
     EXPECT_TRUE(!AVSKFindDataRef(nullptr) && !Publish(nullptr));
     EXPECT_TRUE(!AVSKCanWriteDataRef(nullptr) && !AVSKGetDataRefTypes(nullptr));
