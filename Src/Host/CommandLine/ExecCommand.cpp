@@ -4,6 +4,7 @@
 
 #include "Common/NearestName.h"
 #include "Common/UsageError.h"
+#include "Crossings/Words.h"
 #include "Elf/ElfFile.h"
 #include "Observing/Trace.h"
 #include "Preload/ObserveVariable.h"
@@ -80,11 +81,9 @@ std::string FindProgram(const std::string &name) {
     const char *const variable = std::getenv("PATH");
     std::string_view folders = variable ? variable : "/usr/bin:/bin";
     while (!folders.empty()) {
-        const std::size_t end = std::min(folders.find(':'), folders.size());
-        const fs::path path = fs::path(folders.substr(0, end)) / name;
+        const fs::path path = fs::path(crossings::TakeWord(folders, ":")) / name;
         if (access(path.c_str(), X_OK) == 0 && fs::is_regular_file(path, error))
             return path.string();
-        folders.remove_prefix(std::min(end + 1, folders.size()));
     }
     throw UsageError("exec: there is no program '" + name + "' in the folders of PATH" +
                      (fs::exists(name, error) ? ": say ./" + name : ": give its path"));

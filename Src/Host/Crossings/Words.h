@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <initializer_list>
 #include <string_view>
 
 namespace crossings {
@@ -14,6 +15,10 @@ inline std::string_view TakeWord(std::string_view &words, std::string_view separ
     const std::string_view first = words.substr(0, end);
     words.remove_prefix(std::min(first.size() + 1, words.size()));
     return first;
+}
+
+inline bool IsOneOf(std::string_view word, std::initializer_list<std::string_view> words) {
+    return std::find(words.begin(), words.end(), word) != words.end();
 }
 
 } // namespace crossings

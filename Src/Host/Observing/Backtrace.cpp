@@ -6,6 +6,8 @@
 #include "Fault.h"
 #include "History.h"
 
+#include "Crossings/Words.h"
+
 #include <algorithm>
 #include <array>
 #include <cstdint>
@@ -244,8 +246,7 @@ void PrepareBacktrace() {
     const char *path = std::getenv("PATH");
     std::string_view folders = path ? path : "/usr/bin:/bin";
     for (gSymbolizer.clear(); gSymbolizer.empty() && !folders.empty();) {
-        const std::string file = std::string(folders.substr(0, folders.find(':'))) + "/addr2line";
-        folders.remove_prefix(std::min(folders.find(':') + 1 ? folders.find(':') + 1 : folders.size(), folders.size()));
+        const std::string file = std::string(crossings::TakeWord(folders, ":")) + "/addr2line";
         if (access(file.c_str(), X_OK) == 0)
             gSymbolizer = file;
     }

@@ -6,6 +6,7 @@
 
 #include "Common/NearestName.h"
 #include "Crossings/Callback.h"
+#include "Crossings/Words.h"
 #include "Elf/ElfFile.h"
 #include "Reference/Reference.h"
 
@@ -15,7 +16,6 @@
 #include <cstdio>
 #include <cstring>
 #include <filesystem>
-#include <iterator>
 #include <string_view>
 #include <system_error>
 #include <utility>
@@ -65,10 +65,10 @@ Loading::Loading(const ObservedHost &host) : mHost(host) { crossings::AddObserve
 Loading::~Loading() { crossings::RemoveObserver(*this); }
 
 crossings::Interest Loading::InterestIn(const crossings::Prototype &function) const {
-    static constexpr std::string_view kSeen[] = {"AVPluginStart",         "AVPluginEnable", "AVSKEventHook",
-                                                 "AVSKInitializePlugins", "debugString",    "showMessage"};
-    const bool isSeen = std::find(std::begin(kSeen), std::end(kSeen), function.name) != std::end(kSeen);
-    return isSeen ? crossings::Interest::Work : crossings::Interest::None;
+    return crossings::IsOneOf(function.name, {"AVPluginStart", "AVPluginEnable", "AVSKEventHook",
+                                              "AVSKInitializePlugins", "debugString", "showMessage"})
+               ? crossings::Interest::Work
+               : crossings::Interest::None;
 }
 
 void Loading::Begins(const Crossing &crossing) {

@@ -39,9 +39,13 @@ Observers::Observers(std::unique_ptr<const ObservedHost> host, ObservingOptions 
         mTrace.emplace(mOptions.trace);
 }
 
-void Observers::ReportLoaded() {
+void Observers::EndFrames() {
     if (mProfile)
         mProfile->EndFrames();
+}
+
+void Observers::ReportLoaded() {
+    EndFrames();
     if (mOptions.owners)
         PrintList("\nOwned by plugins:", mLedger->Owned());
 }

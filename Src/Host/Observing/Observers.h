@@ -43,12 +43,13 @@ class Observers {
     Ledger &Owners() { return mLedger.value(); }
     Profile &Times() { return mProfile.value(); }
     const Profile &Times() const { return mProfile.value(); }
-    bool HasTimes() const { return mProfile.has_value(); }
     Loading &Loaded() { return mLoading; }
 
     // The calling thread is now the one that calls the library.
     void MoveToThisThread() { mBlame.MoveToThisThread(); }
 
+    // Ends the last frame: unloading, which follows, has no budget.
+    void EndFrames();
     // Print what the options ask for. To be called after the last frame, and after
     // the plugins are unloaded.
     void ReportLoaded();

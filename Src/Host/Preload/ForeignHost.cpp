@@ -2,13 +2,12 @@
 #include "ForeignHost.h"
 
 #include "Crossings/ValueText.h"
+#include "Crossings/Words.h"
 
 #include "AVSK/AVSKHost.h"
 #include "AVSK/AVSKPlugins.h"
 
-#include <algorithm>
 #include <array>
-#include <iterator>
 #include <string_view>
 
 namespace host {
@@ -26,10 +25,10 @@ ForeignHost::ForeignHost() { crossings::AddObserver(*this); }
 ForeignHost::~ForeignHost() { crossings::RemoveObserver(*this); }
 
 crossings::Interest ForeignHost::InterestIn(const crossings::Prototype &function) const {
-    static constexpr std::string_view kSeen[] = {"AVSKEventHook", "AVSKInitializePlugins", "findCommand",
-                                                 "getAircraftModel"};
-    const bool isSeen = std::find(std::begin(kSeen), std::end(kSeen), function.name) != std::end(kSeen);
-    return isSeen ? crossings::Interest::Calls : crossings::Interest::None;
+    return crossings::IsOneOf(function.name,
+                              {"AVSKEventHook", "AVSKInitializePlugins", "findCommand", "getAircraftModel"})
+               ? crossings::Interest::Calls
+               : crossings::Interest::None;
 }
 
 void ForeignHost::Begins(const crossings::Crossing &crossing) {

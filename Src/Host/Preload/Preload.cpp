@@ -9,13 +9,13 @@
 #include "Common/UsageError.h"
 #include "Crossings/Crossing.h"
 #include "Crossings/RealSymbols.h"
+#include "Crossings/Words.h"
 #include "Observing/Blame.h"
 #include "Observing/EndAtOnce.h"
 #include "Observing/Fault.h"
 #include "Observing/Observers.h"
 #include "Rules/Checker.h"
 
-#include <algorithm>
 #include <atomic>
 #include <cerrno>
 #include <cstdio>
@@ -59,9 +59,9 @@ class Observation : public crossings::Observer {
     }
 
     crossings::Interest InterestIn(const crossings::Prototype &function) const override {
-        static constexpr std::string_view kSeen[] = {"AVSKEventHook", "AVSKInitializePlugins", "AVSKShutdownPlugins"};
-        const bool isSeen = std::find(std::begin(kSeen), std::end(kSeen), function.name) != std::end(kSeen);
-        return isSeen ? crossings::Interest::Work : crossings::Interest::None;
+        return crossings::IsOneOf(function.name, {"AVSKEventHook", "AVSKInitializePlugins", "AVSKShutdownPlugins"})
+                   ? crossings::Interest::Work
+                   : crossings::Interest::None;
     }
 
     void Begins(const Crossing &crossing) override {
@@ -92,8 +92,7 @@ class Observation : public crossings::Observer {
         if (!mIsRunning)
             return;
         mIsRunning = false;
-        if (mObservers.HasTimes())
-            mObservers.Times().EndFrames();
+        mObservers.EndFrames();
         if (mOptions.owners)
             mOwned = mObservers.Owners().Owned();
     }
@@ -222,9 +221,7 @@ void RemoveFromEnvironment() {
     const char *const list = std::getenv("LD_PRELOAD");
     std::string others;
     for (std::string_view rest = list ? list : ""; !rest.empty();) {
-        const std::size_t end = std::min(rest.find_first_of(": "), rest.size());
-        const std::string_view path = rest.substr(0, end);
-        rest.remove_prefix(std::min(end + 1, rest.size()));
+        const std::string_view path = crossings::TakeWord(rest, ": ");
         if (!path.empty() && !path.ends_with("/" AVSK_PRELOAD_NAME))
             others.append(others.empty() ? "" : ":").append(path);
     }

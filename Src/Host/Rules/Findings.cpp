@@ -10,7 +10,11 @@
 #include "Observing/Backtrace.h"
 
 #include <algorithm>
+#include <cstdlib>
+#include <memory>
 #include <set>
+
+#include <cxxabi.h>
 
 namespace host {
 namespace {
@@ -78,6 +82,18 @@ std::string Hexadecimal(const void *pointer) {
     crossings::Line line;
     line.AddHex(reinterpret_cast<std::uintptr_t>(pointer));
     return std::string(line.Text());
+}
+
+std::string Decimal(double number) {
+    crossings::Line line;
+    line.Add(number);
+    return std::string(line.Text());
+}
+
+std::string TypeName(const std::type_info &type) {
+    const std::unique_ptr<char, decltype(&std::free)> text(abi::__cxa_demangle(type.name(), nullptr, nullptr, nullptr),
+                                                           std::free);
+    return text ? text.get() : type.name();
 }
 
 std::string Quoted(std::string_view text) { return '"' + std::string(text) + '"'; }

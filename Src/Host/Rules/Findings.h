@@ -11,6 +11,7 @@
 #include <initializer_list>
 #include <map>
 #include <string>
+#include <typeinfo>
 #include <utility>
 #include <vector>
 
@@ -94,6 +95,10 @@ const crossings::Crossing *PluginCodeOf(const crossings::Crossing &crossing);
 std::string Quoted(std::string_view text);
 // Likewise an address.
 std::string Hexadecimal(const void *pointer);
+// Likewise a number, with as many digits as it needs.
+std::string Decimal(double number);
+// The type of an exception, for a reader: "std::runtime_error".
+std::string TypeName(const std::type_info &type);
 
 } // namespace host
 

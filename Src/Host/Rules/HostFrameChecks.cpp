@@ -3,8 +3,6 @@
 
 #include "HostOrderRules.h"
 
-#include "Crossings/Line.h"
-
 #include "AVSK/AVSKHost.h"
 
 #include <chrono>
@@ -18,12 +16,7 @@ using crossings::Crossing;
 
 constexpr int kLastCode = 26;
 
-std::string SecondsText(double value) {
-    crossings::Line line;
-    line.Add(value);
-    line.Add(" s");
-    return std::string(line.Text());
-}
+std::string SecondsText(double value) { return Decimal(value) + " s"; }
 
 double SecondsSince(Crossing::Clock::time_point begin) {
     return std::chrono::duration<double>(Crossing::Clock::now() - begin).count();

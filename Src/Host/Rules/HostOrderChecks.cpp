@@ -5,7 +5,6 @@
 #include "HostOrderRules.h"
 
 #include "Crossings/CallState.h"
-#include "Crossings/Line.h"
 #include "Crossings/ValueText.h"
 
 #include "AVSK/AVSKHost.h"
@@ -71,12 +70,6 @@ bool HasSignalFrame() {
 bool IsOnSignalStack() {
     stack_t stack{};
     return sigaltstack(nullptr, &stack) == 0 && (stack.ss_flags & SS_ONSTACK) != 0;
-}
-
-std::string NumberText(double value) {
-    crossings::Line line;
-    line.Add(value);
-    return std::string(line.Text());
 }
 
 } // namespace
@@ -269,7 +262,7 @@ void HostOrderChecks::BeforeCamera(const Crossing &hook) {
             mFindings.Add(Named(kHostOrderRules, "host-hook-null"), hook, {{"parameter", parameter}});
         else if (!std::isfinite(value))
             mFindings.Add(Named(kHostOrderRules, "host-camera-invalid"), hook,
-                          {{"parameter", parameter}, {"value", NumberText(value)}});
+                          {{"parameter", parameter}, {"value", Decimal(value)}});
         ++parameter.back();
     }
 }

@@ -9,13 +9,10 @@
 #include "AVSK/AVSKHost.h"
 
 #include <cstdint>
-#include <cstdlib>
-#include <memory>
 #include <string_view>
 #include <utility>
 
 #include <climits>
-#include <cxxabi.h>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -55,16 +52,11 @@ std::string TargetOf(int descriptor) {
     return readlink(link.c_str(), target.data(), target.size() - 1) > 0 ? Quoted(target.data()) : "unknown";
 }
 
-std::string Readable(const std::type_info *type) {
-    if (!type)
-        return "an exception of another language";
-    const std::unique_ptr<char, decltype(&std::free)> text(abi::__cxa_demangle(type->name(), nullptr, nullptr, nullptr),
-                                                           std::free);
-    return text ? text.get() : type->name();
-}
-
 // Whether host code runs: a service, or a callback that the host registered.
 bool IsHostCode(const Crossing &call) { return call.to == Side::Host; }
+
+// Why nobody can pick an item with a name of this kind; null if somebody can.
+const char *ReasonFor(int kind) { return kind == 1 ? kSeparator : kind == 0 ? kHidden : nullptr; }
 
 // Of a name: 0 for "" and null, 1 for "-", 2 for others.
 int KindOfName(const crossings::Value &name) {
@@ -139,7 +131,9 @@ void HostServiceChecks::Ends(const Crossing &crossing) {
     if (!IsHostCode(crossing))
         return;
     if (!crossing.returned && !open.passes)
-        mFindings.Add(Named(kHostServiceRules, "host-throws"), crossing, {{"type", Readable(crossing.thrownType)}});
+        mFindings.Add(
+            Named(kHostServiceRules, "host-throws"), crossing,
+            {{"type", crossing.thrownType ? TypeName(*crossing.thrownType) : "an exception of another language"}});
     if (crossing.stateBefore != crossing.stateAfter)
         CheckState(crossing);
     if (open.free >= 0 && !open.hasInner && LowestFree(mDescriptor) > open.free)
@@ -212,7 +206,7 @@ void HostServiceChecks::AfterItem(const Crossing &call) {
     const int id = call.result.integer;
     const int kind = KindOfName(call["name"]);
     const Item item{.id = id, .isSeparator = kind == 1, .isShown = kind != 0};
-    if (!mItems.insert_or_assign(id, kind == 1 ? kSeparator : kind == 0 ? kHidden : nullptr).second)
+    if (!mItems.insert_or_assign(id, ReasonFor(kind)).second)
         mFindings.Add(Named(kHostServiceRules, "host-item-twice"), call, {kOneFinding, {"id", std::to_string(id)}});
     const auto menu = mMenus.find(call["menu"].pointer);
     if (menu == mMenus.end())
@@ -241,7 +235,7 @@ void HostServiceChecks::AfterName(const Crossing &call) {
         return;
     const int kind = KindOfName(call["name"]);
     item->isShown = kind != 0;
-    mItems[item->id] = kind == 1 ? kSeparator : kind == 0 ? kHidden : nullptr;
+    mItems[item->id] = ReasonFor(kind);
 }
 
 void HostServiceChecks::AfterRemoval(const Crossing &call) {

@@ -20,14 +20,11 @@
 #include <cstring>
 #include <filesystem>
 #include <fstream>
-#include <memory>
 #include <mutex>
 #include <string_view>
 #include <system_error>
 #include <thread>
 #include <utility>
-
-#include <cxxabi.h>
 
 namespace host {
 namespace {
@@ -149,14 +146,6 @@ std::string PathOf(AVSKPluginID plugin) {
     std::array<char, AVSK_TEXT_SIZE> path{};
     AVSKGetPluginInfo(plugin, nullptr, path.data(), nullptr, nullptr);
     return path.data();
-}
-
-std::string Readable(const std::type_info *type) {
-    if (!type)
-        return "another language";
-    const std::unique_ptr<char, decltype(&std::free)> text(abi::__cxa_demangle(type->name(), nullptr, nullptr, nullptr),
-                                                           std::free);
-    return text ? text.get() : type->name();
 }
 
 } // namespace
@@ -350,7 +339,8 @@ void LifeChecks::CheckThreads(const Crossing &stop, const Plugin &plugin) {
 
 void LifeChecks::CheckException(const Crossing &crossing) {
     Finding finding =
-        mFindings.Make(Named(kLifeRules, "exception-left"), crossing, {{"type", Readable(crossing.thrownType)}});
+        mFindings.Make(Named(kLifeRules, "exception-left"), crossing,
+                       {{"type", crossing.thrownType ? TypeName(*crossing.thrownType) : "another language"}});
     const void *address =
         ThrowingAddress(crossing.thrown, FileAt(reinterpret_cast<const void *>(crossing.callback->function)));
     if (address)
