@@ -1,12 +1,13 @@
-// A picture of the screen, drawn by software. Coordinates are those of the
-// drawing services: pixels, y upward; a rectangle excludes its right column and
-// its top row. Drawing is clipped to the picture.
+// An image to draw on, by software. Coordinates are those of the drawing
+// services: pixels, y upward; a rectangle excludes its right column and its top
+// row. Drawing is clipped to the image. Colours in the image are premultiplied by
+// their alpha, so that a canvas can be laid over another image.
 #ifndef AVSK_HOST_SCREEN_CANVAS_H
 #define AVSK_HOST_SCREEN_CANVAS_H
 
-#include <string>
+#include "Image.h"
+
 #include <string_view>
-#include <vector>
 
 namespace host {
 
@@ -17,23 +18,33 @@ struct Colour {
     float red, green, blue;
 };
 
+// Rows count from the top of the image; the right column and the bottom row are excluded.
+struct PixelRectangle {
+    int left, top, right, bottom;
+
+    bool IsEmpty() const { return left >= right || top >= bottom; }
+};
+
 class Canvas {
   public:
-    Canvas(int width, int height); // black
+    explicit Canvas(Image image); // draws over the image
 
     void Fill(int left, int top, int right, int bottom, Colour colour, float opacity = 1);
-    // Draws a text on one line and returns the x of the next character.
-    int Text(const Font &font, int x, int baseline, std::string_view text, Colour colour);
+    // Draws a text on one line.
+    void Text(const Font &font, int x, int baseline, std::string_view text, Colour colour);
 
-    // False if the file cannot be written.
-    bool WritePng(const std::string &file) const;
+    const Image &Pixels() const { return mImage; }
+    // What was drawn on since the beginning or the last Clear.
+    const PixelRectangle &Touched() const { return mTouched; }
+    // Makes what was drawn on transparent.
+    void Clear();
 
   private:
-    void Blend(int x, int y, Colour colour, float opacity);
+    // The part of the rectangle that is inside the image. It counts as touched.
+    PixelRectangle Touch(PixelRectangle rectangle);
 
-    int mWidth;
-    int mHeight;
-    std::vector<unsigned char> mPixels; // three bytes each, top row first
+    Image mImage;
+    PixelRectangle mTouched;
 };
 
 } // namespace host

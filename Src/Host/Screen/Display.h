@@ -1,12 +1,12 @@
-// The screen: fonts for measuring texts and, in frames that are written to a
-// file, the canvas on which the drawing services draw.
+// The screen: fonts for measuring texts and, in frames whose picture is wanted,
+// the canvas on which the drawing services draw.
 #ifndef AVSK_HOST_SCREEN_DISPLAY_H
 #define AVSK_HOST_SCREEN_DISPLAY_H
 
 #include "Canvas.h"
 #include "Font.h"
 
-#include <optional>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -31,15 +31,29 @@ class Display {
     int mouseX; // in the middle until a session moves it
     int mouseY;
     Fonts fonts;
-    std::optional<Canvas> canvas; // exists while a frame is drawn that will be written
-    int lastTexture = 0;          // numbers handed out so far
+    int lastTexture = 0; // numbers handed out so far
 
-    // Begins the drawing of a frame. A frame that is not written has no canvas and costs nothing.
-    void Begin(bool written);
+    // Set before a frame by anyone who needs its picture. The frame resets it. A frame without a picture costs nothing.
+    bool wanted = false;
+    // Null except while a frame is drawn whose picture is wanted.
+    Canvas *canvas = nullptr;
+
+    // Begins and ends the drawing of a frame.
+    void Begin();
+    void End();
     // Draws the simulator's own part of a pass; the status line is drawn over the instruments.
     void DrawOwnPart(int drawCode, const std::string &status);
-    // Draws the menu bar over everything and writes the picture. Throws std::runtime_error if that fails.
-    void Write(const std::vector<ShownItem> &menuBar, const std::string &file);
+
+    // The picture of the last frame, opaque, without the menu bar; null if nobody wanted it.
+    // It is valid until the next frame.
+    const Image *Shown() const { return mIsShown ? &mShown : nullptr; }
+    // The same with the menu bar over it. It must be shown.
+    Image ShownWith(const std::vector<ShownItem> &menuBar) const;
+
+  private:
+    std::unique_ptr<Canvas> mCanvas; // made when the first picture is wanted
+    Image mShown;
+    bool mIsShown = false;
 };
 
 } // namespace host

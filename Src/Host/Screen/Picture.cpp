@@ -4,8 +4,8 @@
 #include "Display.h"
 
 #include <algorithm>
-#include <stdexcept>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace host {
@@ -143,10 +143,26 @@ class MenuPainter {
 
 } // namespace
 
-void Display::Begin(bool written) {
-    canvas.reset();
-    if (written)
-        canvas.emplace(width, height);
+void Display::Begin() {
+    mIsShown = false;
+    if (!std::exchange(wanted, false))
+        return;
+    if (!mCanvas) {
+        mCanvas = std::make_unique<Canvas>(Image(width, height));
+        mShown = Image(width, height);
+    }
+    mCanvas->Clear();
+    canvas = mCanvas.get();
+}
+
+void Display::End() {
+    if (!std::exchange(canvas, nullptr))
+        return;
+    constexpr std::uint32_t kOpaque = 0xFF000000;
+    const Image &drawn = mCanvas->Pixels();
+    std::transform(drawn.pixels.begin(), drawn.pixels.end(), mShown.pixels.begin(),
+                   [](std::uint32_t pixel) { return pixel | kOpaque; });
+    mIsShown = true;
 }
 
 void Display::DrawOwnPart(int drawCode, const std::string &status) {
@@ -158,10 +174,10 @@ void Display::DrawOwnPart(int drawCode, const std::string &status) {
         DrawStatus(*canvas, fonts[kMonospace], width, status);
 }
 
-void Display::Write(const std::vector<ShownItem> &menuBar, const std::string &file) {
-    MenuPainter(*canvas, fonts[kProportional], *this).Bar(menuBar);
-    if (!canvas->WritePng(file))
-        throw std::runtime_error("cannot write the picture '" + file + "': is there room on the disk?");
+Image Display::ShownWith(const std::vector<ShownItem> &menuBar) const {
+    Canvas picture(mShown);
+    MenuPainter(picture, fonts[kProportional], *this).Bar(menuBar);
+    return picture.Pixels();
 }
 
 } // namespace host

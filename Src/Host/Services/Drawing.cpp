@@ -67,7 +67,7 @@ void LocalToWorld(double x, double y, double z, double *latitude, double *longit
 void DrawTranslucentDarkBox(int left, int top, int right, int bottom) {
     constexpr Colour kDark{0.05F, 0.05F, 0.06F};
     constexpr float kOpacity = 0.65F;
-    if (auto &canvas = Enter().display.canvas)
+    if (Canvas *canvas = Enter().display.canvas)
         canvas->Fill(left, top, right, bottom, kDark, kOpacity);
 }
 

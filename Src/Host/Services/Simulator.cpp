@@ -2,6 +2,7 @@
 #include "Simulator.h"
 
 #include "Common/UsageError.h"
+#include "Screen/PngFile.h"
 
 #include "AVSK/AVSKPlugins.h"
 
@@ -67,16 +68,23 @@ void Simulator::PressKeys() {
 }
 
 void Simulator::Draw() {
-    const auto wanted = [this](const Screenshot &shot) { return shot.frame == frame; };
+    const auto isDue = [this](const Screenshot &shot) { return shot.frame == frame; };
     const auto &shots = options.screenshots;
-    display.Begin(std::any_of(shots.begin(), shots.end(), wanted));
+    const bool isShot = std::any_of(shots.begin(), shots.end(), isDue);
+    display.wanted = display.wanted || isShot;
+    display.Begin();
     DrawPasses();
+    display.End();
+    if (!isShot)
+        return;
+    const Image picture = Picture();
     for (const Screenshot &shot : shots) {
-        if (wanted(shot))
-            display.Write(menus.Shown(), shot.file);
+        if (isDue(shot))
+            WritePng(picture, shot.file);
     }
-    display.Begin(/*written=*/false);
 }
+
+Image Simulator::Picture() const { return display.ShownWith(menus.Shown()); }
 
 std::string Simulator::Status() const {
     std::array<char, 160> text{};

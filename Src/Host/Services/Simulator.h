@@ -57,6 +57,8 @@ struct Simulator {
     void RunFrame(double seconds);
     // Reports each scenery folder to the library.
     void ReportScenery();
+    // What the screen shows, with the menu bar. The picture of the last frame must have been wanted.
+    Image Picture() const;
 
   private:
     void FinishRequests();

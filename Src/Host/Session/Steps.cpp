@@ -12,6 +12,7 @@
 #include "Common/Text.h"
 #include "Observing/DatarefValues.h"
 #include "Observing/Listings.h"
+#include "Screen/PngFile.h"
 
 #include "AVSK/AVSKDisplay.h"
 #include "AVSK/AVSKHost.h"
@@ -22,6 +23,7 @@
 #include <cmath>
 #include <cstdio>
 #include <filesystem>
+#include <stdexcept>
 
 #include <unistd.h>
 
@@ -335,8 +337,13 @@ Failure TakeScreenshot(SessionRunner &run, const Step &step) {
         return "cannot write there: name a .png file in a folder that exists and is writable";
     if (const std::string missing = run.Sim().display.fonts.Missing(); !missing.empty())
         return "cannot read the font '" + missing + "': install the package fonts-dejavu-core";
-    run.Sim().options.screenshots = {{step[0], run.Sim().frame + 1}};
+    run.Sim().display.wanted = true;
     run.RunFrames(1);
+    try {
+        WritePng(run.Sim().Picture(), step[0]);
+    } catch (const std::runtime_error &error) {
+        return error.what();
+    }
     return {};
 }
 
