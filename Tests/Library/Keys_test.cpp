@@ -3,19 +3,19 @@
 
 namespace {
 
-using Player = std::function<int()>;
+using KeyPlayer = std::function<int()>;
 std::string gKey; // the key that the last sniffer received
 
 int Play(char key, int flags, char virtualKey, void *refcon) {
     gKey = Line(int(key), " ", flags, " ", int(virtualKey));
-    return (*static_cast<const Player *>(refcon))();
+    return (*static_cast<const KeyPlayer *>(refcon))();
 }
 
 void PlayHot(void *refcon) { (*static_cast<const NoticePlayer *>(refcon))(); }
 
 class Keys : public ThreePlugins {
   protected:
-    static int Sniff(const Puppet &owner, Player &player, int beforeWindows) {
+    static int Sniff(const Puppet &owner, KeyPlayer &player, int beforeWindows) {
         return owner.Run([&] { return AVSKRegisterKeySniffer(Play, beforeWindows, &player); });
     }
     static AVSKHotKeyID Hot(const Puppet &owner, char virtualKey, int flags, NoticePlayer &player,
@@ -30,7 +30,7 @@ TEST_F(Keys, AKeyGoesFromStationToStationUntilOneTakesIt) {
     const auto station = [&](int number) {
         return [&taker, number] { return Note(std::to_string(number)), taker == number ? 0 : 1; };
     };
-    Player stations[] = {station(1), station(2), station(5), station(6)};
+    KeyPlayer stations[] = {station(1), station(2), station(5), station(6)};
     Sniff(a, stations[3], 0);
     Sniff(a, stations[1], 7);
     Sniff(b, stations[2], 0);
@@ -57,7 +57,7 @@ TEST_F(Keys, AKeyGoesFromStationToStationUntilOneTakesIt) {
 
 TEST_F(Keys, ASniffersThreeValuesAreItsNameWhoeverRegisteredItAndAsLongAsTheKeyPressLasts) {
     for (const int before : {1, 0}) {
-        Player player;
+        KeyPlayer player;
         player = [&] {
             EXPECT_EQ(AVSKUnregisterKeySniffer(Play, before, &player), 1);
             EXPECT_EQ(AVSKRegisterKeySniffer(Play, before, &player), 0);
@@ -71,7 +71,7 @@ TEST_F(Keys, ASniffersThreeValuesAreItsNameWhoeverRegisteredItAndAsLongAsTheKeyP
         EXPECT_EQ(AVSKUnregisterKeySniffer(Play, before, &player), 1);
         EXPECT_EQ(AVSKUnregisterKeySniffer(Play, before, &player), 0);
     }
-    Player player = [] { return Note("called"), 1; };
+    KeyPlayer player = [] { return Note("called"), 1; };
     Sniff(a, player, 0);
     AVSKRegisterKeySniffer(nullptr, 0, nullptr);
     EXPECT_EQ(DOES(AVSKKeyPressHook(0, 0, 0)), "1") << "no key";

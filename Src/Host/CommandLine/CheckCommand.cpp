@@ -45,7 +45,7 @@ int Do(const CheckRequest &request) {
         json = Open("--json", request.json);
     if (!request.junit.empty())
         junit = Open("--junit", request.junit);
-    const Verdict verdict = Check(request.options);
+    const Verdict verdict = JudgePlugins(request.options);
     PrintLines(VerdictLines(verdict));
     for (const auto &[stream, text, name] :
          {std::tuple(&json, &VerdictJson, &request.json), std::tuple(&junit, &VerdictJunit, &request.junit)}) {

@@ -20,7 +20,7 @@
 namespace host {
 namespace {
 
-std::vector<std::string> Describe(const Profile &times, AVSKPluginID id) {
+std::vector<std::string> DescribePlugin(const Profile &times, AVSKPluginID id) {
     std::array<char, AVSK_TEXT_SIZE> name{};
     std::array<char, AVSK_TEXT_SIZE> signature{};
     AVSKGetPluginInfo(id, name.data(), nullptr, signature.data(), nullptr);
@@ -43,7 +43,7 @@ void PrintReport(const Simulator &simulator, const Profile &times, bool hasRealT
 
     std::vector<std::vector<std::string>> rows = {{"ID", "plugin", "signature", "enabled", "calls"}};
     for (int i = 0; i < AVSKCountPlugins(); ++i)
-        rows.push_back(Describe(times, AVSKGetNthPlugin(i)));
+        rows.push_back(DescribePlugin(times, AVSKGetNthPlugin(i)));
     std::vector<std::string> lines = AlignColumns(rows, {.numbers = {0, 4}});
     lines[0] = Emphasised(Emphasis::Heading, lines[0], STDOUT_FILENO);
     for (const std::string &line : lines)

@@ -58,7 +58,7 @@ _Unwind_Reason_Code NoteFrame(_Unwind_Context *context, void *argument) {
 }
 
 // Follows the stack up to the host's own code only: plugins that throw and catch pay for each frame.
-void Note(const void *exception, int depth) {
+void NoteDepth(const void *exception, int depth) {
     Throw &noted = gThrows[gCount++ % gThrows.size()];
     noted.exception = exception;
     noted.count = 0;
@@ -121,7 +121,7 @@ extern "C" __attribute__((visibility("default"), noreturn)) void __cxa_throw(voi
     static const auto next = reinterpret_cast<Function>(crossings::NextSymbol("__cxa_throw"));
     const crossings::Crossing *call = crossings::AreObserved() ? crossings::Innermost() : nullptr;
     if (call)
-        host::Note(exception, call->depth);
+        host::NoteDepth(exception, call->depth);
     next(exception, type, destructor);
     __builtin_unreachable();
 }

@@ -48,7 +48,7 @@ class TextStart {
     std::size_t mSize = 0;
 };
 
-std::string NumberText(double value) {
+std::string UnusableNumber(double value) {
     return std::isnan(value) ? "not a number" : value > 0 ? "infinite" : "minus infinite";
 }
 
@@ -232,7 +232,7 @@ void ArgumentChecks::CheckNumber(const Case &one) {
         return;
     const bool isDataref = one.row.must == Must::BeFiniteValue;
     Add(isDataref ? Named(kArgumentRules, "dataref-finite") : Named(kArgumentRules, "number-finite"), one, "value",
-        NumberText(one.value.real));
+        UnusableNumber(one.value.real));
 }
 
 // The first place stands for all: plugins fill them in one loop.
@@ -251,7 +251,7 @@ void ArgumentChecks::CheckPlaces(const Case &one) {
                               {"size", std::to_string(sizeof info)}});
     for (const float number : {info.x, info.y, info.z, info.angle1, info.angle2, info.angle3}) {
         if (!std::isfinite(number))
-            return Add(Named(kArgumentRules, "number-finite"), one, "value", NumberText(number));
+            return Add(Named(kArgumentRules, "number-finite"), one, "value", UnusableNumber(number));
     }
 }
 
@@ -332,7 +332,7 @@ void ArgumentChecks::AfterStart(const Crossing &call) {
 
 void ArgumentChecks::AfterFlightLoop(const Crossing &call) {
     if (std::isnan(call.result.real))
-        mFindings.Add(Named(kArgumentRules, "result-number"), call, {{"value", NumberText(call.result.real)}});
+        mFindings.Add(Named(kArgumentRules, "result-number"), call, {{"value", UnusableNumber(call.result.real)}});
 }
 
 void ArgumentChecks::AfterDrawing(const Crossing &call) {
@@ -354,7 +354,7 @@ void ArgumentChecks::AfterCamera(const Crossing &call) {
     for (const float number : {p.f1, p.f2, p.f3, p.f4, p.f5, p.f6, p.f7}) {
         if (!std::isfinite(number))
             return mFindings.Add(Named(kArgumentRules, "result-number"), call,
-                                 {{"value", "a position that is " + NumberText(number)}});
+                                 {{"value", "a position that is " + UnusableNumber(number)}});
     }
 }
 

@@ -38,7 +38,7 @@ constexpr ArgumentRow Index(const char *function, const char *parameter, int (*c
     return {.function = function, .parameter = parameter, .must = Must::BeBelow, .count = count};
 }
 
-constexpr ArgumentRow kRows[] = {
+constexpr ArgumentRow kArgumentRows[] = {
     // ---- Camera
     OneOf("AVSKControlCamera", "duration", IsOneOrTwo, "AVSKCameraUntilViewChanges or AVSKCameraForever"),
     {"AVSKReadCameraPosition", "outPosition", Must::BeSet},
@@ -202,6 +202,6 @@ constexpr ArgumentRow kRows[] = {
 
 } // namespace
 
-std::span<const ArgumentRow> ArgumentRows() { return kRows; }
+std::span<const ArgumentRow> ArgumentRows() { return kArgumentRows; }
 
 } // namespace host

@@ -49,8 +49,8 @@ constexpr std::array<std::string_view, 16> kHooks = {
     "loadObjectAsync_completion",
 };
 
-std::array<std::atomic<long>, kHooks.size()> gForeign;
-std::atomic<bool> gHasForeign = false;
+std::array<std::atomic<long>, kHooks.size()> gForeignHooks;
+std::atomic<bool> gHasForeignHooks = false;
 
 // The code to which a signal handler returns, of the kernel or of the C library.
 bool IsSignalReturn(const void *address) {
@@ -82,8 +82,8 @@ bool NoteHookOnThread(const Prototype &function) {
     const auto *const hook = std::find(kHooks.begin(), kHooks.end(), function.name);
     if (hook == kHooks.end())
         return false;
-    ++gForeign[static_cast<std::size_t>(hook - kHooks.begin())];
-    gHasForeign = true;
+    ++gForeignHooks[static_cast<std::size_t>(hook - kHooks.begin())];
+    gHasForeignHooks = true;
     return true;
 }
 
@@ -138,10 +138,10 @@ void HostOrderChecks::Begins(const Crossing &crossing) {
 void HostOrderChecks::Ends(const Crossing &crossing) { mAfter.Apply(*this, crossing); }
 
 void HostOrderChecks::TakeForeign() {
-    if (!gHasForeign.exchange(false))
+    if (!gHasForeignHooks.exchange(false))
         return;
     for (std::size_t i = 0; i < kHooks.size(); ++i) {
-        const long count = gForeign[i].exchange(0);
+        const long count = gForeignHooks[i].exchange(0);
         if (count == 0)
             continue;
         Finding finding;

@@ -21,7 +21,7 @@ namespace {
 using crossings::Crossing;
 using crossings::Prototype;
 
-constexpr std::size_t kNumbers = 2; // version and size, before the slots
+constexpr std::size_t kHeaderWords = 2; // version and size, before the slots
 constexpr AVSKWord kWord = sizeof(AVSKWord);
 constexpr AVSKWord kSmallest = 280;
 constexpr AVSKWord kFull = sizeof(AVSKHostCallbacks);
@@ -109,26 +109,26 @@ void HostTableChecks::Ends(const Crossing &crossing) {
 }
 
 std::string HostTableChecks::NameOf(std::size_t slot) const {
-    return "slot " + std::to_string(slot) + " (" + mNames[slot - kNumbers] + ")";
+    return "slot " + std::to_string(slot) + " (" + mNames[slot - kHeaderWords] + ")";
 }
 
 void HostTableChecks::Take(const Crossing &start) {
     const void *table = start["table"].pointer;
     mTable = nullptr;
     mWords = {};
-    if (!crossings::ReadMemory(table, mWords.data(), kNumbers * kWord))
+    if (!crossings::ReadMemory(table, mWords.data(), kHeaderWords * kWord))
         return mFindings.Add(Named(kHostTableRules, "host-table-unreadable"), start,
                              {{"address", table ? Hexadecimal(table) : "null"}});
     const AVSKWord size = mWords[kSize];
     JudgeSize(start, size);
     const auto *words = static_cast<const AVSKWord *>(table);
-    for (mCount = kNumbers; mCount < std::min<std::size_t>(size / kWord, mWords.size()); ++mCount) {
+    for (mCount = kHeaderWords; mCount < std::min<std::size_t>(size / kWord, mWords.size()); ++mCount) {
         if (!crossings::ReadMemory(words + mCount, &mWords[mCount], kWord))
             return mFindings.Add(Named(kHostTableRules, "host-table-ends"), start,
                                  {{"", ""}, {"size", std::to_string(size)}, {"bytes", std::to_string(mCount * kWord)}});
     }
     mTable = table;
-    for (std::size_t slot = kNumbers; slot < mCount; ++slot)
+    for (std::size_t slot = kHeaderWords; slot < mCount; ++slot)
         JudgeSlot(start, slot);
 }
 
@@ -180,7 +180,7 @@ void HostTableChecks::Compare(const Crossing &crossing, bool isDuringCall) {
         mTable = nullptr;
         return;
     }
-    for (std::size_t slot = kNumbers; slot < mCount; ++slot) {
+    for (std::size_t slot = kHeaderWords; slot < mCount; ++slot) {
         if (now[slot] == before[slot])
             continue;
         if (slot == kReceiveMessage)

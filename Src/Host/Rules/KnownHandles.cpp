@@ -15,7 +15,7 @@ using crossings::Side;
 using crossings::Value;
 using Event = HandleRow::Event;
 
-constexpr HandleRow kRows[] = {
+constexpr HandleRow kHandleRows[] = {
     {"AVSKFindCommand", HandleKind::Command, Event::Found},
     {"AVSKCreateCommand", HandleKind::Command, Event::Found},
     {"AVSKCommandHandler_f", HandleKind::Command, Event::Passed, "command"},
@@ -58,7 +58,7 @@ const char *WordFor(HandleKind kind) {
     return kWords[static_cast<std::size_t>(kind)];
 }
 
-KnownHandles::KnownHandles() : mRows(kRows) { crossings::AddObserver(*this); }
+KnownHandles::KnownHandles() : mRows(kHandleRows) { crossings::AddObserver(*this); }
 KnownHandles::~KnownHandles() { crossings::RemoveObserver(*this); }
 
 const KnownHandle *KnownHandles::Find(const void *handle) const {

@@ -12,8 +12,8 @@
 namespace host {
 namespace {
 
-constexpr const char *kProportional = AVSK_HOST_FONTS "/DejaVuSans.ttf";
-constexpr const char *kMonospace = AVSK_HOST_FONTS "/DejaVuSansMono.ttf";
+constexpr const char *kProportionalFile = AVSK_HOST_FONTS "/DejaVuSans.ttf";
+constexpr const char *kMonospaceFile = AVSK_HOST_FONTS "/DejaVuSansMono.ttf";
 constexpr int kWidthWithoutFont = 8;
 
 std::vector<unsigned char> ReadFile(const std::string &path) {
@@ -83,7 +83,7 @@ Glyph Font::Rasterise(char32_t character) const {
     return glyph;
 }
 
-Fonts::Fonts() : mFonts{Font(kProportional, 13), Font(kMonospace, 13), Font(kMonospace, 20)} {}
+Fonts::Fonts() : mFonts{Font(kProportionalFile, 13), Font(kMonospaceFile, 13), Font(kMonospaceFile, 20)} {}
 
 const Font &Fonts::operator[](int number) const {
     constexpr int kDefault = 1;
@@ -93,8 +93,8 @@ const Font &Fonts::operator[](int number) const {
 
 std::string Fonts::Missing() const {
     if (!mFonts[0].Loaded())
-        return kProportional;
-    return mFonts[1].Loaded() && mFonts[2].Loaded() ? "" : kMonospace;
+        return kProportionalFile;
+    return mFonts[1].Loaded() && mFonts[2].Loaded() ? "" : kMonospaceFile;
 }
 
 } // namespace host

@@ -17,20 +17,20 @@
 namespace host {
 namespace {
 
-constexpr int kMost = 10'000'000;
+constexpr int kMostCount = 10'000'000;
 
 bool IsText(const Word &word) { return !word.text.empty(); }
 
 bool IsCount(const Word &word) {
     const auto number = ReadInteger(word.text);
-    return number && *number > 0 && *number <= kMost;
+    return number && *number > 0 && *number <= kMostCount;
 }
 
 bool IsInteger(const Word &word) { return ReadInteger(word.text).has_value(); }
 
 bool IsPositive(const Word &word) {
     const auto number = ReadNumber(word.text);
-    return number && *number > 0 && *number <= kMost;
+    return number && *number > 0 && *number <= kMostCount;
 }
 
 bool IsPoint(const Word &word) { return ReadIntegers(word.text, ',', 2).has_value(); }

@@ -506,7 +506,7 @@ void CheckNames(const CheckOptions &options) {
 
 } // namespace
 
-Verdict Check(const CheckOptions &options) {
+Verdict JudgePlugins(const CheckOptions &options) {
     CheckNames(options);
     return Checking(options).Run();
 }

@@ -25,7 +25,7 @@ struct CheckOptions {
 };
 
 // Checks the options and the plugins. Throws UsageError.
-Verdict Check(const CheckOptions &options);
+Verdict JudgePlugins(const CheckOptions &options);
 
 // Runs the one scenario of the options in this process. Returns the exit status.
 int CheckInProcess(const CheckOptions &options);

@@ -189,7 +189,7 @@ std::string Plain(std::string_view text) {
     return plain;
 }
 
-std::vector<std::string> Lines(const std::string &text) {
+std::vector<std::string> SplitLines(const std::string &text) {
     std::vector<std::string> lines;
     std::istringstream stream(text);
     for (std::string line; std::getline(stream, line);)
@@ -314,12 +314,12 @@ void Watcher::PassOn() {
 }
 
 RoundOutcome Watcher::OutcomeOf(const RoundResult &result) const {
-    RoundOutcome outcome{result.checks, {}, Lines(result.output)};
+    RoundOutcome outcome{result.checks, {}, SplitLines(result.output)};
     if (!mRequest.options.file.empty() && !outcome.output.empty())
         outcome.output.pop_back(); // the summary of the session
     std::vector<std::string> failures;
     for (const Check &check : result.checks) {
-        for (std::string &line : Lines(check.failure))
+        for (std::string &line : SplitLines(check.failure))
             failures.push_back(std::move(line));
     }
     std::erase_if(outcome.output, [&failures](const std::string &line) {
