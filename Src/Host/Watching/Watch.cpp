@@ -6,6 +6,7 @@
 #include "Differences.h"
 #include "FileWatch.h"
 #include "Plan.h"
+#include "RoundFolders.h"
 #include "RoundProcess.h"
 
 #include "Common/Terminal.h"
@@ -64,42 +65,6 @@ class Signals {
   private:
     sigset_t mBefore{};
     int mDescriptor = -1;
-};
-
-// A new folder for the rounds, each in a folder of its own. Removes it at its end.
-class RoundFolders {
-  public:
-    RoundFolders() {
-        std::error_code error;
-        std::string pattern = (fs::canonical(fs::temp_directory_path()) / "avsk-watch-XXXXXX").string();
-        if (!mkdtemp(pattern.data()))
-            throw UsageError("--watch: cannot make the temporary folder '" + pattern + "' (" + std::strerror(errno) +
-                             "): set TMPDIR to a folder that is writable");
-        mFolder = pattern;
-    }
-    ~RoundFolders() { Remove(mFolder); }
-    RoundFolders(const RoundFolders &) = delete;
-    RoundFolders &operator=(const RoundFolders &) = delete;
-
-    // Removes the last one. The new path was never used, nor was any file below it.
-    std::string Next() {
-        Remove(mLast);
-        mLast = mFolder + "/" + std::to_string(++mCount) + "/";
-        fs::create_directory(mLast);
-        return mLast;
-    }
-    int Count() const { return mCount; }
-
-  private:
-    static void Remove(const std::string &folder) {
-        std::error_code ignored;
-        if (!folder.empty())
-            fs::remove_all(folder, ignored);
-    }
-
-    std::string mFolder;
-    std::string mLast;
-    int mCount = 0;
 };
 
 class Watcher {
