@@ -6,9 +6,12 @@
 
 namespace host {
 
-// Prints the address and, over ssh, the command that forwards the port. Opens the
-// browser if that is wanted and the terminal is on a desktop.
-void Announce(const std::string &address, int port, bool opensBrowser);
+// Prints the address and, over ssh, the command that forwards the port.
+void PrintAddress(const std::string &address, int port);
+
+// Opens the browser if output goes to a terminal of this computer's desktop. The
+// folder must be readable by this user only, and last as long as the page.
+void OpenBrowser(const std::string &address, const std::string &folder);
 
 } // namespace host
 

@@ -53,6 +53,7 @@ void WebSocket::Accept() {
     mStream.set_option(websocket::stream_base::decorator([](websocket::response_type &response) {
         AddCommonHeaders(response);
         response.set(http::field::sec_websocket_protocol, "avsk");
+        response.erase(http::field::server);
     }));
     mStream.read_message_max(kMostText);
     mStream.auto_fragment(false);

@@ -4,6 +4,7 @@
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
+#include <cstdio>
 #include <stdexcept>
 #include <utility>
 
@@ -31,10 +32,15 @@ std::string TextIn(const Json &message, const char *name) {
     return found != message.end() && found->is_string() ? found->get<std::string>() : "";
 }
 
+void Say(const std::string &line) {
+    std::printf("live: %s\n", line.c_str());
+    std::fflush(stdout);
+}
+
 } // namespace
 
-Hub::Hub(Events &events, std::vector<std::string> arguments, bool watches, Calls calls)
-    : mArguments(std::move(arguments)), mWatches(watches), mCalls(std::move(calls)),
+Hub::Hub(Events &events, const LiveOptions &live, RoundFolders &folders, Calls calls)
+    : mLive(live), mFolders(folders), mCalls(std::move(calls)),
       mSimulator(events, {[this](const ChannelMessage &message) { OnSimulator(message); },
                           [this](const SimulatorEnd &end) { OnSimulatorsEnd(end); }}) {}
 
@@ -42,8 +48,8 @@ Hub::Hub(Events &events, std::vector<std::string> arguments, bool watches, Calls
 
 void Hub::StartSimulator() {
     const std::string folder = mFolders.Next();
-    std::vector<std::string> arguments = mArguments;
-    if (mWatches)
+    std::vector<std::string> arguments = mLive.arguments;
+    if (mLive.watch)
         arguments.insert(arguments.end(), {"--round", folder});
     mSimulator.Start(arguments, folder);
     SendTopics();
@@ -73,6 +79,9 @@ void Hub::OnSimulatorsEnd(const SimulatorEnd &end) {
     mAsked.clear();
     const std::string why = std::exchange(mRestartsFor, "");
     if (why.empty()) {
+        Say("the simulator has ended with " +
+            (end.signal.empty() ? "status " + std::to_string(end.status) : "signal " + end.signal) +
+            "; the page can start it again");
         const Json message = {{"topic", "ended"},
                               {"status", end.status},
                               {"signal", end.signal.empty() ? Json() : Json(end.signal)},
@@ -83,6 +92,7 @@ void Hub::OnSimulatorsEnd(const SimulatorEnd &end) {
             mCalls.lost(end);
         return;
     }
+    Say("the simulator starts again: " + why);
     mEnd.clear();
     mLatest.Clear();
     TellAll({{"topic", "restarted"}, {"why", why}});

@@ -4,6 +4,7 @@
 
 #include "Client.h"
 #include "Latest.h"
+#include "LiveOptions.h"
 #include "SimulatorProcess.h"
 
 #include "Watching/RoundFolders.h"
@@ -17,7 +18,6 @@
 #include <memory>
 #include <optional>
 #include <string>
-#include <vector>
 
 namespace host {
 
@@ -29,8 +29,8 @@ class Hub {
         std::function<void()> ended;                    // after End()
     };
 
-    // The arguments of the simulator's process. With --watch each process gets a folder for copies of plugins.
-    Hub(Events &events, std::vector<std::string> arguments, bool watches, Calls calls);
+    // The folders are for the simulator's temporary files.
+    Hub(Events &events, const LiveOptions &live, RoundFolders &folders, Calls calls);
 
     // Throws UsageError.
     void Start() { StartSimulator(); }
@@ -68,10 +68,9 @@ class Hub {
     void TellAll(const nlohmann::json &message);
     void WakeAll();
 
-    const std::vector<std::string> mArguments;
-    const bool mWatches;
+    const LiveOptions &mLive;
+    RoundFolders &mFolders;
     const Calls mCalls;
-    RoundFolders mFolders;
     SimulatorProcess mSimulator;
     Latest mLatest;
     std::map<int, Page> mPages;

@@ -3,6 +3,7 @@
 
 #include "Browser.h"
 #include "Hub.h"
+#include "Rebuilds.h"
 #include "Server.h"
 
 #include "Common/Text.h"
@@ -10,6 +11,7 @@
 #include "Watching/Plan.h"
 #include "Watching/Watch.h"
 
+#include <chrono>
 #include <csignal>
 #include <cstdio>
 #include <filesystem>
@@ -38,13 +40,22 @@ std::string TraceOf(const SessionOptions &options) {
 } // namespace
 
 int LiveServe(const SessionOptions &options, const LiveOptions &live) {
+    constexpr std::chrono::seconds kPatience(3);
     const WatchRequest request{options, live.aircraft, {}};
     CheckRequest(request);
     std::signal(SIGPIPE, SIG_IGN); // what follows matters more than who reads the output
     int status = 0;
+    RoundFolders folders;
     Events events;
     std::optional<Server> server;
-    const auto announce = [&] { Announce(server->Address(), server->Port(), live.opensBrowser); };
+    bool isAnnounced = false;
+    const auto announce = [&] {
+        if (std::exchange(isAnnounced, true))
+            return;
+        PrintAddress(server->Address(), server->Port());
+        if (live.opensBrowser)
+            OpenBrowser(server->Address(), folders.Path());
+    };
     const auto giveUp = [&](const SimulatorEnd &end) {
         constexpr int kWrongRequest = 2;
         if (end.status != kWrongRequest)
@@ -52,11 +63,16 @@ int LiveServe(const SessionOptions &options, const LiveOptions &live) {
         status = kWrongRequest; // it has said why
         events.Stop();
     };
-    Hub hub(events, live.arguments, live.watch, {announce, giveUp, [&] { events.Stop(); }});
+    Hub hub(events, live, folders, {announce, giveUp, [&] { events.Stop(); }});
     server.emplace(events, live.port, TraceOf(options),
                    Server::Calls{[&] { return hub.HasRoom(); }, [&](Upgrade &upgrade) { hub.Add(upgrade); }});
+    std::optional<Rebuilds> rebuilds;
+    if (live.watch)
+        rebuilds.emplace(events, request, [&](const std::string &why) { hub.Restart(why); });
     events.OnEndSignal([&] { hub.End(); });
     hub.Start();
+    Timer patience(events); // a plugin may not return from its first call
+    patience.Start(kPatience, announce);
     events.Run();
     return status;
 }

@@ -41,6 +41,7 @@ namespace {
 
 constexpr int kUsualPort = 4780;
 constexpr int kMostConnections = 128;
+constexpr const char *kNoBody = "a request has no body here";
 
 std::string_view View(beast::string_view text) { return {text.data(), text.size()}; }
 
@@ -91,8 +92,10 @@ void Connection::Read() {
 void Connection::OnRequest(error_code error) {
     if (error == http::error::header_limit)
         return Refuse(http::status::request_header_fields_too_large, "the header is too long");
-    if (error.category() == make_error_code(http::error::bad_method).category() &&
-        error != http::error::end_of_stream && error != http::error::partial_message)
+    if (error == http::error::body_limit)
+        return Refuse(http::status::payload_too_large, kNoBody);
+    const bool isParsersError = error.category() == make_error_code(http::error::bad_method).category();
+    if (isParsersError && error != http::error::end_of_stream && error != http::error::partial_message)
         return Refuse(http::status::bad_request, "this is no request");
     if (error)
         return; // closed, or too slow
@@ -116,7 +119,7 @@ std::string Connection::Refusal(const Request &request, http::status &status) co
     status = http::status::payload_too_large;
     if (request.chunked() ||
         (request.count(http::field::content_length) > 0 && request[http::field::content_length] != "0"))
-        return "a request has no body here";
+        return kNoBody;
     status = http::status::method_not_allowed;
     if (request.method() != http::verb::get && request.method() != http::verb::head)
         return "only GET and HEAD are allowed";

@@ -10,18 +10,14 @@
 #include "RoundProcess.h"
 
 #include "Common/Terminal.h"
-#include "Common/Text.h"
 #include "Common/UsageError.h"
 
 #include <algorithm>
 #include <array>
-#include <cerrno>
 #include <chrono>
 #include <cstdio>
-#include <cstdlib>
 #include <cstring>
 #include <ctime>
-#include <filesystem>
 #include <fstream>
 #include <optional>
 #include <sstream>
@@ -35,7 +31,6 @@
 namespace host {
 namespace {
 
-namespace fs = std::filesystem;
 using Clock = std::chrono::steady_clock;
 
 // SIGINT and the like become readable. Restores the mask at its end.
@@ -104,23 +99,6 @@ void Say(const std::string &line, bool isFailure = false) {
     const std::string text = "watch: " + line;
     std::printf("%s\n", isFailure ? Emphasised(Emphasis::Failure, text, STDOUT_FILENO).c_str() : text.c_str());
     std::fflush(stdout);
-}
-
-// "Menu/lin.avp" for a file, since all plugins have the same file name.
-std::string ShortName(const std::string &path) {
-    const fs::path whole = path;
-    const fs::path name = whole.filename();
-    return name == "lin.avp" ? (whole.parent_path().filename() / name).string() : name.string();
-}
-
-std::string Names(const std::vector<std::string> &changed) {
-    constexpr std::size_t kMost = 3;
-    std::vector<std::string> names;
-    for (const std::string &path : changed)
-        names.push_back(ShortName(path));
-    std::sort(names.begin(), names.end());
-    names.erase(std::unique(names.begin(), names.end()), names.end());
-    return Shortened(names, kMost);
 }
 
 std::string TimeOfDay() {
@@ -235,7 +213,7 @@ void Watcher::ReportFaults() {
 }
 
 void Watcher::PrintHead(const std::vector<std::string> &changed) const {
-    const std::string what = changed.empty() ? "first run" : Names(changed) + " changed";
+    const std::string what = changed.empty() ? "first run" : NamesOf(changed) + " changed";
     if (!HasColours(STDOUT_FILENO))
         return Say(what);
     std::printf("%s\n", Emphasised(Emphasis::Heading, "-- " + TimeOfDay() + "  " + what, STDOUT_FILENO).c_str());
