@@ -81,6 +81,7 @@ Job ParseCommandLine(int argc, char **argv) {
                "Exit status: that of the command; 2 if the command line is wrong.");
     AddNewCommand(app, job);
     AddRunCommand(app, job, argv);
+    AddLiveCommand(app, job, argc, argv);
     AddCheckCommand(app, job);
     AddExecCommand(app, job, TakeProgram(argc, argv));
     AddPsCommand(app, job);

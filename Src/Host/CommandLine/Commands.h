@@ -19,8 +19,9 @@ namespace host {
 using Job = std::function<int()>;
 
 // Each adds one command, and sets the job when the parser meets the command.
-// The job must outlive the parser. argv is that of the program.
+// The job must outlive the parser. argc and argv are those of the program.
 void AddRunCommand(CLI::App &app, Job &job, char **argv);
+void AddLiveCommand(CLI::App &app, Job &job, int argc, char **argv);
 void AddCheckCommand(CLI::App &app, Job &job);
 // The program and its arguments are those behind "--".
 void AddExecCommand(CLI::App &app, Job &job, std::vector<std::string> program);

@@ -19,12 +19,9 @@
 #include <charconv>
 #include <cstring>
 #include <filesystem>
-#include <fstream>
 #include <memory>
 #include <optional>
 #include <string>
-#include <string_view>
-#include <system_error>
 #include <utility>
 #include <vector>
 
@@ -161,19 +158,6 @@ std::vector<CLI::Option *> AddRunOnlyOptions(CLI::App &run, RunRequest &request)
     for (CLI::Option *option : added)
         option->group("Without a session");
     return added;
-}
-
-// Whether a path given where a session is expected is a plugin instead: a
-// library, whatever its name, a .avp file, or a plugin's folder.
-bool IsPlugin(const fs::path &path) {
-    std::error_code error;
-    if (fs::is_directory(path, error))
-        return fs::exists(path / "lin.avp", error) || fs::exists(path / "32/lin.avp", error);
-    constexpr std::string_view kMagic = "\x7f"
-                                        "ELF";
-    std::string begin(kMagic.size(), '\0');
-    std::ifstream(path, std::ios::binary).read(begin.data(), static_cast<std::streamsize>(begin.size()));
-    return begin == kMagic || path.extension() == ".avp";
 }
 
 // Tells a plugin from a session. Throws UsageError for options that do not belong together.

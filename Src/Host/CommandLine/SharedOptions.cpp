@@ -2,8 +2,13 @@
 #include "SharedOptions.h"
 
 #include <cstdio>
+#include <fstream>
+#include <string_view>
+#include <system_error>
 
 namespace host {
+
+namespace fs = std::filesystem;
 
 SessionOptions QuietOptions() {
     SessionOptions options;
@@ -40,6 +45,17 @@ void AddPattern(CLI::App &command, std::string &pattern) {
                     "list only these names: a part of a name, or with * for any text a whole name, such as 'sim*x'; "
                     "upper and lower case are equal")
         ->type_name("");
+}
+
+bool IsPlugin(const fs::path &path) {
+    std::error_code error;
+    if (fs::is_directory(path, error))
+        return fs::exists(path / "lin.avp", error) || fs::exists(path / "32/lin.avp", error);
+    constexpr std::string_view kMagic = "\x7f"
+                                        "ELF";
+    std::string begin(kMagic.size(), '\0');
+    std::ifstream(path, std::ios::binary).read(begin.data(), static_cast<std::streamsize>(begin.size()));
+    return begin == kMagic || path.extension() == ".avp";
 }
 
 void PrintLines(const std::vector<std::string> &lines) {

@@ -7,6 +7,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include <filesystem>
 #include <string>
 #include <vector>
 
@@ -20,6 +21,10 @@ CLI::Option *AddFrames(CLI::App &command, int &frames);
 CLI::Option *AddPlugins(CLI::App &command, std::vector<std::string> &plugins, const std::string &help);
 // Selects names; see SelectNames().
 void AddPattern(CLI::App &command, std::string &pattern);
+
+// Whether a path given where a session is expected is a plugin instead: a
+// library, whatever its name, a .avp file, or a plugin's folder.
+bool IsPlugin(const std::filesystem::path &path);
 
 void PrintLines(const std::vector<std::string> &lines);
 

@@ -4,6 +4,7 @@
 // rules of their own. Called by the watch.
 #include "FileWatch.h"
 
+#include "Common/Text.h"
 #include "Common/UsageError.h"
 
 #include <algorithm>
@@ -44,11 +45,28 @@ void ForEachEntry(const std::string &folder, Use use) {
     }
 }
 
+// "Menu/lin.avp" for a file, since all plugins have the same file name.
+std::string ShortName(const std::string &path) {
+    const fs::path whole = path;
+    const fs::path name = whole.filename();
+    return name == "lin.avp" ? (whole.parent_path().filename() / name).string() : name.string();
+}
+
 } // namespace
 
 bool IsCode(const std::string &path) {
     const std::string name = fs::path(path).filename().string();
     return name.ends_with(".avp") || name.find(".so") != std::string::npos;
+}
+
+std::string NamesOf(const std::vector<std::string> &changed) {
+    constexpr std::size_t kMost = 3;
+    std::vector<std::string> names;
+    for (const std::string &path : changed)
+        names.push_back(ShortName(path));
+    std::sort(names.begin(), names.end());
+    names.erase(std::unique(names.begin(), names.end()), names.end());
+    return Shortened(names, kMost);
 }
 
 FileWatch::FileWatch() : mDescriptor(inotify_init1(IN_NONBLOCK | IN_CLOEXEC)) {

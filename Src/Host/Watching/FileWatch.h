@@ -58,6 +58,8 @@ class FileWatch {
 
 // Whether a file is a plugin or a library, by its name.
 bool IsCode(const std::string &path);
+// The names of changed files, for a line; plugins with their folder, as "Menu/lin.avp".
+std::string NamesOf(const std::vector<std::string> &changed);
 
 } // namespace host
 

@@ -6,21 +6,18 @@
 #include "Differences.h"
 #include "FileWatch.h"
 #include "Plan.h"
+#include "RoundFolders.h"
 #include "RoundProcess.h"
 
 #include "Common/Terminal.h"
-#include "Common/Text.h"
 #include "Common/UsageError.h"
 
 #include <algorithm>
 #include <array>
-#include <cerrno>
 #include <chrono>
 #include <cstdio>
-#include <cstdlib>
 #include <cstring>
 #include <ctime>
-#include <filesystem>
 #include <fstream>
 #include <optional>
 #include <sstream>
@@ -34,7 +31,6 @@
 namespace host {
 namespace {
 
-namespace fs = std::filesystem;
 using Clock = std::chrono::steady_clock;
 
 // SIGINT and the like become readable. Restores the mask at its end.
@@ -64,42 +60,6 @@ class Signals {
   private:
     sigset_t mBefore{};
     int mDescriptor = -1;
-};
-
-// A new folder for the rounds, each in a folder of its own. Removes it at its end.
-class RoundFolders {
-  public:
-    RoundFolders() {
-        std::error_code error;
-        std::string pattern = (fs::canonical(fs::temp_directory_path()) / "avsk-watch-XXXXXX").string();
-        if (!mkdtemp(pattern.data()))
-            throw UsageError("--watch: cannot make the temporary folder '" + pattern + "' (" + std::strerror(errno) +
-                             "): set TMPDIR to a folder that is writable");
-        mFolder = pattern;
-    }
-    ~RoundFolders() { Remove(mFolder); }
-    RoundFolders(const RoundFolders &) = delete;
-    RoundFolders &operator=(const RoundFolders &) = delete;
-
-    // Removes the last one. The new path was never used, nor was any file below it.
-    std::string Next() {
-        Remove(mLast);
-        mLast = mFolder + "/" + std::to_string(++mCount) + "/";
-        fs::create_directory(mLast);
-        return mLast;
-    }
-    int Count() const { return mCount; }
-
-  private:
-    static void Remove(const std::string &folder) {
-        std::error_code ignored;
-        if (!folder.empty())
-            fs::remove_all(folder, ignored);
-    }
-
-    std::string mFolder;
-    std::string mLast;
-    int mCount = 0;
 };
 
 class Watcher {
@@ -139,23 +99,6 @@ void Say(const std::string &line, bool isFailure = false) {
     const std::string text = "watch: " + line;
     std::printf("%s\n", isFailure ? Emphasised(Emphasis::Failure, text, STDOUT_FILENO).c_str() : text.c_str());
     std::fflush(stdout);
-}
-
-// "Menu/lin.avp" for a file, since all plugins have the same file name.
-std::string ShortName(const std::string &path) {
-    const fs::path whole = path;
-    const fs::path name = whole.filename();
-    return name == "lin.avp" ? (whole.parent_path().filename() / name).string() : name.string();
-}
-
-std::string Names(const std::vector<std::string> &changed) {
-    constexpr std::size_t kMost = 3;
-    std::vector<std::string> names;
-    for (const std::string &path : changed)
-        names.push_back(ShortName(path));
-    std::sort(names.begin(), names.end());
-    names.erase(std::unique(names.begin(), names.end()), names.end());
-    return Shortened(names, kMost);
 }
 
 std::string TimeOfDay() {
@@ -270,7 +213,7 @@ void Watcher::ReportFaults() {
 }
 
 void Watcher::PrintHead(const std::vector<std::string> &changed) const {
-    const std::string what = changed.empty() ? "first run" : Names(changed) + " changed";
+    const std::string what = changed.empty() ? "first run" : NamesOf(changed) + " changed";
     if (!HasColours(STDOUT_FILENO))
         return Say(what);
     std::printf("%s\n", Emphasised(Emphasis::Heading, "-- " + TimeOfDay() + "  " + what, STDOUT_FILENO).c_str());
