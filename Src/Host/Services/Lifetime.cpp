@@ -6,6 +6,7 @@
 
 #include "Common/UsageError.h"
 #include "Elf/PluginFiles.h"
+#include "OpenGL/Context.h"
 
 #include "AVSK/AVSKHost.h"
 #include "AVSK/AVSKPlugins.h"
@@ -23,6 +24,7 @@ AVSKHostCallbacks gTable;
 void Prepare(Simulator &simulator) {
     gSimulator = &simulator;
     gTable = MakeTable();
+    opengl::Prepare(simulator.options.screenWidth, simulator.options.screenHeight);
 }
 
 void StartPlugins(Simulator &simulator, bool isOneNeeded) {
@@ -49,6 +51,7 @@ void StartPlugins(Simulator &simulator, bool isOneNeeded) {
 void StopPlugins(Simulator &simulator) {
     simulator.fleet.ReportUsersAircraft(simulator, AVSKHostEventPlaneUnloaded);
     AVSKShutdownPlugins();
+    opengl::Finish();
     // The library returns the objects of loads that complete now.
     simulator.objects.CompleteAllLoads();
     if (const std::size_t kept = simulator.objects.Count(); kept > 0)

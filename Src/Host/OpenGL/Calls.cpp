@@ -1,0 +1,157 @@
+// Calls of plugins; see Calls.h. Owns the slots, the addresses of Mesa's functions,
+// the count of calls and the state between glBegin and glEnd.
+#include "Calls.h"
+
+#include "Library.h"
+
+#include "Crossings/Crossing.h"
+
+#include <array>
+#include <utility>
+
+// Where thunks lead: the function's number is in eax, the arguments begin behind the return address.
+extern "C" __attribute__((visibility("hidden"))) void AvskEnterOpenGL();
+
+asm(R"(
+    .text
+    .p2align 4
+    .type AvskEnterOpenGL, @function
+AvskEnterOpenGL:
+    .cfi_startproc
+    leal 4(%esp), %edx
+    pushl %edx
+    .cfi_adjust_cfa_offset 4
+    pushl %eax
+    .cfi_adjust_cfa_offset 4
+    call AvskCallOpenGL
+    addl $8, %esp
+    .cfi_adjust_cfa_offset -8
+    ret
+    .cfi_endproc
+    .size AvskEnterOpenGL, . - AvskEnterOpenGL
+)");
+
+namespace opengl {
+namespace {
+
+using Real = void (*)();
+
+std::array<Real, kFunctionCount> gReal{}; // null if Mesa lacks it
+bool gHasMesa = false;
+unsigned long gCalls = 0; // that a thunk has seen
+bool gIsUsed = false;
+bool gIsBetween = false;
+
+// ---- Calls with any number of arguments, all of which are on the stack
+
+template <std::size_t>
+using Word = std::uint32_t;
+
+template <std::size_t... I>
+std::uint64_t CallWith(Real function, [[maybe_unused]] const std::uint32_t *words, std::index_sequence<I...>) {
+    return reinterpret_cast<std::uint64_t (*)(Word<I>...)>(function)(words[I]...);
+}
+
+template <std::size_t kWords>
+std::uint64_t Call(Real function, const std::uint32_t *words) {
+    return CallWith(function, words, std::make_index_sequence<kWords>());
+}
+
+using Caller = std::uint64_t (*)(Real function, const std::uint32_t *words);
+
+template <std::size_t... I>
+constexpr std::array<Caller, sizeof...(I)> MakeCallers(std::index_sequence<I...>) {
+    return {&Call<I>...};
+}
+
+constexpr std::size_t kMostWords = 24;
+constexpr auto kCallers = MakeCallers(std::make_index_sequence<kMostWords + 1>());
+
+consteval bool AreWordsFew() {
+#define AVSK_OPENGL(name, text, words, flags, groups) ((words) <= kMostWords) &&
+    return
+#include "Functions.inc"
+        true;
+#undef AVSK_OPENGL
+}
+static_assert(AreWordsFew());
+
+// ---- Slots
+
+// The state between glBegin and glEnd cannot be asked without an error, so these calls are always seen.
+bool IsFollowed(unsigned number) { return number == kNumber_glBegin || number == kNumber_glEnd; }
+
+bool NeedsThunk(unsigned number) {
+    const Function &function = kFunctions[number];
+    return !gReal[number] || IsFollowed(number) || (gHandlers.drawing && (function.flags & (kDraws | kReads)) != 0) ||
+           (gHandlers.reading && (function.flags & kReads) != 0);
+}
+
+std::uint64_t NeutralResult(const Function &function) {
+    return function.Types().front() == 's' ? reinterpret_cast<std::uintptr_t>("") : 0;
+}
+
+void NoteBeginAndEnd(unsigned number, const std::uint32_t *words) {
+    constexpr std::uint32_t kLastMode = 0xE;
+    if (number == kNumber_glBegin)
+        gIsBetween = gIsBetween || words[0] <= kLastMode;
+    else if (number == kNumber_glEnd)
+        gIsBetween = false;
+}
+
+std::uint64_t Enter(unsigned number, const std::uint32_t *words) {
+    const Function &function = kFunctions[number];
+    // Mesa's context belongs to one thread.
+    if (!crossings::IsObservedThread())
+        return NeutralResult(function);
+    ++gCalls;
+    gIsUsed = true;
+    if (gHandlers.first)
+        std::exchange(gHandlers.first, nullptr)();
+    if (gHandlers.reading && (function.flags & kReads) != 0)
+        std::exchange(gHandlers.reading, nullptr)();
+    if (gHandlers.drawing && !gIsBetween && (function.flags & (kDraws | kReads)) != 0)
+        gHandlers.drawing();
+    if (!gReal[number])
+        return NeutralResult(function);
+    NoteBeginAndEnd(number, words);
+    return kCallers[function.words](gReal[number], words);
+}
+
+} // namespace
+
+void TakeCalls() {
+    AvskOpenGL &library = *avskOpenGL();
+    library.call = &AvskEnterOpenGL;
+    UpdateSlots();
+}
+
+void SetFunctions(Real (*find)(const char *name)) {
+    gHasMesa = find != nullptr;
+    for (std::size_t i = 0; i < kFunctionCount; ++i)
+        gReal[i] = find ? find(kFunctions[i].Name()) : nullptr;
+    gIsBetween = false;
+    UpdateSlots();
+}
+
+void UpdateSlots() {
+    AvskOpenGL &library = *avskOpenGL();
+    for (unsigned i = 0; i < kFunctionCount; ++i) {
+        // A thunk does not return in st(0). Mesa lacks the only function that does, and its slot is neutral.
+        if (kFunctions[i].Types().front() == 'f')
+            continue;
+        const unsigned char *const thunk = library.thunks + i * kAvskOpenGLThunkSize;
+        library.slots[i] = NeedsThunk(i) ? const_cast<unsigned char *>(thunk) : reinterpret_cast<void *>(gReal[i]);
+    }
+}
+
+bool IsUsed() { return gIsUsed; }
+unsigned long CountedCalls() { return gCalls; }
+bool IsBetweenBeginAndEnd() { return gIsBetween; }
+
+} // namespace opengl
+
+extern "C" __attribute__((visibility("hidden"), used)) std::uint64_t AvskCallOpenGL(unsigned number,
+                                                                                    const std::uint32_t *words) {
+    return opengl::Enter(number, words);
+}

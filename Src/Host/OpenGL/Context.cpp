@@ -1,0 +1,151 @@
+// The context of Mesa and its screen; see Context.h. Owns both.
+#include "Context.h"
+
+#include "Calls.h"
+#include "Mesa.h"
+
+#include <cstring>
+#include <vector>
+
+namespace opengl {
+namespace {
+
+struct Screen {
+    int width = 0;
+    int height = 0;
+    std::vector<unsigned char> pixels; // from the bottom row up; empty without a context
+    bool isWhole = false;              // else Mesa draws into one pixel
+};
+
+Screen gScreen;
+Mesa::Context gContext = nullptr;
+Api gApi{};
+std::string gMissing;
+void (*gMade)() = nullptr;
+bool gIsRead = false; // a plugin reads pixels, so every frame is drawn
+
+// Whether the screen is what Mesa draws into, or only a pixel of it.
+void SetScreen(bool isWhole) {
+    if (isWhole == gScreen.isWhole)
+        return;
+    const int width = isWhole ? gScreen.width : 1;
+    const int height = isWhole ? gScreen.height : 1;
+    OpenMesa().makeCurrent(gContext, gScreen.pixels.data(), GL_UNSIGNED_BYTE, width, height);
+    gScreen.isWhole = isWhole;
+}
+
+void Clear() {
+    const OwnState state;
+    if (!state.IsSet())
+        return;
+    gApi.ClearColor(0, 0, 0, 1);
+    gApi.ClearDepth(1);
+    gApi.ClearStencil(0);
+    gApi.Clear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT | GL_STENCIL_BUFFER_BIT);
+}
+
+void DrawEveryFrame() {
+    gIsRead = true;
+    if (!IsBetweenBeginAndEnd() && !gScreen.isWhole) {
+        SetScreen(true);
+        Clear();
+    }
+    UpdateSlots();
+}
+
+void ServeFirstCall() { MakeContext(); }
+
+void *Find(const char *name) { return reinterpret_cast<void *>(OpenMesa().find(name)); }
+
+} // namespace
+
+void Prepare(int width, int height) {
+    gScreen.width = width;
+    gScreen.height = height;
+    gHandlers.first = ServeFirstCall;
+    TakeCalls();
+}
+
+void Finish() {
+    gHandlers = {};
+    SetFunctions(nullptr);
+    if (gContext) {
+        OpenMesa().makeCurrent(nullptr, nullptr, 0, 0, 0); // Mesa crashes if it destroys the current context
+        OpenMesa().destroy(gContext);
+    }
+    gContext = nullptr;
+    gScreen = {};
+    gIsRead = false;
+}
+
+const std::string &Missing() {
+    if (!OpenMesa().fault.empty())
+        gMissing = "OpenGL draws nothing: " + OpenMesa().fault + "; './dev setup opengl' brings it";
+    return gMissing;
+}
+
+int ScreenWidth() { return gScreen.width; }
+int ScreenHeight() { return gScreen.height; }
+
+bool HasContext() { return gContext != nullptr; }
+
+bool MakeContext() {
+    const Mesa &mesa = OpenMesa();
+    if (gContext || !mesa.fault.empty())
+        return gContext != nullptr;
+    constexpr int kDepthBits = 24;
+    constexpr int kStencilBits = 8;
+    constexpr int kAccumulationBits = 16;
+    gHandlers.first = nullptr;
+    gContext = mesa.create(GL_RGBA, kDepthBits, kStencilBits, kAccumulationBits, nullptr);
+    if (!gContext)
+        return false;
+    gScreen.pixels.resize(static_cast<std::size_t>(gScreen.width) * static_cast<std::size_t>(gScreen.height) * 4);
+#define AVSK_OPENGL_FIND(name) gApi.name = reinterpret_cast<decltype(gApi.name)>(Find("gl" #name));
+    AVSK_OPENGL_API(AVSK_OPENGL_FIND)
+#undef AVSK_OPENGL_FIND
+    // First the whole: this determines the viewport that plugins find.
+    SetScreen(true);
+    gHandlers.reading = DrawEveryFrame;
+    SetFunctions(mesa.find);
+    Clear();
+    if (gMade)
+        gMade();
+    return true;
+}
+
+void OnContext(void (*made)()) { gMade = made; }
+
+const Api &Gl() { return gApi; }
+
+void BeginFrame(bool isPictured) {
+    if (!gContext || IsBetweenBeginAndEnd())
+        return;
+    SetScreen(isPictured || gIsRead);
+    if (gScreen.isWhole)
+        Clear();
+}
+
+void BeforeDrawing(void (*flush)()) {
+    if (flush == gHandlers.drawing)
+        return;
+    gHandlers.drawing = flush;
+    UpdateSlots();
+}
+
+bool IsCompilingList() {
+    GLint list = 0;
+    if (gContext && !IsBetweenBeginAndEnd())
+        gApi.GetIntegerv(GL_LIST_INDEX, &list);
+    return list != 0;
+}
+
+void ReadScreen(unsigned char *rgba) {
+    if (!IsBetweenBeginAndEnd())
+        gApi.Finish(); // copies Mesa's image into the pixels, whatever state plugins have set
+    const std::size_t row = static_cast<std::size_t>(gScreen.width) * 4;
+    for (int y = gScreen.height - 1; y >= 0; --y, rgba += row)
+        std::memcpy(rgba, gScreen.pixels.data() + static_cast<std::size_t>(y) * row, row);
+}
+
+} // namespace opengl

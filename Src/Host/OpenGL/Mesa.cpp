@@ -1,0 +1,162 @@
+// Opens OSMesa; see Mesa.h. It is taken from the folder that AVSK_OPENGL_FOLDER
+// names; without this variable from the system, or else from the folder that
+// setup-opengl fills.
+#include "Mesa.h"
+
+#include "Crossings/RealSymbols.h"
+
+#include <cstdlib>
+#include <filesystem>
+#include <set>
+#include <string_view>
+#include <vector>
+
+#include <dlfcn.h>
+#include <elf.h>
+#include <fcntl.h>
+#include <sys/mman.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace opengl {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr const char *kLibrary = "libOSMesa.so.8";
+
+// A file in memory. The system reads the pages that are used; one of the files has 120 MB.
+class MappedFile {
+  public:
+    explicit MappedFile(const fs::path &path) {
+        const int file = open(path.c_str(), O_RDONLY | O_CLOEXEC);
+        struct stat info {};
+        if (file >= 0 && fstat(file, &info) == 0 && info.st_size > 0) {
+            mSize = static_cast<std::size_t>(info.st_size);
+            void *const bytes = mmap(nullptr, mSize, PROT_READ, MAP_PRIVATE, file, 0);
+            mBytes = bytes == MAP_FAILED ? nullptr : static_cast<const char *>(bytes);
+        }
+        if (file >= 0)
+            close(file);
+    }
+    ~MappedFile() {
+        if (mBytes)
+            munmap(const_cast<char *>(mBytes), mSize);
+    }
+    MappedFile(const MappedFile &) = delete;
+    MappedFile &operator=(const MappedFile &) = delete;
+
+    // Null outside the file.
+    template <class T>
+    const T *At(std::size_t offset, std::size_t index = 0) const {
+        offset += index * sizeof(T);
+        return mBytes && offset <= mSize && mSize - offset >= sizeof(T) ? reinterpret_cast<const T *>(mBytes + offset)
+                                                                        : nullptr;
+    }
+
+  private:
+    const char *mBytes = nullptr;
+    std::size_t mSize = 0;
+};
+
+// The names of the libraries that a library of this machine needs.
+std::vector<std::string> NeedsOf(const fs::path &path) {
+    std::vector<std::string> needs;
+    const MappedFile file(path);
+    const auto *const header = file.At<Elf32_Ehdr>(0);
+    if (!header || std::string_view(reinterpret_cast<const char *>(header->e_ident), SELFMAG) != ELFMAG)
+        return needs;
+    const Elf32_Shdr *dynamic = nullptr;
+    for (std::size_t i = 0; i < header->e_shnum; ++i) {
+        const auto *const section = file.At<Elf32_Shdr>(header->e_shoff, i);
+        if (section && section->sh_type == SHT_DYNAMIC)
+            dynamic = section;
+    }
+    const auto *const names = dynamic ? file.At<Elf32_Shdr>(header->e_shoff, dynamic->sh_link) : nullptr;
+    for (std::size_t i = 0; names; ++i) {
+        const auto *const entry = file.At<Elf32_Dyn>(dynamic->sh_offset, i);
+        if (!entry || entry->d_tag == DT_NULL)
+            break;
+        if (const char *const name = file.At<char>(names->sh_offset + entry->d_un.d_val);
+            entry->d_tag == DT_NEEDED && name)
+            needs.emplace_back(name);
+    }
+    return needs;
+}
+
+// A folder with libraries, or the root folder of unpacked packages.
+class Folder {
+  public:
+    explicit Folder(fs::path root) : mRoot(std::move(root)) {}
+
+    // Opens a library of the folder after those that it needs, so that no search path is needed. Null if it fails.
+    void *Open(const std::string &name) {
+        const fs::path path = Find(name);
+        if (path.empty() || !mSeen.insert(name).second)
+            return nullptr;
+        for (const std::string &need : NeedsOf(path)) {
+            if (void *const loaded = dlopen(need.c_str(), RTLD_LAZY | RTLD_NOLOAD))
+                dlclose(loaded);
+            else
+                Open(need);
+        }
+        return dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
+    }
+
+  private:
+    fs::path Find(const std::string &name) const {
+        for (const char *below : {"", "usr/lib/i386-linux-gnu", "lib/i386-linux-gnu"}) {
+            std::error_code error;
+            if (fs::path path = mRoot / below / name; fs::exists(path, error))
+                return path;
+        }
+        return {};
+    }
+
+    fs::path mRoot;
+    std::set<std::string> mSeen;
+};
+
+// What setup-opengl fills; empty without a home folder.
+fs::path SetUpFolder() {
+    const char *const data = std::getenv("XDG_DATA_HOME");
+    if (data && *data)
+        return fs::path(data) / "avsk/opengl";
+    const char *const home = std::getenv("HOME");
+    return home && *home ? fs::path(home) / ".local/share/avsk/opengl" : fs::path();
+}
+
+void *OpenLibrary() {
+    if (const char *const folder = std::getenv("AVSK_OPENGL_FOLDER"))
+        return Folder(folder).Open(kLibrary);
+    if (void *const library = dlopen(kLibrary, RTLD_NOW | RTLD_LOCAL))
+        return library;
+    const fs::path folder = SetUpFolder();
+    return folder.empty() ? nullptr : Folder(folder).Open(kLibrary);
+}
+
+Mesa Open() {
+    Mesa mesa;
+    void *const library = OpenLibrary();
+    if (!library) {
+        mesa.fault = "no 32-bit OSMesa is installed";
+        return mesa;
+    }
+    const auto find = [library](const char *name) { return crossings::RealLookup()(library, name); };
+    mesa.create = reinterpret_cast<decltype(mesa.create)>(find("OSMesaCreateContextExt"));
+    mesa.destroy = reinterpret_cast<decltype(mesa.destroy)>(find("OSMesaDestroyContext"));
+    mesa.makeCurrent = reinterpret_cast<decltype(mesa.makeCurrent)>(find("OSMesaMakeCurrent"));
+    mesa.find = reinterpret_cast<decltype(mesa.find)>(find("OSMesaGetProcAddress"));
+    if (!mesa.create || !mesa.destroy || !mesa.makeCurrent || !mesa.find)
+        mesa.fault = "the installed OSMesa lacks functions";
+    return mesa;
+}
+
+} // namespace
+
+const Mesa &OpenMesa() {
+    static const Mesa mesa = Open();
+    return mesa;
+}
+
+} // namespace opengl
