@@ -31,6 +31,9 @@ Crossing *gInnermost = nullptr;
 Crossing::Clock::duration gObserving{}; // the time spent in observers so far, as far as it is measured
 std::array<std::atomic<ForeignHandler>, 3> gForeignHandlers{};
 
+std::span<Prototype> gOpenGL;
+void (*gUpdateOpenGL)() = nullptr;
+
 // In the order in which they are notified. Static observers register before main().
 constinit std::array<Observer *, 32> gObservers{};
 std::size_t gObserverCount = 0;
@@ -47,14 +50,14 @@ bool Includes(Interest interest, Interest part) {
     return (static_cast<unsigned>(interest) & static_cast<unsigned>(part)) == static_cast<unsigned>(part);
 }
 
-// Asks the observers what they want.
-void UpdatePrototypes() {
+// Asks the observers what they want of these functions. Whether one reads times.
+bool AskObservers(std::span<Prototype> functions, Interest (Observer::*ask)(const Prototype &) const) {
     bool isTimed = false;
-    for (Prototype &function : gPrototypes) {
+    for (Prototype &function : functions) {
         function.observers = 0;
         function.isTimed = function.isMeasured = false;
         for (std::size_t i = 0; i < gObserverCount; ++i) {
-            const Interest interest = gObservers[i]->InterestIn(function);
+            const Interest interest = (gObservers[i]->*ask)(function);
             if (interest != Interest::None)
                 function.observers |= 1U << i;
             function.isTimed = function.isTimed || Includes(interest, Interest::Times);
@@ -62,10 +65,22 @@ void UpdatePrototypes() {
         }
         isTimed = isTimed || function.isTimed;
     }
-    if (isTimed)
-        return Clock::Prepare();
-    for (Prototype &function : gPrototypes)
-        function.isMeasured = false;
+    return isTimed;
+}
+
+void UpdatePrototypes() {
+    const bool isTimed = AskObservers(gPrototypes, &Observer::InterestIn);
+    const bool isOpenGLTimed = AskObservers(gOpenGL, &Observer::InterestInOpenGL);
+    if (isTimed || isOpenGLTimed) {
+        Clock::Prepare();
+    } else {
+        for (const std::span<Prototype> functions : {std::span<Prototype>(gPrototypes), gOpenGL}) {
+            for (Prototype &function : functions)
+                function.isMeasured = false;
+        }
+    }
+    if (gUpdateOpenGL)
+        gUpdateOpenGL();
 }
 
 template <auto kNotify>
@@ -210,8 +225,21 @@ void RemoveObserver(Observer &observer) {
     UpdatePrototypes();
 }
 
+void SetOpenGL(std::span<Prototype> functions, void (*update)()) {
+    gOpenGL = functions;
+    gUpdateOpenGL = update;
+    UpdatePrototypes();
+}
+
+void LeaveOutTime(Clock::time_point since) { gObserving += Clock::now() - since; }
+
 const Crossing *Innermost() { return gInnermost; }
-Side CurrentSide() { return gInnermost ? gInnermost->to : Side::Host; }
+
+Side CurrentSide() {
+    if (!gInnermost)
+        return Side::Host;
+    return gInnermost->to == Side::OpenGL ? Side::Plugin : gInnermost->to;
+}
 
 void ObserveThisThread() {
     if (gInnermost)
@@ -238,7 +266,7 @@ void RemoveForeignHandler(ForeignHandler handler) {
 }
 
 void NoteUnobserved(const Prototype &function, Side callee) {
-    if (IsObservedThread() || callee != Side::Library)
+    if (IsObservedThread() || (callee != Side::Library && callee != Side::OpenGL))
         return;
     for (const auto &place : gForeignHandlers) {
         if (const ForeignHandler handler = place.load())

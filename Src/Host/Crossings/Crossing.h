@@ -27,7 +27,8 @@ namespace crossings {
 enum class Side : std::uint8_t {
     Host,
     Library,
-    Plugin
+    Plugin,
+    OpenGL, // is only called
 };
 
 struct Callback;
@@ -44,13 +45,17 @@ struct Value {
         Function,
         Pointer,
         Structure,
+        // Of OpenGL:
+        Enumerant, // a word
+        Bits,      // a word, the sum of enumerants
         // Only in copies that outlive the call:
         Name,      // of a function or handle, shown as it is
         Unreadable // a text at a bad address
     };
 
     Kind kind = Kind::Nothing;
-    bool isHandle = false; // of the library or the host
+    bool isHandle = false;   // of the library or the host
+    std::int16_t group = -1; // of enumerants; -1: any
     int length = -1;       // of a name, and of a text without a terminating zero; -1: it has one
     union {
         int integer;
@@ -112,6 +117,7 @@ struct Prototype {
     enum class Form : std::uint8_t {
         Function,
         Service,
+        OpenGL,
         Callback,
         EntryPoint, // a callback that plugins export
         Start,      // the entry point that is called first
@@ -202,6 +208,7 @@ class Observer {
     virtual ~Observer() = default;
     // Asked for each function whenever an observer is added or removed.
     virtual Interest InterestIn(const Prototype & /*function*/) const { return Interest::All; }
+    virtual Interest InterestInOpenGL(const Prototype & /*function*/) const { return Interest::None; }
     virtual void Begins(const Crossing &crossing) = 0;
     virtual void Ends(const Crossing &crossing) = 0;
 };
@@ -209,9 +216,16 @@ class Observer {
 void AddObserver(Observer &observer);
 void RemoveObserver(Observer &observer);
 
+// The functions of OpenGL, in a program that serves them. They must stay. The other function is called whenever the
+// observers want something else of them.
+void SetOpenGL(std::span<Prototype> functions, void (*update)());
+
+// The time since then was spent neither in plugins nor in what they called. It is left out of durations.
+void LeaveOutTime(Clock::time_point since);
+
 // The innermost call under way; null if there is none.
 const Crossing *Innermost();
-// The side whose code runs now.
+// The side whose code runs now. OpenGL runs no code of its own that calls others, but that of plugins.
 Side CurrentSide();
 
 // Called once, when an exported function is called for the first time, on that

@@ -7,13 +7,12 @@
 #include <string_view>
 
 namespace crossings {
-namespace {
-
-std::string_view SideName(Side side, const std::string &plugin) {
-    return side == Side::Host ? "host" : side == Side::Library ? "library" : std::string_view(plugin);
+std::string_view SideName(Side side, std::string_view plugin) {
+    return side == Side::Host      ? "host"
+           : side == Side::Library ? "library"
+           : side == Side::OpenGL  ? "OpenGL"
+                                   : std::string_view(plugin);
 }
-
-} // namespace
 
 std::string_view CallbackName(const Crossing &crossing) {
     const bool isNamed = crossing.callback && crossing.callback->owner != NO_PLUGIN_ID;

@@ -19,6 +19,8 @@ std::string_view CallbackName(const Crossing &crossing);
 void AddTitle(Line &line, const Crossing &crossing);
 std::string TitleOf(const Crossing &crossing);
 
+// A side; a plugin by its name.
+std::string_view SideName(Side side, std::string_view plugin);
 // Who calls whom: "Menu > library".
 void AddSides(Line &line, const Crossing &crossing);
 // The title with its arguments: "AVSKDrawString(colour=null, x=1, ...)".

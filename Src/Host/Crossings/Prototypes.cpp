@@ -1,4 +1,5 @@
 // The table of prototypes; see PrototypeTable.h. Crossing.cpp notes in it who observes what.
+// Owns the source of the names of OpenGL.
 #include "Prototypes.h"
 
 #include "PrototypeTable.h"
@@ -10,6 +11,8 @@
 
 namespace crossings {
 namespace {
+
+std::vector<std::string> (*gOpenGLNames)() = nullptr;
 
 constexpr Prototype::Form FormOfCallback(std::string_view name) {
     return name == "AVPluginStart"        ? Prototype::Form::Start
@@ -33,5 +36,8 @@ std::vector<std::string> PrototypeNames() {
         names.emplace_back(function.name);
     return names;
 }
+
+std::vector<std::string> OpenGLNames() { return gOpenGLNames ? gOpenGLNames() : std::vector<std::string>(); }
+void SetOpenGLNames(std::vector<std::string> (*names)()) { gOpenGLNames = names; }
 
 } // namespace crossings

@@ -10,6 +10,10 @@ namespace crossings {
 // The exported functions, the host's services, the callback types and the entry points of plugins.
 std::vector<std::string> PrototypeNames();
 
+// The names of OpenGL's functions; empty in programs that do not serve them.
+std::vector<std::string> OpenGLNames();
+void SetOpenGLNames(std::vector<std::string> (*names)());
+
 } // namespace crossings
 
 #endif

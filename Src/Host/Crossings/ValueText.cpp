@@ -1,4 +1,4 @@
-// Values as text; see ValueText.h. Owns the pointer to the names of handles.
+// Values as text; see ValueText.h. Owns the pointers to the names of handles and enumerants.
 #include "ValueText.h"
 
 #include "Symbols.h"
@@ -18,6 +18,7 @@ namespace crossings {
 namespace {
 
 const HandleNames *gHandleNames = nullptr;
+void (*gAddEnumerant)(Line &line, const Value &value) = nullptr;
 
 // Words carry numbers and addresses alike; nothing is mapped below this one.
 constexpr AVSKWord kFirstAddress = 4096;
@@ -77,6 +78,7 @@ void AddCharacter(Line &line, int character) {
 
 } // namespace
 
+void SetEnumerantNames(void (*add)(Line &line, const Value &value)) { gAddEnumerant = add; }
 void SetHandleNames(const HandleNames *names) { gHandleNames = names; }
 
 std::string_view NameOfHandle(const void *handle) {
@@ -129,6 +131,9 @@ void AddValue(Line &line, const Value &value) {
         line.Add('{');
         AddValues(line, value.structure->fields, value.structure->values);
         return line.Add('}');
+    case Value::Kind::Enumerant:
+    case Value::Kind::Bits:
+        return gAddEnumerant ? gAddEnumerant(line, value) : line.AddHex(value.word);
     case Value::Kind::Name:
         return line.Add({value.text, static_cast<std::size_t>(value.length)});
     case Value::Kind::Unreadable:
@@ -166,6 +171,12 @@ std::string StableText(const Value &value, const HandleNames &names) {
     case Value::Kind::Pointer: {
         const std::string_view name = value.pointer ? names.NameOf(value.pointer) : "null";
         return std::string(name.empty() ? "pointer" : name);
+    }
+    case Value::Kind::Enumerant:
+    case Value::Kind::Bits: {
+        Line line;
+        AddValue(line, value);
+        return std::string(line.Text());
     }
     default:
         return "pointer";

@@ -28,6 +28,10 @@ void SetHandleNames(const HandleNames *names);
 // One of them; empty if there is none.
 std::string_view NameOfHandle(const void *handle);
 
+// Adds the name or names of a value of the kinds Enumerant and Bits. Null for none; then they are numbers. Signal
+// handlers call it.
+void SetEnumerantNames(void (*add)(Line &line, const Value &value));
+
 // So many bytes of a text are shown to a reader.
 inline constexpr std::size_t kShownText = 80;
 

@@ -52,6 +52,7 @@ Blame *gBlame = nullptr;
 const int *gFrame = nullptr;   // of the simulator; not read through the Blame, which may be overwritten
 int gLastFrame = 0;            // when the Blame ended
 void (*gAddition)() = nullptr; // to each report
+bool (*gAddInnerCall)(Line &line, const void *stack) = nullptr;
 const ForeignSignals *gForeign = nullptr;
 std::atomic<bool> gReporting = false;
 
@@ -82,6 +83,16 @@ void AddTitleAndCaller(Line &line, const History::Call *call) {
         return;
     line.Add(call->To() == Side::Library ? std::string_view(", called by ") : ", called for ");
     AddBehalf(line, *call);
+}
+
+// A call of a plugin that the library does not see, and the call that it made it in.
+void AddInnerCall(Line &line, const void *stack) {
+    if (gAddInnerCall && gAddInnerCall(line, stack))
+        line.Add(", called in ");
+}
+
+const void *StackOf(const ucontext_t &context) {
+    return reinterpret_cast<const void *>(context.uc_mcontext.gregs[REG_ESP]);
 }
 
 // A child flushes the output: corrupted streams can only stop or end the child.
@@ -244,6 +255,7 @@ void OnFault(int signal, siginfo_t *info, void *interrupted) {
     AddCause(head, *info, instruction);
     if (call) {
         head.Add(" in ");
+        AddInnerCall(head, StackOf(*context));
         AddTitleAndCaller(head, call);
     } else if (isObserversFault && gHistory.Innermost()) {
         head.Add(" while it observed ");
@@ -296,6 +308,7 @@ void OnOverdue(int /*signal*/, siginfo_t * /*info*/, void *interrupted) {
     head.Add(" did not return within ");
     head.Add(timer->Limit());
     head.Add(" s from ");
+    AddInnerCall(head, StackOf(*static_cast<const ucontext_t *>(interrupted)));
     AddTitleAndCaller(head, call);
     ReportAndEnd(head, static_cast<ucontext_t *>(interrupted));
 }
@@ -437,6 +450,7 @@ void Blame::Ends(const Crossing &crossing) {
 }
 
 void AddToBlame(void (*write)()) { gAddition = write; }
+void NameInnerCalls(bool (*add)(Line &line, const void *stack)) { gAddInnerCall = add; }
 bool IsReporting() { return gReporting; }
 void SetForeignSignals(const ForeignSignals *signals) { gForeign = signals; }
 

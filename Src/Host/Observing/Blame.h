@@ -7,6 +7,7 @@
 #include "Watchdog.h"
 
 #include "Crossings/Crossing.h"
+#include "Crossings/Line.h"
 
 #include <memory>
 #include <optional>
@@ -51,6 +52,10 @@ class Blame : public crossings::Observer {
 // The function writes what reports of Blame contain at their end. It runs in signal
 // handlers. Null for none.
 void AddToBlame(void (*write)());
+
+// The function adds the call that a plugin makes where the stack pointer has the given value, if it is one that the
+// library does not see, and tells whether it is. It runs in signal handlers. Null for none.
+void NameInnerCalls(bool (*add)(crossings::Line &line, const void *stack));
 
 // In a program of somebody else's, a report of a fault does not end the process: the
 // program does what it would do without an observer. The functions run in signal handlers.

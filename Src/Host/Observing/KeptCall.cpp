@@ -102,12 +102,9 @@ Value KeptCall::Restored(const Value &value) const {
 void KeptCall::AddTitle(Line &line) const { crossings::AddTitle(line, *mHead.what, mHead.callback); }
 
 void KeptCall::AddCall(Line &line) const {
-    const auto side = [](Side one, std::string_view plugin) {
-        return one == Side::Host ? std::string_view("host") : one == Side::Library ? "library" : plugin;
-    };
-    line.Add(side(mHead.from, mHead.outerName));
+    line.Add(crossings::SideName(mHead.from, mHead.outerName));
     line.Add(" > ");
-    line.Add(side(mHead.to, mHead.pluginName));
+    line.Add(crossings::SideName(mHead.to, mHead.pluginName));
     line.Add("  ");
     AddTitle(line);
     line.Add('(');

@@ -32,7 +32,7 @@ Observers::Observers(std::unique_ptr<const ObservedHost> host, ObservingOptions 
     if (isAll || mOptions.owners || mOptions.check)
         mLedger.emplace(*mHost);
     if (isAll || mOptions.profile || mOptions.budget > 0)
-        mProfile.emplace(*mHost);
+        mProfile.emplace(*mHost, mOptions.profile);
     if (mOptions.budget > 0)
         mProfile->SetBudget("", mOptions.budget);
     if (!mOptions.trace.file.empty())

@@ -31,7 +31,9 @@ std::string Formatted(const char *format, auto... values) {
 
 } // namespace
 
-Profile::Profile(const ObservedHost &host) : mPresentFrame(host.Frame()) { crossings::AddObserver(*this); }
+Profile::Profile(const ObservedHost &host, bool seesOpenGL) : mPresentFrame(host.Frame()), mSeesOpenGL(seesOpenGL) {
+    crossings::AddObserver(*this);
+}
 Profile::~Profile() { crossings::RemoveObserver(*this); }
 
 crossings::Interest Profile::InterestIn(const crossings::Prototype &function) const {
@@ -57,7 +59,22 @@ void Profile::Begins(const Crossing &crossing) {
     mInner.emplace_back();
 }
 
+void Profile::EndOpenGL(const Crossing &call) {
+    if (!call.outer || !IsPlugins(*call.outer) || mInner.empty())
+        return;
+    const Time time = call.Duration();
+    mInner.back() += time;
+    Known &known = KnownOf(*call.outer);
+    if (!known.openGL)
+        known.openGL = &mRows[crossings::LabelOf(call.plugin)]["OpenGL in " + crossings::TitleOf(*call.outer)];
+    ++known.openGL->calls;
+    known.openGL->total += time;
+    known.openGL->present += time;
+}
+
 void Profile::Ends(const Crossing &crossing) {
+    if (crossing.to == Side::OpenGL)
+        return EndOpenGL(crossing);
     if (!IsPlugins(crossing) || mInner.empty())
         return;
     const Time whole = crossing.Duration();
@@ -74,13 +91,20 @@ void Profile::Ends(const Crossing &crossing) {
     row.present += own;
 }
 
-Profile::Row &Profile::RowOf(const Crossing &crossing) {
+Profile::Known &Profile::KnownOf(const Crossing &crossing) {
     const std::size_t number = crossing.callback->number;
     if (number >= mKnown.size())
         mKnown.resize(number + 1);
     Known &known = mKnown[number];
-    if (!known.row || known.plugin != crossing.plugin)
-        known = {crossing.plugin, &mRows[crossings::LabelOf(crossing.plugin)][crossings::TitleOf(crossing)]};
+    if (known.plugin != crossing.plugin)
+        known = {crossing.plugin, nullptr, nullptr};
+    return known;
+}
+
+Profile::Row &Profile::RowOf(const Crossing &crossing) {
+    Known &known = KnownOf(crossing);
+    if (!known.row)
+        known.row = &mRows[crossings::LabelOf(crossing.plugin)][crossings::TitleOf(crossing)];
     return *known.row;
 }
 

@@ -13,10 +13,12 @@ namespace host {
 class ObservedHost;
 
 // A callback's time includes the library's and the host's work for it. It does
-// not include other callbacks that it caused: that time is theirs.
+// not include other callbacks that it caused: that time is theirs. The time in
+// OpenGL has a row of its own for each callback.
 class Profile : public crossings::Observer {
   public:
-    explicit Profile(const ObservedHost &host);
+    // Without OpenGL, the time in it belongs to the callbacks, and plugins draw faster.
+    Profile(const ObservedHost &host, bool seesOpenGL);
     ~Profile() override;
 
     // The most that a plugin may take in a frame. An empty name means all
@@ -24,6 +26,9 @@ class Profile : public crossings::Observer {
     void SetBudget(const std::string &plugin, double milliseconds) { mBudgets[plugin] = milliseconds; }
 
     crossings::Interest InterestIn(const crossings::Prototype &function) const override;
+    crossings::Interest InterestInOpenGL(const crossings::Prototype & /*function*/) const override {
+        return mSeesOpenGL ? crossings::Interest::Times : crossings::Interest::None;
+    }
     void Begins(const crossings::Crossing &crossing) override;
     void Ends(const crossings::Crossing &crossing) override;
 
@@ -59,17 +64,22 @@ class Profile : public crossings::Observer {
         Time callbackTime{};
     };
 
-    Row &RowOf(const crossings::Crossing &crossing);
     void CloseFrame();
     double BudgetOf(const std::string &plugin) const; // 0: none
 
     const int &mPresentFrame;
+    const bool mSeesOpenGL;
     std::map<std::string, double> mBudgets;
     std::map<std::string, std::map<std::string, Row>> mRows; // plugin, callback
     struct Known {
-        AVSKPluginID plugin;
-        Row *row; // null if it is not known yet
+        AVSKPluginID plugin = NO_PLUGIN_ID;
+        Row *row = nullptr;    // null if it is not known yet
+        Row *openGL = nullptr; // likewise
     };
+
+    Known &KnownOf(const crossings::Crossing &crossing);
+    Row &RowOf(const crossings::Crossing &crossing);
+    void EndOpenGL(const crossings::Crossing &call);
 
     std::vector<Known> mKnown; // by the callback's number
     std::map<std::string, Excess> mExcesses;

@@ -1,9 +1,16 @@
 // Answers from the simulator's parts; see SimulatedHost.h.
 #include "SimulatedHost.h"
 
+#include "Blame.h"
+
+#include "OpenGL/Calls.h"
 #include "Services/Simulator.h"
 
 namespace host {
+
+SimulatedHost::SimulatedHost(const Simulator &simulator) : mSimulator(simulator) {
+    NameInnerCalls(opengl::AddCallUnderWay);
+}
 
 const int &SimulatedHost::Frame() const { return mSimulator.frame; }
 

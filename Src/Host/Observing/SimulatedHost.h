@@ -11,7 +11,7 @@ struct Simulator;
 class SimulatedHost : public ObservedHost {
   public:
     // The simulator must outlive it.
-    explicit SimulatedHost(const Simulator &simulator) : mSimulator(simulator) {}
+    explicit SimulatedHost(const Simulator &simulator);
 
     const int &Frame() const override;
     std::string CommandName(const void *command) const override;

@@ -35,12 +35,12 @@ bool IsMatched(const std::string &pattern, const Names &names) {
 // Plugins' own functions have other names.
 bool IsOfInterface(const std::string &pattern) { return Matches("AVSK*", pattern) || Matches("AVPlugin*", pattern); }
 
-// The patterns that match none of the interface's names; callbacks may have such names.
+// The patterns that match none of the interface's or OpenGL's names; callbacks may have such names.
 std::vector<std::string> UnknownFunctions(const std::vector<std::string> &patterns) {
     const std::vector<std::string> names = crossings::PrototypeNames();
     std::vector<std::string> unknown;
     for (const std::string &pattern : patterns) {
-        if (IsMatched(pattern, names))
+        if (IsMatched(pattern, names) || IsMatched(pattern, crossings::OpenGLNames()))
             continue;
         if (IsOfInterface(pattern))
             throw UsageError("--trace-function: there is no function, callback type or entry point '" + pattern + "'" +
@@ -82,6 +82,8 @@ std::vector<std::string> Trace::Finish() {
         if (IsMatched(pattern, mCallbacks))
             continue;
         std::vector<std::string> names = crossings::PrototypeNames();
+        for (const std::string &name : crossings::OpenGLNames())
+            names.push_back(name);
         names.insert(names.end(), mCallbacks.begin(), mCallbacks.end());
         faults.push_back("--trace-function: no function is called '" + pattern +
                          "', and no callback of that name was called" + DidYouMean(pattern, names));

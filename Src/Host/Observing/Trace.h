@@ -37,6 +37,9 @@ class Trace : public crossings::Observer {
     explicit Trace(const TraceOptions &options);
     ~Trace() override;
 
+    crossings::Interest InterestInOpenGL(const crossings::Prototype & /*function*/) const override {
+        return crossings::Interest::All;
+    }
     void Begins(const crossings::Crossing &crossing) override;
     void Ends(const crossings::Crossing &crossing) override;
 

@@ -89,7 +89,7 @@ class TextWriter : public TraceWriter {
         StartLine(Crossing::Clock::now(), depth);
         mLine.Add("thread ");
         mLine.Add(thread);
-        mLine.Add(" > library  ");
+        mLine.Add(function.form == crossings::Prototype::Form::OpenGL ? " > OpenGL  " : " > library  ");
         mLine.Add(function.name);
         Write(", which is not the host's thread");
     }

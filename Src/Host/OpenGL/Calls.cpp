@@ -1,12 +1,16 @@
-// Calls of plugins; see Calls.h. Owns the slots, the addresses of Mesa's functions,
-// the count of calls and the state between glBegin and glEnd.
+// Calls of plugins; see Calls.h. Each function of libGL.so.1 notes the call and jumps
+// through its slot. Owns the slots, the addresses of Mesa's functions, the count of
+// calls and the state between glBegin and glEnd.
 #include "Calls.h"
 
 #include "Library.h"
+#include "Prototypes.h"
 
-#include "Crossings/Crossing.h"
+#include "Crossings/ValueText.h"
 
 #include <array>
+#include <span>
+#include <tuple>
 #include <utility>
 
 // Where thunks lead: the function's number is in eax, the arguments begin behind the return address.
@@ -36,9 +40,9 @@ namespace {
 
 using Real = void (*)();
 
-std::array<Real, kFunctionCount> gReal{}; // null if Mesa lacks it
-bool gHasMesa = false;
-unsigned long gCalls = 0; // that a thunk has seen
+std::array<Real, kFunctionCount> gReal{};    // null if Mesa lacks it
+std::span<crossings::Prototype> gPrototypes; // empty before the first call
+unsigned long gCalls = 0;                    // that a thunk has seen
 bool gIsUsed = false;
 bool gIsBetween = false;
 
@@ -64,7 +68,7 @@ constexpr std::array<Caller, sizeof...(I)> MakeCallers(std::index_sequence<I...>
     return {&Call<I>...};
 }
 
-constexpr std::size_t kMostWords = 24;
+constexpr std::size_t kMostWords = std::tuple_size_v<Values>;
 constexpr auto kCallers = MakeCallers(std::make_index_sequence<kMostWords + 1>());
 
 consteval bool AreWordsFew() {
@@ -83,7 +87,8 @@ bool IsFollowed(unsigned number) { return number == kNumber_glBegin || number ==
 
 bool NeedsThunk(unsigned number) {
     const Function &function = kFunctions[number];
-    return !gReal[number] || IsFollowed(number) || (gHandlers.drawing && (function.flags & (kDraws | kReads)) != 0) ||
+    return !gReal[number] || IsFollowed(number) || (!gPrototypes.empty() && gPrototypes[number].observers != 0) ||
+           (gHandlers.drawing && (function.flags & (kDraws | kReads)) != 0) ||
            (gHandlers.reading && (function.flags & kReads) != 0);
 }
 
@@ -99,23 +104,51 @@ void NoteBeginAndEnd(unsigned number, const std::uint32_t *words) {
         gIsBetween = false;
 }
 
-std::uint64_t Enter(unsigned number, const std::uint32_t *words) {
-    const Function &function = kFunctions[number];
-    // Mesa's context belongs to one thread.
-    if (!crossings::IsObservedThread())
-        return NeutralResult(function);
-    ++gCalls;
+// The time of what it does is the host's.
+void BeginUse() {
+    const crossings::Clock::time_point start = crossings::Clock::now();
     gIsUsed = true;
+    gPrototypes = Prototypes();
+    crossings::SetOpenGL(gPrototypes, UpdateSlots);
     if (gHandlers.first)
         std::exchange(gHandlers.first, nullptr)();
-    if (gHandlers.reading && (function.flags & kReads) != 0)
-        std::exchange(gHandlers.reading, nullptr)();
-    if (gHandlers.drawing && !gIsBetween && (function.flags & (kDraws | kReads)) != 0)
-        gHandlers.drawing();
+    crossings::LeaveOutTime(start);
+}
+
+std::uint64_t CallReal(unsigned number, const std::uint32_t *words) {
+    const Function &function = kFunctions[number];
     if (!gReal[number])
         return NeutralResult(function);
     NoteBeginAndEnd(number, words);
     return kCallers[function.words](gReal[number], words);
+}
+
+std::uint64_t CallObserved(unsigned number, const std::uint32_t *words) {
+    const Function &function = kFunctions[number];
+    Values values;
+    crossings::Crossing crossing(gPrototypes[number], crossings::Side::OpenGL, ReadArguments(values, function, words));
+    const std::uint64_t result = CallReal(number, words);
+    crossing.Return(ReadResult(function, result));
+    return result;
+}
+
+std::uint64_t Enter(unsigned number, const std::uint32_t *words) {
+    const Function &function = kFunctions[number];
+    // Mesa's context belongs to one thread.
+    if (!crossings::IsObservedThread()) {
+        if (!gPrototypes.empty())
+            crossings::NoteUnobserved(gPrototypes[number], crossings::Side::OpenGL);
+        return NeutralResult(function);
+    }
+    ++gCalls;
+    if (!gIsUsed)
+        BeginUse();
+    if (gHandlers.reading && (function.flags & kReads) != 0)
+        std::exchange(gHandlers.reading, nullptr)();
+    if (gHandlers.drawing && !gIsBetween && (function.flags & (kDraws | kReads)) != 0)
+        gHandlers.drawing();
+    const bool isObserved = gPrototypes[number].observers != 0 && crossings::AreObserved();
+    return isObserved ? CallObserved(number, words) : CallReal(number, words);
 }
 
 } // namespace
@@ -123,11 +156,12 @@ std::uint64_t Enter(unsigned number, const std::uint32_t *words) {
 void TakeCalls() {
     AvskOpenGL &library = *avskOpenGL();
     library.call = &AvskEnterOpenGL;
+    gCalls = 0;
+    gIsUsed = false;
     UpdateSlots();
 }
 
 void SetFunctions(Real (*find)(const char *name)) {
-    gHasMesa = find != nullptr;
     for (std::size_t i = 0; i < kFunctionCount; ++i)
         gReal[i] = find ? find(kFunctions[i].Name()) : nullptr;
     gIsBetween = false;
@@ -148,6 +182,24 @@ void UpdateSlots() {
 bool IsUsed() { return gIsUsed; }
 unsigned long CountedCalls() { return gCalls; }
 bool IsBetweenBeginAndEnd() { return gIsBetween; }
+
+bool AddCallUnderWay(crossings::Line &line, const void *stack) {
+    const AvskOpenGL &library = *avskOpenGL();
+    if (!library.stack || stack > library.stack || *library.stack != library.returnAddress)
+        return false;
+    const Function &function = kFunctions[library.last];
+    Values values;
+    const auto arguments = ReadArguments(values, function, library.stack + 1);
+    for (crossings::Value &value : std::span(values).first(arguments.size())) {
+        if (value.kind == crossings::Value::Kind::Function) // whose name cannot be looked up now
+            value.kind = crossings::Value::Kind::Pointer;
+    }
+    line.Add(function.Name());
+    line.Add('(');
+    crossings::AddValues(line, function.Parameters(), arguments);
+    line.Add(')');
+    return true;
+}
 
 } // namespace opengl
 

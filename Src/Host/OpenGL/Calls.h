@@ -6,11 +6,13 @@
 
 #include "Functions.h"
 
+#include "Crossings/Line.h"
+
 namespace opengl {
 
 // What the room does at calls. Owned by Context.cpp.
 struct CallHandlers {
-    void (*first)();   // at the first call of all; then null
+    void (*first)();   // before the first call of all; then null
     void (*drawing)(); // before a call that draws or reads pixels; null: these calls are not needed
     void (*reading)(); // before the first call that reads pixels; then null
 };
@@ -26,6 +28,10 @@ void UpdateSlots();
 bool IsUsed();
 unsigned long CountedCalls();
 bool IsBetweenBeginAndEnd();
+
+// Adds the call that is under way where the stack pointer has this value, with its arguments. False if there is none.
+// For handlers of signals.
+bool AddCallUnderWay(crossings::Line &line, const void *stack);
 
 } // namespace opengl
 

@@ -22,6 +22,7 @@ Mesa::Context gContext = nullptr;
 Api gApi{};
 std::string gMissing;
 void (*gMade)() = nullptr;
+void (*gTellMissing)() = nullptr;
 bool gIsRead = false; // a plugin reads pixels, so every frame is drawn
 
 // Whether the screen is what Mesa draws into, or only a pixel of it.
@@ -53,7 +54,10 @@ void DrawEveryFrame() {
     UpdateSlots();
 }
 
-void ServeFirstCall() { MakeContext(); }
+void ServeFirstCall() {
+    if (!MakeContext() && gTellMissing)
+        gTellMissing();
+}
 
 void *Find(const char *name) { return reinterpret_cast<void *>(OpenMesa().find(name)); }
 
@@ -86,6 +90,8 @@ const std::string &Missing() {
 
 int ScreenWidth() { return gScreen.width; }
 int ScreenHeight() { return gScreen.height; }
+
+void OnMissing(void (*tell)()) { gTellMissing = tell; }
 
 bool HasContext() { return gContext != nullptr; }
 

@@ -26,6 +26,9 @@ const std::string &Missing();
 int ScreenWidth();
 int ScreenHeight();
 
+// Called at the first call of a plugin if Mesa is missing. Null for none.
+void OnMissing(void (*tell)());
+
 bool HasContext();
 // False without Mesa. A plugin's first call does it too.
 bool MakeContext();

@@ -18,6 +18,12 @@ struct AvskOpenGL {
     void (*call)(void);          /* what the thunks jump to, with the function's number in eax; at first, returns 0 */
     const unsigned char *thunks; /* one for each slot */
     void **slots;                /* at first, each returns 0, or "" */
+
+    /* The last call. It is still under way while the word at `stack` is the return address and nothing above it was
+     * popped; the arguments are behind it. */
+    unsigned last;
+    const unsigned *stack;
+    unsigned returnAddress;
 };
 
 /* The library's only export that is no function of OpenGL. */

@@ -10,7 +10,7 @@ written:
     Groups.inc       AVSK_GROUP(first, count) for each group of enumerants; then the members: AVSK_MEMBER(enumerant);
                      then the group of each parameter of type E or B, or -1: AVSK_PARAMETER_GROUP(group). `groups`
                      above is where a function's begin.
-    Enumerants.inc   AVSK_ENUMERANT(value, text), by value; and
+    Enumerants.inc   AVSK_ENUMERANT(value, text), by value, the best name of a value first; and
     EnumerantTexts.inc  the literal with their names
 
 usage: generate_opengl.py FOLDER gl.xml glx.xml
@@ -21,7 +21,7 @@ import re
 import sys
 import xml.etree.ElementTree as ET
 
-# Type letters: result, or kind and size of a parameter.
+# Type letters of results and parameters. X is a number or an enumerant.
 TYPES = {
     "void": "v", "GLboolean": "b", "GLbyte": "c", "GLubyte": "C", "GLshort": "h", "GLushort": "H", "GLhalfNV": "H",
     "GLint": "i", "GLsizei": "i", "GLfixed": "i", "GLclampx": "i", "GLintptr": "i", "GLintptrARB": "i",
@@ -50,6 +50,9 @@ UNLISTED = """
     glTexImage3DNV glTexSubImage3DNV glValidBackBufferHintAutodesk glWaitSyncValueuiNVX glWindowBackBufferHintAutodesk
     glXAllocateMemoryNV glXFreeMemoryNV glXGetDriverConfig glXGetRefreshRateSGI glXGetScreenDriver""".split()
 
+# Their parameter `param` is a number or an enumerant, whichever `pname` wants.
+MAY_BE_ENUMERANT = re.compile(r"gl(\w*Parameteri|TexEnvi|TexGeni|Fogi|LightModeli|PixelTransferi)(EXT|ARB|SGIX|NV)?$")
+
 # Functions that write pixels of the screen, and that read them. Queries count what is drawn, so they read too.
 DRAWS = re.compile(r"gl(Begin|Clear|ClearBuffer\w*|ClearNamedFramebuffer\w*|Draw(?!Buffer)\w*|MultiDraw\w*|"
                    r"MultiModeDraw\w*|CallLists?|Rect\w+|Bitmap|CopyPixels|Accum|EvalMesh[12]|"
@@ -73,6 +76,8 @@ class Command:
             # A location or a level may be an int by its type and an enumerant by its meaning.
             if group in groups and kind == "i":
                 kind = "E"
+            elif kind == "i" and name == "param" and MAY_BE_ENUMERANT.match(self.name):
+                kind = "X"
             self.parameters.append(name)
             self.types += kind
             if kind in "EB":
@@ -118,11 +123,12 @@ def enumerants_of(registry):
     def preferred(names):
         return min(names, key=lambda name: (bool(VENDORS.search(name)), len(name)))
 
-    chosen = {(value, preferred(names)) for value, names in values.items() if value not in (0, 1)}
+    best = {value: preferred(names) for value, names in values.items()}
+    chosen = set(best.items())
     members = {group: {value: preferred(names) for value, names in its.items()} for group, its in groups.items()}
     for its in members.values():
         chosen.update(its.items())
-    ordered = sorted(chosen)
+    ordered = sorted(chosen, key=lambda pair: (pair[0], pair[1] != best[pair[0]], pair[1]))
     number = {pair: i for i, pair in enumerate(ordered)}
     return ordered, {group: [number[pair] for pair in sorted(its.items())] for group, its in members.items()}
 
@@ -173,7 +179,9 @@ def write_stubs(path, commands, fixed):
     slots = []
     for i, command in enumerate(commands):
         code += [".p2align 4", f".globl {command.name}", f".type {command.name}, @function", f"{command.name}:",
-                 f".Lf{i}:", "call avskHere", f"1: jmp *avskSlots+{4 * i}-1b(%eax)",
+                 f".Lf{i}:", "call avskHere", f"1: movl ${i}, avskLast-1b(%eax)", "movl (%esp), %ecx",
+                 "movl %esp, avskLast+4-1b(%eax)", "movl %ecx, avskLast+8-1b(%eax)",
+                 f"jmp *avskSlots+{4 * i}-1b(%eax)",
                  f".size {command.name}, .-{command.name}"]
         slots.append(neutral.get(command.result, "avskNeutral"))
     exports = {command.name: f".Lf{i}" for i, command in enumerate(commands)}
@@ -204,7 +212,7 @@ def write_stubs(path, commands, fixed):
     code += ["avskNames:"] + texts + [".hidden avskExportCount", ".globl avskExportCount", ".p2align 2",
                                       f"avskExportCount: .long {len(names)}"]
     code += [".data", ".p2align 2", ".hidden avskOpenGLTable", ".globl avskOpenGLTable", "avskOpenGLTable:",
-             f".long {len(commands)}, avskNeutral, avskThunks, avskSlots", "avskSlots:"]
+             f".long {len(commands)}, avskNeutral, avskThunks, avskSlots", "avskLast: .long 0, 0, 0", "avskSlots:"]
     code += [f".long {slot}" for slot in slots] + [".text"]
     lines = ["// Written by generate_opengl.py.", "__asm__("]
     lines += ['    "' + line.replace("\\", "\\\\").replace('"', '\\"') + '\\n"' for line in code]

@@ -24,6 +24,7 @@ AVSKHostCallbacks gTable;
 void Prepare(Simulator &simulator) {
     gSimulator = &simulator;
     gTable = MakeTable();
+    opengl::OnMissing([] { gSimulator->console.Note(opengl::Missing()); });
     opengl::Prepare(simulator.options.screenWidth, simulator.options.screenHeight);
 }
 
