@@ -56,7 +56,7 @@ struct Value {
     Kind kind = Kind::Nothing;
     bool isHandle = false;   // of the library or the host
     std::int16_t group = -1; // of enumerants; -1: any
-    int length = -1;       // of a name, and of a text without a terminating zero; -1: it has one
+    int length = -1;         // of a name, and of a text without a terminating zero; -1: it has one
     union {
         int integer;
         AVSKWord word;
