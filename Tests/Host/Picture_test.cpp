@@ -1,51 +1,77 @@
-// Compares the reference host's picture of a fixed scene with the one in
-// Tests/Host/Pictures. If the scene is meant to change, check the new picture
-// by eye and copy it there.
+// 'expect picture': what it finds, writes and refuses. The picture of a fixed scene in
+// Tests/Host/Pictures also shows that drawing stays as it is. If the scene is meant to
+// change, take its picture with --accept, look at it, and copy it there.
+#include "RunAvsk.h"
 #include "World.h"
 
-#include <cstdlib>
 #include <filesystem>
-
-#define STB_IMAGE_IMPLEMENTATION
-#define STBI_ONLY_PNG
-#include <stb/stb_image.h>
+#include <fstream>
+#include <string>
 
 namespace {
 
-struct Picture {
-    explicit Picture(const std::string &file) : pixels(stbi_load(file.c_str(), &width, &height, nullptr, 3)) {}
-    ~Picture() { stbi_image_free(pixels); }
+namespace fs = std::filesystem;
 
-    int width = 0;
-    int height = 0;
-    unsigned char *pixels;
+struct PictureTest : testing::Test {
+    World world;
+
+    PictureTest() {
+        world.InstallDefective("Resources/plugins/Scene/lin.avp", "Scene");
+        fs::copy_file(AVSK_TEST_PICTURES "/scene.png", world.Path("scene.png"));
+    }
+
+    // Expects this status of a session with these lines, and these words in what it says.
+    void Expect(int status, const std::string &lines, const std::string &words = "", const std::string &options = "") {
+        std::ofstream(world.Path("s.avs")) << lines;
+        const AvskRun run = RunAvsk("run --quiet --root " + world.Path("") + " " + world.Path("s.avs") + options);
+        EXPECT_EQ(run.status, status) << lines << run.said;
+        EXPECT_NE(run.said.find(words), std::string::npos) << words << "\n" << run.said;
+    }
+    bool Exists(const std::string &file) const { return fs::exists(world.Path(file)); }
 };
 
-TEST(Picture, AKnownSceneLooksAsItDid) {
-    World world;
-    world.InstallDefective("Resources/plugins/Scene/lin.avp", "Scene");
-    const std::string taken = AVSK_TEST_PICTURES_OUT "/scene.png";
-    std::filesystem::create_directories(AVSK_TEST_PICTURES_OUT);
-    std::filesystem::remove(taken);
-    const std::string run = std::string("'" AVSK_TEST_HOST "' run --frames 3 --quiet --root '") + world.Path("") +
-                            "' --screenshot '" + taken + "' > /dev/null";
-    ASSERT_EQ(std::system(run.c_str()), 0) << run;
+TEST_F(PictureTest, AKnownSceneLooksAsItDidInAnyFrame) {
+    Expect(0, "frames 2\nexpect picture scene.png\nframes 70\nexpect picture scene.png 48\n");
+}
 
-    const Picture kept(AVSK_TEST_PICTURES "/scene.png");
-    const Picture now(taken);
-    ASSERT_NE(kept.pixels, nullptr) << "no picture kept at " AVSK_TEST_PICTURES "/scene.png";
-    ASSERT_NE(now.pixels, nullptr) << "no picture was taken: " << run;
-    ASSERT_EQ(now.width, kept.width);
-    ASSERT_EQ(now.height, kept.height);
-    // Other font versions render edges slightly differently. The host draws the
-    // bar at the bottom, which shows flight data; it is not compared.
-    constexpr int kBar = 24;
-    constexpr int kAllowed = 100;
-    const int count = kept.width * (kept.height - kBar) * 3;
-    int different = 0;
-    for (int i = 0; i < count; ++i)
-        different += std::abs(kept.pixels[i] - now.pixels[i]) > 48;
-    EXPECT_LE(different, kAllowed) << "compare " << taken << " with " AVSK_TEST_PICTURES "/scene.png";
+TEST_F(PictureTest, WhatDiffersIsCountedAndShownUntilItIsAccepted) {
+    // The window in front is 350 x 200; what it covers is much darker than the sky.
+    const std::string hidden = "hide Scene 2\nexpect no picture scene.png\nexpect picture scene.png";
+    Expect(0, hidden + " 60,15%\n");
+    Expect(0, hidden + " 255,0%\n");
+    EXPECT_FALSE(Exists("scene.actual.png"));
+    Expect(1, hidden + " 8,0.5%\n", "the greatest difference is ");
+    Expect(0, "hide Scene 2\nexpect picture scene.actual.png 0,0%\nexpect no picture scene.difference.png 8,0.5%\n");
+    Expect(0, hidden + "\n", "scene.png was written", " --accept");
+    EXPECT_FALSE(Exists("scene.actual.png") || Exists("scene.difference.png"));
+    Expect(1, hidden + "\n",
+           ":2: frame 1: expect no picture scene.png: seen: 0 pixels (0.000%) differ by more than 48");
+    Expect(0, "hide Scene 2\nscreenshot " + world.Path("shot.png") + "\nexpect picture scene.png 0,6%\n");
+}
+
+TEST_F(PictureTest, WhatCannotBeComparedIsRefusedInOneLine) {
+    const fs::path half = world.Path("half.png");
+    fs::copy_file(world.Path("scene.png"), half);
+    fs::resize_file(half, 5000);
+    std::ofstream(world.Path("empty.png"));
+    fs::create_directory(world.Path("folder.png"));
+    const Table<int, std::string, std::string> kRefused{
+        {1, "expect picture missing.png", "missing.png': --accept writes what is shown now"},
+        {1, "expect no picture missing.png", "missing.png': --accept"},
+        {1, "expect no picture half.png", "half.png' is not a complete PNG file"},
+        {1, "expect picture empty.png", "empty.png' is not a complete PNG file"},
+        {1, "expect picture folder.png", "folder.png' is not a complete PNG file"},
+        {1, "screen 640x480\nexpect picture scene.png", "the screen is 640x480, the picture 1024x768: see "},
+        {2, "expect picture scene", ":1:16: expected a .png file, found 'scene'"},
+        {2, "expect picture scene.png 256", "found '256'"},
+        {2, "expect picture scene.png 8,1", "found '8,1'"},
+        {2, "expect picture scene.png 8,101%", "found '8,101%'"},
+    };
+    for (const auto &[status, line, words] : kRefused)
+        Expect(status, line + "\n", words);
+    Expect(1, "expect picture folder.png\n", "cannot write the picture", " --accept");
+    Expect(1, "expect picture no/scene.png\n", "cannot write the picture", " --accept");
+    Expect(2, "expect picture scene.png\n", "--watch: --accept belongs to a single run", " --accept --watch");
 }
 
 } // namespace

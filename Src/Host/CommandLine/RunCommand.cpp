@@ -51,6 +51,8 @@ constexpr const char *kRunExamples = R"(Examples:
       the same, typed; 'help' lists the words, 'quit' ends. With rlwrap installed there is history and completion
   avsk run Menu.avs --root sim --watch
       the same after each build, until Ctrl-C, with what changed: expectations, pictures and the log
+  avsk run Panel.avs --root sim --accept
+      takes the pictures that the session expects anew; look at them before you keep them
   avsk run --root sim --trace flight.json --trace-plugin Lights --profile --ps
       the calls of and to the plugin Lights, where the time went, and what it did not release
 
@@ -182,6 +184,8 @@ void ParsePlainOptions(RunRequest &request) {
     SimulatorOptions &simulator = request.options.simulator;
     if (!request.options.keptRoot.empty())
         throw UsageError("--keep-root: belongs to a session: name one, or use --interactive");
+    if (request.options.acceptPictures)
+        throw UsageError("--accept: belongs to a session with 'expect picture' lines: name one, or use --interactive");
     for (const std::string &text : request.screenshots)
         simulator.screenshots.push_back(ParseScreenshot(text, simulator.frames));
     for (const std::string &text : request.keys)
@@ -204,6 +208,8 @@ int WatchRuns(RunRequest &request) {
     if (request.interactive)
         throw UsageError("--watch: nobody can type a session again for each run: write it to a file instead of using "
                          "--interactive");
+    if (request.options.acceptPictures)
+        throw UsageError("--watch: --accept belongs to a single run: each run would accept its own pictures");
     if (!request.options.keptRoot.empty())
         throw UsageError("--watch: each run has a root of its own: leave out --keep-root");
     const bool isSession = !request.options.file.empty();
@@ -246,6 +252,8 @@ void AddRunCommand(CLI::App &app, Job &job, char **argv) {
         "--watch", request->watch,
         "run again whenever a plugin's files, the session or its data change, and print what differs from the "
         "last run; Ctrl-C ends the watch");
+    run->add_flag("--accept", options.acceptPictures,
+                  "of a session with 'expect picture': write each picture anew instead of comparing it");
     AddPlugins(*run, options.plugins, "load only this plugin; can be repeated");
     run->add_option("--keep-root", options.keptRoot,
                     "of a session that chooses plugins: make its root in this folder and keep it, with the files that "

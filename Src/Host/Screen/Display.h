@@ -35,6 +35,8 @@ class Display {
 
     // Set before a frame by anyone who needs its picture. The frame resets it. A frame without a picture costs nothing.
     bool wanted = false;
+    // The line at the foot of the picture differs in each frame.
+    bool hasStatusLine = true;
     // Null except while a frame is drawn whose picture is wanted.
     Canvas *canvas = nullptr;
 

@@ -170,7 +170,7 @@ void Display::DrawOwnPart(int drawCode, const std::string &status) {
         return;
     if (drawCode == kTerrainPass)
         DrawSkyAndGround(*canvas, *this);
-    else if (drawCode == kInstrumentPass)
+    else if (drawCode == kInstrumentPass && hasStatusLine)
         DrawStatus(*canvas, fonts[kMonospace], width, status);
 }
 

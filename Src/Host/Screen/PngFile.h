@@ -8,8 +8,11 @@
 
 namespace host {
 
-// Writes the colours without alpha. Throws std::runtime_error.
+// Writes the colours without alpha. The file is replaced when all is written. Throws std::runtime_error.
 void WritePng(const Image &image, const std::string &file);
+
+// Throws std::runtime_error if the file cannot be read or is no PNG file.
+Image ReadPng(const std::string &file);
 
 } // namespace host
 

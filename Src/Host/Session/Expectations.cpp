@@ -3,6 +3,7 @@
 #include "Forms.h"
 #include "LoadedPlugins.h"
 #include "MenuPaths.h"
+#include "PictureCheck.h"
 #include "Runner.h"
 #include "Values.h"
 
@@ -199,6 +200,8 @@ std::span<const Form> ExpectationForms() {
          kAlsoAfterUnload},
         {"file", "PATH [TEXT]", "a file of the root exists, and contains a text", File, kAlsoAfterUnload},
         {"view", "tower|chase|cockpit", "this view is shown", ViewShown},
+        {"picture", "FILE.png [TOLERANCE]",
+         "runs a frame; the screen then shows what the file beside the session shows", PictureShown},
         {"owns", "PLUGIN KIND [TEXT]",
          "a plugin owns something of a kind, as 'ps' lists it, whose description contains a text", Owns},
         {"tidy", "[PLUGIN]", "after 'unload': the plugins, or this one, returned everything themselves", Tidy,

@@ -1,6 +1,7 @@
 // The table of parameter kinds; see ParameterKinds.h.
 #include "ParameterKinds.h"
 
+#include "PictureCheck.h"
 #include "Values.h"
 
 #include "Common/Text.h"
@@ -20,6 +21,9 @@ namespace {
 constexpr int kMostCount = 10'000'000;
 
 bool IsText(const Word &word) { return !word.text.empty(); }
+
+bool IsPng(const Word &word) { return word.text.size() > 4 && word.text.ends_with(".png"); }
+bool IsTolerance(const Word &word) { return ReadTolerance(word.text).has_value(); }
 
 bool IsCount(const Word &word) {
     const auto number = ReadInteger(word.text);
@@ -68,6 +72,10 @@ constexpr ParameterKind kKinds[] = {
     {"PATTERN", IsText, "a part of a name, or a pattern in which * is any text"},
     {"DIR", IsText, "a folder"},
     {"FILE", IsText, "a file"},
+    {"FILE.png", IsPng, "a .png file"},
+    {"TOLERANCE", IsTolerance,
+     "the difference that a colour channel may have, from 0 to 255, and the share of pixels that may have more, such "
+     "as 8 or 8,0.5% (default 48,0.01%)"},
     {"COUNT", IsCount, "a whole number from 1 to 10000000"},
     {"INTEGER", IsInteger, "a whole number"},
     {"NUMBER", IsPositive, "a number above 0, at most 10000000"},

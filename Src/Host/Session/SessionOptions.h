@@ -19,6 +19,7 @@ struct SessionOptions {
     bool rootGiven = false;           // a root was named
     std::vector<std::string> plugins; // to load; empty: all plugins of the root
     Round *round = nullptr;           // of a watch; null without one
+    bool acceptPictures = false;      // 'expect picture' writes the picture instead of comparing it
     std::string keptRoot;             // folder for the root of chosen plugins; empty: a temporary one
 };
 

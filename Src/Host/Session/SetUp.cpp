@@ -51,6 +51,8 @@ std::optional<std::string> SetUp::FindFolder(const std::string &path) const {
     return std::nullopt;
 }
 
+std::string SetUp::Beside(const std::string &path) const { return (fs::path(mFolder) / path).string(); }
+
 void SetUp::Choose(const std::string &plugin, const std::string &place) {
     options.plugins.push_back(plugin);
     mPlaces.emplace(plugin, place);

@@ -30,6 +30,8 @@ class SetUp {
     // session's file, else at the root.
     std::optional<std::string> FindFolder(const std::string &path) const;
     std::optional<std::string> FindFile(const std::string &path) const;
+    // A path that begins at the session's file, existing or not.
+    std::string Beside(const std::string &path) const;
 
     // Chooses a plugin to load. The place is that of its line, for messages.
     void Choose(const std::string &plugin, const std::string &place);

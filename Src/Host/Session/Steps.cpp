@@ -5,6 +5,7 @@
 #include "Forms.h"
 #include "LoadedPlugins.h"
 #include "MenuPaths.h"
+#include "PictureCheck.h"
 #include "Runner.h"
 #include "Values.h"
 
@@ -333,10 +334,10 @@ Failure HideWindow(SessionRunner &run, const Step &step) { return SetVisible(run
 
 Failure TakeScreenshot(SessionRunner &run, const Step &step) {
     const std::string folder = std::filesystem::path(step[0]).parent_path().string();
-    if (!step[0].ends_with(".png") || access(folder.empty() ? "." : folder.c_str(), W_OK) != 0)
+    if (access(folder.empty() ? "." : folder.c_str(), W_OK) != 0)
         return "cannot write there: name a .png file in a folder that exists and is writable";
-    if (const std::string missing = run.Sim().display.fonts.Missing(); !missing.empty())
-        return "cannot read the font '" + missing + "': install the package fonts-dejavu-core";
+    if (const std::string why = WhyNoPicture(run); !why.empty())
+        return why;
     run.Sim().display.wanted = true;
     run.RunFrames(1);
     try {
@@ -462,7 +463,7 @@ std::span<const Form> StepForms() {
         {"show", "PLUGIN [COUNT]", "shows the windows of a plugin, or one by its number in the order of creation",
          ShowWindow},
         {"hide", "PLUGIN [COUNT]", "hides the windows of a plugin, or one of them", HideWindow},
-        {"screenshot", "FILE", "runs a frame and writes what the screen then shows to a .png file", TakeScreenshot},
+        {"screenshot", "FILE.png", "runs a frame and writes what the screen then shows to a .png file", TakeScreenshot},
         {"mark", "", "later 'expect log' and 'expect call' look back to this line only", Mark, kAlsoAfterUnload},
         {"ps", "[PLUGIN]", "prints what the plugins, or this one, own; after 'unload' what they left behind",
          ListPossessions, kAlsoAfterUnload},

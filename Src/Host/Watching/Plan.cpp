@@ -80,6 +80,8 @@ void AddSession(const SessionOptions &options, Plan &plan) {
     for (const Step &step : steps) {
         if (step.form->word == "screenshot")
             plan.pictures.push_back(step[0]);
+        if (step.form->word == "picture")
+            plan.paths.push_back(setUp.Beside(step[0]));
         if (step.form->IsSetUp() && step.form->word == "plugin" && step[0].find('/') != std::string::npos)
             plan.paths.push_back((fs::path(options.file).parent_path() / step[0]).string());
     }
