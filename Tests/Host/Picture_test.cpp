@@ -21,9 +21,11 @@ struct PictureTest : testing::Test {
     }
 
     // Expects this status of a session with these lines, and these words in what it says.
-    void Expect(int status, const std::string &lines, const std::string &words = "", const std::string &options = "") {
+    void Expect(int status, const std::string &lines, const std::string &words = "", const std::string &options = "",
+                const std::string &environment = "") {
         std::ofstream(world.Path("s.avs")) << lines;
-        const AvskRun run = RunAvsk("run --quiet --root " + world.Path("") + " " + world.Path("s.avs") + options);
+        const AvskRun run =
+            RunAvsk("run --quiet --root " + world.Path("") + " " + world.Path("s.avs") + options, environment);
         EXPECT_EQ(run.status, status) << lines << run.said;
         EXPECT_NE(run.said.find(words), std::string::npos) << words << "\n" << run.said;
     }
@@ -47,6 +49,21 @@ TEST_F(PictureTest, WhatDiffersIsCountedAndShownUntilItIsAccepted) {
     Expect(1, hidden + "\n",
            ":2: frame 1: expect no picture scene.png: seen: 0 pixels (0.000%) differ by more than 48");
     Expect(0, "hide Scene 2\nscreenshot " + world.Path("shot.png") + "\nexpect picture scene.png 0,6%\n");
+}
+
+TEST_F(PictureTest, OpenGLAndTheLibraryDrawInTheOrderOfTheirCalls) {
+    world.InstallDefective("Resources/plugins/Layers/lin.avp", "Layers");
+    fs::copy_file(AVSK_TEST_PICTURES "/layers.png", world.Path("layers.png"));
+    const std::string session = "plugin Layers\nscreen 400x300\nexpect log \"textures 5 and 6\"\n"
+                                "expect log \"textures 7 and 8\"\nexpect picture layers.png 48,0.2%\n";
+    const std::string without = "AVSK_OPENGL_FOLDER=/nonexistent";
+    const std::string missing = "expect picture layers.png 48,0.2%: seen: OpenGL draws nothing: ";
+    Expect(1, session, missing, "", without);
+    Expect(1, session, missing, " --accept", without);
+    const AvskRun run = RunAvsk("run --frames 1 --plugin Layers --root " + world.Path(""));
+    if (const std::size_t why = run.said.find("OpenGL draws nothing"); why != std::string::npos)
+        GTEST_SKIP() << run.said.substr(why, run.said.find('\n', why) - why);
+    Expect(0, session + "frames 9\nexpect picture layers.png 48,0.2%\n");
 }
 
 TEST_F(PictureTest, WhatCannotBeComparedIsRefusedInOneLine) {

@@ -58,8 +58,8 @@ constexpr const char *kRunExamples = R"(Examples:
 
 Keys that no plugin consumes: F4 shows the next view, F5 climbs, F6 descends and F7 flies straight on while held.
 
-A picture shows what plugins draw through the interface: dark boxes, texts, numbers, windows made of these, and all
-menus opened. It does not show what plugins draw with their own OpenGL calls, scenery objects or aircraft.
+A picture shows what plugins draw through the interface and with OpenGL, and all menus opened. It does not show scenery
+objects or aircraft. OpenGL needs a 32-bit Mesa; without it the picture says which command installs it.
 
 Exit status: 0 if all frames were run and every step and expectation of a session succeeded; 1 if one of them failed, a
 plugin exceeded a budget, a filter or a budget named a plugin that was not there, a file could not be written completely,

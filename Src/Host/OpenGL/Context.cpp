@@ -139,6 +139,8 @@ void BeforeDrawing(void (*flush)()) {
     UpdateSlots();
 }
 
+bool IsScreenRead() { return gIsRead; }
+
 bool IsCompilingList() {
     GLint list = 0;
     if (gContext && !IsBetweenBeginAndEnd())

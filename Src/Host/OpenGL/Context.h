@@ -41,6 +41,8 @@ const Api &Gl();
 // single pixel, which costs next to nothing; all other state stays as it was. After a plugin has called a function
 // that reads pixels, every frame is drawn.
 void BeginFrame(bool isPictured);
+// Whether a plugin has called a function that reads pixels.
+bool IsScreenRead();
 // Called before each call of a plugin that may draw or read pixels, outside of glBegin and glEnd. Null for none.
 void BeforeDrawing(void (*flush)());
 

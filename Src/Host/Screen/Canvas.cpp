@@ -11,20 +11,13 @@
 namespace host {
 namespace {
 
-constexpr unsigned kOpaque = 255;
-
-// The four bytes of a pixel, each multiplied by share / 255 and rounded.
-std::uint32_t Scaled(std::uint32_t pixel, unsigned share) {
-    constexpr std::uint32_t kEven = 0x00FF00FF;
-    constexpr std::uint32_t kHalf = 0x00800080;
-    std::uint32_t even = (pixel & kEven) * share + kHalf;
-    std::uint32_t odd = ((pixel >> 8) & kEven) * share + kHalf;
-    even = ((even + ((even >> 8) & kEven)) >> 8) & kEven;
-    odd = (odd + ((odd >> 8) & kEven)) & ~kEven;
-    return even | odd;
+PixelRectangle Union(const PixelRectangle &a, const PixelRectangle &b) {
+    return {std::min(a.left, b.left), std::min(a.top, b.top), std::max(a.right, b.right), std::max(a.bottom, b.bottom)};
 }
 
-std::uint32_t Over(std::uint32_t above, std::uint32_t below) { return above + Scaled(below, kOpaque - (above >> 24)); }
+bool Overlap(const PixelRectangle &a, const PixelRectangle &b) {
+    return a.left < b.right && b.left < a.right && a.top < b.bottom && b.top < a.bottom;
+}
 
 unsigned ByteOf(float share) {
     const float inRange = share > 0 ? std::min(share, 1.0F) : 0; // plugins may pass NaN
@@ -32,46 +25,60 @@ unsigned ByteOf(float share) {
 }
 
 std::uint32_t PixelOf(Colour colour) {
-    return ByteOf(colour.red) | ByteOf(colour.green) << 8 | ByteOf(colour.blue) << 16 | kOpaque << 24;
+    return ByteOf(colour.red) | ByteOf(colour.green) << 8 | ByteOf(colour.blue) << 16 | kOpaque;
 }
 
 } // namespace
 
-Canvas::Canvas(Image image) : mImage(std::move(image)), mTouched{mImage.width, mImage.height, 0, 0} {}
+Canvas::Canvas(Image image) : mImage(std::move(image)) {}
 
-PixelRectangle Canvas::Touch(PixelRectangle rectangle) {
-    rectangle.left = std::max(rectangle.left, 0);
-    rectangle.top = std::max(rectangle.top, 0);
-    rectangle.right = std::min(rectangle.right, mImage.width);
-    rectangle.bottom = std::min(rectangle.bottom, mImage.height);
-    if (!rectangle.IsEmpty()) {
-        mTouched.left = std::min(mTouched.left, rectangle.left);
-        mTouched.top = std::min(mTouched.top, rectangle.top);
-        mTouched.right = std::max(mTouched.right, rectangle.right);
-        mTouched.bottom = std::max(mTouched.bottom, rectangle.bottom);
+PixelRectangle Canvas::Inside(PixelRectangle rectangle) const {
+    return {std::max(rectangle.left, 0), std::max(rectangle.top, 0), std::min(rectangle.right, mImage.width),
+            std::min(rectangle.bottom, mImage.height)};
+}
+
+void Canvas::Touch(PixelRectangle rectangle) {
+    constexpr std::size_t kMost = 32;
+    constexpr int kWorthMerging = 2048; // pixels that a rectangle costs in any case
+    rectangle = Inside(rectangle);
+    if (rectangle.IsEmpty())
+        return;
+    // A merged rectangle may overlap others.
+    for (std::size_t i = 0; i < mTouched.size();) {
+        const PixelRectangle both = Union(mTouched[i], rectangle);
+        if (mTouched.size() < kMost && !Overlap(mTouched[i], rectangle) &&
+            both.Area() > mTouched[i].Area() + rectangle.Area() + kWorthMerging) {
+            ++i;
+            continue;
+        }
+        rectangle = both;
+        mTouched[i] = mTouched.back();
+        mTouched.pop_back();
+        i = 0;
     }
-    return rectangle;
+    mTouched.push_back(rectangle);
 }
 
 void Canvas::Clear() {
-    if (mTouched.IsEmpty())
-        return;
-    for (int row = mTouched.top; row < mTouched.bottom; ++row)
-        std::fill(mImage.Row(row) + mTouched.left, mImage.Row(row) + mTouched.right, 0);
-    mTouched = {mImage.width, mImage.height, 0, 0};
+    for (const PixelRectangle &area : mTouched) {
+        for (int row = area.top; row < area.bottom; ++row)
+            std::fill(mImage.Row(row) + area.left, mImage.Row(row) + area.right, 0);
+    }
+    mTouched.clear();
 }
 
 void Canvas::Fill(int left, int top, int right, int bottom, Colour colour, float opacity) {
     // Clipped here: the differences to the height would overflow otherwise.
     top = std::clamp(top, 0, mImage.height);
     bottom = std::clamp(bottom, 0, mImage.height);
-    const PixelRectangle area = Touch({left, mImage.height - top, right, mImage.height - bottom});
+    const PixelRectangle area = Inside({left, mImage.height - top, right, mImage.height - bottom});
+    Touch(area);
     const std::uint32_t pixel = Scaled(PixelOf(colour), ByteOf(opacity));
     if (area.IsEmpty())
         return;
     for (int y = area.top; y < area.bottom; ++y) {
         std::uint32_t *const row = mImage.Row(y);
-        if (pixel >> 24 == kOpaque)
+        if (pixel >= kOpaque)
             std::fill(row + area.left, row + area.right, pixel);
         else
             std::transform(row + area.left, row + area.right, row + area.left,
@@ -85,15 +92,17 @@ void Canvas::Text(const Font &font, int x, int baseline, std::string_view text, 
     x = std::clamp(x, -kFar, kFar);
     baseline = std::clamp(baseline, -kFar, kFar);
     const std::uint32_t pixel = PixelOf(colour);
+    PixelRectangle all{mImage.width, mImage.height, 0, 0};
     while (!text.empty()) {
         const Glyph &glyph = font.Find(TakeCharacter(text));
         const int left = x + glyph.left;
         // The baseline is the lower edge of its row of pixels, as a box's bottom is.
         const int top = mImage.height - baseline + glyph.top;
         x += glyph.advance;
-        const PixelRectangle area = Touch({left, top, left + glyph.width, top + glyph.height});
+        const PixelRectangle area = Inside({left, top, left + glyph.width, top + glyph.height});
         if (area.IsEmpty())
             continue;
+        all = Union(all, area);
         for (int y = area.top; y < area.bottom; ++y) {
             const unsigned char *coverage = &glyph.coverage[static_cast<std::size_t>(y - top) * glyph.width];
             std::uint32_t *const row = mImage.Row(y);
@@ -103,6 +112,7 @@ void Canvas::Text(const Font &font, int x, int baseline, std::string_view text, 
             }
         }
     }
+    Touch(all);
 }
 
 } // namespace host

@@ -8,6 +8,7 @@
 #include "Image.h"
 
 #include <string_view>
+#include <vector>
 
 namespace host {
 
@@ -23,6 +24,7 @@ struct PixelRectangle {
     int left, top, right, bottom;
 
     bool IsEmpty() const { return left >= right || top >= bottom; }
+    int Area() const { return (right - left) * (bottom - top); }
 };
 
 class Canvas {
@@ -34,17 +36,18 @@ class Canvas {
     void Text(const Font &font, int x, int baseline, std::string_view text, Colour colour);
 
     const Image &Pixels() const { return mImage; }
-    // What was drawn on since the beginning or the last Clear.
-    const PixelRectangle &Touched() const { return mTouched; }
+    // What was drawn on since the beginning or the last Clear. No two rectangles overlap.
+    const std::vector<PixelRectangle> &Touched() const { return mTouched; }
     // Makes what was drawn on transparent.
     void Clear();
 
   private:
-    // The part of the rectangle that is inside the image. It counts as touched.
-    PixelRectangle Touch(PixelRectangle rectangle);
+    // The part of the rectangle that is inside the image.
+    PixelRectangle Inside(PixelRectangle rectangle) const;
+    void Touch(PixelRectangle rectangle);
 
     Image mImage;
-    PixelRectangle mTouched;
+    std::vector<PixelRectangle> mTouched;
 };
 
 } // namespace host

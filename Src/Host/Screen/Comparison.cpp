@@ -21,7 +21,6 @@ int GreatestDifference(std::uint32_t a, std::uint32_t b) {
 
 Comparison Compare(const Image &wanted, const Image &seen, int allowed) {
     constexpr std::uint32_t kBright = 0xFF00FFFF; // yellow
-    constexpr std::uint32_t kOpaque = 0xFF000000;
     constexpr std::uint32_t kQuarter = 0x3F3F3F;
     Comparison found;
     found.marked = Image(seen.width, seen.height);

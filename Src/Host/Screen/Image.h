@@ -23,6 +23,24 @@ struct Image {
     const unsigned char *Bytes() const { return reinterpret_cast<const unsigned char *>(pixels.data()); }
 };
 
+constexpr std::uint32_t kOpaque = 0xFF000000;
+
+// The four bytes of a pixel, each multiplied by share / 255 and rounded.
+inline std::uint32_t Scaled(std::uint32_t pixel, unsigned share) {
+    constexpr std::uint32_t kEven = 0x00FF00FF;
+    constexpr std::uint32_t kHalf = 0x00800080;
+    std::uint32_t even = (pixel & kEven) * share + kHalf;
+    std::uint32_t odd = ((pixel >> 8) & kEven) * share + kHalf;
+    even = ((even + ((even >> 8) & kEven)) >> 8) & kEven;
+    odd = (odd + ((odd >> 8) & kEven)) & ~kEven;
+    return even | odd;
+}
+
+// A pixel with what is above it. Both are premultiplied by their alpha.
+inline std::uint32_t Over(std::uint32_t above, std::uint32_t below) {
+    return above >= kOpaque ? above : above + Scaled(below, 255 - (above >> 24));
+}
+
 } // namespace host
 
 #endif

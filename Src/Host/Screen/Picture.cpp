@@ -4,8 +4,8 @@
 #include "Display.h"
 
 #include <algorithm>
+#include <array>
 #include <string>
-#include <utility>
 #include <vector>
 
 namespace host {
@@ -24,19 +24,22 @@ Colour Between(Colour from, Colour to, float share) {
             from.blue + (to.blue - from.blue) * share};
 }
 
-void DrawSkyAndGround(Canvas &canvas, const Display &display) {
+void DrawGradient(Canvas &canvas, int width, const Gradient &gradient) {
+    for (int y = gradient.bottom; y < gradient.top; ++y) {
+        const float share =
+            static_cast<float>(y - gradient.bottom) / static_cast<float>(gradient.top - gradient.bottom);
+        canvas.Fill(0, y + 1, width, y, Between(gradient.low, gradient.high, share));
+    }
+}
+
+// The ground below and the sky.
+std::array<Gradient, 2> Scene(int height) {
     constexpr Colour kZenith{0.16F, 0.36F, 0.66F};
     constexpr Colour kHaze{0.74F, 0.84F, 0.92F};
     constexpr Colour kFar{0.52F, 0.58F, 0.44F};
     constexpr Colour kNear{0.22F, 0.33F, 0.16F};
-    const int horizon = display.height * 2 / 5;
-    for (int y = 0; y < display.height; ++y) {
-        const bool sky = y >= horizon;
-        const int depth = sky ? display.height - horizon : horizon;
-        const int distance = sky ? y - horizon : horizon - y;
-        const float share = static_cast<float>(distance) / static_cast<float>(depth);
-        canvas.Fill(0, y + 1, display.width, y, sky ? Between(kHaze, kZenith, share) : Between(kFar, kNear, share));
-    }
+    const int horizon = height * 2 / 5;
+    return {Gradient{0, horizon, kNear, kFar}, Gradient{horizon, height, kHaze, kZenith}};
 }
 
 void DrawStatus(Canvas &canvas, const Font &font, int width, const std::string &status) {
@@ -143,35 +146,31 @@ class MenuPainter {
 
 } // namespace
 
-void Display::Begin() {
-    mIsShown = false;
-    if (!std::exchange(wanted, false))
-        return;
-    if (!mCanvas) {
-        mCanvas = std::make_unique<Canvas>(Image(width, height));
-        mShown = Image(width, height);
-    }
-    mCanvas->Clear();
-    canvas = mCanvas.get();
-}
-
-void Display::End() {
-    if (!std::exchange(canvas, nullptr))
-        return;
-    constexpr std::uint32_t kOpaque = 0xFF000000;
-    const Image &drawn = mCanvas->Pixels();
-    std::transform(drawn.pixels.begin(), drawn.pixels.end(), mShown.pixels.begin(),
-                   [](std::uint32_t pixel) { return pixel | kOpaque; });
-    mIsShown = true;
-}
-
-void Display::DrawOwnPart(int drawCode, const std::string &status) {
+void Display::DrawOwnPart(const std::string &status) {
     if (!canvas)
         return;
     if (drawCode == kTerrainPass)
-        DrawSkyAndGround(*canvas, *this);
+        DrawScene();
     else if (drawCode == kInstrumentPass && hasStatusLine)
         DrawStatus(*canvas, fonts[kMonospace], width, status);
+}
+
+void Display::DrawScene() {
+    const std::array<Gradient, 2> scene = Scene(height);
+    if (DrawGradientsByOpenGL(scene))
+        return;
+    for (const Gradient &gradient : scene)
+        DrawGradient(*canvas, width, gradient);
+}
+
+void Display::DrawMessage(Canvas &onto, const std::string &text) const {
+    constexpr int kMargin = 8;
+    constexpr Colour kAmber{1, 0.75F, 0};
+    const Font &font = fonts[kProportional];
+    const int top = height / 2;
+    const int right = std::min(width, font.Width(text) + 4 * kMargin);
+    onto.Fill(0, top, right, top - font.Height() - 2 * kMargin, {0, 0, 0}, 0.8F);
+    onto.Text(font, 2 * kMargin, top - kMargin - font.Ascent(), text, kAmber);
 }
 
 Image Display::ShownWith(const std::vector<ShownItem> &menuBar) const {

@@ -1,5 +1,5 @@
-// The services for the screen: size, mouse, drawing, text, textures,
-// coordinates. The interface leaves the meaning of these arguments to the host:
+// The services for the screen: size, mouse, drawing, text, coordinates. The
+// interface leaves the meaning of these arguments to the host:
 //
 //   colour     three floats from 0 to 1: red, green, blue; null is white
 //   x, y       left end and baseline of a text
@@ -30,22 +30,6 @@ void GetMouseLocation(int *x, int *y, int /*fromPlugin*/) {
     const Display &display = Enter().display;
     Store(x, display.mouseX);
     Store(y, display.mouseY);
-}
-
-// Graphics state and textures affect OpenGL calls only, which this host does not execute.
-void SetGraphicsState(int, int, int, int, int, int, int) { Enter(); }
-void BindTexture2d(int /*texture*/, int /*unit*/) { Enter(); }
-
-void GenerateTextureNumbers(int *textures, int count) {
-    Display &display = Enter().display;
-    for (int i = 0; textures && i < count; ++i)
-        textures[i] = ++display.lastTexture;
-}
-
-// This host has no textures of its own; 0 means no texture.
-int GetTexture(int /*texture*/) {
-    Enter();
-    return 0;
 }
 
 void WorldToLocal(double latitude, double longitude, double altitude, double *x, double *y, double *z) {
@@ -140,10 +124,6 @@ float MeasureString(int font, const char *text, int count) {
 void FillDisplaySlots(AVSKHostCallbacks &table) {
     table.getScreenSize = GetScreenSize;
     table.getMouseLocation = GetMouseLocation;
-    table.setGraphicsState = SetGraphicsState;
-    table.bindTexture2d = BindTexture2d;
-    table.generateTextureNumbers = GenerateTextureNumbers;
-    table.getTexture = GetTexture;
     table.worldToLocal = WorldToLocal;
     table.localToWorld = LocalToWorld;
     table.drawTranslucentDarkBox = DrawTranslucentDarkBox;

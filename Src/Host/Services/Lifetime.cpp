@@ -1,6 +1,7 @@
 // The library's start and end; see Lifetime.h.
 #include "Lifetime.h"
 
+#include "Graphics.h"
 #include "ServiceTable.h"
 #include "Simulator.h"
 
@@ -25,6 +26,7 @@ void Prepare(Simulator &simulator) {
     gSimulator = &simulator;
     gTable = MakeTable();
     opengl::OnMissing([] { gSimulator->console.Note(opengl::Missing()); });
+    ServeOpenGL();
     opengl::Prepare(simulator.options.screenWidth, simulator.options.screenHeight);
 }
 

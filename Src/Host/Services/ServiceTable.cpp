@@ -34,6 +34,7 @@ AVSKHostCallbacks MakeTable() {
     FillCommandSlots(table);
     FillDisplaySlots(table);
     FillFileSlots(table);
+    FillGraphicsSlots(table);
     FillInputSlots(table);
     FillMenuSlots(table);
     FillNavigationSlots(table);

@@ -14,6 +14,7 @@ void FillCameraSlots(AVSKHostCallbacks &table);
 void FillCommandSlots(AVSKHostCallbacks &table);
 void FillDisplaySlots(AVSKHostCallbacks &table);
 void FillFileSlots(AVSKHostCallbacks &table);
+void FillGraphicsSlots(AVSKHostCallbacks &table);
 void FillInputSlots(AVSKHostCallbacks &table);
 void FillMenuSlots(AVSKHostCallbacks &table);
 void FillNavigationSlots(AVSKHostCallbacks &table);

@@ -1,6 +1,8 @@
 // One frame: the hooks that the simulator calls, in order. See Simulator.h.
 #include "Simulator.h"
 
+#include "Graphics.h"
+
 #include "Common/UsageError.h"
 #include "Screen/PngFile.h"
 
@@ -99,8 +101,9 @@ void Simulator::DrawPasses() {
     constexpr int kLastCode = 26;
     constexpr int kNoReflection = 0;
     for (int code = kFirstCode; code <= kLastCode; ++code) {
+        BeginDrawCode(*this, code);
         if (AVSKDoDrawingHook(code, kNoReflection) != 0)
-            display.DrawOwnPart(code, display.canvas ? Status() : "");
+            display.DrawOwnPart(display.canvas ? Status() : "");
     }
 }
 

@@ -4,6 +4,7 @@
 #include "Runner.h"
 #include "Values.h"
 
+#include "OpenGL/Context.h"
 #include "Screen/Comparison.h"
 #include "Screen/PngFile.h"
 
@@ -129,6 +130,8 @@ Outcome PictureShown(SessionRunner &run, const Step &step) {
     run.Sim().display.hasStatusLine = false;
     run.RunFrames(1);
     run.Sim().display.hasStatusLine = true;
+    if (opengl::IsUsed() && !opengl::Missing().empty())
+        return Outcome::Unknown(opengl::Missing());
     const Image seen = run.Sim().Picture();
     try {
         if (!isAccepted)
