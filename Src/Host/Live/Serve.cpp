@@ -14,13 +14,10 @@
 #include <chrono>
 #include <csignal>
 #include <cstdio>
-#include <filesystem>
 #include <utility>
 
 namespace host {
 namespace {
-
-namespace fs = std::filesystem;
 
 // Finds what is wrong before anything is started. Throws UsageError.
 void CheckRequest(const WatchRequest &request) {
@@ -30,11 +27,6 @@ void CheckRequest(const WatchRequest &request) {
     }
     if (const Plan plan = MakePlan(request); !plan.faults.empty())
         throw UsageError(Join(plan.faults, "\n"));
-}
-
-std::string TraceOf(const SessionOptions &options) {
-    const std::string &file = options.observing.trace.file;
-    return file.ends_with(".json") ? fs::absolute(file).string() : "";
 }
 
 } // namespace
@@ -64,7 +56,7 @@ int LiveServe(const SessionOptions &options, const LiveOptions &live) {
         events.Stop();
     };
     Hub hub(events, live, folders, {announce, giveUp, [&] { events.Stop(); }});
-    server.emplace(events, live.port, TraceOf(options),
+    server.emplace(events, live.port,
                    Server::Calls{[&] { return hub.HasRoom(); }, [&](Upgrade &upgrade) { hub.Add(upgrade); }});
     std::optional<Rebuilds> rebuilds;
     if (live.watch)
