@@ -35,7 +35,7 @@ int LiveServe(const SessionOptions &options, const LiveOptions &live) {
     constexpr std::chrono::seconds kPatience(3);
     const WatchRequest request{options, live.aircraft, {}};
     CheckRequest(request);
-    std::signal(SIGPIPE, SIG_IGN); // what follows matters more than who reads the output
+    std::signal(SIGPIPE, SIG_IGN); // the page works if nobody reads the output
     int status = 0;
     RoundFolders folders;
     Events events;
@@ -52,7 +52,7 @@ int LiveServe(const SessionOptions &options, const LiveOptions &live) {
         constexpr int kWrongRequest = 2;
         if (end.status != kWrongRequest)
             return announce();
-        status = kWrongRequest; // it has said why
+        status = kWrongRequest; // the simulator has printed the reason
         events.Stop();
     };
     Hub hub(events, live, folders, {announce, giveUp, [&] { events.Stop(); }});

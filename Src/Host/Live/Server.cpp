@@ -36,7 +36,7 @@ struct Served {
 namespace {
 
 constexpr int kUsualPort = 4780;
-constexpr int kMostConnections = 128;
+constexpr int kMostConnections = 256;
 constexpr const char *kNoBody = "a request has no body here";
 
 std::string_view View(beast::string_view text) { return {text.data(), text.size()}; }
@@ -137,7 +137,8 @@ void Connection::AcceptPage(Request request) {
         protocols.emplace_back(protocol);
     const bool isKnown = protocols.size() == 2 && protocols[0] == "avsk" && mServed->guard.IsToken(protocols[1]);
     if (!isKnown || request.count(http::field::origin) == 0)
-        return Refuse(http::status::forbidden, "open the address that avsk has printed, with all behind the #");
+        return Refuse(http::status::forbidden,
+                      "open the address that avsk has printed, including the part after the #");
     if (!beast::websocket::is_upgrade(request))
         return Refuse(http::status::bad_request, "this is no WebSocket");
     if (!mServed->calls.hasRoom())

@@ -89,10 +89,16 @@ class Live:
     def memory(self):
         return int(re.search(r"VmRSS:\s+(\d+)", pathlib.Path(f"/proc/{self.process.pid}/status").read_text())[1])
 
-    def end(self, what):
+    def end(self, what, hangs=False):
         child = self.simulator()
+        if hangs:
+            os.kill(child, signal.SIGSTOP)
+            self.process.send_signal(signal.SIGINT)
+            time.sleep(0.5)  # less than the simulator is given to end by itself
         self.process.send_signal(signal.SIGINT)
+        begin = time.monotonic()
         check(self.process.wait(PATIENCE) == 0, f"{what}: Ctrl-C gives status 0")
+        check(not hangs or time.monotonic() - begin < 2, f"{what}: a second Ctrl-C ends it at once")
         check(not child or not os.path.exists(f"/proc/{child}"), f"{what}: Ctrl-C ends the simulator")
         check(not os.listdir(self.folder), f"{what}: no temporary file stays")
         shutil.rmtree(self.folder)
@@ -464,7 +470,7 @@ def main():
     others_go_on(live, witness)
     the_simulator_may_end(live, witness)
     finish_slow()
-    live.end("after all")
+    live.end("after all", hangs=True)
     a_rebuilt_plugin_is_loaded()
     wrong_requests_are_explained()
     the_browser_gets_no_token_in_its_arguments()
