@@ -1,5 +1,5 @@
-# Installs headers, library, avsk with manual pages and completion, the CMake and
-# pkg-config packages, the guides, and the sources of the samples. The installed
+# Installs headers, library, avsk with manual pages, completion and the page of `avsk
+# live`, the CMake and pkg-config packages, the guides, and the sources of the samples. The installed
 # folder can be moved as a whole: all paths in it are relative.
 include(CMakePackageConfigHelpers)
 
@@ -13,6 +13,10 @@ install(TARGETS AVSK avsk EXPORT AVSKTargets
   RUNTIME DESTINATION bin
   INCLUDES DESTINATION include)
 install(TARGETS avsk_preload LIBRARY DESTINATION ${AVSK_PRELOAD_FOLDER})
+install(DIRECTORY Src/Host/Live/Page/ DESTINATION ${AVSK_LIVE_FOLDER})
+if(EXISTS ${AVSK_CHART_JS})
+  install(FILES ${AVSK_CHART_JS} DESTINATION ${AVSK_LIVE_FOLDER} RENAME chart.js)
+endif()
 install(DIRECTORY Src/AVSK/Include/AVSK DESTINATION include FILES_MATCHING PATTERN "*.h")
 
 install(EXPORT AVSKTargets NAMESPACE AVSK:: DESTINATION ${AVSK_INSTALL_PACKAGE})

@@ -40,7 +40,7 @@ Examples:
   avsk live Menu.avs --no-open --port 8080
       goes on where a session ends; the address is only printed, with a port of your choice
   avsk live --root sim --plugin Lights --trace calls.json
-      one plugin of the root; all calls also go to a file, which the page can open in a trace viewer
+      one plugin of the root; all calls also go to a file for trace viewers
 
 Exit status: 0 if Ctrl-C or a signal to terminate ended it; 2 if the request cannot be met as it was made.)";
 

@@ -46,8 +46,8 @@ void OpenBrowser(const std::string &address, const std::string &folder) {
     if (isatty(STDOUT_FILENO) == 0 || SshConnection() || (!IsSet("DISPLAY") && !IsSet("WAYLAND_DISPLAY")))
         return;
     std::string file = folder + "/open.html";
-    std::ofstream(file) << "<!DOCTYPE html><meta charset=\"utf-8\"><title>avsk live</title>"
-                        << "<meta http-equiv=\"refresh\" content=\"0; url=" << address << "\">\n";
+    std::ofstream(file) << R"(<!DOCTYPE html><meta charset="utf-8"><title>avsk live</title>)"
+                        << R"(<meta http-equiv="refresh" content="0; url=)" << address << R"(">)" << '\n';
     std::string program = "xdg-open";
     std::array<char *, 3> arguments{program.data(), file.data(), nullptr};
     posix_spawn_file_actions_t files;

@@ -35,7 +35,7 @@ class Client {
 
 struct Upgrade; // a connection and its request; see Sockets.h
 
-// Takes the connection over and accepts the request. The client keeps itself until it
+// Takes the connection over and accepts the request. The client stays alive until it
 // has called `closed`.
 std::shared_ptr<Client> OpenClient(Upgrade &upgrade, ClientCalls calls);
 

@@ -15,9 +15,22 @@ namespace asio = boost::asio;
 using boost::system::error_code;
 
 struct Events::Signals {
-    explicit Signals(asio::io_context &context) : set(context, SIGINT, SIGTERM, SIGHUP) {}
+    Signals(asio::io_context &context, std::function<void()> onSignal)
+        : set(context, SIGINT, SIGTERM, SIGHUP), call(std::move(onSignal)) {
+        Await();
+    }
+
+    void Await() {
+        set.async_wait([this](error_code error, int /*signal*/) {
+            if (error)
+                return;
+            Await();
+            call();
+        });
+    }
 
     asio::signal_set set;
+    const std::function<void()> call;
 };
 
 Events::Events() : mContext(std::make_unique<asio::io_context>(1)) {}
@@ -29,11 +42,7 @@ void Events::Run() { mContext->run(); }
 void Events::Stop() { mContext->stop(); }
 
 void Events::OnEndSignal(std::function<void()> call) {
-    mSignals = std::make_unique<Signals>(*mContext);
-    mSignals->set.async_wait([call = std::move(call)](error_code error, int /*signal*/) {
-        if (!error)
-            call();
-    });
+    mSignals = std::make_unique<Signals>(*mContext, std::move(call));
 }
 
 struct Descriptor::Stream : std::enable_shared_from_this<Stream> {

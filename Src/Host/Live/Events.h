@@ -23,7 +23,7 @@ class Events {
     // Calls what is due until Stop().
     void Run();
     void Stop();
-    // SIGINT, SIGTERM and SIGHUP.
+    // At each SIGINT, SIGTERM and SIGHUP.
     void OnEndSignal(std::function<void()> call);
     boost::asio::io_context &Context() { return *mContext; }
 
@@ -34,7 +34,7 @@ class Events {
     std::unique_ptr<Signals> mSignals;
 };
 
-// A descriptor, closed at the end. What waits for it then is not called any more.
+// Owns a descriptor. Pending calls are dropped when it is destroyed.
 class Descriptor {
   public:
     // It becomes non-blocking.

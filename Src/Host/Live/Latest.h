@@ -1,6 +1,6 @@
 // What the simulator has sent, and what each page has still to get of it: the last
-// state of each topic, the last items of streams, and the last picture. A page that is
-// slow misses what lies between.
+// state of each topic, the last items of streams, and the last picture. A slow page
+// skips intermediate values.
 #ifndef AVSK_HOST_LIVE_LATEST_H
 #define AVSK_HOST_LIVE_LATEST_H
 
@@ -56,7 +56,7 @@ class Latest {
         std::deque<Item> items;
         std::uint64_t begin = 0; // the number of the first one
         std::size_t bytes = 0;
-        std::uint64_t gap = 0; // behind the last one
+        std::uint64_t gap = 0; // items left out after the last one
     };
     struct Tile {
         std::uint32_t version;

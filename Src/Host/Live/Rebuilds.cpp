@@ -53,7 +53,7 @@ void Rebuilds::TellFaults(const std::vector<std::string> &faults) {
         std::fprintf(stderr, "avsk: %s\n", fault.c_str());
 }
 
-// Data changes that a plugin itself may have made do not count.
+// Changed data files do not count: a plugin may have written them.
 void Rebuilds::Look() {
     for (const std::string &path : mFiles.Take()) {
         if (IsCode(path) || path == mRequest.options.file)

@@ -14,13 +14,10 @@
 #include <chrono>
 #include <csignal>
 #include <cstdio>
-#include <filesystem>
 #include <utility>
 
 namespace host {
 namespace {
-
-namespace fs = std::filesystem;
 
 // Finds what is wrong before anything is started. Throws UsageError.
 void CheckRequest(const WatchRequest &request) {
@@ -32,18 +29,13 @@ void CheckRequest(const WatchRequest &request) {
         throw UsageError(Join(plan.faults, "\n"));
 }
 
-std::string TraceOf(const SessionOptions &options) {
-    const std::string &file = options.observing.trace.file;
-    return file.ends_with(".json") ? fs::absolute(file).string() : "";
-}
-
 } // namespace
 
 int LiveServe(const SessionOptions &options, const LiveOptions &live) {
     constexpr std::chrono::seconds kPatience(3);
     const WatchRequest request{options, live.aircraft, {}};
     CheckRequest(request);
-    std::signal(SIGPIPE, SIG_IGN); // what follows matters more than who reads the output
+    std::signal(SIGPIPE, SIG_IGN); // the page works if nobody reads the output
     int status = 0;
     RoundFolders folders;
     Events events;
@@ -60,11 +52,11 @@ int LiveServe(const SessionOptions &options, const LiveOptions &live) {
         constexpr int kWrongRequest = 2;
         if (end.status != kWrongRequest)
             return announce();
-        status = kWrongRequest; // it has said why
+        status = kWrongRequest; // the simulator has printed the reason
         events.Stop();
     };
     Hub hub(events, live, folders, {announce, giveUp, [&] { events.Stop(); }});
-    server.emplace(events, live.port, TraceOf(options),
+    server.emplace(events, live.port,
                    Server::Calls{[&] { return hub.HasRoom(); }, [&](Upgrade &upgrade) { hub.Add(upgrade); }});
     std::optional<Rebuilds> rebuilds;
     if (live.watch)

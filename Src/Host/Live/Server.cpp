@@ -6,11 +6,8 @@
 #include "Common/UsageError.h"
 
 #include <boost/asio/ip/tcp.hpp>
-#include <boost/beast/core/file_posix.hpp>
 #include <boost/beast/core/flat_buffer.hpp>
-#include <boost/beast/http/basic_file_body.hpp>
 #include <boost/beast/http/error.hpp>
-#include <boost/beast/http/message_generator.hpp>
 #include <boost/beast/http/parser.hpp>
 #include <boost/beast/http/read.hpp>
 #include <boost/beast/http/rfc7230.hpp>
@@ -32,7 +29,6 @@ using asio::ip::tcp;
 struct Served {
     Guard guard;
     const Pages pages;
-    const std::string trace;
     const Server::Calls calls;
     int connections = 0; // that have not become WebSockets
 };
@@ -40,7 +36,7 @@ struct Served {
 namespace {
 
 constexpr int kUsualPort = 4780;
-constexpr int kMostConnections = 128;
+constexpr int kMostConnections = 256;
 constexpr const char *kNoBody = "a request has no body here";
 
 std::string_view View(beast::string_view text) { return {text.data(), text.size()}; }
@@ -67,16 +63,17 @@ class Connection : public std::enable_shared_from_this<Connection> {
     std::string Refusal(const Request &request, http::status &status) const;
     void Answer(const Request &request);
     void AcceptPage(Request request);
-    void SendTrace(const Request &request);
     void SendText(const Request &request, http::status status, std::string text,
                   std::string_view type = "text/plain; charset=utf-8");
     void Refuse(http::status status, const std::string &text);
-    void Send(http::message_generator answer);
+    void Send(http::response<http::string_body> answer);
+    void Drain();
 
     beast::tcp_stream mStream;
     const std::shared_ptr<Served> mServed;
     beast::flat_buffer mBuffer;
     std::optional<http::request_parser<http::empty_body>> mParser;
+    http::response<http::string_body> mAnswer;
 };
 
 void Connection::Read() {
@@ -127,8 +124,6 @@ std::string Connection::Refusal(const Request &request, http::status &status) co
 }
 
 void Connection::Answer(const Request &request) {
-    if (request.target() == "/trace.json")
-        return SendTrace(request);
     if (auto file = mServed->pages.Find(View(request.target())))
         return SendText(request, http::status::ok, std::move(file->content), file->type);
     SendText(request, http::status::not_found, "there is no such file\n");
@@ -142,33 +137,14 @@ void Connection::AcceptPage(Request request) {
         protocols.emplace_back(protocol);
     const bool isKnown = protocols.size() == 2 && protocols[0] == "avsk" && mServed->guard.IsToken(protocols[1]);
     if (!isKnown || request.count(http::field::origin) == 0)
-        return Refuse(http::status::forbidden, "open the address that avsk has printed, with all behind the #");
+        return Refuse(http::status::forbidden,
+                      "open the address that avsk has printed, including the part after the #");
     if (!beast::websocket::is_upgrade(request))
         return Refuse(http::status::bad_request, "this is no WebSocket");
     if (!mServed->calls.hasRoom())
         return Refuse(http::status::service_unavailable, "too many pages are open: close some");
     Upgrade upgrade{std::move(mStream), std::move(request)};
     mServed->calls.accept(upgrade);
-}
-
-void Connection::SendTrace(const Request &request) {
-    constexpr std::string_view kScheme = "Bearer ";
-    const std::string_view given = Only(request, http::field::authorization);
-    if (!given.starts_with(kScheme) || !mServed->guard.IsToken(given.substr(kScheme.size())))
-        return SendText(request, http::status::forbidden, "the trace needs the token\n");
-    http::response<http::basic_file_body<beast::file_posix>> answer{http::status::ok, request.version()};
-    error_code error;
-    if (!mServed->trace.empty())
-        answer.body().open(mServed->trace.c_str(), beast::file_mode::scan, error);
-    if (mServed->trace.empty() || error)
-        return SendText(request, http::status::not_found, "there is no trace: start avsk with --trace FILE.json\n");
-    answer.set(http::field::content_type, "application/json");
-    AddCommonHeaders(answer);
-    answer.keep_alive(request.keep_alive());
-    answer.content_length(answer.body().size());
-    if (request.method() == http::verb::head)
-        answer.body().close();
-    Send(std::move(answer));
 }
 
 void Connection::SendText(const Request &request, http::status status, std::string text, std::string_view type) {
@@ -195,18 +171,30 @@ void Connection::Refuse(http::status status, const std::string &text) {
     Send(std::move(answer));
 }
 
-void Connection::Send(http::message_generator answer) {
+void Connection::Send(http::response<http::string_body> answer) {
     constexpr std::chrono::seconds kPatience(60);
+    mAnswer = std::move(answer);
     mStream.expires_after(kPatience);
-    const bool staysOpen = answer.keep_alive();
-    beast::async_write(mStream, std::move(answer),
-                       [self = shared_from_this(), staysOpen](error_code error, std::size_t) {
-                           error_code ignored;
-                           if (staysOpen && !error)
-                               self->Read();
-                           else
-                               self->mStream.socket().shutdown(tcp::socket::shutdown_send, ignored);
-                       });
+    http::async_write(mStream, mAnswer, [self = shared_from_this()](error_code error, std::size_t) {
+        error_code ignored;
+        if (error)
+            return;
+        if (self->mAnswer.keep_alive())
+            return self->Read();
+        self->mStream.socket().shutdown(tcp::socket::shutdown_send, ignored);
+        self->mStream.expires_after(std::chrono::seconds(1));
+        self->Drain();
+    });
+}
+
+// Reads what is still on its way. If it stayed unread, the system would reset the
+// connection, and the client could lose the answer.
+void Connection::Drain() {
+    mBuffer.clear();
+    mStream.async_read_some(mBuffer.prepare(4096), [self = shared_from_this()](error_code error, std::size_t) {
+        if (!error)
+            self->Drain();
+    });
 }
 
 } // namespace
@@ -266,9 +254,9 @@ void Server::Acceptor::Accept() {
     });
 }
 
-Server::Server(Events &events, std::optional<int> port, std::string trace, Calls calls)
+Server::Server(Events &events, std::optional<int> port, Calls calls)
     : mAcceptor(std::make_shared<Acceptor>(events, port)) {
-    mAcceptor->served = std::make_shared<Served>(Served{Guard(Port()), Pages(), std::move(trace), std::move(calls)});
+    mAcceptor->served = std::make_shared<Served>(Served{Guard(Port()), Pages(), std::move(calls)});
     mAcceptor->Accept();
 }
 

@@ -1,5 +1,5 @@
-// Accepts connections on 127.0.0.1 and answers requests: the page's files, the trace,
-// and WebSockets for the pages.
+// Accepts connections on 127.0.0.1 and answers requests: the page's files, and WebSockets
+// for the pages.
 #ifndef AVSK_HOST_LIVE_SERVER_H
 #define AVSK_HOST_LIVE_SERVER_H
 
@@ -22,8 +22,8 @@ class Server {
         std::function<void(Upgrade &)> accept; // a page
     };
 
-    // The trace is the file that the simulator writes, empty without one. Throws UsageError if the port is taken.
-    Server(Events &events, std::optional<int> port, std::string trace, Calls calls);
+    // Throws UsageError if the port is taken, or the page is not installed.
+    Server(Events &events, std::optional<int> port, Calls calls);
     ~Server();
     Server(const Server &) = delete;
     Server &operator=(const Server &) = delete;
