@@ -1,0 +1,32 @@
+// A list of lines that grows at its end and follows it, unless the reader has scrolled up or chosen a line.
+import { List } from "./list.js";
+
+const kKept = 500;
+const kNear = 24; // pixels from the end
+
+export class Lines {
+  constructor(properties) {
+    this.lines = [];
+    this.last = 0;
+    this.list = new List({ ...properties, key: (line) => line.n, cells: (line) => [{ text: line.text, class: line.class }] });
+    this.element = this.list.element;
+  }
+
+  get newest() { return this.lines.at(-1)?.text ?? null; }
+  get chosen() { return this.list.item?.text ?? null; }
+
+  add(texts, kind = null) {
+    this.show([...this.lines, ...texts.map((text) => ({ n: ++this.last, text, class: kind }))]);
+  }
+
+  set(texts) { this.show(texts.map((text, n) => ({ n, text }))); }
+
+  show(lines) {
+    const { body } = this.list;
+    const follows = body.scrollHeight - body.scrollTop - body.clientHeight < kNear;
+    this.lines = lines.slice(-kKept);
+    this.list.show(this.lines);
+    if (follows)
+      body.scrollTop = body.scrollHeight;
+  }
+}
