@@ -90,6 +90,13 @@ export function labelled(label, control) {
   return el("span", { class: "field" }, el("label", { for: control.id }, label), control);
 }
 
+// Focuses the next control in the tab order, or with -1 the one before.
+export function focusBeside(element, by) {
+  const controls = [...document.querySelectorAll("a[href], button, input, select, [tabindex='0']")]
+    .filter((control) => control === element || (!control.disabled && control.checkVisibility()));
+  controls[(controls.indexOf(element) + by + controls.length) % controls.length].focus();
+}
+
 // Calls `work` once before the next repaint, however often it is asked for.
 export function oncePerRepaint(work) {
   let asked = false;

@@ -25,4 +25,9 @@ export const typed = (event) => (/^[!-~]$/.test(event.key) ? event.key : null);
 // The browser and the system keep their own: Alt and the Windows or Command key. AltGr makes characters.
 export const isForTheBrowser = (event) => event.metaKey || (event.altKey && !event.getModifierState("AltGraph"));
 
-export const isWayOut = (event) => (event.ctrlKey && event.key === "Escape") || (event.shiftKey && event.key === "F6");
+// 1 leaves forward, -1 backward, 0 stays.
+export function wayOut(event) {
+  if (event.ctrlKey && event.key === "Escape")
+    return 1;
+  return event.shiftKey && event.key === "F6" ? -1 : 0;
+}

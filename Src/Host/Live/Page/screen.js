@@ -1,7 +1,7 @@
 // The simulator's screen: draws the tiles, and sends mouse, wheel and keys as lines of the session language.
-import { isForTheBrowser, isWayOut, keyName, typed } from "./keys.js";
+import { isForTheBrowser, keyName, typed, wayOut } from "./keys.js";
 import { quoted, word } from "./session.js";
-import { setText } from "./dom.js";
+import { focusBeside, setText } from "./dom.js";
 
 const kHeader = 14;     // bytes before the first tile
 const kTileHeader = 12; // before each tile's picture
@@ -138,8 +138,9 @@ export class Screen {
   }
 
   press(event) {
-    if (isWayOut(event)) {
-      document.querySelector("#toggles button").focus();
+    const way = wayOut(event);
+    if (way !== 0) {
+      focusBeside(this.canvas, way);
       event.preventDefault();
       return;
     }
