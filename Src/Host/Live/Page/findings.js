@@ -28,8 +28,10 @@ export function findingsPanel({ connection }) {
   const detail = el("div", { class: "detail", hidden: true }, what, where, advice);
   connection.on("findings", (state) => {
     list.show(state.findings);
-    const many = (level) => state.findings.filter((finding) => finding.level === level).length;
-    setText(count, `${many("error")} errors, ${many("warning")} warnings, ${many("note")} notes`);
+    setText(count, ["error", "warning", "note"].map((level) => {
+      const many = state.findings.filter((finding) => finding.level === level).length;
+      return `${many} ${level}${many === 1 ? "" : "s"}`;
+    }).join(", "));
   });
   return { id: "findings", title: "Findings", column: "second", topics: ["findings"], tools: [count], content: [list.element, detail] };
 }
