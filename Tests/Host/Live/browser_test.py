@@ -246,7 +246,7 @@ def a_menu_item_is_picked_with_the_keyboard(page):
 def an_edited_dataref_is_followed_by_plugin_and_plot(page):
     page.find("#datarefs input[type=search]").send_keys("sample/")
     page.choose("datarefs", "sample/counter")
-    page.button("datarefs", "Pin to the plot")
+    page.button("datarefs", "Pin")
     field = page.find("#datarefs .values input")
     error = "#datarefs .values .error"
     field.send_keys(Keys.CONTROL, "a")

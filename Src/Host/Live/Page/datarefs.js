@@ -2,18 +2,19 @@
 import { Field, button, el, setText } from "./dom.js";
 import { List } from "./list.js";
 import { Plot } from "./plot.js";
-import { expectDataref, isArray, isText, refuseValue, setLine } from "./session.js";
+import { elementOf, expectDataref, isArray, isText, refuseValue, setLine } from "./session.js";
 
 const kPinnedKey = "avsk.live.pinned";
+const kElements = 4; // of an array, in the list
 const kPause = 150; // milliseconds after the last key before a search
 
 export function datarefsPanel({ connection, line, expect }) {
   let pinned = JSON.parse(localStorage.getItem(kPinnedKey) ?? "[]");
   let seconds = 0;
-  let total = 0;
   let timer = 0;
   let editors = []; // the fields of the chosen one
   let edited = null; // name and shape for which they were made
+  let element = 0;   // of an array: the one whose field was used last
 
   const ask = () => connection.send({ do: "datarefs", pattern: search.value.trim(), pinned });
   const search = el("input", {
@@ -29,14 +30,18 @@ export function datarefsPanel({ connection, line, expect }) {
     label: "Datarefs", kind: "datarefs", heads: ["", "Name", "Type", "Value"], empty: "No name matches.",
     key: (dataref) => dataref.name,
     cells: (dataref) => [
-      { text: pinned.includes(dataref.name) ? "◆" : "", title: pinned.includes(dataref.name) ? "pinned" : null },
+      isPinned(dataref) ? { text: "◆", title: "pinned" } : "",
       { text: dataref.name, title: `${dataref.name}, of ${dataref.owner}` },
       `${dataref.type}${dataref.writable ? "" : " (read-only)"}`,
-      { text: dataref.value, class: "number", title: dataref.value },
+      { text: inList(dataref), class: "number", title: dataref.values.join(" ") },
     ],
     choose: (dataref) => detail(dataref),
     open: () => (editors[0]?.input ?? pin).focus(),
   });
+
+  const isPinned = (dataref) => pinned.some((name) => name === dataref.name || name.startsWith(`${dataref.name}[`));
+  const inList = (dataref) => dataref.values.slice(0, kElements).join(" ") + (dataref.count > kElements ? ` … (${dataref.count})` : "");
+  const toPin = () => (isArray(list.item) ? elementOf(list.item, element) : list.item.name);
 
   const about = el("p", { class: "about" });
   const fields = el("div", { class: "values" });
@@ -45,8 +50,8 @@ export function datarefsPanel({ connection, line, expect }) {
     check: (text) => (text === "" || Number(text) >= 0 ? "" : "A number from 0 on, or nothing."),
     submit: () => expectThis(),
   });
-  const expectThis = () => expect(expectDataref(list.item, tolerance.value.trim()), tolerance);
-  const pin = button("Pin to the plot", () => setPinned(list.item.name));
+  const expectThis = () => expect(expectDataref(list.item, tolerance.value.trim(), element), tolerance);
+  const pin = button("Pin", () => setPinned(toPin()));
   const tools = el("p", { class: "tools" }, pin, button("Expect this value", () => tolerance.send()), tolerance.element);
   const chosen = el("div", { class: "detail", hidden: true }, about, fields, tools);
   const plot = new Plot((name) => setPinned(name));
@@ -61,10 +66,11 @@ export function datarefsPanel({ connection, line, expect }) {
 
   // One field for a value, or one for each element.
   function edit(dataref) {
-    const values = isArray(dataref) ? (dataref.values ?? []) : [dataref.value];
+    const { values } = dataref;
     const shape = `${dataref.name} ${dataref.type} ${values.length}`;
     if (edited !== shape) {
       edited = shape;
+      element = 0;
       editors = values.map((_, i) => new Field({
         label: isArray(dataref) ? `[${i}]` : "Value", size: isText(dataref) ? "30" : "9", inputmode: isText(dataref) ? "text" : "decimal",
         check: (text) => refuseValue(dataref, text),
@@ -75,24 +81,27 @@ export function datarefsPanel({ connection, line, expect }) {
           return answer;
         },
       }));
-      for (const { input } of editors) {
+      editors.forEach(({ input }, i) => {
+        input.title = dataref.writable ? "Enter writes the value, Escape shows the present one" : "read-only";
+        input.addEventListener("focus", () => {
+          element = i;
+          namePin();
+        });
         input.addEventListener("input", () => { input.dataset.changed = ""; });
         input.addEventListener("keydown", (event) => {
           if (event.key === "Escape") {
-            delete input.dataset.changed;
-            input.dispatchEvent(new Event("input"));
+            editors[i].fail("");
             delete input.dataset.changed;
             edit(list.item);
           }
         });
-      }
+      });
       fields.replaceChildren(...editors.map((editor) => editor.element));
     }
     // What is being typed is not overwritten by live values.
     editors.forEach((editor, i) => {
-      const text = isText(dataref) ? unquoted(dataref.value) : String(values[i]);
-      if (editor.input.dataset.changed === undefined && editor.value !== text)
-        editor.value = text;
+      if (editor.input.dataset.changed === undefined && editor.value !== values[i])
+        editor.value = values[i];
       editor.input.readOnly = !dataref.writable;
     });
   }
@@ -103,17 +112,23 @@ export function datarefsPanel({ connection, line, expect }) {
       edited = null;
       return;
     }
-    setText(about, `${dataref.name}: ${dataref.type}, ${dataref.writable ? "writable" : "read-only"}, of ${dataref.owner}`);
-    setText(pin, pinned.includes(dataref.name) ? "Unpin" : "Pin to the plot");
+    const facts = [dataref.type, dataref.writable ? "writable" : "read-only", dataref.owner && `of ${dataref.owner}`, dataref.unit, dataref.meaning];
+    setText(about, `${dataref.name}: ${facts.filter(Boolean).join(", ")}`);
     edit(dataref);
+    namePin();
+  }
+
+  function namePin() {
+    pin.hidden = isText(list.item);
+    setText(pin, `${pinned.includes(toPin()) ? "Unpin" : "Pin"}${isArray(list.item) ? ` [${element}]` : ""}`);
   }
 
   connection.on("simulator", (state) => { seconds = state.seconds; });
   connection.on("datarefs", (state) => {
-    ({ total } = state);
+    setText(list.empty, state.note ?? "No dataref is published.");
     list.show(state.datarefs);
-    setText(count, `${state.datarefs.length} of ${total}`);
-    plot.add(seconds, state.pinned ?? {});
+    setText(count, `${state.matching} of ${state.total}`);
+    plot.add(seconds, state.pinned);
   });
   connection.on("hello", ask);
   plot.keep(pinned);
@@ -122,15 +137,4 @@ export function datarefsPanel({ connection, line, expect }) {
     id: "datarefs", title: "Datarefs", column: "second", topics: ["datarefs"], whenShown: ask,
     tools: [search, count], content: [list.element, chosen, plot.element],
   };
-}
-
-// Texts arrive as the session language writes them, in quotes.
-function unquoted(text) {
-  if (!/^".*"$/s.test(text))
-    return text;
-  try {
-    return JSON.parse(text);
-  } catch {
-    return text.slice(1, -1);
-  }
 }

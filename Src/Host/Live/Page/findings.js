@@ -8,18 +8,18 @@ export function findingsPanel({ connection }) {
   const count = el("span", { class: "muted number" });
   const list = new List({
     label: "Findings", kind: "findings", heads: ["", "Level", "Plugin", "What", "Times"], empty: "No findings.",
-    key: (finding) => `${finding.rule} ${finding.plugin} ${finding.text} ${finding.callback}`,
+    key: (finding) => [finding.rule, finding.plugin, finding.function, finding.text, finding.callback].join(" "),
     cells: (finding) => [
       { text: kSigns[finding.level] ?? "", class: finding.level }, finding.level, finding.plugin,
-      { text: finding.text, title: finding.text }, { text: String(finding.count), class: "number" }],
+      { text: `${finding.function}: ${finding.text}`, title: finding.text }, { text: String(finding.count), class: "number" }],
     choose: (finding) => {
       detail.hidden = !finding;
       if (!finding)
         return;
-      setText(what, `${finding.plugin}: ${finding.text} (${finding.rule})`);
+      setText(what, `${finding.plugin}: ${finding.function}: ${finding.text} (${finding.rule})`);
       setText(where, [finding.callback && `in ${finding.callback}`, finding.source && `at ${finding.source}`,
         `since frame ${finding.frame}`].filter(Boolean).join(" "));
-      setText(advice, finding.advice ?? "");
+      setText(advice, finding.allowed ? `Allowed: ${finding.allowed}` : finding.advice);
     },
   });
   const what = el("p");

@@ -2,16 +2,16 @@
 import { el } from "./dom.js";
 import { quoted } from "./session.js";
 
-const isSeparator = (item) => item.separator || item.name === "" || item.name === "(separator)";
+const isSeparator = (item) => item.name === "-";
 
 // All items of all menus with their paths, for lists.
 export function flatItems(menus) {
   const flat = [];
   const add = (items, depth) => {
-    for (const item of items ?? []) {
+    for (const item of items) {
       if (isSeparator(item))
         continue;
-      flat.push({ ...item, depth, isMenu: item.items?.length > 0 });
+      flat.push({ ...item, depth, isMenu: item.items.length > 0 });
       add(item.items, depth + 1);
     }
   };
@@ -59,7 +59,7 @@ export class MenuBar {
     if (isSeparator(item))
       return el("div", { role: "separator" });
     const marked = item.mark === "checked" || item.mark === "unchecked";
-    const hasItems = item.items !== undefined && item.items !== null;
+    const hasItems = item.items.length > 0;
     const label = el("span", {
       role: marked ? "menuitemcheckbox" : "menuitem", tabindex: first ? "0" : "-1", class: "item",
       "aria-checked": marked ? String(item.mark === "checked") : null,

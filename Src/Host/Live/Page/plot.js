@@ -64,8 +64,8 @@ export class Plot {
   // Time that runs backward is a new simulator.
   add(seconds, values) {
     [...this.points].forEach(([name, points], i) => {
-      const value = Number(values[name]);
-      if (!(name in values) || !Number.isFinite(value))
+      const value = values[name];
+      if (typeof value !== "number")
         return;
       if (points.length > 0 && points.at(-1).x > seconds)
         points.length = 0;
@@ -75,7 +75,7 @@ export class Plot {
         points.shift();
       const output = this.chips.children[i]?.querySelector("output");
       if (output)
-        setText(output, String(values[name]));
+        setText(output, String(value));
     });
     if (!this.chart || this.element.closest("[hidden]"))
       return;

@@ -52,14 +52,15 @@ export function pluginsPanel({ connection, line, expect }) {
   const owns = new List({
     label: "What the plugin owns", kind: "owns", heads: ["Kind", "What it owns"], empty: "It owns nothing.",
     key: (thing) => `${thing.kind} ${thing.what} ${thing.n}`,
-    cells: (thing) => [thing.kind, { text: thing.what, title: thing.what }],
+    cells: (thing) => [thing.kind, { text: thing.what, title: `${thing.what}, by ${thing.madeBy}` }],
     choose: (thing) => { ownTools.hidden = !thing; },
   });
+  const more = el("p", { class: "muted" });
   const ownTools = el("p", { class: "tools", hidden: true }, button("Expect that it owns this", () =>
     expect(`expect owns ${word(list.item.name)} ${owns.item.kind} ${quoted(owns.item.what)}`)));
   const chosen = el("div", { class: "detail", hidden: true }, about,
     el("p", { class: "tools" }, able, expectState, number.element, text.element, button("Send", () => number.send())),
-    ownWindows.element, windowTools, owns.element, ownTools);
+    ownWindows.element, windowTools, owns.element, more, ownTools);
   const left = el("p", { class: "note", hidden: true });
 
   function detail(plugin) {
@@ -75,7 +76,8 @@ export function pluginsPanel({ connection, line, expect }) {
     setText(able, plugin.enabled ? "Disable" : "Enable");
     ownWindows.show(windows.filter((window) => window.plugin === plugin.name));
     const seen = new Map();
-    owns.show((plugin.owns ?? []).map((thing) => {
+    setText(more, plugin.owned > plugin.owns.length ? `and ${plugin.owned - plugin.owns.length} more` : "");
+    owns.show(plugin.owns.map((thing) => {
       const n = (seen.get(thing.kind + thing.what) ?? 0) + 1;
       seen.set(thing.kind + thing.what, n);
       return { ...thing, n };

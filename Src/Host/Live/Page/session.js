@@ -5,21 +5,24 @@ export const quoted = (text) =>
 // A word: in quotes only if it must be, because some words mean something else in quotes.
 export const word = (text) => (/^[^\s"#][^\s"]*$/.test(text) ? text : quoted(text));
 
-export const isText = (dataref) => dataref.type.startsWith("data") || dataref.type.startsWith("text");
-export const isArray = (dataref) => dataref.type.includes("array") || (!isText(dataref) && dataref.values?.length > 1);
+// A dataref may have several types: "int, float".
+const hasType = (dataref, pattern) => dataref.type.split(", ").some((type) => pattern.test(type));
+export const isText = (dataref) => !hasType(dataref, /^(int|float|double)/);
+export const isArray = (dataref) => hasType(dataref, / array$/) && !hasType(dataref, /^(int|float|double)$/);
 
-// The values of a dataref as an expectation or a `set` writes them.
-const written = (dataref, value) => (isText(dataref) ? quoted(String(value)) : String(value));
+const written = (dataref, value) => (isText(dataref) ? quoted(value) : value);
+export const elementOf = (dataref, index) => `${dataref.name}[${index}]`;
 
-export function setLine(dataref, value, element = null) {
-  const name = element === null ? dataref.name : `${dataref.name}[${element}]`;
-  return `set ${word(name)} ${written(dataref, value)}`;
-}
+export const setLine = (dataref, value, index = null) =>
+  `set ${word(index === null ? dataref.name : elementOf(dataref, index))} ${written(dataref, value)}`;
 
-export function expectDataref(dataref, tolerance = "") {
-  const values = isText(dataref) ? [dataref.value] : (dataref.values ?? [dataref.value]);
+// Of a long array, only the beginning is known here: then one element is expected.
+export function expectDataref(dataref, tolerance, index) {
+  const isWhole = dataref.count <= dataref.values.length;
+  const values = isWhole ? dataref.values : [dataref.values[index]];
   const slack = tolerance && !isText(dataref) ? `~${tolerance}` : "";
-  return `expect dataref ${word(dataref.name)} ${values.map((value) => written(dataref, value) + slack).join(" ")}`;
+  const name = isWhole ? dataref.name : elementOf(dataref, index);
+  return ["expect dataref", word(name), ...values.map((value) => written(dataref, value) + slack)].join(" ");
 }
 
 export function expectWindow(window) {
@@ -28,8 +31,7 @@ export function expectWindow(window) {
 }
 
 export function expectItem(item) {
-  const mark = item.mark && item.mark !== "none" ? ` ${item.mark}` : "";
-  return `expect item ${quoted(item.path)}${mark} ${item.enabled ? "enabled" : "disabled"}`;
+  return `expect item ${quoted(item.path)} ${item.mark} ${item.enabled ? "enabled" : "disabled"}`;
 }
 
 // Why a dataref cannot hold this text, or nothing.
@@ -37,7 +39,7 @@ export function refuseValue(dataref, text) {
   if (isText(dataref))
     return "";
   const trimmed = text.trim();
-  if (dataref.type.startsWith("int")) {
+  if (!hasType(dataref, /^(float|double)/)) {
     const number = Number(trimmed);
     return /^[+-]?\d+$/.test(trimmed) && number >= -2147483648 && number <= 2147483647
       ? "" : "A whole number from -2147483648 to 2147483647.";

@@ -24,6 +24,7 @@ export function timePanel({ connection }) {
   let budget = Number(localStorage.getItem(kBudgetKey) ?? 2);
   let plugins = []; // in the order in which they were seen, which is that of their colours
   let scale = 0.1;
+  let omitted = ""; // says that calls of the chosen frame are missing
 
   const canvas = el("canvas", {
     tabindex: "0", role: "slider", "aria-label": "Frame", title: "Click a bar, or choose one with the arrow keys; Page Up and Page Down find those over the budget", "aria-valuemin": "0", "aria-valuemax": "0", "aria-valuenow": "0",
@@ -125,7 +126,7 @@ export function timePanel({ connection }) {
     setAttribute(canvas, "aria-valuenow", chosen ?? bars.at(-1)?.frame ?? 0);
     const slow = bars.filter(isOver).length;
     const text = frame
-      ? `Frame ${frame.frame}, ${frame.seconds.toFixed(2)} s: ${frame.total.toFixed(3)} ms${isOver(frame) ? ", over the budget" : ""}`
+      ? `Frame ${frame.frame}: ${frame.total.toFixed(3)} ms in plugins and library${isOver(frame) ? ", over the budget" : ""}${omitted}`
       : `${bars.length} frames, ${slow} over the budget (▼). Below is the worst of each plugin, in ms.`;
     setText(said, text);
     setAttribute(canvas, "aria-valuetext", frame ? text : "no frame is chosen");
@@ -141,6 +142,7 @@ export function timePanel({ connection }) {
     follow.hidden = number === null;
     calls.element.hidden = number === null;
     calls.show([]);
+    omitted = "";
     if (number !== null)
       connection.send({ do: "frame-calls", frame: number });
     draw();
@@ -194,6 +196,8 @@ export function timePanel({ connection }) {
     if (state.frame !== chosen)
       return;
     const most = Math.max(...state.calls.map((call) => call.ms), 1e-6);
+    omitted = state.omitted > 0 ? `; ${state.omitted} calls are left out` : "";
+    draw();
     calls.empty.textContent = "No calls of this frame are kept.";
     calls.show(state.calls.map((call, n) => ({ ...call, n, share: call.ms / most })));
   });
