@@ -39,6 +39,7 @@ export function callsPanel({ connection, say }) {
       lines.add([`… ${state.gap} lines were left out`], "muted");
     lines.add(state.lines ?? []);
   });
+  connection.on("fresh", () => lines.set([]));
   connection.on("hello", ask);
   return {
     id: "calls", title: "Calls", column: "second", topics: ["calls"], tools: [filter, pause, file], content: [lines.element], whenShown: ask,

@@ -1,13 +1,13 @@
 // The WebSocket to the server: what the page asks for, what it gets, and new attempts after a loss.
 const kTokenKey = "avsk.live.token";
+const kToken = /^#[0-9a-f]{32}$/;
 const kPauses = [0.5, 1, 2, 4, 8, 15]; // seconds between attempts
 
 // The token stands in the address once. After that the tab keeps it, so that a reload works and the address bar, and
 // what is copied from it, holds no secret.
-export function takeToken() {
-  const inAddress = location.hash.replace(/^#(token=)?/, "");
-  if (/^[A-Za-z0-9_-]{16,}$/.test(inAddress)) {
-    sessionStorage.setItem(kTokenKey, inAddress);
+function takeToken() {
+  if (kToken.test(location.hash)) {
+    sessionStorage.setItem(kTokenKey, location.hash.slice(1));
     history.replaceState(null, "", location.pathname + location.search);
   }
   return sessionStorage.getItem(kTokenKey);
@@ -15,14 +15,13 @@ export function takeToken() {
 
 export class Connection {
   constructor() {
-    this.listeners = new Map(); // topic -> functions
+    this.listeners = new Map(); // topic -> functions. "fresh": what was received before is of another simulator or time
     this.wanted = new Map();    // who -> topics
     this.waiting = new Map();   // id of a line -> resolve
     this.lastId = 0;
     this.attempts = 0;
     this.everOpen = false;
-    window.addEventListener("hashchange", () => this.open());
-    window.addEventListener("online", () => this.open());
+    window.addEventListener("hashchange", () => kToken.test(location.hash) && this.open());
   }
 
   on(topic, listener) {
@@ -61,16 +60,21 @@ export class Connection {
     this.attempts = 0;
     this.everOpen = true;
     this.sendTopics();
+    this.tell("fresh");
     this.tell("state", { state: "open" });
   }
 
   closed(event) {
-    for (const resolve of this.waiting.values())
-      resolve({ ok: false, text: "The connection was lost." });
-    this.waiting.clear();
+    this.failWaiting("the connection was lost");
     const seconds = kPauses[Math.min(this.attempts++, kPauses.length - 1)];
     this.tell("state", { state: "lost", seconds, everOpen: this.everOpen, reason: event.reason });
     this.timer = setTimeout(() => this.open(), seconds * 1000);
+  }
+
+  failWaiting(text) {
+    for (const resolve of this.waiting.values())
+      resolve({ ok: false, text });
+    this.waiting.clear();
   }
 
   receive(data) {
@@ -83,6 +87,10 @@ export class Connection {
       this.waiting.get(message.id)(message);
       this.waiting.delete(message.id);
     }
+    if (message.topic === "ended" || message.topic === "restarted")
+      this.failWaiting("the simulator ended");
+    if (message.topic === "restarted")
+      this.tell("fresh");
     this.tell(message.topic, message);
   }
 
@@ -94,7 +102,7 @@ export class Connection {
   // Sends a message that is answered: {ok, text}.
   ask(message) {
     if (!this.isOpen)
-      return Promise.resolve({ ok: false, text: "There is no connection." });
+      return Promise.resolve({ ok: false, text: "there is no connection" });
     const id = ++this.lastId;
     return new Promise((resolve) => {
       this.waiting.set(id, resolve);
@@ -115,7 +123,7 @@ export class Connection {
   async file(path) {
     const answer = await fetch(path, { headers: { Authorization: `Bearer ${takeToken()}` } });
     if (!answer.ok)
-      throw new Error(`${answer.status} ${answer.statusText}`);
+      throw new Error((await answer.text()).trim());
     return answer.blob();
   }
 }

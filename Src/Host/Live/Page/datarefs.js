@@ -1,5 +1,5 @@
 // Panel "Datarefs": search, live values, editing within the type, and pinned ones over time.
-import { Field, button, el, setText } from "./dom.js";
+import { Field, button, el, setText, store, stored } from "./dom.js";
 import { List } from "./list.js";
 import { Plot } from "./plot.js";
 import { elementOf, expectDataref, isArray, isText, refuseValue, setLine } from "./session.js";
@@ -9,7 +9,7 @@ const kElements = 4; // of an array, in the list
 const kPause = 150; // milliseconds after the last key before a search
 
 export function datarefsPanel({ connection, line, expect }) {
-  let pinned = JSON.parse(localStorage.getItem(kPinnedKey) ?? "[]");
+  let pinned = stored(kPinnedKey, []);
   let seconds = 0;
   let timer = 0;
   let editors = []; // the fields of the chosen one
@@ -58,7 +58,7 @@ export function datarefsPanel({ connection, line, expect }) {
 
   function setPinned(name) {
     pinned = pinned.includes(name) ? pinned.filter((other) => other !== name) : [...pinned, name];
-    localStorage.setItem(kPinnedKey, JSON.stringify(pinned));
+    store(kPinnedKey, pinned);
     plot.keep(pinned);
     list.show(list.items);
     ask();

@@ -90,6 +90,17 @@ export function labelled(label, control) {
   return el("span", { class: "field" }, el("label", { for: control.id }, label), control);
 }
 
+// What this browser remembers.
+export function stored(key, fallback) {
+  try {
+    return JSON.parse(localStorage.getItem(key)) ?? fallback;
+  } catch {
+    return fallback;
+  }
+}
+
+export const store = (key, value) => localStorage.setItem(key, JSON.stringify(value));
+
 // Focuses the next control in the tab order, or with -1 the one before.
 export function focusBeside(element, by) {
   const controls = [...document.querySelectorAll("a[href], button, input, select, [tabindex='0']")]

@@ -27,7 +27,7 @@ export function logPanel({ connection, expect, say }) {
     fresh.push(...texts);
     timer ||= setTimeout(announce, kBetween);
   });
-  connection.on("hello", () => lines.set([]));
+  connection.on("fresh", () => lines.set([]));
 
   const expectLine = button("Expect this line", () => {
     const text = lines.chosen ?? lines.newest;

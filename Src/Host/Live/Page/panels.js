@@ -1,23 +1,14 @@
 // The panels beside the screen: which are open, kept over reloads of the page, and which topics they need.
-import { button, el } from "./dom.js";
+import { button, el, store, stored } from "./dom.js";
 
 const kKey = "avsk.live.panels";
 const kClosedAtFirst = ["commands", "calls", "findings"];
-
-function readClosed() {
-  try {
-    const closed = JSON.parse(localStorage.getItem(kKey));
-    return Array.isArray(closed) ? closed : kClosedAtFirst;
-  } catch {
-    return kClosedAtFirst;
-  }
-}
 
 // A panel: {id, title, column, topics, content, whenShown}
 export class Panels {
   constructor(connection) {
     this.connection = connection;
-    this.closed = new Set(readClosed());
+    this.closed = new Set(stored(kKey, kClosedAtFirst));
     this.toggles = document.getElementById("toggles");
   }
 
@@ -41,7 +32,7 @@ export class Panels {
       this.closed.delete(panel.id);
     else
       this.closed.add(panel.id);
-    localStorage.setItem(kKey, JSON.stringify([...this.closed]));
+    store(kKey, [...this.closed]);
     this.show(panel);
   }
 

@@ -1,5 +1,5 @@
 // Panel "Time": a bar for each frame, stacked by plugin, with the budget's line. A chosen frame shows its calls.
-import { Field, button, el, oncePerRepaint, setAttribute, setText } from "./dom.js";
+import { Field, button, el, oncePerRepaint, setAttribute, setText, store, stored } from "./dom.js";
 import { List } from "./list.js";
 import { colour } from "./plot.js";
 
@@ -21,7 +21,7 @@ export function timePanel({ connection }) {
   let frames = [];
   let held = null; // the frames as they were when one was chosen
   let chosen = null;
-  let budget = Number(localStorage.getItem(kBudgetKey) ?? 2);
+  let budget = stored(kBudgetKey, 2);
   let plugins = []; // in the order in which they were seen, which is that of their colours
   let scale = 0.1;
   let omitted = ""; // says that calls of the chosen frame are missing
@@ -39,7 +39,7 @@ export function timePanel({ connection }) {
     check: (text) => (Number(text) > 0 ? "" : "A number above 0."),
     submit: (text) => {
       budget = Number(text);
-      localStorage.setItem(kBudgetKey, String(budget));
+      store(kBudgetKey, budget);
       askBudget();
       draw();
     },
@@ -201,9 +201,13 @@ export function timePanel({ connection }) {
     calls.empty.textContent = "No calls of this frame are kept.";
     calls.show(state.calls.map((call, n) => ({ ...call, n, share: call.ms / most })));
   });
-  connection.on("hello", () => {
+  connection.on("fresh", () => {
     frames = [];
     choose(null);
+  });
+  connection.on("hello", (hello) => {
+    if (hello.budget > 0)
+      limit.value = String(budget = hello.budget);
     askBudget();
   });
   new ResizeObserver(draw).observe(box);
