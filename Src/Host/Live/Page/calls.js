@@ -25,14 +25,15 @@ export function callsPanel({ connection, say }) {
     ask();
   });
   const file = button("Save the trace", async () => {
-    try {
-      const url = URL.createObjectURL(await connection.file("trace.json"));
-      el("a", { href: url, download: "trace.json" }).click();
-      URL.revokeObjectURL(url);
-      say("trace.json is saved. Perfetto and Chromium's tracing page open it.", true);
-    } catch (error) {
-      say(`The trace could not be fetched: ${error.message}`, false);
+    const answer = await connection.ask({ do: "trace" });
+    if (!answer.ok) {
+      say(answer.text, false);
+      return;
     }
+    const url = URL.createObjectURL(new Blob([answer.text], { type: "application/json" }));
+    el("a", { href: url, download: "trace.json" }).click();
+    URL.revokeObjectURL(url);
+    say("trace.json is saved. Perfetto and Chromium's tracing page open it.", true);
   });
   connection.on("calls", (state) => {
     if (state.gap > 0)

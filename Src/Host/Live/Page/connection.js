@@ -119,11 +119,4 @@ export class Connection {
   }
 
   sendTopics() { this.send({ do: "topics", open: [...new Set([...this.wanted.values()].flat())].sort() }); }
-
-  async file(path) {
-    const answer = await fetch(path, { headers: { Authorization: `Bearer ${takeToken()}` } });
-    if (!answer.ok)
-      throw new Error((await answer.text()).trim());
-    return answer.blob();
-  }
 }

@@ -19,7 +19,11 @@ export class Lines {
     this.show([...this.lines, ...texts.map((text) => ({ n: ++this.last, text, class: kind }))]);
   }
 
-  set(texts) { this.show(texts.map((text, n) => ({ n, text }))); }
+  // All lines, or the last ones if some are omitted before them.
+  set(texts, omitted = 0) {
+    const note = omitted > 0 ? [{ n: -1, text: `… ${omitted} lines before`, class: "muted" }] : [];
+    this.show([...note, ...texts.map((text, n) => ({ n: n + omitted, text }))]);
+  }
 
   show(lines) {
     const { body } = this.list;

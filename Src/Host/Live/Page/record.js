@@ -32,39 +32,36 @@ export function recordPanel({ connection, line, say }) {
     back = Math.min(Math.max(back + step, 0), history.length);
     own.value = back === 0 ? "" : history.at(-back);
   });
-  const picture = new Field({
-    label: "Picture", size: "12", value: "screen.png", check: isFile(".png"),
-    submit: async (file) => {
-      const answer = await connection.ask({ do: "picture", file });
+  // A field for the name of a file to write, with a button that appears if there is such a file.
+  function fileField(properties, action, done) {
+    const write = async (file, replace) => {
+      const answer = await connection.ask({ do: action, file, replace });
+      field.fail(answer.ok ? "" : answer.text);
+      again.hidden = answer.ok || !answer.text.includes("exists");
       if (answer.ok)
-        say(answer.text || `${file} is written and expected.`, true);
+        say(done(answer.text), true);
       return answer;
-    },
-  });
-  const file = new Field({ label: "File", hideLabel: true, size: "12", value: "session.avs", check: isFile(".avs"), submit: (name) => save(name, false) });
-  const replace = button("Replace it", () => save(file.value, true), { hidden: true });
-  file.input.addEventListener("input", () => { replace.hidden = true; });
-
-  async function save(name, force) {
-    const answer = await connection.ask({ do: "save", file: name, ...(force ? { replace: true } : {}) });
-    replace.hidden = answer.ok || !/exist|replace/i.test(answer.text);
-    file.fail(answer.ok ? "" : answer.text);
-    if (answer.ok)
-      say(`Saved: ${answer.text}`, true);
-    return answer;
+    };
+    const field = new Field({ size: "12", ...properties, submit: (file) => write(file, false) });
+    const again = button("Replace it", () => write(field.value, true), { hidden: true });
+    field.input.addEventListener("input", () => { again.hidden = true; });
+    return { field, again };
   }
+  const picture = fileField({ label: "Picture", value: "screen.png", check: isFile(".png") }, "picture",
+    (path) => `Recorded: expect picture, which is in ${path}`);
+  const file = fileField({ label: "File", hideLabel: true, value: "session.avs", check: isFile(".avs") }, "save", (path) => `Saved: ${path}`);
 
   connection.on("recording", (state) => {
-    lines.set(state.lines);
+    lines.set(state.lines, state.omitted);
     setText(saved, state.saved ? `saved as ${state.saved}` : "not saved");
   });
 
   return {
-    id: "record", title: "Record", column: "dock", topics: ["recording"], tools: [saved, file.element, button("Save", () => file.send(), { class: "main" }), replace],
+    id: "record", title: "Record", column: "dock", topics: ["recording"], tools: [saved, file.field.element, button("Save", () => file.field.send(), { class: "main" }), file.again],
     content: [
       lines.element,
-      el("p", { class: "tools" }, own.element, button("Do it", () => own.send()), picture.element,
-        button("Expect this picture", () => picture.send())),
+      el("p", { class: "tools" }, own.element, button("Do it", () => own.send()), picture.field.element,
+        button("Expect this picture", () => picture.field.send()), picture.again),
     ],
   };
 }
