@@ -45,7 +45,7 @@ const ground = (element) => {
   }
 };
 const faint = new Set();
-for (const element of document.querySelectorAll('body *')) {
+for (const element of document.querySelectorAll('body *:not(.row:nth-child(n + 4), .row:nth-child(n + 4) *)')) {
   if (!element.checkVisibility({opacityProperty: true, visibilityProperty: true}) || element.closest(':disabled')) continue;
   const style = getComputedStyle(element);
   const isField = element.matches('input, select');
@@ -70,8 +70,11 @@ return [...document.querySelectorAll('[data-control]')].map((element) => element
 WATCH_PIXELS = """
 const [x, y, width, height] = arguments;
 const canvas = document.getElementById('screen');
-const context = canvas.getContext('2d');
-const sum = () => context.getImageData(x, y, width, height).data.reduce((a, v, i) => (a * 31 + v * (i % 7 + 1)) | 0, 7);
+const copy = new OffscreenCanvas(width, height).getContext('2d', {willReadFrequently: true});
+const sum = () => {
+  copy.drawImage(canvas, x, y, width, height, 0, 0, width, height);
+  return copy.getImageData(0, 0, width, height).data.reduce((a, v, i) => (a * 31 + v * (i % 7 + 1)) | 0, 7);
+};
 window.delay = null;
 canvas.addEventListener('pointerdown', () => {
   const before = sum();
@@ -91,10 +94,14 @@ class Page:
     def __init__(self, avsk, root, slow):
         self.avsk, self.root, self.slow = avsk, root, slow
         self.folder = pathlib.Path(tempfile.mkdtemp(prefix="avsk-live-"))
-        self.server = subprocess.Popen(
-            [avsk, "live", "--root", root, "--no-open", "--port", "0"], cwd=self.folder, stdout=subprocess.PIPE,
-            stderr=subprocess.STDOUT, text=True)
-        self.url = next(found.group() for found in (re.search(r"http://\S+#\S+", line) for line in self.server.stdout) if found)
+        self.driver = None
+        self.output = self.folder / "output.txt"
+        with self.output.open("wb") as stream:
+            self.server = subprocess.Popen([avsk, "live", "--root", root, "--no-open", "--port", "0"], cwd=self.folder, stdout=stream,
+                                           stderr=subprocess.STDOUT)
+
+    def open(self):
+        url = self.wait(lambda: re.search(r"http://\S+#\S+", self.output.read_text(errors="replace")), "an address").group()
         options = webdriver.ChromeOptions()
         options.binary_location = "/usr/bin/chromium"
         for argument in ("headless=new", "no-sandbox", "disable-gpu", "disable-quic", "no-first-run", "disable-background-networking",
@@ -103,13 +110,14 @@ class Page:
         options.set_capability("goog:loggingPrefs", {"browser": "ALL"})
         self.driver = webdriver.Chrome(options=options, service=Service("/usr/bin/chromedriver"))
         self.size(1280, 800)
-        self.driver.get(self.url)
+        self.driver.get(url)
         self.wait(lambda: self.text("#state") == "Running", "the simulator runs")
 
     def close(self):
-        self.driver.quit()
+        if self.driver:
+            self.driver.quit()
         self.server.terminate()
-        self.server.communicate(timeout=PATIENCE)
+        self.server.wait(PATIENCE)
         shutil.rmtree(self.folder, ignore_errors=True)
 
     def size(self, width, height, dark=False):
@@ -132,7 +140,7 @@ class Page:
     def wait(self, is_so, what):
         end = time.monotonic() + PATIENCE * (5 if self.slow else 1)
         while not (seen := is_so()):
-            assert time.monotonic() < end, f"waited in vain: {what}; the page says: {self.text('#answer')}"
+            assert time.monotonic() < end, f"waited in vain: {what}; the page says: {self.driver and self.text('#answer')}"
             time.sleep(0.02)
         return seen
 
@@ -209,10 +217,10 @@ def the_window_is_dragged_and_let_go_outside_the_picture(page):
     page.choose("plugins", "Window")
     page.wait(lambda: page.window() == [40, 500, 392, 410], "the window's place is shown")
     page.mouse("Pressed", page.point(*TOP_STRIP), **BUTTON)
-    page.mouse("Moved", page.point(160, 445), buttons=1)
+    page.mouse("Moved", page.point(160, 445), button="left", buttons=1)
     page.wait(lambda: page.window() == [140, 450, 492, 360], "the window follows the mouse")
-    outside = page.js("const box = document.querySelector('.foot').getBoundingClientRect(); return {x: box.left + 200, y: box.top + 5}")
-    page.mouse("Moved", outside, buttons=1)
+    outside = page.js("const box = document.querySelector('.top h1').getBoundingClientRect(); return {x: box.left + 300, y: box.top + 5}")
+    page.mouse("Moved", outside, button="left", buttons=1)
     page.mouse("Released", outside, **BUTTON)
     time.sleep(0.2)
     at = page.window()
@@ -356,16 +364,12 @@ def the_tab_key_reaches_every_control(page):
         page.choose(panel, key)
     page.js("document.activeElement.blur(); document.body.focus()")
     missing = set(page.js(MARK_CONTROLS))
-    for _ in range(2 * len(missing)):
-        at = page.js("return document.activeElement.id")
-        chain = ActionChains(page.driver)
-        if at == "screen":  # takes the tab key itself
-            chain.key_down(Keys.CONTROL).send_keys(Keys.ESCAPE).key_up(Keys.CONTROL).perform()
-        else:
-            chain.send_keys(Keys.TAB).perform()
-        missing.discard(page.js("return document.activeElement.dataset.control"))
-        if not missing:
-            break
+    page.js("window.seen = []; document.addEventListener('focusin', (event) => seen.push(event.target.dataset.control))")
+    for _ in range(len(missing) // 8 + 10):
+        ActionChains(page.driver).send_keys(Keys.TAB * 8).perform()
+        if page.js("return document.activeElement.id") == "screen":  # takes the tab key itself
+            ActionChains(page.driver).key_down(Keys.CONTROL).send_keys(Keys.ESCAPE).key_up(Keys.CONTROL).perform()
+    missing -= set(page.js("return window.seen"))
     assert not missing, missing
     page.button("simulator", "Continue")
 
@@ -398,6 +402,7 @@ def main():
     page = Page(arguments.avsk, arguments.root, arguments.slow)
     failed = 0
     try:
+        page.open()
         for claim in CLAIMS:
             begin = time.monotonic()
             try:

@@ -1,20 +1,38 @@
 // Panel "Calls": the newest calls between plugins, library and host.
 import { button, el, setText } from "./dom.js";
-import { Lines } from "./lines.js";
 
-const kPause = 200; // milliseconds after the last key before the filter is used
+const kPause = 200;  // milliseconds after the last key before the filter is used
+const kRepaint = 250; // milliseconds: thousands of calls a second are more than a reader follows
+const kKept = 300;    // lines
 
 export function callsPanel({ connection, say }) {
   let paused = false;
   let timer = 0;
-  const lines = new Lines({ label: "Calls", kind: "lines", empty: "No calls yet." });
+  let lines = [];
+  let repaint = 0;
+  const shown = el("pre", { class: "calls", tabindex: "0", role: "region", "aria-label": "Calls" });
+
+  // Follows the end unless the reader has scrolled up.
+  function show() {
+    repaint = 0;
+    const follows = shown.scrollHeight - shown.scrollTop - shown.clientHeight < 24;
+    setText(shown, lines.join("\n") || "No calls yet.");
+    if (follows)
+      shown.scrollTop = shown.scrollHeight;
+  }
+
+  function add(fresh) {
+    lines = [...lines, ...fresh].slice(-kKept);
+    repaint ||= setTimeout(show, kRepaint);
+  }
+
   const ask = () => connection.send({ do: "calls", filter: filter.value.trim(), paused });
   const filter = el("input", {
     type: "search", placeholder: "function or plugin, * is any text", "aria-label": "Filter of calls", spellcheck: "false",
     oninput: () => {
       clearTimeout(timer);
       timer = setTimeout(() => {
-        lines.set([]);
+        lines = [];
         ask();
       }, kPause);
     },
@@ -36,13 +54,11 @@ export function callsPanel({ connection, say }) {
     say("trace.json is saved. Perfetto and Chromium's tracing page open it.", true);
   });
   connection.on("calls", (state) => {
-    if (state.gap > 0)
-      lines.add([`… ${state.gap} lines were left out`], "muted");
-    lines.add(state.lines ?? []);
+    add([...(state.gap > 0 ? [`… ${state.gap} lines are left out`] : []), ...(state.lines ?? [])]);
   });
-  connection.on("fresh", () => lines.set([]));
+  connection.on("fresh", () => { lines = []; });
   connection.on("hello", ask);
   return {
-    id: "calls", title: "Calls", column: "second", topics: ["calls"], tools: [filter, pause, file], content: [lines.element], whenShown: ask,
+    id: "calls", title: "Calls", column: "second", topics: ["calls"], tools: [filter, pause, file], content: [shown], whenShown: ask,
   };
 }

@@ -68,7 +68,7 @@ export function commandsPanel({ connection, line, expect }) {
     ({ commands } = state);
     showCommands();
     hotKeys.show(state.hotKeys);
-    setChoices(key, state.keys);
+    setChoices(key, state.keys.filter((name) => name !== "Unknown"));
   });
   connection.on("menus", (state) => items.show(flatItems(state.menus)));
 

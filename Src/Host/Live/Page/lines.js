@@ -1,4 +1,5 @@
 // A list of lines that grows at its end and follows it, unless the reader has scrolled up or chosen a line.
+import { oncePerRepaint } from "./dom.js";
 import { List } from "./list.js";
 
 const kKept = 500;
@@ -10,6 +11,10 @@ export class Lines {
     this.last = 0;
     this.list = new List({ ...properties, key: (line) => line.n, cells: (line) => [{ text: line.text, class: line.class }] });
     this.element = this.list.element;
+    const { body } = this.list;
+    this.follows = true;
+    body.addEventListener("scroll", () => { this.follows = body.scrollHeight - body.scrollTop - body.clientHeight < kNear; });
+    this.toEnd = oncePerRepaint(() => { body.scrollTop = body.scrollHeight; });
   }
 
   get newest() { return this.lines.at(-1)?.text ?? null; }
@@ -22,15 +27,13 @@ export class Lines {
   // All lines, or the last ones if some are omitted before them.
   set(texts, omitted = 0) {
     const note = omitted > 0 ? [{ n: -1, text: `… ${omitted} lines before`, class: "muted" }] : [];
-    this.show([...note, ...texts.map((text, n) => ({ n: n + omitted, text }))]);
+    this.show([...note, ...texts.map((text, n) => ({ n: n + omitted, text })).filter(({ text }) => text !== "")]);
   }
 
   show(lines) {
-    const { body } = this.list;
-    const follows = body.scrollHeight - body.scrollTop - body.clientHeight < kNear;
     this.lines = lines.slice(-kKept);
     this.list.show(this.lines);
-    if (follows)
-      body.scrollTop = body.scrollHeight;
+    if (this.follows)
+      this.toEnd();
   }
 }

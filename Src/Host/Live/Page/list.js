@@ -21,31 +21,30 @@ export class List {
     this.heads = heads && el("div", { class: "heads row", "aria-hidden": "true" }, ...heads.map((head) => el("span", {}, head)));
     this.empty = el("p", { class: "empty" }, empty);
     this.element = el("div", { class: `list ${kind}` }, this.heads, this.body, this.empty);
+    this.show([]);
   }
 
   get item() { return this.rows.get(this.chosen)?.item ?? null; }
 
   show(items) {
-    const kept = new Set();
-    let place = this.body.firstElementChild;
-    for (const item of items) {
-      const key = String(this.key(item));
-      if (kept.has(key))
-        continue;
-      kept.add(key);
-      const row = this.rows.get(key) ?? this.add(key, item);
-      row.item = item;
-      this.write(row);
-      if (row.element === place)
-        place = place.nextElementSibling;
-      else
-        this.body.insertBefore(row.element, place);
-    }
+    const kept = new Map(items.map((item) => [String(this.key(item)), item]));
     for (const [key, row] of this.rows) {
       if (!kept.has(key)) {
         row.element.remove();
         this.rows.delete(key);
       }
+    }
+    let place = this.body.firstElementChild;
+    for (const [key, item] of kept) {
+      const row = this.rows.get(key) ?? this.add(key);
+      if (row.item !== item) {
+        row.item = item;
+        this.write(row);
+      }
+      if (row.element === place)
+        place = place.nextElementSibling;
+      else
+        this.body.insertBefore(row.element, place);
     }
     this.items = items;
     this.empty.hidden = items.length > 0;
@@ -57,10 +56,10 @@ export class List {
       this.choose(this.item);
   }
 
-  add(key, item) {
+  add(key) {
     const element = el("div", { role: this.level ? "treeitem" : "option", id: newId(this.id), class: "row", "aria-selected": "false" });
     element.dataset.key = key;
-    const row = { element, item };
+    const row = { element, item: null };
     this.rows.set(key, row);
     return row;
   }

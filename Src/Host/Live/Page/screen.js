@@ -18,11 +18,21 @@ function readTiles(data) {
     const length = view.getUint32(at + 8, true);
     message.tiles.push({
       x: view.getUint16(at, true), y: view.getUint16(at + 2, true),
-      picture: new Blob([new Uint8Array(data, at + kTileHeader, length)], { type: "image/png" }),
+      png: new Uint8Array(data, at + kTileHeader, length),
     });
     at += kTileHeader + length;
   }
   return message;
+}
+
+// The decoder takes half the time of a blob, but not every browser has it.
+async function decode({ png }) {
+  if (!("ImageDecoder" in window))
+    return createImageBitmap(new Blob([png], { type: "image/png" }));
+  const decoder = new ImageDecoder({ data: png, type: "image/png", colorSpaceConversion: "none" });
+  const { image } = await decoder.decode();
+  decoder.close();
+  return image;
 }
 
 export class Screen {
@@ -33,7 +43,6 @@ export class Screen {
     this.context = this.canvas.getContext("2d", { alpha: false });
     this.mouse = document.getElementById("mouse");
     this.drawn = Promise.resolve();
-    this.pictures = 0;
     this.pointer = null;   // id of the pointer whose button is down
     this.held = new Map(); // event.code -> the name that was pressed
     this.wheel = 0;
@@ -54,14 +63,13 @@ export class Screen {
   // The pictures of one message are decoded at once, and drawn together after those of the message before.
   receive(data) {
     const message = readTiles(data);
-    const decoded = Promise.all(message.tiles.map((tile) => createImageBitmap(tile.picture)));
-    this.drawn = Promise.all([decoded, this.drawn]).then(([bitmaps]) => {
+    const decoded = Promise.all(message.tiles.map(decode));
+    this.drawn = Promise.all([decoded, this.drawn]).then(([pictures]) => {
       this.resize(message.width, message.height);
-      bitmaps.forEach((bitmap, i) => {
-        this.context.drawImage(bitmap, message.tiles[i].x, message.tiles[i].y);
-        bitmap.close();
+      pictures.forEach((picture, i) => {
+        this.context.drawImage(picture, message.tiles[i].x, message.tiles[i].y);
+        picture.close();
       });
-      ++this.pictures;
       this.canvas.dataset.frame = message.frame;
       this.connection.send({ do: "shown", version: message.version });
     }).catch((error) => this.say(`A picture could not be shown: ${error.message}`, false));

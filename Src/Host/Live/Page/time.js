@@ -6,6 +6,7 @@ import { colour } from "./plot.js";
 const kKept = 1200;  // frames
 const kBar = 4;      // pixels of a bar with its gap
 const kHeight = 120; // pixels
+const kLeast = 0.05; // milliseconds: the smallest scale
 const kMost = 8;     // plugins with a colour of their own
 const kBudgetKey = "avsk.live.budget";
 
@@ -23,7 +24,6 @@ export function timePanel({ connection }) {
   let chosen = null;
   let budget = stored(kBudgetKey, 2);
   let plugins = []; // in the order in which they were seen, which is that of their colours
-  let scale = 0.1;
   let omitted = ""; // says that calls of the chosen frame are missing
 
   const canvas = el("canvas", {
@@ -70,8 +70,7 @@ export function timePanel({ connection }) {
       canvas.height = kHeight * dense;
     }
     const bars = shown();
-    const highest = Math.max(budget * 1.1, ...bars.map((frame) => Object.values(frame.plugins).reduce((a, b) => a + b, 0)));
-    scale = roundUp(highest);
+    const scale = roundUp(Math.max(kLeast, ...bars.map((frame) => Object.values(frame.plugins).reduce((a, b) => a + b, 0))));
     const context = canvas.getContext("2d");
     const top = 10; // room for the marks of slow frames
     const y = (ms) => kHeight - ms / scale * (kHeight - top);
@@ -105,17 +104,19 @@ export function timePanel({ connection }) {
         context.fill();
       }
     });
-    context.strokeStyle = style("--bad");
-    context.setLineDash([6, 4]);
-    context.beginPath();
-    context.moveTo(0, Math.round(y(budget)) + 0.5);
-    context.lineTo(width, Math.round(y(budget)) + 0.5);
-    context.stroke();
-    context.setLineDash([]);
     context.font = `11px ${style("--mono")}`;
     context.fillStyle = style("--muted");
     context.fillText(`${scale} ms`, 3, y(scale) + 11);
-    context.fillText(`budget ${budget} ms`, 3, y(budget) - 4);
+    if (budget <= scale) {
+      context.fillText(`budget ${budget} ms`, 3, y(budget) - 4);
+      context.strokeStyle = style("--bad");
+      context.setLineDash([6, 4]);
+      context.beginPath();
+      context.moveTo(0, Math.round(y(budget)) + 0.5);
+      context.lineTo(width, Math.round(y(budget)) + 0.5);
+      context.stroke();
+      context.setLineDash([]);
+    }
     describe(bars);
   });
 
