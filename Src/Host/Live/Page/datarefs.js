@@ -87,20 +87,21 @@ export function datarefsPanel({ connection, line, expect }) {
           element = i;
           namePin();
         });
+        input.addEventListener("blur", () => list.item && edit(list.item));
         input.addEventListener("input", () => { input.dataset.changed = ""; });
         input.addEventListener("keydown", (event) => {
           if (event.key === "Escape") {
             editors[i].fail("");
             delete input.dataset.changed;
-            edit(list.item);
+            editors[i].value = list.item.values[i];
           }
         });
       });
       fields.replaceChildren(...editors.map((editor) => editor.element));
     }
-    // What is being typed is not overwritten by live values.
+    // Live values overwrite neither a selection nor what is being typed.
     editors.forEach((editor, i) => {
-      if (editor.input.dataset.changed === undefined && editor.value !== values[i])
+      if (editor.input.dataset.changed === undefined && document.activeElement !== editor.input && editor.value !== values[i])
         editor.value = values[i];
       editor.input.readOnly = !dataref.writable;
     });

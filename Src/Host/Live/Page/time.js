@@ -3,11 +3,12 @@ import { Field, button, el, oncePerRepaint, setAttribute, setText, store, stored
 import { List } from "./list.js";
 import { colour } from "./plot.js";
 
-const kKept = 1200;  // frames
-const kBar = 4;      // pixels of a bar with its gap
-const kHeight = 120; // pixels
-const kLeast = 0.05; // milliseconds: the smallest scale
-const kMost = 8;     // plugins with a colour of their own
+const kKept = 1200;     // frames
+const kBar = 4;         // pixels of a bar with its gap
+const kHeight = 120;    // pixels
+const kLeast = 0.05;    // milliseconds: the smallest scale
+const kShown = 0.0005; // milliseconds: less is left out of the legend
+const kMost = 8;        // plugins with a colour of their own
 const kBudgetKey = "avsk.live.budget";
 
 const style = (name) => getComputedStyle(document.documentElement).getPropertyValue(name).trim();
@@ -133,7 +134,8 @@ export function timePanel({ connection }) {
     setAttribute(canvas, "aria-valuetext", frame ? text : "no frame is chosen");
     [...legend.children].forEach((item, i) => {
       const ms = frame ? frame.plugins[plugins[i]] : Math.max(...bars.map((bar) => bar.plugins[plugins[i]] ?? 0));
-      setText(item.querySelector("output"), ms === undefined ? "–" : ms.toFixed(3));
+      item.hidden = !(ms >= kShown);
+      setText(item.querySelector("output"), item.hidden ? "" : ms.toFixed(3));
     });
   }
 
