@@ -8,9 +8,11 @@ sanitizers: speeds are not judged. Exit status 77, which ctest shows as skipped,
 """
 
 import argparse
+import os
 import pathlib
 import re
 import shutil
+import signal
 import subprocess
 import sys
 import tempfile
@@ -333,7 +335,7 @@ def the_recording_passes(page):
 
 
 def texts_can_be_read_in_both_schemes_and_sizes(page):
-    for width, height in ((1280, 800), (1920, 1080)):
+    for width, height in ((800, 900), (1280, 800), (1920, 1080)):
         for dark in (False, True):
             page.size(width, height, dark)
             page.wait(lambda: page.js("return document.querySelectorAll('.row').length") > 20, "the panels are filled")
@@ -374,6 +376,17 @@ def the_tab_key_reaches_every_control(page):
     page.button("simulator", "Continue")
 
 
+def after_a_crash_the_page_shows_the_report_and_starts_again(page):
+    simulator = pathlib.Path(f"/proc/{page.server.pid}/task/{page.server.pid}/children").read_text().split()[0]
+    os.kill(int(simulator), signal.SIGSEGV)
+    page.wait(lambda: "SIGSEGV" in page.text(".banner.ended pre"), "the report")
+    assert page.text("#state") == "Ended"
+    page.js("document.querySelector('.banner.ended button').click()")
+    page.wait(lambda: page.text("#state") == "Running" and not page.text(".banner.ended"), "it runs again")
+    assert page.text("#answer") == "The simulator has started again.", page.text("#answer")
+    page.wait(lambda: page.window() == [40, 500, 392, 410], "the plugins are loaded")
+
+
 def a_lost_server_is_said(page):
     errors = [entry for entry in page.driver.get_log("browser") if entry["level"] in ("SEVERE", "WARNING")]
     assert not errors, errors
@@ -386,7 +399,8 @@ CLAIMS = [a_reload_keeps_the_page_and_the_address_holds_no_token, the_screen_mov
           keys_reach_the_window_with_the_focus, a_menu_item_is_picked_with_the_keyboard,
           an_edited_dataref_is_followed_by_plugin_and_plot, what_is_paused_can_be_expected, plugins_are_disabled_and_loaded_again,
           a_slow_frame_shows_its_calls, closed_panels_stay_closed, the_recording_passes, texts_can_be_read_in_both_schemes_and_sizes,
-          every_control_has_a_name, the_tab_key_reaches_every_control, a_lost_server_is_said]
+          every_control_has_a_name, the_tab_key_reaches_every_control, after_a_crash_the_page_shows_the_report_and_starts_again,
+          a_lost_server_is_said]
 
 
 def main():

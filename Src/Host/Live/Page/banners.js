@@ -52,7 +52,7 @@ export class Banners {
       this.timer = setInterval(tick, kTick);
       const why = everOpen
         ? `The connection to avsk is lost${reason ? `: ${reason}` : ""}. `
-        : "avsk does not answer, or its token is another one: is ‘avsk live’ running, and is this the address that it printed? ";
+        : "avsk does not answer: is ‘avsk live’ running, is this the address that it printed, and are fewer than 16 pages open? ";
       this.show(this.lost, el("p", {}, el("strong", {}, why), countdown), button("Try now", () => this.connection.open()));
     }
   }

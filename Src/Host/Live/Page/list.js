@@ -112,6 +112,8 @@ export class List {
     }[event.key];
     if (event.key === "Enter")
       this.openChosen();
+    else if (event.key === "Escape")
+      this.select(null);
     else if (goal !== undefined && last >= 0)
       this.select(elements[Math.min(Math.max(goal, 0), last)].dataset.key);
     else

@@ -40,7 +40,8 @@ export class Plot {
   make() {
     this.chart?.destroy();
     this.chart = null;
-    if (this.points.size === 0 || typeof Chart === "undefined")
+    this.box.hidden = typeof Chart === "undefined"; // libjs-chart.js is not installed
+    if (this.points.size === 0 || this.box.hidden)
       return;
     this.box.style.setProperty("height", `${this.points.size * kStripHeight + kAxisHeight}px`);
     const grid = { color: style("--line"), borderColor: style("--line") };

@@ -48,6 +48,7 @@ export class Screen {
     this.wheel = 0;
     connection.on("tiles", (data) => this.receive(data));
     connection.on("hello", (hello) => this.resize(...hello.screen));
+    connection.on("fresh", () => this.forget());
     this.listen();
   }
 
@@ -58,6 +59,13 @@ export class Screen {
       this.canvas.height = height;
     this.canvas.style.setProperty("--ratio", width / height);
     this.canvas.style.setProperty("--natural", `${width}px`);
+  }
+
+  // A new simulator knows neither the mouse nor held keys.
+  forget() {
+    this.x = undefined;
+    this.pointer = null;
+    this.held.clear();
   }
 
   // The pictures of one message are decoded at once, and drawn together after those of the message before.
@@ -134,6 +142,8 @@ export class Screen {
 
   // Touchpads scroll by a few pixels at a time. Up is positive, as the wheel's clicks are.
   turn(event) {
+    if (event.ctrlKey)
+      return; // the browser's zoom
     event.preventDefault();
     const size = event.deltaMode === WheelEvent.DOM_DELTA_PIXEL ? kWheelStep : 3;
     this.wheel -= event.deltaY / size;
