@@ -1,6 +1,6 @@
 // A list of rows of which one can be chosen, by mouse or with the arrow keys. It is one tab stop. Rows have keys and are
 // changed in place, so a list that changes ten times a second keeps its choice and its place.
-import { el, newId, setAttribute, setText } from "./dom.js";
+import { el, newId, oncePerRepaint, setAttribute, setText } from "./dom.js";
 
 const kPage = 10;
 
@@ -84,13 +84,20 @@ export class List {
     this.rows.get(this.chosen)?.element.setAttribute("aria-selected", "false");
     this.chosen = key;
     const row = this.rows.get(key);
-    if (row) {
-      row.element.setAttribute("aria-selected", "true");
-      row.element.scrollIntoView({ block: "nearest" });
-    }
+    row?.element.setAttribute("aria-selected", "true");
     setAttribute(this.body, "aria-activedescendant", row?.element.id ?? null);
     this.choose(row?.item ?? null);
+    this.scrollToChosen();
   }
+
+  // Scrolls the list only, and after the details below it have taken their room.
+  scrollToChosen = oncePerRepaint(() => {
+    const element = this.rows.get(this.chosen)?.element;
+    if (!element)
+      return;
+    const { offsetTop: top, offsetHeight: height } = element;
+    this.body.scrollTop = Math.min(Math.max(this.body.scrollTop, top + height - this.body.clientHeight), top);
+  });
 
   click(event) {
     const element = event.target.closest("[data-key]");
