@@ -43,24 +43,29 @@ export class Banners {
     if (state === "open") {
       this.hide(this.lost);
     } else if (state === "no token") {
-      this.show(this.lost, el("p", {}, el("strong", {}, "No token. "), "Open the whole address that ‘avsk live’ printed, with what follows the #."));
+      this.show(this.lost, el("p", {}, el("strong", {}, "No token. "),
+        "Open the whole address that ‘avsk live’ printed, with what follows the #."));
     } else if (state === "lost") {
       const until = Date.now() + seconds * 1000;
       const countdown = el("span", { "aria-live": "off" });
-      const tick = () => setText(countdown, `Next attempt in ${Math.max(0, (until - Date.now()) / 1000).toFixed(0)} s. `);
+      const left = () => Math.max(0, (until - Date.now()) / 1000).toFixed(0);
+      const tick = () => setText(countdown, `Next attempt in ${left()} s. `);
       tick();
       this.timer = setInterval(tick, kTick);
       const why = everOpen
         ? `The connection to avsk is lost${reason ? `: ${reason}` : ""}. `
-        : "avsk does not answer: is ‘avsk live’ running, is this the address that it printed, and are fewer than 16 pages open? ";
-      this.show(this.lost, el("p", {}, el("strong", {}, why), countdown), button("Try now", () => this.connection.open()));
+        : "avsk does not answer: is ‘avsk live’ running, is this the address that it printed, " +
+          "and are fewer than 16 pages open? ";
+      this.show(this.lost, el("p", {}, el("strong", {}, why), countdown),
+        button("Try now", () => this.connection.open()));
     }
   }
 
   showEnd({ status, signal, report }) {
     const how = signal ? `by the signal ${signal}` : `with status ${status}`;
     this.show(this.ended,
-      el("p", {}, el("strong", {}, `The simulator ended ${how}. `), "What was recorded since its start is gone unless it was saved."),
+      el("p", {}, el("strong", {}, `The simulator ended ${how}. `),
+        "What was recorded since its start is gone unless it was saved."),
       report ? el("pre", { tabindex: "0", "aria-label": "Report" }, report) : null,
       button("Start again", () => this.connection.send({ do: "restart" }), { class: "main" }));
   }

@@ -28,7 +28,8 @@ export function callsPanel({ connection, say }) {
 
   const ask = () => connection.send({ do: "calls", filter: filter.value.trim(), paused });
   const filter = el("input", {
-    type: "search", placeholder: "function or plugin, * is any text", "aria-label": "Filter of calls", spellcheck: "false",
+    type: "search", placeholder: "function or plugin, * is any text", "aria-label": "Filter of calls",
+    spellcheck: "false",
     oninput: () => {
       clearTimeout(timer);
       timer = setTimeout(() => {
@@ -59,6 +60,7 @@ export function callsPanel({ connection, say }) {
   connection.on("fresh", () => { lines = []; });
   connection.on("hello", ask);
   return {
-    id: "calls", title: "Calls", column: "second", topics: ["calls"], tools: [filter, pause, file], content: [shown], whenShown: ask,
+    id: "calls", title: "Calls", column: "second", topics: ["calls"], tools: [filter, pause, file], content: [shown],
+    whenShown: ask,
   };
 }

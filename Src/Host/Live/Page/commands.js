@@ -7,7 +7,8 @@ import { expectItem, quoted, word } from "./session.js";
 export function commandsPanel({ connection, line, expect }) {
   let commands = [];
   const search = el("input", {
-    type: "search", placeholder: "part of a name", "aria-label": "Search commands", spellcheck: "false", oninput: () => showCommands(),
+    type: "search", placeholder: "part of a name", "aria-label": "Search commands", spellcheck: "false",
+    oninput: () => showCommands(),
   });
   const list = new List({
     label: "Commands", kind: "commands", heads: ["Command", "Description"], empty: "No command matches.",
@@ -33,7 +34,8 @@ export function commandsPanel({ connection, line, expect }) {
     choose: (key) => { hotKeyTools.hidden = !key; },
     open: (key) => line(`key ${key.key}`),
   });
-  const hotKeyTools = el("p", { class: "tools", hidden: true }, button("Press it", () => line(`key ${hotKeys.item.key}`)));
+  const hotKeyTools = el("p", { class: "tools", hidden: true },
+    button("Press it", () => line(`key ${hotKeys.item.key}`)));
 
   const key = el("select");
   const shift = el("input", { type: "checkbox" });
@@ -41,10 +43,13 @@ export function commandsPanel({ connection, line, expect }) {
   const keyLine = (step, modifiers = true) => line(`${step} ${word(key.value)}` +
     (modifiers && shift.checked ? " shift" : "") + (modifiers && control.checked ? " control" : ""));
   const text = new Field({
-    label: "Type", size: "14", check: (typed) => (typed ? "" : "A text."), submit: (typed) => line(`type ${quoted(typed)}`, null),
+    label: "Type", size: "14", check: (typed) => (typed ? "" : "A text."),
+    submit: (typed) => line(`type ${quoted(typed)}`, null),
   });
-  const keys = el("div", { class: "tools" }, labelled("Key", key), labelled("Shift", shift), labelled("Control", control),
-    button("Press", () => keyLine("key")), button("Hold key", () => keyLine("keydown")), button("Let go", () => keyLine("keyup", false)),
+  const keys = el("div", { class: "tools" }, labelled("Key", key), labelled("Shift", shift),
+    labelled("Control", control),
+    button("Press", () => keyLine("key")), button("Hold key", () => keyLine("keydown")),
+    button("Let go", () => keyLine("keyup", false)),
     text.element, button("Type text", () => text.send()));
 
   const items = new List({
@@ -58,7 +63,8 @@ export function commandsPanel({ connection, line, expect }) {
     open: (item) => item.enabled && !item.isMenu && line(`menu ${quoted(item.path)}`),
   });
   const pick = button("Pick", () => line(`menu ${quoted(items.item.path)}`));
-  const itemTools = el("p", { class: "tools", hidden: true }, pick, button("Expect this item", () => expect(expectItem(items.item))));
+  const itemTools = el("p", { class: "tools", hidden: true }, pick,
+    button("Expect this item", () => expect(expectItem(items.item))));
 
   function showCommands() {
     const part = search.value.trim().toLowerCase();

@@ -18,7 +18,8 @@ export function datarefsPanel({ connection, line, expect }) {
 
   const ask = () => connection.send({ do: "datarefs", pattern: search.value.trim(), pinned });
   const search = el("input", {
-    type: "search", placeholder: "part of a name, or a pattern with *", "aria-label": "Search datarefs", spellcheck: "false",
+    type: "search", placeholder: "part of a name, or a pattern with *", "aria-label": "Search datarefs",
+    spellcheck: "false",
     oninput: () => {
       clearTimeout(timer);
       timer = setTimeout(ask, kPause);
@@ -40,7 +41,8 @@ export function datarefsPanel({ connection, line, expect }) {
   });
 
   const isPinned = (dataref) => pinned.some((name) => name === dataref.name || name.startsWith(`${dataref.name}[`));
-  const inList = (dataref) => dataref.values.slice(0, kElements).join(" ") + (dataref.count > kElements ? ` … (${dataref.count})` : "");
+  const inList = (dataref) =>
+    dataref.values.slice(0, kElements).join(" ") + (dataref.count > kElements ? ` … (${dataref.count})` : "");
   const toPin = () => (isArray(list.item) ? elementOf(list.item, element) : list.item.name);
 
   const about = el("p", { class: "about" });
@@ -52,7 +54,8 @@ export function datarefsPanel({ connection, line, expect }) {
   });
   const expectThis = () => expect(expectDataref(list.item, tolerance.value.trim(), element), tolerance);
   const pin = button("Pin", () => setPinned(toPin()));
-  const tools = el("p", { class: "tools" }, pin, button("Expect this value", () => tolerance.send()), tolerance.element);
+  const tools = el("p", { class: "tools" }, pin, button("Expect this value", () => tolerance.send()),
+    tolerance.element);
   const chosen = el("div", { class: "detail", hidden: true }, about, fields, tools);
   const plot = new Plot((name) => setPinned(name));
 
@@ -72,10 +75,12 @@ export function datarefsPanel({ connection, line, expect }) {
       edited = shape;
       element = 0;
       editors = values.map((_, i) => new Field({
-        label: isArray(dataref) ? `[${i}]` : "Value", size: isText(dataref) ? "30" : "9", inputmode: isText(dataref) ? "text" : "decimal",
+        label: isArray(dataref) ? `[${i}]` : "Value", size: isText(dataref) ? "30" : "9",
+        inputmode: isText(dataref) ? "text" : "decimal",
         check: (text) => refuseValue(dataref, text),
         submit: async (text) => {
-          const answer = await line(setLine(dataref, isText(dataref) ? text : text.trim(), isArray(dataref) ? i : null), null);
+          const value = isText(dataref) ? text : text.trim();
+          const answer = await line(setLine(dataref, value, isArray(dataref) ? i : null), null);
           if (answer.ok)
             delete editors[i]?.input.dataset.changed;
           return answer;
@@ -101,7 +106,8 @@ export function datarefsPanel({ connection, line, expect }) {
     }
     // Live values overwrite neither a selection nor what is being typed.
     editors.forEach((editor, i) => {
-      if (editor.input.dataset.changed === undefined && document.activeElement !== editor.input && editor.value !== values[i])
+      const isUsed = editor.input.dataset.changed !== undefined || document.activeElement === editor.input;
+      if (!isUsed && editor.value !== values[i])
         editor.value = values[i];
       editor.input.readOnly = !dataref.writable;
     });
@@ -113,7 +119,8 @@ export function datarefsPanel({ connection, line, expect }) {
       edited = null;
       return;
     }
-    const facts = [dataref.type, dataref.writable ? "writable" : "read-only", dataref.owner && `of ${dataref.owner}`, dataref.unit, dataref.meaning];
+    const facts = [dataref.type, dataref.writable ? "writable" : "read-only", dataref.owner && `of ${dataref.owner}`,
+      dataref.unit, dataref.meaning];
     setText(about, `${dataref.name}: ${facts.filter(Boolean).join(", ")}`);
     edit(dataref);
     namePin();

@@ -17,7 +17,8 @@ export function el(tag, properties = {}, ...children) {
   return element;
 }
 
-export const button = (text, onclick, properties = {}) => el("button", { type: "button", onclick, ...properties }, text);
+export const button = (text, onclick, properties = {}) =>
+  el("button", { type: "button", onclick, ...properties }, text);
 
 // Writes only what differs, so that selections and live regions stay as they are.
 export function setText(element, text) {

@@ -11,7 +11,8 @@ export function findingsPanel({ connection }) {
     key: (finding) => [finding.rule, finding.plugin, finding.function, finding.text, finding.callback].join(" "),
     cells: (finding) => [
       { text: kSigns[finding.level] ?? "", class: finding.level }, finding.level, finding.plugin,
-      { text: `${finding.function}: ${finding.text}`, title: finding.text }, { text: String(finding.count), class: "number" }],
+      { text: `${finding.function}: ${finding.text}`, title: finding.text },
+      { text: String(finding.count), class: "number" }],
     choose: (finding) => {
       detail.hidden = !finding;
       if (!finding)
@@ -33,5 +34,6 @@ export function findingsPanel({ connection }) {
       return `${many} ${level}${many === 1 ? "" : "s"}`;
     }).join(", "));
   });
-  return { id: "findings", title: "Findings", column: "second", topics: ["findings"], tools: [count], content: [list.element, detail] };
+  return { id: "findings", title: "Findings", column: "second", topics: ["findings"], tools: [count],
+    content: [list.element, detail] };
 }

@@ -1,6 +1,7 @@
 // Names of keys in the session language, from events of the browser.
 const kNames = {
-  Backspace: "Backspace", Tab: "Tab", Enter: "Return", Escape: "Escape", Space: "Space", PageUp: "Page Up", PageDown: "Page Down",
+  Backspace: "Backspace", Tab: "Tab", Enter: "Return", Escape: "Escape", Space: "Space", PageUp: "Page Up",
+  PageDown: "Page Down",
   End: "End", Home: "Home", ArrowLeft: "Left", ArrowUp: "Up", ArrowRight: "Right", ArrowDown: "Down", Insert: "Insert",
   Delete: "Delete", Help: "Help", NumpadMultiply: "Numpad-*", NumpadAdd: "Numpad-+", NumpadSubtract: "Numpad--",
   NumpadDecimal: "Numpad-.", NumpadDivide: "Numpad-/", NumpadEnter: "Numpad-Enter", NumpadEqual: "Numpad-=",

@@ -9,11 +9,14 @@ export class Lines {
   constructor(properties) {
     this.lines = [];
     this.last = 0;
-    this.list = new List({ ...properties, key: (line) => line.n, cells: (line) => [{ text: line.text, class: line.class }] });
+    this.list = new List({ ...properties, key: (line) => line.n,
+      cells: (line) => [{ text: line.text, class: line.class }] });
     this.element = this.list.element;
     const { body } = this.list;
     this.follows = true;
-    body.addEventListener("scroll", () => { this.follows = body.scrollHeight - body.scrollTop - body.clientHeight < kNear; });
+    body.addEventListener("scroll", () => {
+      this.follows = body.scrollHeight - body.scrollTop - body.clientHeight < kNear;
+    });
     this.toEnd = oncePerRepaint(() => { body.scrollTop = body.scrollHeight; });
   }
 

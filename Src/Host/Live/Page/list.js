@@ -1,5 +1,5 @@
-// A list of rows of which one can be chosen, by mouse or with the arrow keys. It is one tab stop. Rows have keys and are
-// changed in place, so a list that changes ten times a second keeps its choice and its place.
+// A list of rows of which one can be chosen, by mouse or with the arrow keys. It is one tab stop. Rows have keys and
+// are changed in place, so a list that changes ten times a second keeps its choice and its place.
 import { el, newId, oncePerRepaint, setAttribute, setText } from "./dom.js";
 
 const kPage = 10;
@@ -18,7 +18,8 @@ export class List {
       onclick: (event) => this.click(event),
       ondblclick: () => this.openChosen(),
     });
-    this.heads = heads && el("div", { class: "heads row", "aria-hidden": "true" }, ...heads.map((head) => el("span", {}, head)));
+    this.heads = heads && el("div", { class: "heads row", "aria-hidden": "true" },
+      ...heads.map((head) => el("span", {}, head)));
     this.empty = el("p", { class: "empty" }, empty);
     this.element = el("div", { class: `list ${kind}` }, this.heads, this.body, this.empty);
     this.show([]);
@@ -57,7 +58,8 @@ export class List {
   }
 
   add(key) {
-    const element = el("div", { role: this.level ? "treeitem" : "option", id: newId(this.id), class: "row", "aria-selected": "false" });
+    const element = el("div", { role: this.level ? "treeitem" : "option", id: newId(this.id), class: "row",
+      "aria-selected": "false" });
     element.dataset.key = key;
     const row = { element, item: null };
     this.rows.set(key, row);
@@ -115,7 +117,8 @@ export class List {
     const last = elements.length - 1;
     const now = elements.findIndex((element) => element.dataset.key === this.chosen);
     const goal = {
-      ArrowDown: now + 1, ArrowUp: now < 0 ? last : now - 1, PageDown: now + kPage, PageUp: now - kPage, Home: 0, End: last,
+      ArrowDown: now + 1, ArrowUp: now < 0 ? last : now - 1, PageDown: now + kPage, PageUp: now - kPage, Home: 0,
+      End: last,
     }[event.key];
     if (event.key === "Enter")
       this.openChosen();

@@ -22,7 +22,7 @@ export function logPanel({ connection, expect, say }) {
   connection.on("log", (state) => {
     if (state.gap > 0)
       lines.add([`… ${state.gap} lines were left out`], "muted");
-    const texts = (state.lines ?? []).flatMap((line) => line.replace(/\n$/, "").split("\n")).filter((line) => line !== "");
+    const texts = (state.lines ?? []).filter((line) => line !== "");
     lines.add(texts);
     fresh.push(...texts);
     timer ||= setTimeout(announce, kBetween);
@@ -36,5 +36,6 @@ export function logPanel({ connection, expect, say }) {
     else
       expect(`expect log ${quoted(text)}`);
   }, { title: "The chosen line, or the newest" });
-  return { id: "log", title: "Log", column: "dock", topics: ["log"], tools: [expectLine], content: [lines.element, spoken] };
+  return { id: "log", title: "Log", column: "dock", topics: ["log"], tools: [expectLine],
+    content: [lines.element, spoken] };
 }

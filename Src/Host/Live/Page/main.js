@@ -44,11 +44,13 @@ new Screen(connection, say);
 new MenuBar(connection, line);
 new Banners(connection, say);
 const panels = new Panels(connection);
-for (const make of [simulatorPanel, pluginsPanel, commandsPanel, datarefsPanel, timePanel, callsPanel, findingsPanel, recordPanel, logPanel])
+const makers = [simulatorPanel, pluginsPanel, commandsPanel, datarefsPanel, timePanel, callsPanel, findingsPanel,
+  recordPanel, logPanel];
+for (const make of makers)
   panels.add(make(context));
 
 // The page always shows the screen, the menu bar and the readings.
-const showScreen = () => connection.want("page", document.hidden ? ["simulator", "menus"] : ["screen", "simulator", "menus"]);
+const showScreen = () => connection.want("page", ["simulator", "menus", ...(document.hidden ? [] : ["screen"])]);
 document.addEventListener("visibilitychange", showScreen);
 showScreen();
 

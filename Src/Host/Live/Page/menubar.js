@@ -25,7 +25,8 @@ export class MenuBar {
     this.element = document.getElementById("menubar");
     this.pick = pick;
     this.shown = "";
-    this.bar = el("div", { role: "menubar", "aria-label": "Menus of the simulator", onkeydown: (event) => this.key(event) });
+    this.bar = el("div", { role: "menubar", "aria-label": "Menus of the simulator",
+      onkeydown: (event) => this.key(event) });
     this.element.append(this.bar);
     document.addEventListener("pointerdown", (event) => {
       if (!this.bar.contains(event.target))
@@ -46,7 +47,8 @@ export class MenuBar {
     this.shown = text;
     const open = [...this.bar.querySelectorAll("[aria-expanded=true]")].map((item) => item.dataset.path);
     const focused = this.bar.contains(document.activeElement) ? document.activeElement.dataset.path : null;
-    this.bar.replaceChildren(...menus.map((menu, i) => this.make({ ...menu, path: menu.path ?? menu.name, enabled: true }, i === 0)));
+    const top = menus.map((menu, i) => this.make({ ...menu, path: menu.name, enabled: true }, i === 0));
+    this.bar.replaceChildren(...top);
     for (const item of this.bar.querySelectorAll("[role^=menuitem]")) {
       if (open.includes(item.dataset.path))
         item.setAttribute("aria-expanded", "true");
@@ -68,7 +70,8 @@ export class MenuBar {
       onclick: () => this.act(label),
     }, item.name);
     label.dataset.path = item.path;
-    const group = hasItems ? el("div", { role: "menu", "aria-label": item.name }, ...item.items.map((inner) => this.make(inner))) : null;
+    const group = hasItems ? el("div", { role: "menu", "aria-label": item.name },
+      ...item.items.map((inner) => this.make(inner))) : null;
     return el("div", { role: "none", class: "holder" }, label, group);
   }
 

@@ -19,7 +19,8 @@ export class Panels {
       toggle.focus();
     }, { class: "close", "aria-label": `Close ${panel.title}`, title: "Close" });
     const section = el("section", { id: panel.id, class: "panel", "aria-labelledby": heading },
-      el("header", {}, el("h2", { id: heading }, panel.title), ...(panel.tools ?? []), close), el("div", { class: "body" }, ...panel.content));
+      el("header", {}, el("h2", { id: heading }, panel.title), ...(panel.tools ?? []), close),
+      el("div", { class: "body" }, ...panel.content));
     const toggle = button(panel.title, () => this.set(panel, section.hidden), { "aria-controls": panel.id });
     this.toggles.append(toggle);
     document.getElementById(panel.column).append(section);

@@ -7,8 +7,9 @@ const kAxisHeight = 26;
 const kDashes = [[], [6, 3], [2, 2], [8, 3, 2, 3]];
 const kColours = 8;
 
-export const colour = (i) => getComputedStyle(document.documentElement).getPropertyValue(`--series-${i % kColours}`).trim();
-const style = (name) => getComputedStyle(document.documentElement).getPropertyValue(name).trim();
+// A value of the style sheet, which depends on the scheme.
+export const style = (name) => getComputedStyle(document.documentElement).getPropertyValue(name).trim();
+export const colour = (i) => style(`--series-${i % kColours}`);
 
 export class Plot {
   constructor(unpin) {
@@ -46,13 +47,15 @@ export class Plot {
     this.box.style.setProperty("height", `${this.points.size * kStripHeight + kAxisHeight}px`);
     const grid = { color: style("--line"), borderColor: style("--line") };
     const ticks = { color: style("--muted"), font: { size: 11, family: style("--mono") }, maxTicksLimit: 3 };
-    const scales = { x: { type: "linear", grid, ticks: { ...ticks, maxTicksLimit: 7, callback: (value) => `${value} s` } } };
+    const scales = { x: { type: "linear", grid, ticks: { ...ticks, maxTicksLimit: 7,
+      callback: (value) => `${value} s` } } };
     // The first axis of a stack is its lowest.
     for (let i = this.points.size - 1; i >= 0; --i)
       scales[`y${i}`] = { type: "linear", stack: "strips", offset: true, grid, ticks, grace: "10%" };
-    const datasets = [...this.points].map(([name, data], i) => {
-      return { label: name, data, yAxisID: `y${i}`, borderColor: colour(i), borderWidth: 1.5, borderDash: kDashes[i % kDashes.length], pointRadius: 0 };
-    });
+    const datasets = [...this.points].map(([label, data], i) => ({
+      label, data, yAxisID: `y${i}`, borderColor: colour(i), borderDash: kDashes[i % kDashes.length], borderWidth: 1.5,
+      pointRadius: 0,
+    }));
     this.chart = new Chart(this.canvas, {
       type: "line", data: { datasets },
       options: {

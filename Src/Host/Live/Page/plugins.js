@@ -13,7 +13,8 @@ export function pluginsPanel({ connection, line, expect }) {
     label: "Plugins", kind: "plugins", heads: ["", "Plugin", "Calls", "ms", "Worst"], empty: "No plugin is loaded.",
     key: (plugin) => plugin.id,
     cells: (plugin) => [
-      { text: plugin.enabled ? "●" : "○", class: plugin.enabled ? "good" : "muted", title: plugin.enabled ? "enabled" : "disabled" },
+      { text: plugin.enabled ? "●" : "○", class: plugin.enabled ? "good" : "muted",
+        title: plugin.enabled ? "enabled" : "disabled" },
       { text: plugin.enabled ? plugin.name : `${plugin.name} (disabled)`, title: plugin.path },
       { text: String(plugin.calls), class: "number" },
       { text: plugin.time?.last?.toFixed(kMilliseconds) ?? "", class: "number" },
@@ -32,9 +33,13 @@ export function pluginsPanel({ connection, line, expect }) {
     submit: () => send(),
   });
   const text = new Field({ label: "with text", size: "10", submit: () => (number.valid() ? send() : null) });
-  const send = () => line(`message ${word(list.item.name)} ${number.value.trim()}${text.value ? ` ${quoted(text.value)}` : ""}`, number);
+  const send = () => {
+    const words = ["message", word(list.item.name), number.value.trim(), ...(text.value ? [quoted(text.value)] : [])];
+    return line(words.join(" "), number);
+  };
   const ownWindows = new List({
-    label: "Windows of the plugin", kind: "windows", heads: ["", "Left,top,right,bottom", ""], empty: "It has no windows.",
+    label: "Windows of the plugin", kind: "windows", heads: ["", "Left,top,right,bottom", ""],
+    empty: "It has no windows.",
     key: (window) => window.number,
     cells: (window) => [
       { text: String(window.number), class: "number" }, { text: window.place.join(","), class: "number left" },

@@ -12,7 +12,8 @@ export function recordPanel({ connection, line, say }) {
   const lines = new Lines({ label: "The session so far", kind: "lines code", empty: "Nothing is recorded yet." });
   const saved = el("span", { class: "muted" });
   const own = new Field({
-    label: "Line", size: "18", placeholder: "click 60,495", check: (text) => (text.trim() ? "" : "A line of the session language."),
+    label: "Line", size: "18", placeholder: "click 60,495",
+    check: (text) => (text.trim() ? "" : "A line of the session language."),
     submit: async (text) => {
       const answer = await line(text.trim(), null);
       if (answer.ok) {
@@ -49,7 +50,8 @@ export function recordPanel({ connection, line, say }) {
   }
   const picture = fileField({ label: "Picture", value: "screen.png", check: isFile(".png") }, "picture",
     (path) => `Recorded: expect picture, which is in ${path}`);
-  const file = fileField({ label: "File", hideLabel: true, value: "session.avs", check: isFile(".avs") }, "save", (path) => `Saved: ${path}`);
+  const file = fileField({ label: "File", hideLabel: true, value: "session.avs", check: isFile(".avs") }, "save",
+    (path) => `Saved: ${path}`);
 
   connection.on("recording", (state) => {
     lines.set(state.lines, state.omitted);
@@ -57,7 +59,8 @@ export function recordPanel({ connection, line, say }) {
   });
 
   return {
-    id: "record", title: "Record", column: "dock", topics: ["recording"], tools: [saved, file.field.element, button("Save", () => file.field.send(), { class: "main" }), file.again],
+    id: "record", title: "Record", column: "dock", topics: ["recording"],
+    tools: [saved, file.field.element, button("Save", () => file.field.send(), { class: "main" }), file.again],
     content: [
       lines.element,
       el("p", { class: "tools" }, own.element, button("Do it", () => own.send()), picture.field.element,

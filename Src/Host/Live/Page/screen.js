@@ -10,7 +10,8 @@ const kWheelStep = 100; // what one click of a wheel scrolls, in pixels
 function readTiles(data) {
   const view = new DataView(data);
   const message = {
-    version: view.getUint32(0, true), frame: view.getUint32(4, true), width: view.getUint16(8, true), height: view.getUint16(10, true),
+    version: view.getUint32(0, true), frame: view.getUint32(4, true), width: view.getUint16(8, true),
+    height: view.getUint16(10, true),
     tiles: [],
   };
   let at = kHeader;

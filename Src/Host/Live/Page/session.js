@@ -27,7 +27,8 @@ export function expectDataref(dataref, tolerance, index) {
 
 export function expectWindow(window) {
   const place = window.place.join(",");
-  return `expect window ${word(window.plugin)} ${place} ${window.visible ? "visible" : "hidden"}${window.front ? " front" : ""}`;
+  const state = `${window.visible ? "visible" : "hidden"}${window.front ? " front" : ""}`;
+  return `expect window ${word(window.plugin)} ${place} ${state}`;
 }
 
 export function expectItem(item) {
@@ -44,5 +45,6 @@ export function refuseValue(dataref, text) {
     return /^[+-]?\d+$/.test(trimmed) && number >= -2147483648 && number <= 2147483647
       ? "" : "A whole number from -2147483648 to 2147483647.";
   }
-  return trimmed !== "" && Number.isFinite(Number(trimmed)) && !/^[+-]?0[xbo]/i.test(trimmed) ? "" : "A number, such as 1.5 or -2e3.";
+  const isNumber = /^[+-]?[\d.]/.test(trimmed) && Number.isFinite(Number(trimmed)) && !/^[+-]?0[xbo]/i.test(trimmed);
+  return isNumber ? "" : "A number, such as 1.5 or -2e3.";
 }

@@ -20,7 +20,8 @@ export function simulatorPanel({ connection, line, expect }) {
     },
   });
   const shownSpeed = el("output", { class: "number" });
-  const view = el("select", { onchange: () => line(`view ${view.value}`) }, ...kViews.map((name) => el("option", { value: name }, name)));
+  const view = el("select", { onchange: () => line(`view ${view.value}`) },
+    ...kViews.map((name) => el("option", { value: name }, name)));
   const model = el("select");
   const load = button("Load", () => line(`load aircraft ${word(model.value)}`));
   const about = el("p", { class: "about" });
@@ -48,8 +49,10 @@ export function simulatorPanel({ connection, line, expect }) {
     id: "simulator", title: "Simulator", column: "first", topics: ["simulator"],
     content: [
       el("p", { class: "tools" }, pause, frame, labelled("Speed", speed), shownSpeed, labelled("View", view)),
-      el("p", { class: "tools" }, labelled("Aircraft", model), load, button("Expect this view", () => expect(`expect view ${state.view}`)),
-        button("Report scenery", () => line("report scenery")), button("Crash", () => line("crash"), { class: "danger" })),
+      el("p", { class: "tools" }, labelled("Aircraft", model), load,
+        button("Expect this view", () => expect(`expect view ${state.view}`)),
+        button("Report scenery", () => line("report scenery")),
+        button("Crash", () => line("crash"), { class: "danger" })),
       about,
     ],
   };

@@ -1,7 +1,7 @@
 // Panel "Time": a bar for each frame, stacked by plugin, with the budget's line. A chosen frame shows its calls.
 import { Field, button, el, oncePerRepaint, setAttribute, setText, store, stored } from "./dom.js";
 import { List } from "./list.js";
-import { colour } from "./plot.js";
+import { colour, style } from "./plot.js";
 
 const kKept = 1200;     // frames
 const kBar = 4;         // pixels of a bar with its gap
@@ -9,9 +9,8 @@ const kHeight = 120;    // pixels
 const kLeast = 0.05;    // milliseconds: the smallest scale
 const kShown = 0.0005; // milliseconds: less is left out of the legend
 const kMost = 8;        // plugins with a colour of their own
+const kHint = "Click a bar, or choose one with the arrow keys; Page Up and Page Down find those over the budget";
 const kBudgetKey = "avsk.live.budget";
-
-const style = (name) => getComputedStyle(document.documentElement).getPropertyValue(name).trim();
 
 // A round number above the highest bar, so that the scale stays calm.
 function roundUp(value) {
@@ -28,7 +27,8 @@ export function timePanel({ connection }) {
   let omitted = ""; // says that calls of the chosen frame are missing
 
   const canvas = el("canvas", {
-    tabindex: "0", role: "slider", "aria-label": "Frame", title: "Click a bar, or choose one with the arrow keys; Page Up and Page Down find those over the budget", "aria-valuemin": "0", "aria-valuemax": "0", "aria-valuenow": "0",
+    tabindex: "0", role: "slider", "aria-label": "Frame", title: kHint,
+    "aria-valuemin": "0", "aria-valuemax": "0", "aria-valuenow": "0",
     "aria-valuetext": "no frame is chosen", onclick: (event) => click(event), onkeydown: (event) => key(event),
   });
   const box = el("div", { class: "bars" }, canvas);
@@ -50,7 +50,7 @@ export function timePanel({ connection }) {
     label: "Calls of the frame", kind: "tree", heads: ["Call", "ms"], empty: "",
     key: (call) => call.n,
     cells: (call) => [
-      { text: `${call.plugin}  ${call.name}`, title: `${call.plugin}: ${call.name}, ${call.start.toFixed(3)} ms after the frame's begin` },
+      { text: `${call.plugin}  ${call.name}`, title: `${call.start.toFixed(3)} ms after the first call` },
       { text: call.ms.toFixed(3), class: "number" }],
     level: (call) => ({ depth: call.depth, share: call.share }),
   });
@@ -71,7 +71,8 @@ export function timePanel({ connection }) {
       canvas.height = kHeight * dense;
     }
     const bars = shown();
-    const scale = roundUp(Math.max(kLeast, ...bars.map((frame) => Object.values(frame.plugins).reduce((a, b) => a + b, 0))));
+    const heights = bars.map((frame) => Object.values(frame.plugins).reduce((a, b) => a + b, 0));
+    const scale = roundUp(Math.max(kLeast, ...heights));
     const context = canvas.getContext("2d");
     const top = 10; // room for the marks of slow frames
     const y = (ms) => kHeight - ms / scale * (kHeight - top);
@@ -127,8 +128,9 @@ export function timePanel({ connection }) {
     setAttribute(canvas, "aria-valuemax", bars.at(-1)?.frame ?? 0);
     setAttribute(canvas, "aria-valuenow", chosen ?? bars.at(-1)?.frame ?? 0);
     const slow = bars.filter(isOver).length;
+    const over = frame && isOver(frame) ? ", over the budget" : "";
     const text = frame
-      ? `Frame ${frame.frame}: ${frame.total.toFixed(3)} ms in plugins and library${isOver(frame) ? ", over the budget" : ""}${omitted}`
+      ? `Frame ${frame.frame}: ${frame.total.toFixed(3)} ms in plugins and library${over}${omitted}`
       : `${bars.length} frames, ${slow} over the budget (▼). Below is the worst of each plugin, in ms.`;
     setText(said, text);
     setAttribute(canvas, "aria-valuetext", frame ? text : "no frame is chosen");
@@ -165,9 +167,11 @@ export function timePanel({ connection }) {
     const at = bars.findIndex((frame) => frame.frame === chosen);
     const before = at < 0 ? bars.length : at;
     const goal = {
-      ArrowLeft: () => bars[before - 1], ArrowDown: () => bars[before - 1], ArrowRight: () => bars[at + 1], ArrowUp: () => bars[at + 1],
+      ArrowLeft: () => bars[before - 1], ArrowDown: () => bars[before - 1], ArrowRight: () => bars[at + 1],
+      ArrowUp: () => bars[at + 1],
       Home: () => bars[0], End: () => bars.at(-1),
-      PageUp: () => bars.slice(0, before).findLast(isOver), PageDown: () => bars.slice(at + 1).find(isOver), Escape: () => null,
+      PageUp: () => bars.slice(0, before).findLast(isOver), PageDown: () => bars.slice(at + 1).find(isOver),
+      Escape: () => null,
     }[event.key];
     if (!goal)
       return;
@@ -217,7 +221,8 @@ export function timePanel({ connection }) {
   matchMedia("(prefers-color-scheme: dark)").addEventListener("change", draw);
 
   return {
-    id: "time", title: "Time", column: "second", topics: ["time"], tools: [limit.element, follow], content: [box, said, legend, calls.element],
+    id: "time", title: "Time", column: "second", topics: ["time"], tools: [limit.element, follow],
+    content: [box, said, legend, calls.element],
     whenShown: () => {
       askBudget();
       draw();
