@@ -41,6 +41,8 @@ void Console::Log(std::string_view original) {
     const std::string_view text = shown;
     if (mKeeps)
         mKept += text;
+    if (mNotify)
+        mNotify(text);
     // Flush at once: the last line before a plugin crashes matters most.
     if (mFile) {
         std::fwrite(text.data(), 1, text.size(), mFile.get());

@@ -5,9 +5,11 @@
 
 #include <chrono>
 #include <cstdio>
+#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace host {
 
@@ -28,6 +30,8 @@ class Console {
     const std::string &Kept() const { return mKept; }
     void Forget() { mKept.clear(); }
     std::string WithoutRoot(std::string_view text) const;
+    // Called with each text that is logged.
+    void OnLog(std::function<void(std::string_view)> notify) { mNotify = std::move(notify); }
     // Writes a line of the host to the log.
     void Note(const std::string &line) { Log("avsk: " + line + "\n"); }
     // Shows the user a line that is no part of the log.
@@ -58,6 +62,7 @@ class Console {
     bool mKeeps = false;
     std::string mRoot;
     std::string mKept;
+    std::function<void(std::string_view)> mNotify;
 };
 
 } // namespace host

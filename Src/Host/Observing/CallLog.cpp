@@ -78,7 +78,8 @@ void CallLog::Begins(const Crossing &crossing) {
         const std::string text = IsList(crossing, i) ? ListOf(value) : StableText(value, HostHandles(mSimulator));
         arguments.push_back(mSimulator.console.WithoutRoot(text));
     }
-    mCalls[crossing.what.name][std::move(arguments)] = ++mLast;
+    if (mCalls[crossing.what.name].insert_or_assign(std::move(arguments), ++mLast).second)
+        ++mSize;
 }
 
 bool CallLog::Contains(const std::string &slot, const Arguments &wanted) const {

@@ -5,6 +5,7 @@
 
 #include "Crossings/Crossing.h"
 
+#include <cstddef>
 #include <map>
 #include <string>
 #include <string_view>
@@ -29,7 +30,12 @@ class CallLog : public crossings::Observer {
     crossings::Interest InterestIn(const crossings::Prototype &function) const override;
     void Begins(const crossings::Crossing &crossing) override;
     void Ends(const crossings::Crossing & /*crossing*/) override {}
-    void Forget() { mCalls.clear(); }
+    void Forget() {
+        mCalls.clear();
+        mSize = 0;
+    }
+    // The number of different calls that are kept.
+    std::size_t Size() const { return mSize; }
 
     // Whether a slot was called with arguments that match. Arguments behind the
     // last wanted one may have any value.
@@ -40,6 +46,7 @@ class CallLog : public crossings::Observer {
   private:
     const Simulator &mSimulator;
     long mLast = 0;
+    std::size_t mSize = 0;
     // Equal calls are stored once, with the number of the last one.
     std::map<std::string, std::map<Arguments, long>, std::less<>> mCalls;
 };

@@ -41,6 +41,7 @@ class Ledger : public crossings::Observer {
 
     // In the order of their creation.
     std::vector<Possession> OwnedBy(AVSKPluginID plugin, Kind kind) const;
+    std::vector<Possession> OwnedBy(AVSKPluginID plugin) const;
     // What still exists in the library, of any plugin. For kinds of which the library can tell.
     std::vector<Possession> StillThere(Kind kind) const;
     // Of any plugin; null if there is none.

@@ -70,6 +70,13 @@ std::vector<Possession> Ledger::OwnedBy(AVSKPluginID plugin, Kind kind) const {
     return found;
 }
 
+std::vector<Possession> Ledger::OwnedBy(AVSKPluginID plugin) const {
+    std::vector<Possession> found;
+    std::copy_if(mOwned.begin(), mOwned.end(), std::back_inserter(found),
+                 [&](const Possession &known) { return known.owner == plugin && Exists(known); });
+    return found;
+}
+
 std::vector<Possession> Ledger::StillThere(Kind kind) const {
     std::vector<Possession> found;
     const auto add = [&](const Possessions &possessions) {

@@ -26,9 +26,9 @@ class TraceWriter {
     virtual void Foreign(const crossings::Prototype &function, int thread, int depth) = 0;
 };
 
-// The writers do not own the file.
-std::unique_ptr<TraceWriter> MakeTextWriter(TraceFile &file);
-std::unique_ptr<TraceWriter> MakeJsonWriter(TraceFile &file);
+// The writers do not own the sink.
+std::unique_ptr<TraceWriter> MakeTextWriter(TraceSink &file);
+std::unique_ptr<TraceWriter> MakeJsonWriter(TraceSink &file);
 
 class Trace : public crossings::Observer {
   public:

@@ -15,18 +15,26 @@
 
 namespace host {
 
-class TraceFile {
+// What a format of the trace writes to.
+class TraceSink {
+  public:
+    virtual ~TraceSink() = default;
+    virtual void Add(std::string_view text) = 0;
+    virtual void EndLine() = 0;
+};
+
+class TraceFile final : public TraceSink {
   public:
     // Errno tells why it is not open.
     explicit TraceFile(const std::string &path);
-    ~TraceFile();
+    ~TraceFile() override;
     TraceFile(const TraceFile &) = delete;
     TraceFile &operator=(const TraceFile &) = delete;
 
     bool IsOpen() const { return mFile >= 0; }
-    void Add(std::string_view text);
+    void Add(std::string_view text) override;
     // Ends a line. A terminal, a pipe or a device gets it at once.
-    void EndLine();
+    void EndLine() override;
     // Safe in a signal handler.
     void Flush();
     // False if a part could not be written.

@@ -103,7 +103,7 @@ void AddArguments(std::string &text, const Crossing &crossing) {
 
 class JsonWriter : public TraceWriter {
   public:
-    explicit JsonWriter(TraceFile &file) : mFile(file) {
+    explicit JsonWriter(TraceSink &file) : mFile(file) {
         mFile.Add("[\n"
                   R"({"name":"process_name","ph":"M","pid":1,"tid":1,"args":{"name":"avsk"}})");
     }
@@ -184,13 +184,13 @@ class JsonWriter : public TraceWriter {
         mFile.Add(mText);
     }
 
-    TraceFile &mFile;
+    TraceSink &mFile;
     const Crossing::Clock::time_point mStart = Crossing::Clock::now();
     std::string mText; // of an event
 };
 
 } // namespace
 
-std::unique_ptr<TraceWriter> MakeJsonWriter(TraceFile &file) { return std::make_unique<JsonWriter>(file); }
+std::unique_ptr<TraceWriter> MakeJsonWriter(TraceSink &file) { return std::make_unique<JsonWriter>(file); }
 
 } // namespace host

@@ -59,7 +59,7 @@ void AddDuration(Line &line, Nanoseconds time) {
 
 class TextWriter : public TraceWriter {
   public:
-    explicit TextWriter(TraceFile &file) : mFile(file) {}
+    explicit TextWriter(TraceSink &file) : mFile(file) {}
 
     void Begin(const Crossing &crossing, int depth) override {
         if (mIsHeld)
@@ -112,7 +112,7 @@ class TextWriter : public TraceWriter {
         mIsHeld = false;
     }
 
-    TraceFile &mFile;
+    TraceSink &mFile;
     const Crossing::Clock::time_point mStart = Crossing::Clock::now();
     Line mLine;
     bool mIsHeld = false; // the line of a call that has not made inner calls yet
@@ -120,6 +120,6 @@ class TextWriter : public TraceWriter {
 
 } // namespace
 
-std::unique_ptr<TraceWriter> MakeTextWriter(TraceFile &file) { return std::make_unique<TextWriter>(file); }
+std::unique_ptr<TraceWriter> MakeTextWriter(TraceSink &file) { return std::make_unique<TextWriter>(file); }
 
 } // namespace host

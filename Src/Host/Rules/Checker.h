@@ -41,6 +41,7 @@ class Checker {
     void AcceptLongSteps() { mHostFrames.AcceptLongSteps(); }
 
     Findings &Found() { return mFindings; }
+    const Findings &Found() const { return mFindings; }
     // To be called once, after the plugins are unloaded. Adds what is certain only then.
     void Finish();
     // Finishes and prints what was found. Returns the number of errors.

@@ -40,7 +40,7 @@ void Collect(std::vector<std::string> &faults, Action action) {
 
 } // namespace
 
-std::vector<Step> ReadSession(SetUp &setUp, std::vector<std::string> &faults) {
+std::vector<Step> ReadSession(SetUp &setUp, std::vector<std::string> &faults, bool needsSteps) {
     const std::string &file = setUp.options.file;
     std::ifstream stream(file);
     std::error_code error;
@@ -59,7 +59,7 @@ std::vector<Step> ReadSession(SetUp &setUp, std::vector<std::string> &faults) {
                 steps.push_back(std::move(*step));
         });
     }
-    if (faults.empty() && (steps.empty() || steps.back().form->IsSetUp()))
+    if (needsSteps && faults.empty() && (steps.empty() || steps.back().form->IsSetUp()))
         throw UsageError(file + ":1:1: this session has no step and no expectation: add some after the set-up");
     for (const Step &step : steps) {
         if (step.form->IsSetUp())

@@ -13,8 +13,9 @@ namespace host {
 class SetUp;
 
 // Reads the options' file and applies its set-up. Returns the lines that are
-// right, and adds the faults of the others. Throws UsageError if there is no session.
-std::vector<Step> ReadSession(SetUp &setUp, std::vector<std::string> &faults);
+// right, and adds the faults of the others. Throws UsageError if there is no
+// session, or if it has only set-up lines and steps are needed.
+std::vector<Step> ReadSession(SetUp &setUp, std::vector<std::string> &faults, bool needsSteps = true);
 
 // Runs the session of the options' file, or the lines of standard input if
 // there is no file. Returns the exit status. Throws UsageError.

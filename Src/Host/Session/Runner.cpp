@@ -1,7 +1,6 @@
 // Executes the steps of a session; see Runner.h. Called by RunSession.cpp.
 #include "Runner.h"
 
-#include "Forms.h"
 #include "Round.h"
 
 #include "Common/Terminal.h"
@@ -57,28 +56,29 @@ void SessionRunner::StartRecord(const std::string &file) {
         mChecker->Found().OnNew([this](const Finding &finding) { mRecord->Add(finding); });
 }
 
-void SessionRunner::Do(const Step &step) {
-    SetPlace(mName + ":" + std::to_string(step.line) + ": " + step.text);
-    Failure failure;
+Failure SessionRunner::Try(const Step &step) {
     if (const auto *look = std::get_if<ExpectFunction *>(&step.form->function)) {
         ++mExpectations;
         const Outcome outcome = (*look)(*this, step);
         const Outcome::Answer wanted = step.negated ? Outcome::Answer::No : Outcome::Answer::Yes;
-        if (outcome.answer != wanted)
-            failure = "seen: " + outcome.seen;
-    } else {
-        ++mSteps;
-        try {
-            failure = std::get<StepFunction *>(step.form->function)(*this, step);
-        } catch (const UsageError &error) { // no name matches
-            failure = error.what();
-        }
+        return outcome.answer == wanted ? Failure() : Failure("seen: " + outcome.seen);
     }
+    ++mSteps;
+    try {
+        return std::get<StepFunction *>(step.form->function)(*this, step);
+    } catch (const UsageError &error) { // no name matches
+        return error.what();
+    }
+}
+
+bool SessionRunner::Do(const Step &step) {
+    SetPlace(mName + ":" + std::to_string(step.line) + ": " + step.text);
+    const Failure failure = Try(step);
     Round *const round = mSetUp.options.round;
     if (round)
         round->checks.push_back({step.text, ""});
     if (failure.why.empty())
-        return;
+        return true;
     ++mFailed;
     if (mRecord)
         mRecord->AddFailure(step.text, failure.why);
@@ -90,6 +90,7 @@ void SessionRunner::Do(const Step &step) {
     std::fflush(stdout);
     if (round)
         round->checks.back().failure = line;
+    return false;
 }
 
 int SessionRunner::Finish() {

@@ -3,6 +3,7 @@
 #ifndef AVSK_HOST_SESSION_RUNNER_H
 #define AVSK_HOST_SESSION_RUNNER_H
 
+#include "Forms.h"
 #include "Record.h"
 #include "SetUp.h"
 #include "Step.h"
@@ -28,8 +29,10 @@ class SessionRunner {
     SetUp &ForSetUp() { return mSetUp; }
     // Loads the plugins if they are not loaded. Throws UsageError.
     void Start();
-    // Executes a step or an expectation and prints why it failed. The session continues.
-    void Do(const Step &step);
+    // Executes a step or an expectation and prints why it failed. The session continues. False if it failed.
+    bool Do(const Step &step);
+    // Executes a step or an expectation. Returns why it failed.
+    Failure Try(const Step &step);
     // Unloads the plugins and prints the summary. Returns the exit status.
     int Finish();
 
@@ -38,6 +41,8 @@ class SessionRunner {
     CallLog &Calls() { return *mCalls; }
     Observers &Observing() { return *mObservers; }
     DatarefNames &Datarefs() { return *mDatarefs; }
+    // Null unless the options ask for it.
+    const Findings *Found() const { return mChecker ? &mChecker->Found() : nullptr; }
     bool IsLoaded() const { return mLoaded; }
     void RunFrames(int count);
     void Unload();
