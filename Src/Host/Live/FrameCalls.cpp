@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <iterator>
 #include <utility>
 
 #include <fnmatch.h>
@@ -38,11 +39,11 @@ void FrameCalls::ShowText(bool shown) {
     mText.clear();
     mLines.clear();
     mFrame.json.clear();
+    if (!shown)
+        return;
     for (Frame &frame : mFrames)
         frame.json.clear(); // the times of a new writer have another origin
     mBytes = 0;
-    if (!shown)
-        return;
     mTextWriter = MakeTextWriter(mTextSink);
     mJsonWriter = MakeJsonWriter(mJsonSink);
     mJsonHead = std::exchange(mFrame.json, "");
@@ -147,10 +148,16 @@ FrameCalls::Lines FrameCalls::TakeLines(std::size_t most) {
     return taken;
 }
 
-std::string FrameCalls::Json() const {
-    std::string text = mJsonHead.empty() ? "[" : mJsonHead;
-    for (const Frame &frame : mFrames)
-        text += frame.json;
+std::string FrameCalls::Json(std::size_t most) const {
+    auto begin = mFrames.end();
+    for (std::size_t bytes = mJsonHead.size(); begin != mFrames.begin(); --begin) {
+        bytes += std::prev(begin)->json.size();
+        if (bytes > most)
+            break;
+    }
+    std::string text = mJsonHead.empty() ? "[" : mJsonHead; // empty if text was never shown
+    for (; begin != mFrames.end(); ++begin)
+        text += begin->json;
     return text + "\n]\n";
 }
 

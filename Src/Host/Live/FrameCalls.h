@@ -59,8 +59,8 @@ class FrameCalls : public crossings::Observer {
     double WorstOf(const std::string &plugin) const;
     // The lines of the trace that were not taken yet; at most so many.
     Lines TakeLines(std::size_t most);
-    // The frames that have text, as a file for trace viewers.
-    std::string Json() const;
+    // The last frames that have text, as a file for trace viewers of so many bytes at most.
+    std::string Json(std::size_t most) const;
 
   private:
     // What a writer of the trace writes into.

@@ -179,6 +179,8 @@ void LiveSimulator::Do(const std::string &what, const Json &message) {
         mTopics.SelectCalls(message.value("filter", ""), message.value("paused", false));
     } else if (what == "frame-calls") {
         mTopics.SendCallsOf(message.at("frame").get<int>());
+    } else if (what == "trace") {
+        Reply(message, {true, mTopics.Trace()});
     } else if (what == "budget") {
         mPace.budget = std::max(message.at("milliseconds").get<double>(), 0.0);
     } else if (what == "picture") {

@@ -4,6 +4,7 @@
 #include "Channel.h"
 #include "Recording.h"
 
+#include "Common/UsageError.h"
 #include "Session/Runner.h"
 
 #include <nlohmann/json.hpp>
@@ -11,15 +12,12 @@
 #include <algorithm>
 #include <array>
 #include <cstdio>
-#include <filesystem>
-#include <fstream>
 #include <utility>
 
 namespace host {
 namespace {
 
 using Json = nlohmann::json;
-namespace fs = std::filesystem;
 
 constexpr std::size_t kMostLines = 200; // of a message
 
@@ -100,9 +98,11 @@ void LiveTopics::SendCallsOf(int frame) {
         Send(CallsOf(*mCalls, frame));
 }
 
-bool LiveTopics::WriteTrace(const std::string &file) const {
-    std::ofstream stream(file, std::ios::binary | std::ios::trunc);
-    return mCalls && (stream << mCalls->Json()).flush();
+std::string LiveTopics::Trace() const {
+    constexpr std::size_t kMost = 5 * 512 * 1024; // its quotes need more room in a message
+    if (!mCalls || !IsOpen("calls"))
+        throw UsageError("the calls are kept only while the panel Calls is open");
+    return mCalls->Json(kMost);
 }
 
 void LiveTopics::AddToLog(std::string_view text) {

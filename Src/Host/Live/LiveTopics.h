@@ -49,8 +49,8 @@ class LiveTopics {
     // A frame has run.
     void EndFrame();
     void SendCallsOf(int frame);
-    // Writes the calls that are kept as a file for trace viewers. False if there are none.
-    bool WriteTrace(const std::string &file) const;
+    // The last calls as a file for trace viewers. Throws UsageError if they are not kept.
+    std::string Trace() const;
 
     // Sends what changed since the last time.
     void SendChanges(const Pace &pace);
