@@ -25,7 +25,7 @@ std::string PathToWrite(const std::string &folder, const std::string &file, cons
     if (!file.ends_with(extension) || given.stem().empty() || given.extension() != extension)
         throw UsageError(wrong + "name a file that ends in " + extension);
     std::error_code error;
-    const fs::path start = fs::canonical(folder.empty() ? "." : folder, error);
+    const fs::path start = fs::canonical(folder, error);
     const fs::path parent = fs::canonical(start / given.parent_path(), error);
     if (error || !fs::is_directory(parent, error))
         throw UsageError(wrong + "there is no such folder in '" + start.string() + "'");
@@ -38,7 +38,7 @@ std::string PathToWrite(const std::string &folder, const std::string &file, cons
 }
 
 void CheckPathToRead(const std::string &folder, const std::string &file) {
-    const fs::path start = fs::absolute(folder.empty() ? "." : folder).lexically_normal();
+    const fs::path start = fs::path(folder).lexically_normal();
     if (!IsInside((start / file).lexically_normal(), start))
         throw UsageError("'" + file + "' is outside of '" + start.string() + "': name a file in that folder");
 }
@@ -50,7 +50,7 @@ std::string PathFrom(const std::string &folder, const std::string &file) {
         given = given.parent_path(); // it ended in a separator
     // A link keeps its own name. The folders above are those that ".." leads to.
     const fs::path to = fs::weakly_canonical(given.parent_path(), error) / given.filename();
-    const fs::path from = fs::weakly_canonical(folder.empty() ? "." : folder, error);
+    const fs::path from = fs::weakly_canonical(folder, error);
     const auto common = std::mismatch(from.begin(), from.end(), to.begin(), to.end()).first;
     if (error || std::distance(from.begin(), common) < 2)
         return given.string();

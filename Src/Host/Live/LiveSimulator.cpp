@@ -74,9 +74,11 @@ class LiveSimulator {
     void Wait() const;
     void Take(const std::string &text);
     void Do(const std::string &what, const Json &message);
+    void DoLine(const Json &message);
     void Reply(const Json &message, const Answer &answer);
     void MoveMouse();
     void LimitMemory();
+    Clock::duration Period() const;
     void RunDueFrames();
     void RunFrame();
     void SendPicture();
@@ -112,7 +114,7 @@ void LiveSimulator::Hello(const LiveOptions &live) {
                   {"name", named.stem() == "lin" ? named.parent_path().filename().string() : named.stem().string()},
                   {"screen", {simulator.display.width, simulator.display.height}},
                   {"fps", simulator.options.fps},
-                  {"folder", fs::absolute(mRecording.Folder()).lexically_normal().string()},
+                  {"folder", mRecording.Folder()},
                   {"budget", mPace.budget},
                   {"watch", live.watch},
                   {"check", mRun.Found() != nullptr},
@@ -157,9 +159,7 @@ void LiveSimulator::Do(const std::string &what, const Json &message) {
     if (what == "move") {
         mMove = {message.at("x").get<int>(), message.at("y").get<int>()};
     } else if (what == "line") {
-        MoveMouse();
-        Reply(message, mLines.Do(message.at("line").get<std::string>()));
-        mIsPictureDue = true;
+        DoLine(message);
     } else if (what == "pause" || what == "continue") {
         mPace.isPaused = what == "pause";
         mNextFrame = Clock::now();
@@ -193,6 +193,17 @@ void LiveSimulator::Do(const std::string &what, const Json &message) {
     }
 }
 
+void LiveSimulator::DoLine(const Json &message) {
+    const auto line = message.at("line").get<std::string>();
+    if (mMove && !mPace.isPaused && line == "release") {
+        RunFrame(); // windows are told of a drag once a frame
+        mNextFrame += Period();
+    }
+    MoveMouse();
+    Reply(message, mLines.Do(line));
+    mIsPictureDue = true;
+}
+
 void LiveSimulator::Reply(const Json &message, const Answer &answer) {
     const auto id = message.find("id");
     mTopics.Send({{"topic", "answer"},
@@ -218,6 +229,12 @@ void LiveSimulator::LimitMemory() {
     mLines.Do("mark");
 }
 
+// Of a frame, in real time.
+Clock::duration LiveSimulator::Period() const {
+    return std::chrono::duration_cast<Clock::duration>(
+        std::chrono::duration<double>(1 / (mRun.Sim().options.fps * mPace.speed)));
+}
+
 // Frames that are late are caught up with, but not for long: then messages are read first.
 void LiveSimulator::RunDueFrames() {
     constexpr Clock::duration kLongest = 20ms;
@@ -229,10 +246,9 @@ void LiveSimulator::RunDueFrames() {
     }
     const Clock::time_point begin = Clock::now();
     Clock::time_point now = begin;
-    const std::chrono::duration<double> period(1 / (mRun.Sim().options.fps * mPace.speed));
     for (; !mPace.isPaused && mNextFrame <= now && now - begin < kLongest; now = Clock::now()) {
         RunFrame();
-        mNextFrame += std::chrono::duration_cast<Clock::duration>(period);
+        mNextFrame += Period();
     }
     if (mNextFrame + kLatest < now)
         mNextFrame = now;
@@ -306,8 +322,9 @@ int LiveSimulate(SessionOptions options, const LiveOptions &live, int channel) {
         throw UsageError(Join(faults, "\n"));
     const SessionOptions asked = setUp.options;
     const std::string aircraft = setUp.aircraft;
+    const std::string folder = (file.empty() ? fs::current_path() : fs::absolute(file).parent_path()).string();
     run.Start();
-    Recording recording(asked, aircraft, setUp.budgets, fs::path(file).parent_path().string());
+    Recording recording(asked, aircraft, setUp.budgets, folder);
     {
         LiveLines lines(run, recording);
         DoFirstSteps(lines, run.Sim().console, steps);

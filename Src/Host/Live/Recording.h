@@ -14,8 +14,8 @@ struct SessionOptions;
 class Recording {
   public:
     // Begins with the set-up. The options are those before the simulator was made. The
-    // folder is that of the session, or the working folder: files that lines name are
-    // relative to it.
+    // folder, an absolute path, is that of the session, or the working folder: files
+    // that lines name are relative to it.
     Recording(const SessionOptions &options, const std::string &aircraft, const std::map<std::string, double> &budgets,
               std::string folder);
 

@@ -138,7 +138,7 @@ def everything_that_a_page_does_is_recorded_and_passes(folder):
     moved = live.until("windows", lambda topic: any(w["plugin"] == "Window" and w["place"][0] == 156
                                                     for w in topic["windows"]))
     place = next(w["place"] for w in moved["windows"] if w["plugin"] == "Window")
-    live.do("expect window Window " + ",".join(map(str, place)) + " front visible")
+    live.do("expect window Window " + ",".join(map(str, place)) + " visible front")
     live.do("click 250,420")
     live.do('type "a \\"b\\" \\\\"')
     live.do("keydown C shift")
@@ -161,7 +161,7 @@ def everything_that_a_page_does_is_recorded_and_passes(folder):
     live.do("button 2 press")
     live.send("pause")
     live.do("button 2 release")
-    live.do("set sample/owner/count 7")
+    live.do("set sample/counter 7")
     for _ in range(3):
         live.send("frame")
     live.do("view cockpit")
@@ -180,15 +180,14 @@ def everything_that_a_page_does_is_recorded_and_passes(folder):
     live.do("reload")
     time.sleep(0.3)
     live.do("# goes on behind the reload")
-    looked = live.do("get sim/time/frame")
-    assert re.match(r"sim/time/frame = \d+ ", looked), looked
-    frame = int(looked.split()[2])
-    live.do(f"set sample/owner/count {frame}")
-    live.do(f"expect dataref sim/time/frame {frame}")
+    live.send("pause")
+    looked = live.do("get sim/time/elapsed")
+    assert re.match(r"sim/time/elapsed = [0-9.]+ \(float\)", looked), looked
+    live.do("expect dataref sim/time/elapsed " + looked.split()[2])
     for wrong, why in [("pres", "did you mean 'press'"), ("frames 3", "run by themselves"), ("unload", "stay loaded"),
                        ("expect tidy", "after 'unload'"), ("fps 10", "before the first step"),
                        ("screenshot x.png", "expect the picture"), ("menu Plugins/Nothing", "no such item"),
-                       ("expect view tower", "seen: cockpit"), ("set sample/owner/coun 1", "did you mean"),
+                       ("expect view tower", "seen: cockpit"), ("set sample/countr 1", "did you mean"),
                        ("move 1,", "expected a point"), ("press\nrelease", "control characters"),
                        ("load aircraft /etc/passwd", "outside"), ("expect file ../x", "outside"),
                        ("keyup C", "not down")]:
@@ -217,7 +216,7 @@ def everything_that_a_page_does_is_recorded_and_passes(folder):
 def a_session_goes_on_where_its_lines_end(folder):
     shutil.copy(os.path.join(DEMO, "Resources/plugins/Window/lin.avp"), os.path.join(folder, "Odd name.avp"))
     with open(os.path.join(folder, "begin.avs"), "w") as file:
-        file.write(f'plugin "./Odd name.avp"\nscreen 640x480\nfps 30\nallow window-geometry "it is \\"so\\""\nbudget 500\n\n'
+        file.write(f'plugin "./Odd name.avp"\nscreen 640x480\nfps 30\nallow dataref-readonly "it is \\"so\\""\nbudget 500\n\n'
                    f'frames 2\nexpect view chase\ndrag 60,495 160,445 5\nframes 1\nunload\nexpect tidy\n')
     live = Live("begin.avs", folder=folder)
     hello = live.latest["hello"]
@@ -242,16 +241,16 @@ def a_session_goes_on_where_its_lines_end(folder):
 def topics_tell_what_there_is(folder):
     live = Live("--root", DEMO, folder=folder)
     live.open("plugins", "commands", "menus", "findings", "simulator", "time", "calls", "datarefs", "log")
-    live.send("datarefs", pattern="sample/*", pinned=["sim/time/frame", "no/such"])
+    live.send("datarefs", pattern="sample/*", pinned=["sim/time/elapsed", "no/such"])
     live.send("calls", filter="AVSKFlightLoop_f", paused=False)
     plugin = next(p for p in live.until("plugins", lambda t: all("time" in p for p in t["plugins"]))["plugins"]
                   if p["name"] == "Menu")
     assert plugin["enabled"] and plugin["calls"] > 0 and any(o["kind"] == "menu" for o in plugin["owns"]), plugin
     datarefs = live.until("datarefs", lambda topic: topic["pinned"])
-    assert datarefs["pinned"]["sim/time/frame"] > 0 and datarefs["pinned"]["no/such"] is None
-    owned = next(d for d in datarefs["datarefs"] if d["name"] == "sample/owner/count")
+    assert datarefs["pinned"]["sim/time/elapsed"] > 0 and datarefs["pinned"]["no/such"] is None
+    owned = next(d for d in datarefs["datarefs"] if d["name"] == "sample/counter")
     assert owned["writable"] and owned["owner"] == "DatarefOwner" and owned["values"] == [owned["value"]], owned
-    live.send("datarefs", pattern="smple/owner")
+    live.send("datarefs", pattern="smple/counter")
     assert "did you mean" in live.until("datarefs", lambda topic: not topic["datarefs"])["note"]
     item = next(m for m in live.latest["menus"]["menus"] if m["name"] == "Plugins")["items"]
     assert any(i["path"] == "Plugins/Sample lights" and i["items"] for i in item), item
