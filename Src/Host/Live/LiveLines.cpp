@@ -132,8 +132,11 @@ void CheckFiles(const Step &step, const Simulator &simulator, const Recording &r
 
 } // namespace
 
-void LiveLines::Record(const Step &step) {
-    if (IsPicture(step)) {
+void LiveLines::Record(const Step &step, bool hasSucceeded, int framesBefore) {
+    if (!hasSucceeded) {
+        for (int frame = framesBefore; frame < mRun.Sim().frame; ++frame)
+            mRecording.AddFrame(); // to compare a picture takes one
+    } else if (IsPicture(step)) {
         const std::string tolerance = step.Count() > 1 ? " " + step[1] : "";
         mRecording.AddLine(step.negated ? "expect no picture " : "expect picture ", step[0], tolerance);
     } else if (!IsLook(step)) {
@@ -142,8 +145,8 @@ void LiveLines::Record(const Step &step) {
 }
 
 void LiveLines::DoFirst(const Step &step) {
-    if (mRun.Do(step))
-        Record(step);
+    const int frame = mRun.Sim().frame;
+    Record(step, mRun.Do(step), frame);
 }
 
 Answer LiveLines::Do(const std::string &line) {
@@ -162,6 +165,7 @@ Answer LiveLines::Do(const std::string &line) {
         return {true, ""};
     }
     SetPlace("live: " + step->text);
+    const int frame = mRun.Sim().frame;
     std::string text;
     Failure failure;
     if (IsLook(*step)) {
@@ -171,27 +175,20 @@ Answer LiveLines::Do(const std::string &line) {
     } else {
         failure = mRun.Try(*step);
     }
-    if (!failure.why.empty())
-        return {false, mRun.Sim().console.WithoutRoot(failure.why)};
-    Record(*step);
-    return {true, text};
+    Record(*step, failure.why.empty(), frame);
+    return failure.why.empty() ? Answer{true, text} : Answer{false, mRun.Sim().console.WithoutRoot(failure.why)};
 }
 
 Answer LiveLines::Expect(const std::string &picture, bool replaces) {
-    try {
-        const std::string path = PathToWrite(mRecording.Folder(), picture, ".png");
-        std::error_code error;
-        if (!replaces && std::filesystem::exists(path, error))
-            return {false, "'" + picture + "' exists: choose another name, or replace it"};
-        SetPlace("live: the picture " + picture);
-        const Failure failure = mRun.Try(SessionParser("line").Read("screenshot " + Written(path)).value());
-        if (!failure.why.empty())
-            return {false, failure.why};
-        mRecording.AddLine("expect picture ", path);
-        return {true, path};
-    } catch (const UsageError &error) {
-        return {false, error.what()};
-    }
+    std::error_code error;
+    const std::string path = PathToWrite(mRecording.Folder(), picture, ".png");
+    if (!replaces && std::filesystem::exists(path, error))
+        return {false, "'" + picture + "' exists: choose another name, or replace it"};
+    bool &accepts = mRun.ForSetUp().options.acceptPictures;
+    accepts = true;
+    const Answer answer = Do("expect picture " + Written(picture));
+    accepts = false;
+    return answer.isOk ? Answer{true, path} : answer;
 }
 
 } // namespace host

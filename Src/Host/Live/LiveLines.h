@@ -24,11 +24,11 @@ class LiveLines {
     void DoFirst(const Step &step);
     // Executes a line. It is recorded if it succeeds and if it does something.
     Answer Do(const std::string &line);
-    // Runs a frame, writes its picture into the folder and records that it is expected.
+    // Runs a frame, writes its picture into the folder and records that it is expected. Throws UsageError.
     Answer Expect(const std::string &picture, bool replaces);
 
   private:
-    void Record(const Step &step);
+    void Record(const Step &step, bool hasSucceeded, int framesBefore);
 
     SessionRunner &mRun;
     Recording &mRecording;

@@ -37,7 +37,7 @@ using Clock = std::chrono::steady_clock;
 using namespace std::chrono_literals;
 namespace fs = std::filesystem;
 
-constexpr Clock::duration kBetweenPictures = 33ms;
+constexpr Clock::duration kBetweenPictures = 28ms; // every second frame of 60 a second
 constexpr Clock::duration kBetweenStates = 100ms;
 
 // How often something happened in the last second.

@@ -227,13 +227,17 @@ def a_session_goes_on_where_its_lines_end(folder):
     live.do("expect window Window 140,450,492,360")
     assert live.ask("picture", file="window.png")["ok"]
     assert not live.ask("picture", file="window.png")["ok"]
-    live.do("expect picture below/window.png") if os.path.exists(os.path.join(folder, "below/window.png")) else None
+    live.do("expect picture window.png 40,1%")
+    wrong = live.ask("line", line="expect no picture window.png")  # takes a frame, which is recorded
+    assert not wrong["ok"] and "differ" in wrong["text"], wrong
+    live.send("pause")
+    live.do("expect dataref sim/time/elapsed " + live.do("get sim/time/elapsed").split()[2])
     assert live.ask("save", file="below/end.avs")["ok"]
-    live.until("log", lambda _: any("'unload'" in line for line in live.lines["log"]))
+    assert any("from 'unload' on are left out" in line for line in live.lines["log"]), live.lines["log"]
     status, output = live.close()
     text = open(os.path.join(folder, "below/end.avs")).read()
     assert text.startswith('plugin "../Odd name.avp"\nfps 30\nscreen 640x480\n'), text
-    assert 'expect picture "../window.png"\n' in text and "expect view chase" not in text and "unload" not in text, text
+    assert 'expect picture "../window.png"\nframes ' in text and "expect view chase" not in text and "unload" not in text, text
     status, output = run(os.path.join(folder, "below/end.avs"))
     assert status == 0, output
 
