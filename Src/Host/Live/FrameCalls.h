@@ -76,7 +76,7 @@ class FrameCalls : public crossings::Observer {
     // A call under way.
     struct Open {
         const crossings::Crossing *crossing;
-        std::size_t index;                       // in the frame's calls
+        std::size_t index;                            // in the frame's calls
         crossings::Crossing::Clock::duration inner{}; // time that is not this call's own
         bool isShown;
     };

@@ -20,6 +20,7 @@
 #include <chrono>
 #include <cmath>
 #include <csignal>
+#include <ctime>
 #include <filesystem>
 #include <memory>
 #include <optional>
@@ -64,7 +65,8 @@ class Rate {
 class LiveSimulator {
   public:
     LiveSimulator(SessionRunner &run, Recording &recording, Channel &channel)
-        : mRun(run), mRecording(recording), mChannel(channel), mLines(run, recording), mTopics(run, recording, channel) {}
+        : mRun(run), mRecording(recording), mChannel(channel), mLines(run, recording),
+          mTopics(run, recording, channel) {}
 
     void Hello(const LiveOptions &live);
     // Runs until the channel is closed.
@@ -258,9 +260,10 @@ void LiveSimulator::RunDueFrames() {
 
 void LiveSimulator::RunFrame() {
     MoveMouse();
-    const bool isPictured = mTopics.IsOpen("screen") && (mIsPictureDue || Clock::now() >= mNextPicture);
-    mRun.Sim().display.wanted = isPictured;
     const Clock::time_point begin = Clock::now();
+    const bool isPictured = mTopics.IsOpen("screen") && (mIsPictureDue || begin >= mNextPicture);
+    const std::clock_t used = std::clock(); // of this process, since others may take turns with it
+    mRun.Sim().display.wanted = isPictured;
     mRun.RunFrames(1);
     mRecording.AddFrame();
     mTopics.EndFrame();
@@ -269,8 +272,8 @@ void LiveSimulator::RunFrame() {
         return;
     SendPicture();
     mIsPictureDue = false;
-    const Clock::time_point now = Clock::now();
-    mNextPicture = std::max(begin + kBetweenPictures, now + (now - begin)); // at most half of the time is for pictures
+    const std::chrono::microseconds cost((std::clock() - used) * (1'000'000 / CLOCKS_PER_SEC));
+    mNextPicture = std::max(begin + kBetweenPictures, Clock::now() + cost); // at most half of the time is for pictures
 }
 
 void LiveSimulator::SendPicture() {

@@ -178,7 +178,8 @@ std::vector<std::string> FilesInRoot(const std::string &root, const std::string 
     constexpr int kMostEntries = 20'000;
     std::vector<std::string> files;
     std::error_code error;
-    const auto options = fs::directory_options::skip_permission_denied | fs::directory_options::follow_directory_symlink;
+    const auto options =
+        fs::directory_options::skip_permission_denied | fs::directory_options::follow_directory_symlink;
     fs::recursive_directory_iterator entry(root, options, error);
     for (int seen = 0; !error && entry != fs::recursive_directory_iterator() && seen < kMostEntries; ++seen) {
         if (entry.depth() > 8)
