@@ -18,11 +18,11 @@ using crossings::Crossing;
 using crossings::Side;
 
 // Enough for ten seconds of a usual simulator, and a limit to what a busy one keeps.
-constexpr std::size_t kMostFrames = 600;
-constexpr std::size_t kMostCalls = 300'000;
+constexpr std::size_t kKeptFrames = 600;
+constexpr std::size_t kKeptCalls = 300'000;
 constexpr std::size_t kMostCallsOfFrame = 20'000;
-constexpr std::size_t kMostBytes = 16 * 1024 * 1024;
-constexpr std::size_t kMostLines = 2000;
+constexpr std::size_t kKeptBytes = 16 * 1024 * 1024;
+constexpr std::size_t kKeptLines = 2000;
 
 double Milliseconds(Crossing::Clock::duration time) { return std::chrono::duration<double, std::milli>(time).count(); }
 
@@ -105,7 +105,7 @@ void FrameCalls::DivideLines() {
     for (std::size_t end = 0; (end = mText.find('\n', begin)) != std::string::npos; begin = end + 1)
         mLines.push_back(mText.substr(begin, end - begin));
     mText.erase(0, begin);
-    while (mLines.size() > kMostLines) {
+    while (mLines.size() > kKeptLines) {
         mLines.pop_front();
         ++mGap;
     }
@@ -124,7 +124,7 @@ void FrameCalls::Close(int number) {
     mCalls += mFrame.calls.size();
     mBytes += mFrame.json.size();
     mFrames.push_back(std::exchange(mFrame, {}));
-    while (mFrames.size() > kMostFrames || (mFrames.size() > 1 && (mCalls > kMostCalls || mBytes > kMostBytes))) {
+    while (mFrames.size() > kKeptFrames || (mFrames.size() > 1 && (mCalls > kKeptCalls || mBytes > kKeptBytes))) {
         mCalls -= mFrames.front().calls.size();
         mBytes -= mFrames.front().json.size();
         mFrames.pop_front();

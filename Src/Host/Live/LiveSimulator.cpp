@@ -223,9 +223,9 @@ void LiveSimulator::MoveMouse() {
 // Expectations search all that was logged and called since the start or a mark. So that this does not grow for
 // hours, a mark is set and recorded.
 void LiveSimulator::LimitMemory() {
-    constexpr std::size_t kMostBytes = 8 * 1024 * 1024;
-    constexpr std::size_t kMostCalls = 100'000;
-    if (mRun.Sim().console.Kept().size() <= kMostBytes && mRun.Calls().Size() <= kMostCalls)
+    constexpr std::size_t kLongestLog = 8 * 1024 * 1024;
+    constexpr std::size_t kLongestCallLog = 100'000;
+    if (mRun.Sim().console.Kept().size() <= kLongestLog && mRun.Calls().Size() <= kLongestCallLog)
         return;
     mLines.Do("# the log or the list of calls was long");
     mLines.Do("mark");

@@ -19,7 +19,7 @@ namespace {
 
 using Json = nlohmann::json;
 
-constexpr std::size_t kMostLines = 200; // of a message
+constexpr std::size_t kLinesAtOnce = 200; // of a message
 
 std::string PositionOf(const Aeroplane &aeroplane) {
     std::array<char, 128> text{};
@@ -121,14 +121,14 @@ void LiveTopics::AddToLog(std::string_view text) {
 void LiveTopics::SendLog() {
     if (mLog.empty())
         return;
-    const std::size_t count = std::min(mLog.size(), kMostLines);
+    const std::size_t count = std::min(mLog.size(), kLinesAtOnce);
     const auto end = mLog.begin() + static_cast<std::ptrdiff_t>(count);
     Send({{"topic", "log"}, {"lines", std::vector(mLog.begin(), end)}, {"gap", std::exchange(mLogGap, 0)}});
     mLog.erase(mLog.begin(), end);
 }
 
 void LiveTopics::SendCalls() {
-    const FrameCalls::Lines taken = mCalls->TakeLines(kMostLines);
+    const FrameCalls::Lines taken = mCalls->TakeLines(kLinesAtOnce);
     if (!taken.lines.empty() || taken.gap > 0)
         Send({{"topic", "calls"}, {"lines", taken.lines}, {"gap", taken.gap}});
 }

@@ -35,7 +35,7 @@ std::string Exactly(double number) {
 
 std::string Absolute(const fs::path &path) { return fs::absolute(path).lexically_normal().string(); }
 
-bool WriteAll(int descriptor, std::string_view text) {
+bool WriteWhole(int descriptor, std::string_view text) {
     while (!text.empty()) {
         const ssize_t written = write(descriptor, text.data(), text.size());
         if (written < 0 && errno != EINTR)
@@ -116,7 +116,7 @@ std::string Recording::Save(const std::string &file, bool replaces) {
     const int descriptor = open(path.c_str(), O_WRONLY | O_CREAT | O_NOFOLLOW | O_CLOEXEC | exists, 0666);
     if (descriptor < 0 && errno == EEXIST)
         throw UsageError("'" + file + "' exists: choose another name, or replace it");
-    const bool isWritten = descriptor >= 0 && WriteAll(descriptor, text);
+    const bool isWritten = descriptor >= 0 && WriteWhole(descriptor, text);
     const int fault = errno;
     if (descriptor < 0 || close(descriptor) != 0 || !isWritten)
         throw UsageError("cannot write '" + path + "' (" + std::strerror(fault) + ")");

@@ -14,7 +14,7 @@ namespace {
 
 constexpr int kTileWidth = 128;
 constexpr int kTileHeight = 64;
-constexpr std::size_t kMostBytes = 2 * 1024 * 1024; // of a message: a channel's limit is 4 MiB
+constexpr std::size_t kFullMessage = 2 * 1024 * 1024; // of a message: a channel's limit is 4 MiB
 
 void AddNumber(std::string &message, std::uint32_t number, int bytes) {
     for (int i = 0; i < bytes; ++i)
@@ -71,7 +71,7 @@ class TileMessage {
     }
 
     bool IsEmpty() const { return mCount == 0; }
-    bool IsFull() const { return mTiles.size() > kMostBytes; }
+    bool IsFull() const { return mTiles.size() > kFullMessage; }
 
     std::string Text(std::uint32_t version, int frame, const Image &image) const {
         std::string message;

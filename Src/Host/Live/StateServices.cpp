@@ -55,7 +55,7 @@ std::vector<std::string> ValuesOf(const FoundDataref &found) {
 
 Json Described(SessionRunner &run, const std::string &name, const std::map<std::string, std::string> &owners) {
     constexpr std::size_t kMostElements = 256;
-    constexpr std::size_t kMostBytes = 4096;
+    constexpr std::size_t kLongestText = 4096;
     AVSKDataRef ref = nullptr;
     Json entry;
     {
@@ -79,7 +79,7 @@ Json Described(SessionRunner &run, const std::string &name, const std::map<std::
     entry["count"] = values.size();
     values.resize(std::min(values.size(), kMostElements));
     if (values.size() == 1)
-        values[0].resize(std::min(values[0].size(), kMostBytes));
+        values[0].resize(std::min(values[0].size(), kLongestText));
     entry["value"] = values.empty() ? "" : values[0];
     entry["values"] = std::move(values);
     return entry;
