@@ -46,9 +46,9 @@ std::int64_t BytesOfTexture(unsigned number) {
             continue;
         }
         std::int64_t bits = 0;
-        for (const GLenum size : {GL_TEXTURE_RED_SIZE, GL_TEXTURE_GREEN_SIZE, GL_TEXTURE_BLUE_SIZE,
-                                  GL_TEXTURE_ALPHA_SIZE, GL_TEXTURE_LUMINANCE_SIZE, GL_TEXTURE_INTENSITY_SIZE,
-                                  GL_TEXTURE_DEPTH_SIZE, GL_TEXTURE_STENCIL_SIZE})
+        for (const GLenum size :
+             {GL_TEXTURE_RED_SIZE, GL_TEXTURE_GREEN_SIZE, GL_TEXTURE_BLUE_SIZE, GL_TEXTURE_ALPHA_SIZE,
+              GL_TEXTURE_LUMINANCE_SIZE, GL_TEXTURE_INTENSITY_SIZE, GL_TEXTURE_DEPTH_SIZE, GL_TEXTURE_STENCIL_SIZE})
             bits += get(size);
         bytes += get(GL_TEXTURE_WIDTH) * get(GL_TEXTURE_HEIGHT) * get(GL_TEXTURE_DEPTH) * bits / 8;
     }

@@ -29,8 +29,8 @@ enum class Counting : std::uint8_t {
     None,
     One,
     Four,
-    Count,     // an argument
-    Multiple,  // an array of counts
+    Count,    // an argument
+    Multiple, // an array of counts
     NewList,
     EndList,
     CallList,

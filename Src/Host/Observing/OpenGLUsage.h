@@ -49,7 +49,7 @@ class OpenGLUsage : public crossings::Observer {
         AVSKPluginID plugin;
         Row *row; // null if it is not known yet
     };
-    std::vector<Known> mKnown; // by the callback's number
+    std::vector<Known> mKnown;          // by the callback's number
     std::vector<std::string> mStarting; // the labels of the plugins whose starts are under way, which have no name yet
     OpenGLObjects mObjects;
     std::map<unsigned, std::int64_t> mLists; // their vertices, by number

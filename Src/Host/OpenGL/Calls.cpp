@@ -121,7 +121,8 @@ std::uint64_t CallReal(unsigned number, const std::uint32_t *words) {
         return NeutralResult(function);
     NoteBeginAndEnd(number, words);
     const std::uint64_t result = kCallers[function.words](gReal[number], words);
-    return number == kNumber_glGetError && gHandlers.error ? gHandlers.error(static_cast<std::uint32_t>(result)) : result;
+    return number == kNumber_glGetError && gHandlers.error ? gHandlers.error(static_cast<std::uint32_t>(result))
+                                                           : result;
 }
 
 std::uint64_t CallObserved(unsigned number, const std::uint32_t *words) {

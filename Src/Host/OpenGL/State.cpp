@@ -81,8 +81,7 @@ int ReadClientUnits(const StatePart &part) {
     return bits;
 }
 void SwitchClientUnits(const StatePart &part, int was) {
-    ForUnits(GL_CLIENT_ACTIVE_TEXTURE, Gl().ClientActiveTexture,
-             [&](int unit) { SwitchArray(part, was >> unit & 1); });
+    ForUnits(GL_CLIENT_ACTIVE_TEXTURE, Gl().ClientActiveTexture, [&](int unit) { SwitchArray(part, was >> unit & 1); });
 }
 
 int ReadAttributeArrays(const StatePart &part) {
@@ -125,10 +124,12 @@ void RestoreDepth(const StatePart &part, int was, void (*push)(), void (*pop)())
 }
 
 void RestoreAttributes(const StatePart &part, int was) {
-    RestoreDepth(part, was, [] { Gl().PushAttrib(0); }, Gl().PopAttrib);
+    RestoreDepth(
+        part, was, [] { Gl().PushAttrib(0); }, Gl().PopAttrib);
 }
 void RestoreClientAttributes(const StatePart &part, int was) {
-    RestoreDepth(part, was, [] { Gl().PushClientAttrib(0); }, Gl().PopClientAttrib);
+    RestoreDepth(
+        part, was, [] { Gl().PushClientAttrib(0); }, Gl().PopClientAttrib);
 }
 void RestoreMatrices(const StatePart &part, int was) {
     GLint mode = 0;

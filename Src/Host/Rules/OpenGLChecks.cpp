@@ -261,7 +261,8 @@ void OpenGLChecks::CheckState(const Crossing &callback, const opengl::State &exp
         // Deleting a texture ends its binding.
         if (part.kind == StateKind::Texture && is == 0 && !opengl::Gl().IsTexture(static_cast<GLuint>(was)))
             continue;
-        const char *const subject = part.kind == StateKind::Attributes || part.kind == StateKind::Matrices ? "stack" : "what";
+        const char *const subject =
+            part.kind == StateKind::Attributes || part.kind == StateKind::Matrices ? "stack" : "what";
         mFindings.Add(RuleOf(part.kind), callback,
                       {{subject, part.what}, {"after", part.text(is)}, {"before", part.text(was)}});
         part.restore(part, was);
