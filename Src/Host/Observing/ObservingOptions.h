@@ -22,9 +22,9 @@ struct ObservingOptions {
     bool owners = false;
     bool profile = false;
     bool openGL = false; // count what plugins ask of OpenGL
-    double budget = 0;  // milliseconds that a plugin may take in a frame; 0: no limit
-    double timeout = 0; // seconds that a call may take; 0: no limit
-    std::string report; // file for the reports of an observed program; empty: standard error
+    double budget = 0;   // milliseconds that a plugin may take in a frame; 0: no limit
+    double timeout = 0;  // seconds that a call may take; 0: no limit
+    std::string report;  // file for the reports of an observed program; empty: standard error
 };
 
 } // namespace host

@@ -2,6 +2,8 @@
 // option asks for it.
 #include "OpenGLUsage.h"
 
+#include "Observers.h"
+
 #include "Common/Utf8.h"
 #include "Crossings/Callback.h"
 #include "Crossings/Format.h"
@@ -272,7 +274,7 @@ void OpenGLUsage::AddObjects() {
     }
 }
 
-std::vector<std::string> OpenGLUsage::Table() const {
+void OpenGLUsage::Print() const {
     struct Entry {
         std::string plugin;
         std::string callback;
@@ -286,18 +288,18 @@ std::vector<std::string> OpenGLUsage::Table() const {
         for (const auto &[callback, row] : rows)
             entries.push_back({plugin, callback, row});
     }
-    if (entries.empty())
-        return {};
     std::stable_sort(entries.begin(), entries.end(),
                      [](const Entry &a, const Entry &b) { return a.row.vertices > b.row.vertices; });
     const int width = static_cast<int>(widest);
-    std::vector<std::string> lines = {Cells("%-*s  %9s  %11s  %13s  %9s  %s", width, "plugin", "calls", "vertices",
-                                            "textures kept", "kB kept", "callback")};
+    std::vector<std::string> lines;
+    if (!entries.empty())
+        lines.push_back(Cells("%-*s  %9s  %11s  %13s  %9s  %s", width, "plugin", "calls", "vertices", "textures kept",
+                              "kB kept", "callback"));
     for (const auto &[plugin, callback, row] : entries)
         lines.push_back(Cells("%-*s  %9ld  %11lld  %13d  %9lld  %s", width, plugin.c_str(), row.calls,
                               static_cast<long long>(row.vertices), row.textures,
                               static_cast<long long>((row.bytes + 1023) / 1024), callback.c_str()));
-    return lines;
+    PrintList("\nOpenGL of plugins:", lines, "none");
 }
 
 } // namespace host

@@ -26,8 +26,8 @@ class OpenGLUsage : public crossings::Observer {
     void Begins(const crossings::Crossing &call) override;
     void Ends(const crossings::Crossing &call) override;
 
-    // A table; the callback with the most vertices comes first. To be printed when the plugins are unloaded.
-    std::vector<std::string> Table() const;
+    // A table; the callback with the most vertices comes first. To be called when the plugins are unloaded.
+    void Print() const;
 
   private:
     struct Row {
