@@ -133,6 +133,6 @@ const Inhabitant kOpenGL[] = {
     {.rule = "gl-place", .frame = DrawRectangle},
     {.rule = "gl-textures-left", .start = MakeTexture},
     {.rule = "gl-correct", .start = StartCorrect, .draw = DrawCorrect, .stop = DeleteTexture},
-    {.rule = "gl-counted", .start = StartCorrect, .draw = DrawCorrect},
+    {.rule = "gl-kept", .start = StartCorrect, .draw = DrawCorrect},
     {0},
 };

@@ -181,9 +181,9 @@ void OpenGLUsage::Ends(const Crossing &call) {
     Row &row = RowOf(call);
     ++row.calls;
     const std::int64_t vertices = VerticesOf(call);
-    if (mList != 0)
-        mLists[mList] += vertices;
-    if (mList == 0 || mIsListDrawn)
+    if (mList)
+        mLists[*mList] += vertices;
+    if (!mList || mIsListDrawn)
         row.vertices += vertices;
 }
 
@@ -229,10 +229,10 @@ std::int64_t OpenGLUsage::VerticesOf(const Crossing &call) {
     case Counting::NewList:
         mList = call.arguments[0].word;
         mIsListDrawn = call.arguments[1].word == GL_COMPILE_AND_EXECUTE;
-        mLists[mList] = 0;
+        mLists[*mList] = 0;
         return 0;
     case Counting::EndList:
-        mList = 0;
+        mList.reset();
         return 0;
     case Counting::CallList:
     case Counting::CallLists:

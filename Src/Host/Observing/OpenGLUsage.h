@@ -9,6 +9,7 @@
 
 #include <cstdint>
 #include <map>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -53,7 +54,7 @@ class OpenGLUsage : public crossings::Observer {
     std::vector<std::string> mStarting; // the labels of the plugins whose starts are under way, which have no name yet
     OpenGLObjects mObjects;
     std::map<unsigned, std::int64_t> mLists; // their vertices, by number
-    unsigned mList = 0;                      // that is compiled; 0: none
+    std::optional<unsigned> mList;           // that is compiled; without Mesa all have the number 0
     bool mIsListDrawn = false;               // while it is compiled
     unsigned mListBase = 0;
 };

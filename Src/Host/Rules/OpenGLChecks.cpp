@@ -290,9 +290,7 @@ void OpenGLChecks::CheckTextures(const Crossing &stop) {
     }
     for (const auto &[callback, sum] : left)
         mFindings.Add(Named(kOpenGLRules, "gl-textures-left"), stop,
-                      {{"callback", callback},
-                       {"count", std::to_string(sum.count) + (sum.count == 1 ? " texture" : " textures")},
-                       {"size", Size(sum.bytes)}});
+                      {{"callback", callback}, {"count", std::to_string(sum.count)}, {"size", Size(sum.bytes)}});
     mObjects.Forget(stop.plugin);
 }
 

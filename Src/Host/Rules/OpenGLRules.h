@@ -74,7 +74,7 @@ inline constexpr Rule kOpenGLRules[] = {
      "Outside of the host's draw passes the matrices and the state are those of the last one to draw, and the screen "
      "is "
      "cleared afterwards. Drawing into a framebuffer of the plugin's own, and compiling a list, are no fault."},
-    {"gl-textures-left", Level::Warning, "{count} that were made in {callback} still exist, {size}",
+    {"gl-textures-left", Level::Warning, "textures made in {callback} still exist: {count}, {size} in all",
      "Delete textures with glDeleteTextures() in AVPluginStop, or in AVPluginDisable if AVPluginEnable makes them.",
      "The library does not know of a plugin's textures, so nobody deletes them when the plugin is unloaded. Each time "
      "the plugin is loaded again, the graphics memory loses as much."},
