@@ -11,9 +11,9 @@ static int texture;
 
 static void MakeTexture(void) {
     AVSKGenerateTextureNumbers(&texture, 1);
-    AVSKBindTexture2d(texture, 0);
+    glBindTexture(GL_TEXTURE_2D, (GLuint)texture);
     glTexImage2D(GL_TEXTURE_2D, 0, GL_RGBA8, 64, 32, 0, GL_RGBA, GL_UNSIGNED_BYTE, NULL);
-    AVSKBindTexture2d(0, 0);
+    glBindTexture(GL_TEXTURE_2D, 0);
 }
 static void DeleteTexture(void) { glDeleteTextures(1, (GLuint *)&texture); }
 

@@ -146,7 +146,16 @@ void BindArrays(const StatePart & /*part*/, int was) { Gl().BindVertexArray(stat
 void BindBuffer(const StatePart &part, int was) { Gl().BindBuffer(part.target, static_cast<GLuint>(was)); }
 void UseProgram(const StatePart & /*part*/, int was) { Gl().UseProgram(static_cast<GLuint>(was)); }
 void BindPipeline(const StatePart & /*part*/, int was) { Gl().BindProgramPipeline(static_cast<GLuint>(was)); }
-void BindFrame(const StatePart &part, int was) { Gl().BindFramebuffer(part.target, static_cast<GLuint>(was)); }
+void BindRead(const StatePart & /*part*/, int was) {
+    Gl().BindFramebuffer(GL_READ_FRAMEBUFFER, static_cast<GLuint>(was));
+}
+// One call may have bound both.
+void BindDraw(const StatePart &part, int was) {
+    GLint read = 0;
+    Gl().GetIntegerv(GL_READ_FRAMEBUFFER_BINDING, &read);
+    const GLenum target = read == ReadNumber(part) ? GL_FRAMEBUFFER : GL_DRAW_FRAMEBUFFER;
+    Gl().BindFramebuffer(target, static_cast<GLuint>(was));
+}
 void SetDepthMask(const StatePart & /*part*/, int was) { Gl().DepthMask(static_cast<GLboolean>(was)); }
 
 // ---- Rows of the table
@@ -201,10 +210,9 @@ constexpr std::array<StatePart, kStateParts> kState = {{
     {StateKind::Program, "the program pipeline", GL_PROGRAM_PIPELINE_BINDING, 0, ReadNumber, BindPipeline, AsNumber},
     Switched(StateKind::Program, "GL_VERTEX_PROGRAM_ARB", GL_VERTEX_PROGRAM_ARB),
     Switched(StateKind::Program, "GL_FRAGMENT_PROGRAM_ARB", GL_FRAGMENT_PROGRAM_ARB),
-    {StateKind::Framebuffer, "the framebuffer", GL_DRAW_FRAMEBUFFER_BINDING, GL_DRAW_FRAMEBUFFER, ReadNumber, BindFrame,
+    {StateKind::Framebuffer, "the framebuffer", GL_DRAW_FRAMEBUFFER_BINDING, 0, ReadNumber, BindDraw, AsNumber},
+    {StateKind::Framebuffer, "the framebuffer that is read", GL_READ_FRAMEBUFFER_BINDING, 0, ReadNumber, BindRead,
      AsNumber},
-    {StateKind::Framebuffer, "the framebuffer that is read", GL_READ_FRAMEBUFFER_BINDING, GL_READ_FRAMEBUFFER,
-     ReadNumber, BindFrame, AsNumber},
     Switched(StateKind::Scissor, "GL_SCISSOR_TEST", GL_SCISSOR_TEST),
     Switched(StateKind::Graphics, "GL_FOG", GL_FOG),
     {StateKind::Graphics, "GL_TEXTURE_2D", GL_TEXTURE_2D, 0, ReadUnits, SwitchUnits, AsSet},

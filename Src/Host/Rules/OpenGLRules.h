@@ -18,7 +18,7 @@ inline constexpr Rule kOpenGLRules[] = {
      "Between glBegin() and glEnd() nearly every call is an error, and while a list is compiled calls are recorded "
      "and not executed. Nothing that the host and other plugins draw appears from here on. A checked run ends what was "
      "begun."},
-    {"gl-attributes", Level::Error, "{stack} has {after} entries and had {before}",
+    {"gl-attributes", Level::Error, "{stack} is {after} deep and was {before}",
      "Call glPopAttrib() once for each glPushAttrib(), and glPopClientAttrib() for each glPushClientAttrib(), on each "
      "path through the callback.",
      "These stacks hold as few as 16 entries. What a callback leaves there in each frame soon fills them, and then "
@@ -28,7 +28,7 @@ inline constexpr Rule kOpenGLRules[] = {
      "Call glMatrixMode(GL_MODELVIEW) before the callback returns, or restore the mode that it found.",
      "The next glLoadMatrix(), glTranslate() or glPushMatrix() of the host or of another plugin changes the wrong "
      "matrix, and what it draws is displaced. A checked run restores the mode."},
-    {"gl-matrix-depth", Level::Error, "{stack} has {after} matrices and had {before}",
+    {"gl-matrix-depth", Level::Error, "{stack} is {after} deep and was {before}",
      "Call glPopMatrix() once for each glPushMatrix(), with the same matrix mode, on each path through the callback.",
      "The stacks of projection and texture matrices hold as few as two. A matrix that stays there displaces what "
      "others "
