@@ -7,6 +7,9 @@
 
 char *zooDescription;
 static Inhabitant chosen;
+enum {
+    kDrawPhase = 50
+};
 
 static void Call(void (*function)(void)) {
     if (function)
@@ -14,7 +17,7 @@ static void Call(void (*function)(void)) {
 }
 
 static void Choose(void) {
-    const Inhabitant *const families[] = {kArguments, kDatarefs, kLife, kPlace, kState};
+    const Inhabitant *const families[] = {kArguments, kDatarefs, kLife, kOpenGL, kPlace, kState};
     const char *rule = getenv("AVSK_ZOO");
     for (size_t i = 0; rule && i < sizeof families / sizeof *families; ++i) {
         for (const Inhabitant *one = families[i]; one->rule; ++one) {
@@ -30,6 +33,12 @@ static float Frame(float sinceCall, float sinceLoop, int counter, void *refcon) 
     return -1;
 }
 
+static int Draw(int phase, int isBefore, void *refcon) {
+    (void)phase, (void)isBefore, (void)refcon;
+    Call(chosen.draw);
+    return 1;
+}
+
 int AVPluginStart(char *outName, char *outSignature, char *outDescription) {
     strcpy(outName, "Zoo");
     strcpy(outSignature, "test.zoo");
@@ -38,6 +47,8 @@ int AVPluginStart(char *outName, char *outSignature, char *outDescription) {
     Choose();
     if (chosen.frame)
         AVSKRegisterFlightLoopCallback(Frame, -1, NULL);
+    if (chosen.draw)
+        AVSKRegisterDrawCallback(Draw, kDrawPhase, 0, NULL);
     Call(chosen.start);
     if (chosen.answer)
         chosen.answer(outName, outSignature);
@@ -48,6 +59,8 @@ void AVPluginStop(void) {
     Call(chosen.stop);
     if (chosen.frame)
         AVSKUnregisterFlightLoopCallback(Frame, NULL);
+    if (chosen.draw)
+        AVSKUnregisterDrawCallback(Draw, kDrawPhase, 0, NULL);
 }
 
 int AVPluginEnable(void) {

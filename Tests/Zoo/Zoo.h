@@ -16,6 +16,7 @@ typedef struct Inhabitant {
     void (*start)(void);
     void (*enable)(void);
     void (*frame)(void); /* in a flight loop */
+    void (*draw)(void);  /* in a draw callback */
     void (*disable)(void);
     void (*stop)(void);
     void (*answer)(char *name, char *signature); /* changes what the start answers */
@@ -25,6 +26,7 @@ typedef struct Inhabitant {
 extern const Inhabitant kArguments[];
 extern const Inhabitant kDatarefs[];
 extern const Inhabitant kLife[];
+extern const Inhabitant kOpenGL[];
 extern const Inhabitant kPlace[];
 extern const Inhabitant kState[];
 

@@ -263,6 +263,7 @@ void AddRunCommand(CLI::App &app, Job &job, char **argv) {
     run->add_option("--log", options.simulator.logFile, "also write the log to this file")->type_name("FILE");
     run->add_flag("--quiet", options.simulator.quiet, "keep the log off standard output");
     AddObservingOptions(*run, options.observing);
+    AddOpenGLCount(*run, options.observing);
     // For `avsk check`, which runs sessions in processes of their own.
     run->add_option("--record", options.observing.record)->group("");
     run->footer(kRunExamples);

@@ -3,8 +3,10 @@
 
 #include "Common/Terminal.h"
 #include "Observing/Observers.h"
+#include "Observing/OpenGLUsage.h"
 #include "Observing/SimulatedHost.h"
 #include "Rules/Checker.h"
+#include "Rules/OpenGLChecks.h"
 #include "Services/Lifetime.h"
 #include "Services/Simulator.h"
 #include "Session/Round.h"
@@ -45,7 +47,11 @@ int RunFrames(SimpleRun run) {
     if (options.observing.check) {
         checker.emplace(simulator->frame, observers.Owners(), options.observing.allowed);
         checker->AcceptLongSteps();
+        checker->Add(std::make_unique<OpenGLChecks>(checker->Found()));
     }
+    std::optional<OpenGLUsage> usage;
+    if (options.observing.openGL)
+        usage.emplace();
     if (options.round)
         simulator->placePlugins = [&chosen] { chosen.PlacePlugins(); };
     Prepare(*simulator);
@@ -60,6 +66,8 @@ int RunFrames(SimpleRun run) {
     observers.ReportLoaded();
     StopPlugins(*simulator);
     observers.ReportUnloaded();
+    if (usage)
+        usage->Print();
     const int errors = checker ? checker->PrintReport() : 0;
     const std::vector<std::string> failures = observers.Failures();
     for (const std::string &failure : failures)

@@ -30,6 +30,14 @@ void AddCheck(CLI::App &command, ObservingOptions &options) {
         ->group(kObserving);
 }
 
+void AddOpenGLCount(CLI::App &command, ObservingOptions &options) {
+    command
+        .add_flag("--gl", options.openGL,
+                  "print at the end what plugins asked of OpenGL: calls, vertices, and textures and memory that they "
+                  "did not delete; 'avsk exec' cannot: another host has its own OpenGL")
+        ->group(kObserving);
+}
+
 void AddObservingOptions(CLI::App &command, ObservingOptions &options) {
     const char *group = kObserving;
     AddCheck(command, options);

@@ -14,6 +14,8 @@ const CLI::Validator &PositiveNumber();
 
 // Judges the plugins by the rules.
 void AddCheck(CLI::App &command, ObservingOptions &options);
+// Counts calls of OpenGL. Only for programs that serve it.
+void AddOpenGLCount(CLI::App &command, ObservingOptions &options);
 // The options of the observers, --check included.
 void AddObservingOptions(CLI::App &command, ObservingOptions &options);
 

@@ -21,9 +21,10 @@ struct ObservingOptions {
     std::string record;                         // file for `avsk check`, see Session/Record.h; empty: none
     bool owners = false;
     bool profile = false;
-    double budget = 0;  // milliseconds that a plugin may take in a frame; 0: no limit
-    double timeout = 0; // seconds that a call may take; 0: no limit
-    std::string report; // file for the reports of an observed program; empty: standard error
+    bool openGL = false; // count what plugins ask of OpenGL
+    double budget = 0;   // milliseconds that a plugin may take in a frame; 0: no limit
+    double timeout = 0;  // seconds that a call may take; 0: no limit
+    std::string report;  // file for the reports of an observed program; empty: standard error
 };
 
 } // namespace host

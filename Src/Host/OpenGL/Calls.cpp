@@ -120,7 +120,9 @@ std::uint64_t CallReal(unsigned number, const std::uint32_t *words) {
     if (!gReal[number])
         return NeutralResult(function);
     NoteBeginAndEnd(number, words);
-    return kCallers[function.words](gReal[number], words);
+    const std::uint64_t result = kCallers[function.words](gReal[number], words);
+    return number == kNumber_glGetError && gHandlers.error ? gHandlers.error(static_cast<std::uint32_t>(result))
+                                                           : result;
 }
 
 std::uint64_t CallObserved(unsigned number, const std::uint32_t *words) {

@@ -15,6 +15,7 @@ struct CallHandlers {
     void (*first)();   // before the first call of all; then null
     void (*drawing)(); // before a call that draws or reads pixels; null: these calls are not needed
     void (*reading)(); // before the first call that reads pixels; then null
+    std::uint32_t (*error)(std::uint32_t error); // what glGetError() returns instead of this; null: this
 };
 inline CallHandlers gHandlers{};
 

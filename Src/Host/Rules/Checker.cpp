@@ -51,7 +51,14 @@ void Checker::Finish() {
 int Checker::PrintReport() {
     Finish();
     mIsReported = true;
-    PrintList("\nFindings:", mFindings.Report(), "none");
+    std::vector<std::string> lines = mFindings.Report();
+    if (lines.empty())
+        lines.emplace_back("none");
+    for (const std::unique_ptr<MoreChecks> &checks : mMore) {
+        if (std::string note = checks->Note(); !note.empty())
+            lines.push_back(std::move(note));
+    }
+    PrintList("\nFindings:", lines);
     return mFindings.Count(Level::Error);
 }
 

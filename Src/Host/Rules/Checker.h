@@ -20,11 +20,20 @@
 #include "StateChecks.h"
 
 #include <map>
+#include <memory>
 #include <string>
+#include <vector>
 
 namespace host {
 
 class Ledger;
+
+// Checks that only some programs have.
+class MoreChecks : public crossings::Observer {
+  public:
+    // A sentence for the end of the report; empty for none.
+    virtual std::string Note() const = 0;
+};
 
 class Checker {
   public:
@@ -39,6 +48,8 @@ class Checker {
 
     // The clock follows a session and not real time, so frames may take any time.
     void AcceptLongSteps() { mHostFrames.AcceptLongSteps(); }
+
+    void Add(std::unique_ptr<MoreChecks> checks) { mMore.push_back(std::move(checks)); }
 
     Findings &Found() { return mFindings; }
     const Findings &Found() const { return mFindings; }
@@ -63,6 +74,7 @@ class Checker {
     HostNumberChecks mHostNumbers;
     HostServiceChecks mHostServices;
     HostReportChecks mHostReports;
+    std::vector<std::unique_ptr<MoreChecks>> mMore;
     bool mIsReported = false;
 };
 

@@ -8,6 +8,7 @@
 #include "HostServiceRules.h"
 #include "HostTableRules.h"
 #include "LifeRules.h"
+#include "OpenGLRules.h"
 #include "PlaceRules.h"
 #include "RunRules.h"
 #include "StateRules.h"
@@ -33,6 +34,7 @@ const std::vector<RuleFamily> &RuleFamilies() {
         Family("Place and time", kPlaceRules),
         Family("Life", kLifeRules),
         Family("State", kStateRules),
+        Family("OpenGL", kOpenGLRules),
         Family("Runs", kRunRules),
         Family("Files", kFileRules),
         Family("Hosts: the table", kHostTableRules),

@@ -5,8 +5,10 @@
 
 #include "Common/Terminal.h"
 #include "Common/UsageError.h"
+#include "Observing/OpenGLUsage.h"
 #include "Observing/Place.h"
 #include "Observing/SimulatedHost.h"
+#include "Rules/OpenGLChecks.h"
 #include "Services/Lifetime.h"
 
 #include <cstdio>
@@ -33,7 +35,10 @@ void SessionRunner::Start() {
     if (mSetUp.options.observing.check) {
         mChecker = std::make_unique<Checker>(mSimulator->frame, mObservers->Owners(), mSetUp.options.observing.allowed);
         mChecker->AcceptLongSteps();
+        mChecker->Add(std::make_unique<OpenGLChecks>(mChecker->Found()));
     }
+    if (mSetUp.options.observing.openGL)
+        mUsage = std::make_unique<OpenGLUsage>();
     StartRecord(mSetUp.options.observing.record);
     mDatarefs = std::make_unique<DatarefNames>();
     for (const auto &[plugin, milliseconds] : mSetUp.budgets)
@@ -101,6 +106,8 @@ int SessionRunner::Finish() {
         Unload();
     if (mObservers) {
         mObservers->ReportUnloaded();
+        if (mUsage)
+            mUsage->Print();
         for (const std::string &failure : mObservers->Failures()) {
             ++mFailed;
             std::printf("%s\n", Emphasised(Emphasis::Failure, mName + ": " + failure, STDOUT_FILENO).c_str());

@@ -19,6 +19,8 @@
 
 namespace host {
 
+class OpenGLUsage;
+
 class SessionRunner {
   public:
     explicit SessionRunner(SessionOptions options);
@@ -55,8 +57,9 @@ class SessionRunner {
     std::unique_ptr<Simulator> mSimulator;
     std::unique_ptr<CallLog> mCalls;
     std::unique_ptr<Observers> mObservers;
-    std::unique_ptr<Checker> mChecker; // if the options ask for it
-    std::unique_ptr<Record> mRecord;   // if the options ask for it
+    std::unique_ptr<Checker> mChecker;   // if the options ask for it
+    std::unique_ptr<OpenGLUsage> mUsage; // likewise
+    std::unique_ptr<Record> mRecord;     // if the options ask for it
     std::unique_ptr<DatarefNames> mDatarefs;
     bool mLoaded = false;
     int mSteps = 0;
