@@ -1,15 +1,18 @@
-# avsk_add_plugin(TARGET SOURCES source... [FOLDER folder] [NAME name] [LOOSE] [NO_CHECK])
+# avsk_add_plugin(TARGET SOURCES source... [FOLDER folder] [NAME name] [LOOSE] [OPENGL] [NO_CHECK])
 #
 # Builds a plugin for the simulator. FOLDER is a plugins folder, by
 # default <build>/plugins. The file is FOLDER/<NAME>/lin.avp or, with LOOSE,
 # FOLDER/<NAME>.avp. NAME is TARGET by default.
+#
+# With OPENGL the plugin is linked with OpenGL and can include <GL/gl.h>. It finds
+# the simulator's OpenGL at run time, or that of avsk.
 #
 # In a project with tests the ctest <TARGET>_check judges the plugin with
 # `avsk check`. NO_CHECK leaves it out.
 #
 # Used by this tree and, through find_package(AVSK), by plugins outside it.
 function(avsk_add_plugin target)
-  cmake_parse_arguments(arg "LOOSE;NO_CHECK" "FOLDER;NAME" "SOURCES" ${ARGN})
+  cmake_parse_arguments(arg "LOOSE;OPENGL;NO_CHECK" "FOLDER;NAME" "SOURCES" ${ARGN})
   if(NOT arg_SOURCES)
     message(FATAL_ERROR "avsk_add_plugin(${target}): name its files after SOURCES")
   endif()
@@ -25,6 +28,14 @@ function(avsk_add_plugin target)
 
   add_library(${target} MODULE ${arg_SOURCES})
   target_link_libraries(${target} PRIVATE AVSK::AVSK)
+  if(arg_OPENGL)
+    find_path(AVSK_OPENGL_HEADERS GL/gl.h)
+    if(NOT AVSK_OPENGL_HEADERS)
+      message(FATAL_ERROR "avsk_add_plugin(${target}): no GL/gl.h: install the package libgl-dev")
+    endif()
+    target_include_directories(${target} SYSTEM PRIVATE ${AVSK_OPENGL_HEADERS})
+    target_link_libraries(${target} PRIVATE AVSK::OpenGL)
+  endif()
   # All plugins share one symbol namespace, so visible symbols of two plugins clash.
   # A GNU unique symbol keeps the file mapped after dlclose().
   # No run path: the process that loads the plugin has already loaded the library,

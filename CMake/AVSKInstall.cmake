@@ -7,12 +7,16 @@ set(AVSK_INSTALL_PACKAGE lib/cmake/AVSK)
 set(AVSK_INSTALL_SAMPLES share/avsk/samples)
 
 add_executable(AVSK::avsk ALIAS avsk)
-set_target_properties(avsk PROPERTIES INSTALL_RPATH "$ORIGIN/../lib")
+set_target_properties(avsk PROPERTIES INSTALL_RPATH "$ORIGIN/../lib:$ORIGIN/../${AVSK_PRIVATE_FOLDER}/opengl")
 install(TARGETS AVSK avsk EXPORT AVSKTargets
   LIBRARY DESTINATION lib
   RUNTIME DESTINATION bin
   INCLUDES DESTINATION include)
-install(TARGETS avsk_preload LIBRARY DESTINATION ${AVSK_PRELOAD_FOLDER})
+install(TARGETS avsk_preload LIBRARY DESTINATION ${AVSK_PRIVATE_FOLDER})
+# Not beside the library, where other programs would find it.
+set_target_properties(avsk_opengl PROPERTIES EXPORT_NAME OpenGL)
+install(TARGETS avsk_opengl EXPORT AVSKTargets LIBRARY DESTINATION ${AVSK_PRIVATE_FOLDER}/opengl)
+install(PROGRAMS Src/Host/OpenGL/setup-opengl DESTINATION ${AVSK_PRIVATE_FOLDER})
 install(DIRECTORY Src/Host/Live/Page/ DESTINATION ${AVSK_LIVE_FOLDER})
 if(EXISTS ${AVSK_CHART_JS})
   install(FILES ${AVSK_CHART_JS} DESTINATION ${AVSK_LIVE_FOLDER} RENAME chart.js)

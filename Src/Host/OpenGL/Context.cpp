@@ -5,6 +5,8 @@
 #include "Mesa.h"
 
 #include <cstring>
+#include <filesystem>
+#include <system_error>
 #include <vector>
 
 namespace opengl {
@@ -59,6 +61,14 @@ void ServeFirstCall() {
         gTellMissing();
 }
 
+// The script beside an installed avsk, or else the one of the project.
+std::string SetUpCommand() {
+    std::error_code error;
+    const std::filesystem::path program = std::filesystem::read_symlink("/proc/self/exe", error);
+    const std::filesystem::path script = program.parent_path().parent_path() / AVSK_PRIVATE_FOLDER / "setup-opengl";
+    return std::filesystem::exists(script, error) ? script.string() : "./dev setup opengl";
+}
+
 void *Find(const char *name) { return reinterpret_cast<void *>(OpenMesa().find(name)); }
 
 } // namespace
@@ -84,7 +94,7 @@ void Finish() {
 
 const std::string &Missing() {
     if (!OpenMesa().fault.empty())
-        gMissing = "OpenGL draws nothing: " + OpenMesa().fault + "; './dev setup opengl' brings it";
+        gMissing = "OpenGL draws nothing: " + OpenMesa().fault + "; '" + SetUpCommand() + "' brings one";
     return gMissing;
 }
 
@@ -149,8 +159,14 @@ bool IsCompilingList() {
 }
 
 void ReadScreen(unsigned char *rgba) {
-    if (!IsBetweenBeginAndEnd())
-        gApi.Finish(); // copies Mesa's image into the pixels, whatever state plugins have set
+    if (!IsBetweenBeginAndEnd()) {
+        // Copies Mesa's image into the pixels, if its framebuffer is bound. Independent of other state.
+        GLint framebuffer = 0;
+        gApi.GetIntegerv(GL_DRAW_FRAMEBUFFER_BINDING, &framebuffer);
+        gApi.BindFramebuffer(GL_DRAW_FRAMEBUFFER, 0);
+        gApi.Finish();
+        gApi.BindFramebuffer(GL_DRAW_FRAMEBUFFER, static_cast<GLuint>(framebuffer));
+    }
     const std::size_t row = static_cast<std::size_t>(gScreen.width) * 4;
     for (int y = gScreen.height - 1; y >= 0; --y, rgba += row)
         std::memcpy(rgba, gScreen.pixels.data() + static_cast<std::size_t>(y) * row, row);

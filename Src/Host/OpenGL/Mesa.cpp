@@ -139,7 +139,9 @@ Mesa Open() {
     Mesa mesa;
     void *const library = OpenLibrary();
     if (!library) {
-        mesa.fault = "no 32-bit OSMesa is installed";
+        const char *const folder = std::getenv("AVSK_OPENGL_FOLDER");
+        mesa.fault = folder ? "AVSK_OPENGL_FOLDER, '" + std::string(folder) + "', has no OSMesa that can be opened"
+                            : "there is no 32-bit OSMesa";
         return mesa;
     }
     const auto find = [library](const char *name) { return crossings::RealLookup()(library, name); };
