@@ -10,7 +10,6 @@
 
 #include <array>
 #include <span>
-#include <tuple>
 #include <utility>
 
 // Where thunks lead: the function's number is in eax, the arguments begin behind the return address.
@@ -68,11 +67,11 @@ constexpr std::array<Caller, sizeof...(I)> MakeCallers(std::index_sequence<I...>
     return {&Call<I>...};
 }
 
-constexpr std::size_t kMostWords = std::tuple_size_v<Values>;
+constexpr std::size_t kMostWords = Values::kMost;
 constexpr auto kCallers = MakeCallers(std::make_index_sequence<kMostWords + 1>());
 
 consteval bool AreWordsFew() {
-#define AVSK_OPENGL(name, text, words, flags, groups) ((words) <= kMostWords) &&
+#define AVSK_OPENGL(name, text, types, words, flags, groups) ((words) <= kMostWords) &&
     return
 #include "Functions.inc"
         true;
@@ -93,7 +92,7 @@ bool NeedsThunk(unsigned number) {
 }
 
 std::uint64_t NeutralResult(const Function &function) {
-    return function.Types().front() == 's' ? reinterpret_cast<std::uintptr_t>("") : 0;
+    return function.Types()[0] == 's' ? reinterpret_cast<std::uintptr_t>("") : 0;
 }
 
 void NoteBeginAndEnd(unsigned number, const std::uint32_t *words) {
@@ -174,7 +173,7 @@ void UpdateSlots() {
     AvskOpenGL &library = *avskOpenGL();
     for (unsigned i = 0; i < kFunctionCount; ++i) {
         // A thunk does not return in st(0). Mesa lacks the only function that does, and its slot is neutral.
-        if (kFunctions[i].Types().front() == 'f')
+        if (kFunctions[i].Types()[0] == 'f')
             continue;
         const unsigned char *const thunk = library.thunks + i * kAvskOpenGLThunkSize;
         library.slots[i] = NeedsThunk(i) ? const_cast<unsigned char *>(thunk) : reinterpret_cast<void *>(gReal[i]);
@@ -192,7 +191,7 @@ bool AddCallUnderWay(crossings::Line &line, const void *stack) {
     const Function &function = kFunctions[library.last];
     Values values;
     const auto arguments = ReadArguments(values, function, library.stack + 1);
-    for (crossings::Value &value : std::span(values).first(arguments.size())) {
+    for (crossings::Value &value : arguments) {
         if (value.kind == crossings::Value::Kind::Function) // whose name cannot be looked up now
             value.kind = crossings::Value::Kind::Pointer;
     }

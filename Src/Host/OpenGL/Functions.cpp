@@ -10,18 +10,16 @@ constexpr const char kTexts[] =
 #include "FunctionTexts.inc"
     ;
 
-const char *Next(const char *text) { return text + std::strlen(text) + 1; }
-
 } // namespace
 
 const Function kFunctions[kFunctionCount] = {
-#define AVSK_OPENGL(name, text, words, flags, groups) {text, words, flags, groups},
+#define AVSK_OPENGL(name, text, types, words, flags, groups) {text, types, words, flags, groups},
 #include "Functions.inc"
 #undef AVSK_OPENGL
 };
 
 const char *Function::Name() const { return kTexts + text; }
-const char *Function::Parameters() const { return Next(Name()); }
-std::string_view Function::Types() const { return Next(Parameters()); }
+const char *Function::Parameters() const { return Name() + std::strlen(Name()) + 1; }
+const char *Function::Types() const { return kTexts + types; }
 
 } // namespace opengl

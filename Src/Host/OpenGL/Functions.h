@@ -3,13 +3,12 @@
 #define AVSK_HOST_OPENGL_FUNCTIONS_H
 
 #include <cstdint>
-#include <string_view>
 
 namespace opengl {
 
 // kNumber_glBegin and so on.
 enum Number : std::uint16_t {
-#define AVSK_OPENGL(name, text, words, flags, groups) kNumber_##name,
+#define AVSK_OPENGL(name, text, types, words, flags, groups) kNumber_##name,
 #include "Functions.inc"
 #undef AVSK_OPENGL
     kFunctionCount
@@ -22,6 +21,7 @@ enum Flags : std::uint8_t {
 
 struct Function {
     std::uint32_t text;
+    std::uint32_t types;
     std::uint8_t words; // of its arguments
     std::uint8_t flags;
     std::uint16_t groups;
@@ -30,7 +30,7 @@ struct Function {
     // "mode,first,count"
     const char *Parameters() const;
     // The letter of the result and those of the parameters; see generate_opengl.py.
-    std::string_view Types() const;
+    const char *Types() const;
 };
 
 extern const Function kFunctions[kFunctionCount];

@@ -112,7 +112,7 @@ std::vector<Prototype> MakePrototypes() {
     prototypes.reserve(kFunctionCount);
     for (const Function &function : kFunctions)
         prototypes.push_back(
-            {function.Name(), function.Parameters(), Prototype::Form::OpenGL, KindOf(function.Types().front())});
+            {function.Name(), function.Parameters(), Prototype::Form::OpenGL, KindOf(function.Types()[0])});
     return prototypes;
 }
 
@@ -138,21 +138,20 @@ std::span<Prototype> Prototypes() {
 
 Number NumberOf(const Prototype &prototype) { return static_cast<Number>(&prototype - Prototypes().data()); }
 
-std::span<const Value> ReadArguments(Values &values, const Function &function, const std::uint32_t *words) {
+std::span<Value> ReadArguments(Values &values, const Function &function, const std::uint32_t *words) {
     std::size_t count = 0;
     std::size_t group = function.groups;
-    for (const char type : function.Types().substr(1)) {
+    for (const char *at = function.Types() + 1; *at; ++at) {
+        const char type = *at;
         const bool isLong = type == 'd' || type == 'l' || type == 'L';
         const std::uint64_t high = isLong ? words[1] : 0;
         const bool hasGroup = type == 'E' || type == 'B';
-        values[count++] = ValueOf(type, high << 32 | words[0], hasGroup ? GroupOfParameter(group++) : -1);
+        values.all[count++] = ValueOf(type, high << 32 | words[0], hasGroup ? GroupOfParameter(group++) : -1);
         words += isLong ? 2 : 1;
     }
-    return std::span(values).first(count);
+    return std::span(values.all).first(count);
 }
 
-Value ReadResult(const Function &function, std::uint64_t result) {
-    return ValueOf(function.Types().front(), result, -1);
-}
+Value ReadResult(const Function &function, std::uint64_t result) { return ValueOf(function.Types()[0], result, -1); }
 
 } // namespace opengl

@@ -16,9 +16,15 @@ std::span<crossings::Prototype> Prototypes();
 // The function of a prototype in this table.
 Number NumberOf(const crossings::Prototype &prototype);
 
-using Values = std::array<crossings::Value, 24>;
+// Room for the arguments of a call. Only those that there are get a value.
+union Values {
+    static constexpr std::size_t kMost = 24;
+    Values() {}
+    std::array<crossings::Value, kMost> all;
+};
+
 // The arguments of a call, which lie in these words.
-std::span<const crossings::Value> ReadArguments(Values &values, const Function &function, const std::uint32_t *words);
+std::span<crossings::Value> ReadArguments(Values &values, const Function &function, const std::uint32_t *words);
 crossings::Value ReadResult(const Function &function, std::uint64_t result);
 
 } // namespace opengl

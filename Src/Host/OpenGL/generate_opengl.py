@@ -4,9 +4,10 @@ The tables are made at build time from OpenGL's XML registry. These files are
 written:
 
     Stubs.c          the exported functions of libGL.so.1, in assembler; see Library.h
-    Functions.inc    AVSK_OPENGL(name, text, words, flags, groups) for each function, in the order of their numbers
+    Functions.inc    AVSK_OPENGL(name, text, types, words, flags, groups) for each function, in the order of their
+                     numbers
     FunctionTexts.inc   a literal: name, parameters and types of each function, each ended by a zero; `text` above is
-                     where they begin. The first type is the result's; see TYPES.
+                     where they begin, and `types` where the types do. The first type is the result's; see TYPES.
     Groups.inc       AVSK_GROUP(first, count) for each group of enumerants; then the members: AVSK_MEMBER(enumerant);
                      then the group of each parameter of type E or B, or -1: AVSK_PARAMETER_GROUP(group). `groups`
                      above is where a function's begin.
@@ -146,7 +147,8 @@ def write_tables(folder, commands, enumerants, groups):
     group_numbers = {group: i for i, group in enumerate(groups)}
     for command in commands:
         parts = (command.name, ",".join(command.parameters), command.result + command.types)
-        functions.append(f"AVSK_OPENGL({command.name}, {at}, {command.words()}, {command.flags()}, "
+        types = at + len(parts[0]) + len(parts[1]) + 2
+        functions.append(f"AVSK_OPENGL({command.name}, {at}, {types}, {command.words()}, {command.flags()}, "
                          f"{len(parameter_groups)})")
         texts.append(literal(parts))
         at += sum(len(part) + 1 for part in parts)
