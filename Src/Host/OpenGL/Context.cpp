@@ -130,6 +130,8 @@ void BeginFrame(bool isPictured) {
     SetScreen(isPictured || gIsRead);
     if (gScreen.isWhole)
         Clear();
+    else
+        gApi.Flush(); // Mesa keeps what the last frame used, deleted textures too, until then
 }
 
 void BeforeDrawing(void (*flush)()) {
