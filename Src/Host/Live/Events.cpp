@@ -89,7 +89,7 @@ struct Timer::Clock {
 
 Timer::Timer(Events &events) : mClock(std::make_shared<Clock>(events.Context())) {}
 
-Timer::~Timer() { Stop(); }
+Timer::~Timer() = default;
 
 void Timer::Start(std::chrono::milliseconds delay, std::function<void()> call) {
     mClock->timer.expires_after(delay);

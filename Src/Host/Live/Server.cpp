@@ -210,7 +210,10 @@ class Server::Acceptor : public std::enable_shared_from_this<Acceptor> {
 
     int Port() const { return mAcceptor.local_endpoint().port(); }
     void Accept();
-    void Close() { mAcceptor.close(); }
+    void Close() {
+        error_code ignored;
+        mAcceptor.close(ignored);
+    }
 
     std::shared_ptr<Served> served;
 

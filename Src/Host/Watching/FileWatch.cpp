@@ -61,9 +61,8 @@ bool IsCode(const std::string &path) {
 
 std::string NamesOf(const std::vector<std::string> &changed) {
     constexpr std::size_t kMost = 3;
-    std::vector<std::string> names;
-    for (const std::string &path : changed)
-        names.push_back(ShortName(path));
+    std::vector<std::string> names(changed.size());
+    std::transform(changed.begin(), changed.end(), names.begin(), ShortName);
     std::sort(names.begin(), names.end());
     names.erase(std::unique(names.begin(), names.end()), names.end());
     return Shortened(names, kMost);
