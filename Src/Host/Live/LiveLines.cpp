@@ -133,6 +133,7 @@ void CheckFiles(const Step &step, const Simulator &simulator, const Recording &r
 } // namespace
 
 void LiveLines::Record(const Step &step, bool hasSucceeded, int framesBefore) {
+    mRecording.Begin("");
     if (!hasSucceeded) {
         for (int frame = framesBefore; frame < mRun.Sim().frame; ++frame)
             mRecording.AddFrame(); // to compare a picture takes one
@@ -146,6 +147,7 @@ void LiveLines::Record(const Step &step, bool hasSucceeded, int framesBefore) {
 
 void LiveLines::DoFirst(const Step &step) {
     const int frame = mRun.Sim().frame;
+    mRecording.Begin(step.text);
     Record(step, mRun.Do(step), frame);
 }
 
@@ -165,6 +167,7 @@ Answer LiveLines::Do(const std::string &line) {
         return {true, ""};
     }
     SetPlace("live: " + step->text);
+    mRecording.Begin(step->text);
     const int frame = mRun.Sim().frame;
     std::string text;
     Failure failure;

@@ -1,10 +1,13 @@
-// Collects the lines and writes them; see Recording.h. Called by LiveSimulator.cpp
-// and LiveLines.cpp.
+// Collects the lines and writes them; see Recording.h. Called by LiveSimulator.cpp,
+// LiveLines.cpp and reports of what ended the process. Owns the pointer to the recording.
 #include "Recording.h"
 
 #include "LivePaths.h"
 
 #include "Common/UsageError.h"
+#include "Crossings/Line.h"
+#include "Observing/Blame.h"
+#include "Observing/History.h"
 #include "Session/SessionOptions.h"
 #include "Session/TemporaryRoot.h"
 #include "Session/Values.h"
@@ -14,6 +17,8 @@
 #include <cerrno>
 #include <charconv>
 #include <cstring>
+#include <ctime>
+#include <exception>
 #include <filesystem>
 #include <string_view>
 #include <utility>
@@ -34,6 +39,16 @@ std::string Exactly(double number) {
 }
 
 std::string Absolute(const fs::path &path) { return fs::absolute(path).lexically_normal().string(); }
+
+const Recording *gRecording = nullptr; // of the process
+void (*gAddedBefore)() = nullptr;      // to reports of what ended the process
+
+void WriteLastRecording() {
+    if (gAddedBefore)
+        gAddedBefore();
+    if (gRecording)
+        gRecording->WriteLast();
+}
 
 bool WriteWhole(int descriptor, std::string_view text) {
     while (!text.empty()) {
@@ -58,28 +73,40 @@ Recording::Recording(const SessionOptions &options, const std::string &aircraft,
     const SimulatorOptions defaults;
     const bool hasRoot = options.rootGiven || options.plugins.empty();
     if (hasRoot)
-        Add({"root ", Absolute(simulator.root), ""});
+        AddPath("root ", simulator.root);
     const fs::path plugins = fs::path(simulator.root) / "Resources/plugins";
     for (const std::string &plugin : options.plugins) {
         const fs::path found = LocatePlugin(hasRoot ? simulator.root : "", plugin);
         if (hasRoot && plugin.find('/') == std::string::npos && found.parent_path() == plugins)
             AddLine("plugin " + Written(plugin));
         else
-            Add({"plugin ", Absolute(found), ""});
+            AddPath("plugin ", found);
     }
     if (simulator.fps != defaults.fps)
         AddLine("fps " + Exactly(simulator.fps));
     if (simulator.screenWidth != defaults.screenWidth || simulator.screenHeight != defaults.screenHeight)
         AddLine("screen " + std::to_string(simulator.screenWidth) + "x" + std::to_string(simulator.screenHeight));
     if (!aircraft.empty())
-        Add({"aircraft ", Absolute(aircraft), ""});
+        AddPath("aircraft ", aircraft);
     for (const std::string &scenery : simulator.scenery)
-        Add({"scenery ", Absolute(scenery), ""});
+        AddPath("scenery ", scenery);
     for (const auto &[rule, reason] : options.observing.allowed)
         AddLine("allow " + rule + " " + Written(reason));
     for (const auto &[plugin, milliseconds] : budgets)
         AddLine("budget " + Exactly(milliseconds) + (plugin.empty() ? "" : " " + Written(plugin)));
     AddLine("");
+    mLastFile = (fs::temp_directory_path() /
+                 ("avsk-live-" + std::to_string(std::time(nullptr)) + "-" + std::to_string(getpid()) + ".avs"))
+                    .string();
+    gRecording = this;
+    gAddedBefore = AddToBlame(WriteLastRecording);
+}
+
+Recording::~Recording() {
+    if (std::uncaught_exceptions() > 0)
+        WriteLast(); // a plugin's exception ends the process
+    AddToBlame(gAddedBefore);
+    gRecording = nullptr;
 }
 
 void Recording::AddFrame() {
@@ -87,21 +114,28 @@ void Recording::AddFrame() {
     if (mFrames == kMost)
         EndFrames();
     ++mFrames;
+    mUnderWay.clear();
 }
 
 void Recording::AddLine(std::string before, const std::string &file, std::string behind) {
-    Add({std::move(before), Absolute(fs::path(mFolder) / file), std::move(behind)});
+    AddPath(std::move(before), fs::path(mFolder) / file, std::move(behind));
+}
+
+void Recording::AddPath(std::string before, const std::string &path, std::string behind) {
+    const std::string absolute = Absolute(path);
+    Add({std::move(before), absolute, Written(absolute), std::move(behind)});
 }
 
 void Recording::Add(Line line) {
     EndFrames();
+    mUnderWay.clear();
     mLines.push_back(std::move(line));
     mSavedAs.clear();
 }
 
 void Recording::EndFrames() {
     if (const int frames = std::exchange(mFrames, 0); frames > 0)
-        mLines.push_back({"frames " + std::to_string(frames), "", ""});
+        mLines.push_back({"frames " + std::to_string(frames), "", "", ""});
 }
 
 std::string Recording::Save(const std::string &file, bool replaces) {
@@ -122,6 +156,34 @@ std::string Recording::Save(const std::string &file, bool replaces) {
         throw UsageError("cannot write '" + path + "' (" + std::strerror(fault) + ")");
     mSavedAs = file;
     return path;
+}
+
+void Recording::WriteLast() const {
+    const int file = open(mLastFile.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
+    if (file < 0)
+        return;
+    bool isWritten = true;
+    const auto write = [&](std::string_view text) { isWritten = isWritten && WriteWhole(file, text); };
+    for (const Line &line : mLines) {
+        for (const std::string *part : {&line.before, &line.quoted, &line.behind})
+            write(*part);
+        write("\n");
+    }
+    crossings::Line frames;
+    frames.Add(mUnderWay.empty() ? mFrames + 1 : mFrames); // one is under way
+    if (frames.Text() != "0") {
+        write("frames ");
+        write(frames.Text());
+        write("\n");
+    }
+    write(mUnderWay);
+    write("\n");
+    close(file);
+    if (!isWritten)
+        return;
+    WriteError("The session until then, for 'avsk run': ");
+    WriteError(mLastFile);
+    WriteError("\n");
 }
 
 std::vector<std::string> Recording::Tail(std::size_t most) const {

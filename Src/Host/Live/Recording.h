@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <map>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace host {
@@ -19,11 +20,18 @@ class Recording {
     Recording(const SessionOptions &options, const std::string &aircraft, const std::map<std::string, double> &budgets,
               std::string folder);
 
+    ~Recording();
+    Recording(const Recording &) = delete;
+    Recording &operator=(const Recording &) = delete;
+
     const std::string &Folder() const { return mFolder; }
+
+    // The line that is about to be executed, in case that it ends the process. Adding a line or frames ends it.
+    void Begin(std::string line) { mUnderWay = std::move(line); }
 
     // A frame that no line ran.
     void AddFrame();
-    void AddLine(std::string line) { Add({std::move(line), "", ""}); }
+    void AddLine(std::string line) { Add({std::move(line), "", "", ""}); }
     // A line that names a file of the folder: the words before it, its path, the words behind it.
     void AddLine(std::string before, const std::string &file, std::string behind = "");
 
@@ -32,6 +40,9 @@ class Recording {
 
     // For a reader: the last lines, and how many are before them.
     std::vector<std::string> Tail(std::size_t most) const;
+    // Writes the session, with what is under way, where no file is replaced, and reports where. Safe in a signal
+    // handler.
+    void WriteLast() const;
     std::size_t Count() const { return mLines.size() + (mFrames > 0 ? 1 : 0); }
     // The name of the file that has all lines; empty if there is none.
     const std::string &SavedAs() const { return mSavedAs; }
@@ -39,7 +50,8 @@ class Recording {
   private:
     struct Line {
         std::string before;
-        std::string path; // absolute; may be empty
+        std::string path;   // absolute; may be empty
+        std::string quoted; // that path, as a word of a session
         std::string behind;
 
         // In a file of this folder.
@@ -47,11 +59,14 @@ class Recording {
     };
 
     void Add(Line line);
+    void AddPath(std::string before, const std::string &path, std::string behind = "");
     void EndFrames();
 
     const std::string mFolder;
     std::vector<Line> mLines;
     int mFrames = 0; // since the last line
+    std::string mUnderWay;
+    std::string mLastFile; // of WriteLast()
     std::string mSavedAs;
 };
 

@@ -449,7 +449,7 @@ void Blame::Ends(const Crossing &crossing) {
         mWatchdog->Restart();
 }
 
-void AddToBlame(void (*write)()) { gAddition = write; }
+void (*AddToBlame(void (*write)()))() { return std::exchange(gAddition, write); }
 void NameInnerCalls(bool (*add)(Line &line, const void *stack)) { gAddInnerCall = add; }
 bool IsReporting() { return gReporting; }
 void SetForeignSignals(const ForeignSignals *signals) { gForeign = signals; }

@@ -50,8 +50,8 @@ class Blame : public crossings::Observer {
 };
 
 // The function writes what reports of Blame contain at their end. It runs in signal
-// handlers. Null for none.
-void AddToBlame(void (*write)());
+// handlers. Null for none. Returns the one before.
+void (*AddToBlame(void (*write)()))();
 
 // The function adds the call that a plugin makes where the stack pointer has the given value, if it is one that the
 // library does not see, and tells whether it is. It runs in signal handlers. Null for none.

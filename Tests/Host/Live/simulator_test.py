@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Drives the simulator's process of `avsk live` over its channel, as the server does.
 
-usage: simulator_test.py AVSK DEMO
+usage: simulator_test.py AVSK DEMO DIES [CLAIM]
 """
 import json
 import os
@@ -15,7 +15,7 @@ import tempfile
 import time
 import zlib
 
-AVSK, DEMO = (os.path.abspath(path) for path in sys.argv[1:3])
+AVSK, DEMO, DIES = (os.path.abspath(path) for path in sys.argv[1:4])
 
 
 class Live:
@@ -242,6 +242,26 @@ def a_session_goes_on_where_its_lines_end(folder):
     assert status == 0, output
 
 
+def what_ends_the_simulator_is_recorded(folder):
+    for way, line, last in [("abort", "keydown F8", "keydown F8"), ("throw", None, "frames 1")]:
+        os.environ["AVSK_TEST_DIES"] = way
+        live = Live("--root", DIES, folder=folder)
+        try:
+            if line:
+                live.ask("line", line="press")
+                live.ask("line", line=line)
+            live.until("answer", lambda _: False)
+        except (EOFError, ConnectionError) as end:
+            report = str(end)
+        found = re.search(r"The session until then, for 'avsk run': (\S+)", report)
+        assert found, report
+        with open(found[1]) as file:
+            assert file.read().rstrip("\n").endswith(last)
+        status, output = run(found[1])
+        assert status == (1 if way == "throw" else 3), output
+    del os.environ["AVSK_TEST_DIES"]
+
+
 def topics_tell_what_there_is(folder):
     live = Live("--root", DEMO, folder=folder)
     live.open("plugins", "commands", "menus", "findings", "simulator", "time", "calls", "datarefs", "log")
@@ -326,15 +346,16 @@ def real_time_holds_and_pictures_follow(folder):
 
 def main():
     claims = [everything_that_a_page_does_is_recorded_and_passes, a_session_goes_on_where_its_lines_end,
-              topics_tell_what_there_is, real_time_holds_and_pictures_follow]
+              what_ends_the_simulator_is_recorded, topics_tell_what_there_is, real_time_holds_and_pictures_follow]
     for claim in claims:
-        if len(sys.argv) > 3 and sys.argv[3] not in claim.__name__:
+        if len(sys.argv) > 4 and sys.argv[4] not in claim.__name__:
             continue
         begin = time.monotonic()
         with tempfile.TemporaryDirectory() as folder:
             folder = os.path.realpath(folder)
             os.mkdir(os.path.join(folder, "below"))
             os.symlink("/tmp", os.path.join(folder, "link"))
+            os.environ["TMPDIR"] = folder
             claim(folder)
         print(f"{claim.__name__}: {time.monotonic() - begin:.1f} s", flush=True)
 
