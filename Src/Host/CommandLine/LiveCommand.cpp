@@ -37,7 +37,7 @@ Examples:
       the plugins in build/release/demo/Resources/plugins
   avsk live build/sim/Resources/plugins/Counter/lin.avp --watch
       one plugin; each build of it is loaded at once
-  avsk live Menu.avs --no-open --port 8080
+  avsk live Menu.avs --root build/release/demo --no-open --port 8080
       goes on where a session ends; the address is only printed, with a port of your choice
   avsk live --root sim --plugin Lights --trace calls.json
       one plugin of the root; all calls also go to a file for trace viewers
@@ -56,7 +56,6 @@ struct LiveRequest {
 std::vector<CLI::Option *> AddLiveOnlyOptions(CLI::App &command, LiveRequest &request) {
     SimulatorOptions &simulator = request.options.simulator;
     std::vector<CLI::Option *> added{
-        AddRoot(command, simulator.root),
         command.add_option("--fps", simulator.fps, "frames a second")->check(PositiveNumber())->capture_default_str(),
         command
             .add_option("--aircraft", request.live.aircraft,
@@ -131,6 +130,7 @@ void AddLiveCommand(CLI::App &app, Job &job, int argc, char **argv) {
         ->add_option("FILE", options.file,
                      "a session, whose steps are executed first; or a plugin to run: lin.avp or its folder")
         ->type_name("");
+    CLI::Option *const root = AddRoot(*command, options.simulator.root);
     const std::vector<CLI::Option *> liveOnly = AddLiveOnlyOptions(*command, *request);
     AddPlugins(*command, options.plugins, "load only this plugin; can be repeated");
     command
@@ -144,8 +144,8 @@ void AddLiveCommand(CLI::App &app, Job &job, int argc, char **argv) {
     command->add_option("--simulator", request->simulator)->group("");
     command->add_option("--round", request->round.folder)->group("");
     command->footer(kExamples);
-    command->callback([request, liveOnly, &job] {
-        request->options.rootGiven = liveOnly.front()->count() > 0;
+    command->callback([request, root, liveOnly, &job] {
+        request->options.rootGiven = root->count() > 0;
         request->live.opensBrowser = !request->staysClosed;
         SortOut(*request, liveOnly);
         job = [request] { return Do(*request); };
