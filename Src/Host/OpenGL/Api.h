@@ -28,6 +28,7 @@
 namespace opengl {
 
 struct Api {
+// NOLINTNEXTLINE(bugprone-macro-parentheses): a name
 #define AVSK_OPENGL_MEMBER(name) decltype(&gl##name) name;
     AVSK_OPENGL_API(AVSK_OPENGL_MEMBER)
 #undef AVSK_OPENGL_MEMBER

@@ -3,11 +3,13 @@
 // calls and the state between glBegin and glEnd.
 #include "Calls.h"
 
+#include "Context.h"
 #include "Library.h"
 #include "Prototypes.h"
 
 #include "Crossings/ValueText.h"
 
+#include <algorithm>
 #include <array>
 #include <span>
 #include <utility>
@@ -70,14 +72,12 @@ constexpr std::array<Caller, sizeof...(I)> MakeCallers(std::index_sequence<I...>
 constexpr std::size_t kMostWords = Values::kMost;
 constexpr auto kCallers = MakeCallers(std::make_index_sequence<kMostWords + 1>());
 
-consteval bool AreWordsFew() {
-#define AVSK_OPENGL(name, text, types, words, flags, groups) ((words) <= kMostWords) &&
-    return
+constexpr int kWords[] = {
+#define AVSK_OPENGL(name, text, types, words, flags, groups) words,
 #include "Functions.inc"
-        true;
 #undef AVSK_OPENGL
-}
-static_assert(AreWordsFew());
+};
+static_assert(std::ranges::max(kWords) <= int{kMostWords});
 
 // ---- Slots
 

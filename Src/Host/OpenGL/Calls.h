@@ -26,10 +26,6 @@ void SetFunctions(void (*(*find)(const char *name))());
 // To be called when a handler or an observer has changed.
 void UpdateSlots();
 
-bool IsUsed();
-unsigned long CountedCalls();
-bool IsBetweenBeginAndEnd();
-
 // Adds the call that is under way where the stack pointer has this value, with its arguments. False if there is none.
 // For handlers of signals.
 bool AddCallUnderWay(crossings::Line &line, const void *stack);

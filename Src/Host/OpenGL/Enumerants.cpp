@@ -5,6 +5,9 @@
 #include <bit>
 #include <iterator>
 
+// Compilers take longer literals than they have to.
+#pragma GCC diagnostic ignored "-Woverlength-strings"
+
 namespace opengl {
 namespace {
 

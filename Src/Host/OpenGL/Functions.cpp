@@ -3,6 +3,9 @@
 
 #include <cstring>
 
+// Compilers take longer literals than they have to.
+#pragma GCC diagnostic ignored "-Woverlength-strings"
+
 namespace opengl {
 namespace {
 

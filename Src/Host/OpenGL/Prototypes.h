@@ -19,7 +19,7 @@ Number NumberOf(const crossings::Prototype &prototype);
 // Room for the arguments of a call. Only those that there are get a value.
 union Values {
     static constexpr std::size_t kMost = 24;
-    Values() {}
+    Values() {} // NOLINT(modernize-use-equals-default): it would be deleted
     std::array<crossings::Value, kMost> all;
 };
 
