@@ -225,7 +225,10 @@ std::optional<std::string> ReadBytes(const std::string &path, std::string &fault
         fault = "is larger than 256 MiB";
         return std::nullopt;
     }
-    return std::string(std::istreambuf_iterator<char>(stream), {});
+    std::string bytes(static_cast<std::size_t>(info.st_size), '\0');
+    stream.read(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+    bytes.resize(static_cast<std::size_t>(stream.gcount()));
+    return bytes;
 }
 
 } // namespace

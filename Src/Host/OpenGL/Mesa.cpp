@@ -25,6 +25,14 @@ namespace fs = std::filesystem;
 
 constexpr const char *kLibrary = "libOSMesa.so.8";
 
+// Plugins are loaded globally, and most export instances of standard templates. Mesa must not use these: it would
+// keep the plugins mapped. The runtime of the sanitizers refuses libraries with a scope of their own.
+#ifdef __SANITIZE_ADDRESS__
+constexpr int kOpenMode = RTLD_NOW | RTLD_LOCAL;
+#else
+constexpr int kOpenMode = RTLD_NOW | RTLD_LOCAL | RTLD_DEEPBIND;
+#endif
+
 // A file in memory. The system reads the pages that are used; one of the files has 120 MB.
 class MappedFile {
   public:
@@ -100,7 +108,7 @@ class Folder {
             else
                 Open(need);
         }
-        return dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
+        return dlopen(path.c_str(), kOpenMode);
     }
 
   private:
@@ -129,7 +137,7 @@ fs::path SetUpFolder() {
 void *OpenLibrary() {
     if (const char *const folder = std::getenv("AVSK_OPENGL_FOLDER"))
         return Folder(folder).Open(kLibrary);
-    if (void *const library = dlopen(kLibrary, RTLD_NOW | RTLD_LOCAL))
+    if (void *const library = dlopen(kLibrary, kOpenMode))
         return library;
     const fs::path folder = SetUpFolder();
     return folder.empty() ? nullptr : Folder(folder).Open(kLibrary);
