@@ -344,6 +344,7 @@ void OnSanitizersEnd() {
     head.Add("avsk: a sanitizer ended the run, in ");
     AddCulprit(head, gHistory.Innermost());
     head.Add(" in ");
+    AddInnerCall(head, __builtin_frame_address(0));
     AddTitleAndCaller(head, gHistory.Innermost());
     WriteCalls(head);
     if (gAddition)

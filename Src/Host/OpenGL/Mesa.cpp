@@ -18,6 +18,15 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#ifdef __SANITIZE_ADDRESS__
+// Mesa does not free everything of a destroyed context.
+#define AVSK_FOR_SANITIZER extern "C" __attribute__((visibility("default"))) const char *
+// NOLINTBEGIN(bugprone-reserved-identifier)
+AVSK_FOR_SANITIZER __lsan_default_suppressions() { return "leak:libOSMesa.so\n"; }
+AVSK_FOR_SANITIZER __lsan_default_options() { return "print_suppressions=0"; }
+// NOLINTEND(bugprone-reserved-identifier)
+#endif
+
 namespace opengl {
 namespace {
 
