@@ -168,4 +168,11 @@ std::vector<std::string> DescribeStayingFiles(const std::string &folder) {
     return lines;
 }
 
+std::string ThreadInFile(const std::string &path) {
+    const std::vector<Mapping> mappings = ReadMappings();
+    const auto files = MappedFiles((fs::path(path).parent_path() / "").string(), mappings);
+    const auto file = files.find(path);
+    return file == files.end() ? "" : ThreadIn(file->second, mappings);
+}
+
 } // namespace host

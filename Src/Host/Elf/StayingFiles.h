@@ -11,6 +11,9 @@ namespace host {
 // path from there, what keeps it, and what to do.
 std::vector<std::string> DescribeStayingFiles(const std::string &folder);
 
+// The number of a thread that runs in a mapped file, or was called from there; empty if there is none.
+std::string ThreadInFile(const std::string &path);
+
 } // namespace host
 
 #endif

@@ -323,16 +323,15 @@ void LifeChecks::CheckThreads(const Crossing &stop, const Plugin &plugin) {
             return;
         std::this_thread::sleep_for(std::chrono::milliseconds(1));
     }
+    // The threads may be the host's own, such as those of OpenGL.
+    const std::string file = Resolved(plugin.file);
+    const std::string number = ThreadInFile(file);
     // A file that stays mapped for another reason does no harm to its threads.
-    const std::string reason = ReasonToStay(Resolved(plugin.file));
-    constexpr std::string_view kBegin = "thread ";
-    if (!reason.starts_with(kBegin))
+    if (number.empty() || plugin.threads.contains(number) || !ReasonToStay(file).starts_with("thread "))
         return;
-    const std::string number = reason.substr(kBegin.size(), reason.find(' ', kBegin.size()) - kBegin.size());
     std::string name;
     std::getline(std::ifstream("/proc/self/task/" + number + "/comm"), name);
-    if (!plugin.threads.contains(number))
-        mFindings.Add(Named(kLifeRules, "left-thread"), stop, {{"name", Quoted(name)}});
+    mFindings.Add(Named(kLifeRules, "left-thread"), stop, {{"name", Quoted(name)}});
 }
 
 // ---- Exceptions
