@@ -77,9 +77,10 @@ void DrawNeedle(float heading) {
 int Draw(int /*phase*/, int /*isBefore*/, void * /*refcon*/) {
     constexpr int kDigits = 3;
     int width = 0;
+    int height = 0;
     int charWidth = 0;
     int charHeight = 0;
-    AVSKGetScreenSize(&width, nullptr);
+    AVSKGetScreenSize(&width, &height);
     AVSKGetFontDimensions(kFont, &charWidth, &charHeight, nullptr);
     const int x = width - 110;
     const int y = 140;
