@@ -184,7 +184,7 @@ Answer LiveLines::Do(const std::string &line) {
 
 Answer LiveLines::Expect(const std::string &picture, bool replaces) {
     std::error_code error;
-    const std::string path = PathToWrite(mRecording.Folder(), picture, ".png");
+    std::string path = PathToWrite(mRecording.Folder(), picture, ".png");
     if (!replaces && std::filesystem::exists(path, error))
         return {false, "'" + picture + "' exists: choose another name, or replace it"};
     bool &accepts = mRun.ForSetUp().options.acceptPictures;

@@ -139,7 +139,7 @@ void Recording::EndFrames() {
 }
 
 std::string Recording::Save(const std::string &file, bool replaces) {
-    const std::string path = PathToWrite(mFolder, file, ".avs");
+    std::string path = PathToWrite(mFolder, file, ".avs");
     const std::string folder = fs::path(path).parent_path().string();
     std::string text;
     for (const Line &line : mLines)
