@@ -102,7 +102,8 @@ typedef struct AVSKHostCallbacks {
      * @unchecked  all numbers, and that the host is drawing.
      * @calls      no hook.
      * @since      every table.
-     * @reference  ignores the call: it executes no OpenGL.
+     * @reference  fog, number of texture units, lighting, alpha test, alpha blending, depth test, depth writing;
+     *             not 0 is on.
      */
     void (*setGraphicsState)(int a1, int a2, int a3, int a4, int a5, int a6, int a7);
     /**
@@ -115,7 +116,7 @@ typedef struct AVSKHostCallbacks {
      * @unchecked  both numbers, and that the host is drawing.
      * @calls      no hook.
      * @since      every table.
-     * @reference  ignores the call.
+     * @reference  makes the unit the active one, and binds.
      */
     void (*bindTexture2d)(int texture, int unit);
     /**
@@ -128,7 +129,7 @@ typedef struct AVSKHostCallbacks {
      * @unchecked  a null output and a negative count.
      * @calls      no hook.
      * @since      every table.
-     * @reference  counts up from 1.
+     * @reference  counts up from 5, past its own textures.
      */
     void (*generateTextureNumbers)(int *textures, int count);
     /**
@@ -141,7 +142,8 @@ typedef struct AVSKHostCallbacks {
      * @unchecked  an unknown texture.
      * @calls      no hook.
      * @since      every table.
-     * @reference  returns 0, no texture.
+     * @reference  1: brushed metal of the panel; 2: the ground as a map, north upward; 3: the halo of a light. Others: 0,
+     *             no texture.
      */
     int (*getTexture)(int texture);
     /**
