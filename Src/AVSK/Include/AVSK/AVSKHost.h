@@ -142,8 +142,8 @@ typedef struct AVSKHostCallbacks {
      * @unchecked  an unknown texture.
      * @calls      no hook.
      * @since      every table.
-     * @reference  1: brushed metal of the panel; 2: the ground as a map, north upward; 3: the halo of a light. Others: 0,
-     *             no texture.
+     * @reference  1: brushed metal of the panel; 2: the ground as a map, north upward; 3: the halo of a light.
+     *             Others: 0, no texture.
      */
     int (*getTexture)(int texture);
     /**
