@@ -201,7 +201,7 @@ struct Observing {
         if ((options & (kOwners | kCheck)) != 0)
             owners.emplace(bench);
         if ((options & (kProfile | kBudget)) != 0)
-            profile.emplace(bench);
+            profile.emplace(bench, false);
         if ((options & kBudget) != 0)
             profile->SetBudget("", 1e6);
         if ((options & kCheck) != 0)
