@@ -117,7 +117,7 @@ void Latest::AddTiles(std::string_view message) {
         mSize = size;
     }
     ++mPicture;
-    constexpr std::size_t kMostTiles = 8192; // a screen of 8192 x 8192
+    constexpr std::size_t kMostTiles = 32768; // a screen of 8192 x 8192
     for (std::size_t count = TakeNumber(message, 2); count > 0; --count) {
         std::string head(Take(message, kTileHeadBytes));
         const std::string place = head.substr(0, kPlaceBytes);

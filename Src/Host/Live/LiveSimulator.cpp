@@ -41,6 +41,13 @@ namespace fs = std::filesystem;
 constexpr Clock::duration kBetweenPictures = 28ms; // every second frame of 60 a second
 constexpr Clock::duration kBetweenStates = 100ms;
 
+// What this thread has used of a processor. Other processes, and the threads of OpenGL, may run meanwhile.
+std::chrono::nanoseconds TimeOfThread() {
+    timespec time{};
+    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
+    return std::chrono::seconds(time.tv_sec) + std::chrono::nanoseconds(time.tv_nsec);
+}
+
 // How often something happened in the last second.
 class Rate {
   public:
@@ -262,7 +269,7 @@ void LiveSimulator::RunFrame() {
     MoveMouse();
     const Clock::time_point begin = Clock::now();
     const bool isPictured = mTopics.IsOpen("screen") && (mIsPictureDue || begin >= mNextPicture);
-    const std::clock_t used = std::clock(); // of this process, since others may take turns with it
+    const std::chrono::nanoseconds used = TimeOfThread();
     mRun.Sim().display.wanted = isPictured;
     mRun.RunFrames(1);
     mRecording.AddFrame();
@@ -272,8 +279,8 @@ void LiveSimulator::RunFrame() {
         return;
     SendPicture();
     mIsPictureDue = false;
-    const std::chrono::microseconds cost((std::clock() - used) * (1'000'000 / CLOCKS_PER_SEC));
-    mNextPicture = std::max(begin + kBetweenPictures, Clock::now() + cost); // at most half of the time is for pictures
+    // At most half of the time is for pictures.
+    mNextPicture = std::max(begin + kBetweenPictures, Clock::now() + (TimeOfThread() - used));
 }
 
 void LiveSimulator::SendPicture() {

@@ -12,8 +12,8 @@
 namespace host {
 namespace {
 
-constexpr int kTileWidth = 128;
-constexpr int kTileHeight = 64;
+constexpr int kTileWidth = 64;
+constexpr int kTileHeight = 32;
 constexpr std::size_t kFullMessage = 2 * 1024 * 1024; // of a message: a channel's limit is 4 MiB
 
 void AddNumber(std::string &message, std::uint32_t number, int bytes) {
