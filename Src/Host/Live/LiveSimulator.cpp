@@ -279,8 +279,8 @@ void LiveSimulator::RunFrame() {
         return;
     SendPicture();
     mIsPictureDue = false;
-    // At most half of the time is for pictures.
-    mNextPicture = std::max(begin + kBetweenPictures, Clock::now() + (TimeOfThread() - used));
+    // At most four fifths of the time are for pictures.
+    mNextPicture = std::max(begin + kBetweenPictures, Clock::now() + (TimeOfThread() - used) / 4);
 }
 
 void LiveSimulator::SendPicture() {
