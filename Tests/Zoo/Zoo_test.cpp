@@ -86,7 +86,11 @@ TEST(Zoo, OpenGLIsCountedAndItsCorrectUseIsNoFault) {
 
 TEST(Zoo, SamplesBreakNoRule) {
     const AvskRun run = RunAvsk("run --check --quiet --frames 300 --root " AVSK_TEST_DEMO);
-    EXPECT_EQ(RulesIn(run.said), std::set<std::string>{kLeft}) << run.said;
+    std::set<std::string> rules = RulesIn(run.said);
+#ifdef __SANITIZE_ADDRESS__
+    rules.erase("callback-slow"); // the first call of OpenGL
+#endif
+    EXPECT_EQ(rules, std::set<std::string>{kLeft}) << run.said;
     EXPECT_EQ(run.status, 0);
 }
 

@@ -78,6 +78,9 @@ void Prepare(int width, int height) {
     gScreen.height = height;
     gHandlers.first = ServeFirstCall;
     TakeCalls();
+#ifdef __SANITIZE_ADDRESS__
+    OpenMesa(); // before plugins are loaded, whose symbols Mesa would use: here it has no scope of its own
+#endif
 }
 
 void Finish() {
