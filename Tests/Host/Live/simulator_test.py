@@ -223,7 +223,7 @@ def a_session_goes_on_where_its_lines_end(folder):
     assert (hello["name"], hello["screen"], hello["fps"], hello["budget"]) == ("begin", [640, 480], 30, 500), hello
     live.open("screen", "recording", "log", "simulator")
     live.until("picture", lambda _: True)
-    assert live.pictures[0][2] == (640, 480) and len(live.pictures[0][3]) == 5 * 8
+    assert live.pictures[0][2] == (640, 480) and len(live.pictures[0][3]) == 10 * 15
     live.do("expect window Window 140,450,492,360")
     assert live.ask("picture", file="window.png")["ok"]
     assert not live.ask("picture", file="window.png")["ok"]
