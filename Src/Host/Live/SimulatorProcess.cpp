@@ -2,6 +2,7 @@
 // SimulatorProcess.h. Called by the hub.
 #include "SimulatorProcess.h"
 
+#include "Common/ProcessStart.h"
 #include "Common/UsageError.h"
 
 #include <algorithm>
@@ -40,30 +41,11 @@ Ends MakePipe() {
     return ends;
 }
 
-std::vector<char *> Pointers(std::vector<std::string> &texts) {
-    std::vector<char *> pointers;
-    pointers.reserve(texts.size() + 1);
-    for (std::string &text : texts)
-        pointers.push_back(text.data());
-    pointers.push_back(nullptr);
-    return pointers;
-}
-
-std::vector<std::string> Environment(const std::string &temporary) {
-    std::vector<std::string> variables;
-    for (char **variable = environ; *variable; ++variable) {
-        if (!std::string_view(*variable).starts_with("TMPDIR="))
-            variables.emplace_back(*variable);
-    }
-    variables.push_back("TMPDIR=" + temporary);
-    return variables;
-}
-
 // The process gets no descriptor of the server but these. It is in a group of its
 // own, so that a terminal's Ctrl-C goes to the server only.
 pid_t Spawn(std::vector<std::string> arguments, const std::string &temporary, int channel, int output, int errors) {
     arguments.insert(arguments.end(), {"--simulator", std::to_string(kChannel)});
-    std::vector<std::string> variables = Environment(temporary);
+    std::vector<std::string> variables = EnvironmentWithTemporary(temporary);
     posix_spawn_file_actions_t files;
     posix_spawn_file_actions_init(&files);
     posix_spawn_file_actions_addopen(&files, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
@@ -79,8 +61,8 @@ pid_t Spawn(std::vector<std::string> arguments, const std::string &temporary, in
     posix_spawnattr_setsigdefault(&attributes, &defaults);
     posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETPGROUP | POSIX_SPAWN_SETSIGDEF);
     pid_t child = -1;
-    const int error = posix_spawn(&child, "/proc/self/exe", &files, &attributes, Pointers(arguments).data(),
-                                  Pointers(variables).data());
+    const int error = posix_spawn(&child, "/proc/self/exe", &files, &attributes, PointersTo(arguments).data(),
+                                  PointersTo(variables).data());
     posix_spawnattr_destroy(&attributes);
     posix_spawn_file_actions_destroy(&files);
     if (error != 0)

@@ -1,6 +1,7 @@
 // Starts `avsk run` on a session and waits for it; see Child.h.
 #include "Child.h"
 
+#include "Common/ProcessStart.h"
 #include "Common/UsageError.h"
 
 #include <algorithm>
@@ -40,36 +41,16 @@ std::string ReadBeginning(const std::string &path) {
     return text;
 }
 
-// The environment with another folder for temporary files, so that no root is left in /tmp.
-std::vector<std::string> Environment(const std::string &temporary) {
-    std::vector<std::string> variables;
-    for (char **variable = environ; *variable; ++variable) {
-        if (!std::string_view(*variable).starts_with("TMPDIR="))
-            variables.emplace_back(*variable);
-    }
-    variables.push_back("TMPDIR=" + temporary);
-    return variables;
-}
-
-std::vector<char *> Pointers(std::vector<std::string> &texts) {
-    std::vector<char *> pointers;
-    pointers.reserve(texts.size() + 1);
-    for (std::string &text : texts)
-        pointers.push_back(text.data());
-    pointers.push_back(nullptr);
-    return pointers;
-}
-
 pid_t Start(std::vector<std::string> arguments, const std::string &errors, const std::string &temporary) {
-    std::vector<std::string> variables = Environment(temporary);
+    std::vector<std::string> variables = EnvironmentWithTemporary(temporary);
     posix_spawn_file_actions_t files;
     posix_spawn_file_actions_init(&files);
     posix_spawn_file_actions_addopen(&files, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
     posix_spawn_file_actions_addopen(&files, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
     posix_spawn_file_actions_addopen(&files, STDERR_FILENO, errors.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0666);
     pid_t child = -1;
-    const int error =
-        posix_spawn(&child, "/proc/self/exe", &files, nullptr, Pointers(arguments).data(), Pointers(variables).data());
+    const int error = posix_spawn(&child, "/proc/self/exe", &files, nullptr, PointersTo(arguments).data(),
+                                  PointersTo(variables).data());
     posix_spawn_file_actions_destroy(&files);
     if (error != 0)
         throw UsageError(std::string("check: cannot start a process (") + std::strerror(error) + ")");
