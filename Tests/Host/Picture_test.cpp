@@ -77,7 +77,7 @@ TEST_F(PictureTest, WhatCannotBeComparedIsRefusedInOneLine) {
         {1, "expect no picture missing.png", "missing.png': --accept"},
         {1, "expect no picture half.png", "half.png' is not a complete PNG file"},
         {1, "expect picture empty.png", "empty.png' is not a complete PNG file"},
-        {1, "expect picture folder.png", "folder.png' is not a complete PNG file"},
+        {1, "expect picture folder.png", "folder.png' (Is a directory)"},
         {1, "screen 640x480\nexpect picture scene.png", "the screen is 640x480, the picture 1024x768: see "},
         {2, "expect picture scene", ":1:16: expected a .png file, found 'scene'"},
         {2, "expect picture scene.png 256", "found '256'"},

@@ -5,15 +5,16 @@
 
 #include "Interned.h"
 
+#include "Common/Files.h"
+
 #include <algorithm>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <fstream>
+#include <list>
 #include <map>
 #include <memory>
-#include <optional>
 #include <string_view>
 #include <unordered_map>
 #include <vector>
@@ -30,84 +31,51 @@ namespace {
 struct Symbol {
     std::uint32_t begin;
     std::uint32_t size;
-    std::string name;
+    const char *name; // in the texts of its file
 };
 
-// A file's bytes. Reads are checked against its size.
-class Image {
-  public:
-    explicit Image(const std::string &path) {
-        std::ifstream file(path, std::ios::binary | std::ios::ate);
-        const auto size = static_cast<std::streamsize>(file.tellg());
-        if (size <= 0)
-            return;
-        mBytes.resize(static_cast<std::size_t>(size));
-        file.seekg(0).read(mBytes.data(), size);
-    }
-
-    template <class T>
-    std::optional<T> Read(std::size_t offset) const {
-        T value;
-        if (offset > mBytes.size() || mBytes.size() - offset < sizeof value)
-            return std::nullopt;
-        std::memcpy(&value, mBytes.data() + offset, sizeof value);
-        return value;
-    }
-
-    std::string_view TextAt(std::size_t offset) const {
-        if (offset >= mBytes.size())
-            return {};
-        return {mBytes.data() + offset, strnlen(mBytes.data() + offset, mBytes.size() - offset)};
-    }
-
-  private:
-    std::vector<char> mBytes;
+struct FileSymbols {
+    std::vector<Symbol> functions; // by ascending address
+    std::list<std::string> texts;
 };
 
-std::vector<Elf32_Shdr> Sections(const Image &image) {
-    std::vector<Elf32_Shdr> sections;
-    const auto header = image.Read<Elf32_Ehdr>(0);
-    if (!header || std::memcmp(header->e_ident, ELFMAG, SELFMAG) != 0 || header->e_ident[EI_CLASS] != ELFCLASS32)
-        return sections;
-    for (std::size_t i = 0; i < header->e_shnum; ++i) {
-        const auto section = image.Read<Elf32_Shdr>(header->e_shoff + i * sizeof(Elf32_Shdr));
-        if (!section)
-            break;
-        sections.push_back(*section);
-    }
-    return sections;
+std::vector<Elf32_Shdr> Sections(const host::FileParts &file) {
+    const auto header = file.Table<Elf32_Ehdr>(0, 1);
+    if (header.empty() || std::memcmp(header[0].e_ident, ELFMAG, SELFMAG) != 0 ||
+        header[0].e_ident[EI_CLASS] != ELFCLASS32)
+        return {};
+    return file.Table<Elf32_Shdr>(header[0].e_shoff, header[0].e_shnum);
 }
 
-// The functions of all symbol tables, by ascending address.
-std::vector<Symbol> ReadSymbols(const std::string &path) {
-    const Image image(path);
-    const std::vector<Elf32_Shdr> sections = Sections(image);
-    std::vector<Symbol> symbols;
+// The functions of all symbol tables. Reads nothing else of the file, which may be large.
+FileSymbols ReadSymbols(const std::string &path) {
+    const host::FileParts file(path);
+    const std::vector<Elf32_Shdr> sections = Sections(file);
+    FileSymbols symbols;
     for (const Elf32_Shdr &table : sections) {
         if ((table.sh_type != SHT_SYMTAB && table.sh_type != SHT_DYNSYM) || table.sh_link >= sections.size())
             continue;
-        const std::size_t names = sections[table.sh_link].sh_offset;
-        for (std::size_t at = 0; at + sizeof(Elf32_Sym) <= table.sh_size; at += sizeof(Elf32_Sym)) {
-            const auto symbol = image.Read<Elf32_Sym>(table.sh_offset + at);
-            if (!symbol)
-                break;
-            if (ELF32_ST_TYPE(symbol->st_info) == STT_FUNC && symbol->st_shndx != SHN_UNDEF)
-                symbols.push_back(
-                    {symbol->st_value, symbol->st_size, std::string(image.TextAt(names + symbol->st_name))});
+        const Elf32_Shdr &texts = sections[table.sh_link];
+        const std::string &names = symbols.texts.emplace_back(file.Bytes(texts.sh_offset, texts.sh_size));
+        for (const auto &symbol : file.Table<Elf32_Sym>(table.sh_offset, table.sh_size / sizeof(Elf32_Sym))) {
+            if (ELF32_ST_TYPE(symbol.st_info) == STT_FUNC && symbol.st_shndx != SHN_UNDEF &&
+                symbol.st_name < names.size())
+                symbols.functions.push_back({symbol.st_value, symbol.st_size, names.c_str() + symbol.st_name});
         }
     }
-    std::sort(symbols.begin(), symbols.end(), [](const Symbol &a, const Symbol &b) { return a.begin < b.begin; });
+    std::sort(symbols.functions.begin(), symbols.functions.end(),
+              [](const Symbol &a, const Symbol &b) { return a.begin < b.begin; });
     return symbols;
 }
 
 std::unordered_map<const void *, std::string_view> &gNames = *new std::unordered_map<const void *, std::string_view>;
-std::map<std::string, std::vector<Symbol>> &gFiles = *new std::map<std::string, std::vector<Symbol>>;
+std::map<std::string, FileSymbols> &gFiles = *new std::map<std::string, FileSymbols>;
 
 const std::vector<Symbol> &SymbolsOf(const std::string &path) {
     const auto [file, isNew] = gFiles.try_emplace(path);
     if (isNew)
         file->second = ReadSymbols(path);
-    return file->second;
+    return file->second.functions;
 }
 
 // Where an address lies; without a file if none is loaded there.
@@ -137,10 +105,10 @@ const Symbol *SymbolOf(const Location &location) {
 }
 
 // Demangles a name and leaves out parameters and unnamed namespaces.
-std::string Readable(const std::string &symbol) {
+std::string Readable(const char *symbol) {
     int status = 0;
-    const std::unique_ptr<char, decltype(&std::free)> demangled(
-        abi::__cxa_demangle(symbol.c_str(), nullptr, nullptr, &status), std::free);
+    const std::unique_ptr<char, decltype(&std::free)> demangled(abi::__cxa_demangle(symbol, nullptr, nullptr, &status),
+                                                                std::free);
     if (status != 0)
         return symbol;
     std::string name = demangled.get();

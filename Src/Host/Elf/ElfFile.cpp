@@ -2,20 +2,18 @@
 // Every offset and size comes from the file and is checked against its length.
 #include "ElfFile.h"
 
+#include "Common/Files.h"
+
 #include <algorithm>
 #include <cerrno>
 #include <cstdint>
 #include <cstring>
-#include <fstream>
-#include <iterator>
-#include <optional>
+#include <map>
 #include <string_view>
 #include <utility>
 
 #include <elf.h>
-#include <fcntl.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
 namespace host {
 namespace {
@@ -36,39 +34,6 @@ struct Elf64 {
     using Section = Elf64_Shdr;
     using Symbol = Elf64_Sym;
     using Dynamic = Elf64_Dyn;
-};
-
-// The bytes of a file. What does not lie within them is not there.
-class Bytes {
-  public:
-    explicit Bytes(std::string_view bytes) : mBytes(bytes) {}
-
-    bool Contains(std::uint64_t offset, std::uint64_t size) const {
-        return offset <= mBytes.size() && size <= mBytes.size() - offset;
-    }
-
-    template <class T>
-    std::vector<T> Table(std::uint64_t offset, std::uint64_t count) const {
-        if (count > mBytes.size() / sizeof(T) || !Contains(offset, count * sizeof(T)))
-            return {};
-        std::vector<T> table(static_cast<std::size_t>(count));
-        if (!table.empty())
-            std::memcpy(table.data(), mBytes.data() + offset, table.size() * sizeof(T));
-        return table;
-    }
-
-    // A text of a table of texts.
-    template <class Section>
-    std::string Text(const Section &texts, std::uint64_t offset) const {
-        if (offset >= texts.sh_size || !Contains(texts.sh_offset, texts.sh_size))
-            return "";
-        const std::string_view rest = mBytes.substr(static_cast<std::size_t>(texts.sh_offset + offset),
-                                                    static_cast<std::size_t>(texts.sh_size - offset));
-        return std::string(rest.substr(0, rest.find('\0')));
-    }
-
-  private:
-    std::string_view mBytes;
 };
 
 std::string MachineName(int machine) {
@@ -99,39 +64,39 @@ ElfFile::Type TypeOf(int type) {
 template <class Elf>
 class Reader {
   public:
-    explicit Reader(std::string_view bytes) : mBytes(bytes) {}
+    Reader(const FileParts &parts, ElfSymbols symbols) : mParts(parts), mReadsSymbols(symbols == ElfSymbols::Read) {}
 
     // False if the file breaks off.
     bool Read(ElfFile &file) {
-        const auto headers = mBytes.Table<typename Elf::Header>(0, 1);
+        const auto headers = mParts.Table<typename Elf::Header>(0, 1);
         if (headers.empty())
             return false;
         const auto &header = headers.front();
         file.machine = MachineName(header.e_machine);
         file.type = TypeOf(header.e_type);
-        const auto parts = mBytes.Table<typename Elf::Part>(header.e_phoff, header.e_phnum);
+        const auto parts = mParts.Table<typename Elf::Part>(header.e_phoff, header.e_phnum);
         if (parts.size() != header.e_phnum)
             return false;
         file.hasExecutableStack = true; // unless a part says otherwise
         for (const auto &part : parts) {
-            if (part.p_type == PT_LOAD && !mBytes.Contains(part.p_offset, part.p_filesz))
+            if (part.p_type == PT_LOAD && !mParts.Contains(part.p_offset, part.p_filesz))
                 return false;
             file.hasInterpreter = file.hasInterpreter || part.p_type == PT_INTERP;
             if (part.p_type == PT_GNU_STACK)
                 file.hasExecutableStack = (part.p_flags & PF_X) != 0;
         }
-        mSections = mBytes.Table<typename Elf::Section>(header.e_shoff, header.e_shnum);
+        mSections = mParts.Table<typename Elf::Section>(header.e_shoff, header.e_shnum);
         for (const auto &section : mSections) {
-            if (section.sh_type == SHT_DYNSYM)
+            if (section.sh_type == SHT_DYNSYM && mReadsSymbols)
                 ReadDynamicSymbols(section, file);
             else if (section.sh_type == SHT_DYNAMIC)
                 ReadDynamic(section, file);
             if (header.e_shstrndx < mSections.size())
                 file.hasDebugLines =
-                    file.hasDebugLines || mBytes.Text(mSections[header.e_shstrndx], section.sh_name) == ".debug_line";
+                    file.hasDebugLines || Text(mSections[header.e_shstrndx], section.sh_name) == ".debug_line";
         }
         for (const auto &section : mSections) {
-            if (section.sh_type == SHT_SYMTAB)
+            if (section.sh_type == SHT_SYMTAB && mReadsSymbols)
                 ReadHidden(section, file);
         }
         return true;
@@ -141,19 +106,27 @@ class Reader {
     using Section = typename Elf::Section;
     using Symbol = typename Elf::Symbol;
 
+    // A text of a table of texts; empty if it does not lie in the table.
+    std::string Text(const Section &texts, std::uint64_t offset) {
+        const auto [table, isNew] = mTexts.try_emplace(texts.sh_offset);
+        if (isNew)
+            table->second = mParts.Bytes(texts.sh_offset, texts.sh_size);
+        return offset < table->second.size() ? table->second.c_str() + offset : "";
+    }
+
     // Calls use(symbol, name) for each symbol of a table.
     template <class Use>
-    void ForEach(const Section &table, Use use) const {
+    void ForEach(const Section &table, Use use) {
         if (table.sh_link >= mSections.size())
             return;
-        for (const Symbol &symbol : mBytes.Table<Symbol>(table.sh_offset, table.sh_size / sizeof(Symbol))) {
-            std::string name = mBytes.Text(mSections[table.sh_link], symbol.st_name);
+        for (const Symbol &symbol : mParts.Table<Symbol>(table.sh_offset, table.sh_size / sizeof(Symbol))) {
+            std::string name = Text(mSections[table.sh_link], symbol.st_name);
             if (!name.empty())
                 use(symbol, std::move(name));
         }
     }
 
-    void ReadDynamicSymbols(const Section &table, ElfFile &file) const {
+    void ReadDynamicSymbols(const Section &table, ElfFile &file) {
         file.hasSymbols = true;
         ForEach(table, [&file](const Symbol &symbol, std::string name) {
             const int binding = symbol.st_info >> 4;
@@ -167,7 +140,7 @@ class Reader {
         std::sort(file.exported.begin(), file.exported.end());
     }
 
-    void ReadHidden(const Section &table, ElfFile &file) const {
+    void ReadHidden(const Section &table, ElfFile &file) {
         file.hasFunctionNames = true;
         ForEach(table, [&file](const Symbol &symbol, std::string name) {
             const int type = symbol.st_info & 0xF;
@@ -177,14 +150,14 @@ class Reader {
         });
     }
 
-    void ReadDynamic(const Section &table, ElfFile &file) const {
+    void ReadDynamic(const Section &table, ElfFile &file) {
         using Dynamic = typename Elf::Dynamic;
         if (table.sh_link >= mSections.size())
             return;
-        for (const Dynamic &entry : mBytes.Table<Dynamic>(table.sh_offset, table.sh_size / sizeof(Dynamic))) {
+        for (const Dynamic &entry : mParts.Table<Dynamic>(table.sh_offset, table.sh_size / sizeof(Dynamic))) {
             if (entry.d_tag == DT_NULL)
                 return;
-            const auto text = [&] { return mBytes.Text(mSections[table.sh_link], entry.d_un.d_val); };
+            const auto text = [&] { return Text(mSections[table.sh_link], entry.d_un.d_val); };
             if (entry.d_tag == DT_NEEDED)
                 file.needed.push_back(text());
             else if (entry.d_tag == DT_RPATH || entry.d_tag == DT_RUNPATH)
@@ -204,53 +177,49 @@ class Reader {
         }
     }
 
-    Bytes mBytes;
+    const FileParts &mParts;
+    const bool mReadsSymbols;
     std::vector<Section> mSections;
+    std::map<std::uint64_t, std::string> mTexts; // by offset in the file
 };
 
-// The whole file; nothing and a fault if it cannot be read.
-std::optional<std::string> ReadBytes(const std::string &path, std::string &fault) {
-    constexpr off_t kMost = off_t{1} << 28; // more would not fit into a 32-bit process
+// Why a file is not read; empty if it can be.
+std::string FaultOf(const std::string &path) {
+    constexpr off_t kMost = off_t{1} << 28; // its tables would not fit into a 32-bit process
     struct stat info = {};
-    if (stat(path.c_str(), &info) == 0 && !S_ISREG(info.st_mode)) {
-        fault = "is no file"; // opening a pipe would wait for a writer
-        return std::nullopt;
-    }
-    std::ifstream stream(path, std::ios::binary);
-    if (!stream) {
-        fault = std::string("cannot be read (") + std::strerror(errno) + ")";
-        return std::nullopt;
-    }
-    if (info.st_size > kMost) {
-        fault = "is larger than 256 MiB";
-        return std::nullopt;
-    }
-    std::string bytes(static_cast<std::size_t>(info.st_size), '\0');
-    stream.read(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-    bytes.resize(static_cast<std::size_t>(stream.gcount()));
-    return bytes;
+    if (stat(path.c_str(), &info) != 0)
+        return std::string("cannot be read (") + std::strerror(errno) + ")";
+    if (!S_ISREG(info.st_mode))
+        return "is no file"; // opening a pipe would wait for a writer
+    return info.st_size > kMost ? "is larger than 256 MiB" : "";
 }
 
 } // namespace
 
-ElfReading ReadElf(const std::string &path) {
+ElfReading ReadElf(const std::string &path, ElfSymbols symbols) {
     ElfReading reading;
-    const auto bytes = ReadBytes(path, reading.fault);
-    if (!bytes)
+    reading.fault = FaultOf(path);
+    if (!reading.fault.empty())
         return reading;
-    const std::string_view text = *bytes;
-    if (text.starts_with("!<arch>")) {
+    const FileParts file(path);
+    if (!file.IsOpen()) {
+        reading.fault = std::string("cannot be read (") + std::strerror(errno) + ")";
+        return reading;
+    }
+    const std::string begin = file.Bytes(0, std::min<std::uint64_t>(file.Size(), EI_NIDENT));
+    if (begin.starts_with("!<arch>")) {
         reading.fault = "is a static library: link it with -shared";
-    } else if (!text.starts_with(ELFMAG)) {
+    } else if (!begin.starts_with(ELFMAG)) {
         reading.fault = "is no ELF file";
-    } else if (text.size() <= EI_DATA) {
+    } else if (begin.size() <= EI_DATA) {
         reading.fault = kBreaksOff;
-    } else if (text[EI_DATA] != ELFDATA2LSB) {
+    } else if (begin[EI_DATA] != ELFDATA2LSB) {
         reading.fault = "is built for a big-endian machine";
     } else {
-        const bool is64 = text[EI_CLASS] == ELFCLASS64;
+        const bool is64 = begin[EI_CLASS] == ELFCLASS64;
         reading.file.bits = is64 ? 64 : 32;
-        const bool isWhole = is64 ? Reader<Elf64>(text).Read(reading.file) : Reader<Elf32>(text).Read(reading.file);
+        const bool isWhole =
+            is64 ? Reader<Elf64>(file, symbols).Read(reading.file) : Reader<Elf32>(file, symbols).Read(reading.file);
         if (!isWhole)
             reading.fault = kBreaksOff;
     }

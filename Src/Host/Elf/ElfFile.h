@@ -19,7 +19,7 @@ struct ElfFile {
     int bits = 0;        // 32 or 64
     std::string machine; // "x86", "x86-64", "ARM" or the like
     Type type = Type::Other;
-    bool hasSymbols = false; // false: the tables of symbols were removed or cannot be read, and the lists are empty
+    bool hasSymbols = false; // false: the tables of symbols were removed or not read, and the lists are empty
 
     std::vector<std::string> exported;  // dynamic symbols that it defines
     std::vector<std::string> undefined; // dynamic symbols that it needs and does not define, without weak ones
@@ -45,7 +45,13 @@ struct ElfReading {
     std::string fault;
 };
 
-ElfReading ReadElf(const std::string &path);
+// Without symbols only headers and needs are read, which is quick also for a large library.
+enum class ElfSymbols {
+    Read,
+    Skip
+};
+
+ElfReading ReadElf(const std::string &path, ElfSymbols symbols = ElfSymbols::Read);
 
 } // namespace host
 

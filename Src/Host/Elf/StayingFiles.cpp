@@ -120,7 +120,7 @@ struct Need {
 int NoteNeed(dl_phdr_info *info, std::size_t /*size*/, void *argument) {
     Need &need = *static_cast<Need *>(argument);
     if (need.by.empty() && info->dlpi_name != need.path) {
-        const std::vector<std::string> names = ReadElf(info->dlpi_name).file.needed;
+        const std::vector<std::string> names = ReadElf(info->dlpi_name, ElfSymbols::Skip).file.needed;
         if (std::find(names.begin(), names.end(), need.name) != names.end())
             need.by = info->dlpi_name;
     }

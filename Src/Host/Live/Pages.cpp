@@ -3,12 +3,11 @@
 // Called by the server.
 #include "Pages.h"
 
+#include "Common/Files.h"
 #include "Common/UsageError.h"
 
 #include <algorithm>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <system_error>
 #include <utility>
 
@@ -57,9 +56,10 @@ std::optional<PageFile> Pages::Find(std::string_view target) const {
     for (const std::string &folder : mFolders) {
         const std::string path = folder + std::string(name);
         std::error_code error;
-        std::ifstream stream(path, std::ios::binary);
-        if (stream && fs::is_regular_file(path, error))
-            return PageFile{{std::istreambuf_iterator<char>(stream), {}}, type->second};
+        if (!fs::is_regular_file(path, error))
+            continue;
+        if (std::optional<std::string> bytes = ReadFile(path))
+            return PageFile{std::move(*bytes), type->second};
     }
     return std::nullopt;
 }

@@ -4,6 +4,7 @@
 
 #include "LivePaths.h"
 
+#include "Common/Files.h"
 #include "Common/UsageError.h"
 #include "Crossings/Line.h"
 #include "Observing/Blame.h"
@@ -48,16 +49,6 @@ void WriteLastRecording() {
         gAddedBefore();
     if (gRecording)
         gRecording->WriteLast();
-}
-
-bool WriteWhole(int descriptor, std::string_view text) {
-    while (!text.empty()) {
-        const ssize_t written = write(descriptor, text.data(), text.size());
-        if (written < 0 && errno != EINTR)
-            return false;
-        text.remove_prefix(static_cast<std::size_t>(std::max<ssize_t>(written, 0)));
-    }
-    return true;
 }
 
 } // namespace
@@ -150,7 +141,7 @@ std::string Recording::Save(const std::string &file, bool replaces) {
     const int descriptor = open(path.c_str(), O_WRONLY | O_CREAT | O_NOFOLLOW | O_CLOEXEC | exists, 0666);
     if (descriptor < 0 && errno == EEXIST)
         throw UsageError("'" + file + "' exists: choose another name, or replace it");
-    const bool isWritten = descriptor >= 0 && WriteWhole(descriptor, text);
+    const bool isWritten = descriptor >= 0 && WriteAll(descriptor, text);
     const int fault = errno;
     if (descriptor < 0 || close(descriptor) != 0 || !isWritten)
         throw UsageError("cannot write '" + path + "' (" + std::strerror(fault) + ")");
@@ -163,7 +154,7 @@ void Recording::WriteLast() const {
     if (file < 0)
         return;
     bool isWritten = true;
-    const auto write = [&](std::string_view text) { isWritten = isWritten && WriteWhole(file, text); };
+    const auto write = [&](std::string_view text) { isWritten = isWritten && WriteAll(file, text); };
     for (const Line &line : mLines) {
         for (const std::string *part : {&line.before, &line.quoted, &line.behind})
             write(*part);

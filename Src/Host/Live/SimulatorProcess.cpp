@@ -2,6 +2,7 @@
 // SimulatorProcess.h. Called by the hub.
 #include "SimulatorProcess.h"
 
+#include "Common/Files.h"
 #include "Common/ProcessStart.h"
 #include "Common/UsageError.h"
 
@@ -68,17 +69,6 @@ pid_t Spawn(std::vector<std::string> arguments, const std::string &temporary, in
     if (error != 0)
         Refuse("a process", error);
     return child;
-}
-
-void WriteAll(int descriptor, std::string_view text) {
-    while (!text.empty()) {
-        const ssize_t written = write(descriptor, text.data(), text.size());
-        if (written < 0 && errno == EINTR)
-            continue;
-        if (written <= 0)
-            return; // nobody reads it
-        text.remove_prefix(static_cast<std::size_t>(written));
-    }
 }
 
 } // namespace

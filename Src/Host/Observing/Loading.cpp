@@ -170,7 +170,7 @@ std::string Loading::ReasonOf(const std::string &path) const {
         return SymbolFault(
             text.substr(kUndefined.size(), text.find_first_of(" ,(", kUndefined.size()) - kUndefined.size()));
     }
-    for (const std::string &library : ReadElf(path).file.needed) {
+    for (const std::string &library : ReadElf(path, ElfSymbols::Skip).file.needed) {
         const auto names = [&library](const std::string &reason) { return reason.starts_with(library + ": "); };
         if (std::any_of(mReasons.begin(), mReasons.end(), names))
             return LibraryFault(library);

@@ -4,19 +4,13 @@
 #include "Mesa.h"
 
 #include "Crossings/RealSymbols.h"
+#include "Elf/ElfFile.h"
 
 #include <cstdlib>
 #include <filesystem>
 #include <set>
-#include <string_view>
-#include <vector>
 
 #include <dlfcn.h>
-#include <elf.h>
-#include <fcntl.h>
-#include <sys/mman.h>
-#include <sys/stat.h>
-#include <unistd.h>
 
 #ifdef __SANITIZE_ADDRESS__
 // Mesa does not free everything of a destroyed context.
@@ -42,65 +36,6 @@ constexpr int kOpenMode = RTLD_NOW | RTLD_LOCAL;
 constexpr int kOpenMode = RTLD_NOW | RTLD_LOCAL | RTLD_DEEPBIND;
 #endif
 
-// A file in memory. The system reads the pages that are used; one of the files has 120 MB.
-class MappedFile {
-  public:
-    explicit MappedFile(const fs::path &path) {
-        const int file = open(path.c_str(), O_RDONLY | O_CLOEXEC);
-        struct stat info {};
-        if (file >= 0 && fstat(file, &info) == 0 && info.st_size > 0) {
-            mSize = static_cast<std::size_t>(info.st_size);
-            void *const bytes = mmap(nullptr, mSize, PROT_READ, MAP_PRIVATE, file, 0);
-            mBytes = bytes == MAP_FAILED ? nullptr : static_cast<const char *>(bytes);
-        }
-        if (file >= 0)
-            close(file);
-    }
-    ~MappedFile() {
-        if (mBytes)
-            munmap(const_cast<char *>(mBytes), mSize);
-    }
-    MappedFile(const MappedFile &) = delete;
-    MappedFile &operator=(const MappedFile &) = delete;
-
-    // Null outside the file.
-    template <class T>
-    const T *At(std::size_t offset, std::size_t index = 0) const {
-        offset += index * sizeof(T);
-        return mBytes && offset <= mSize && mSize - offset >= sizeof(T) ? reinterpret_cast<const T *>(mBytes + offset)
-                                                                        : nullptr;
-    }
-
-  private:
-    const char *mBytes = nullptr;
-    std::size_t mSize = 0;
-};
-
-// The names of the libraries that a library of this machine needs.
-std::vector<std::string> NeedsOf(const fs::path &path) {
-    std::vector<std::string> needs;
-    const MappedFile file(path);
-    const auto *const header = file.At<Elf32_Ehdr>(0);
-    if (!header || std::string_view(reinterpret_cast<const char *>(header->e_ident), SELFMAG) != ELFMAG)
-        return needs;
-    const Elf32_Shdr *dynamic = nullptr;
-    for (std::size_t i = 0; i < header->e_shnum; ++i) {
-        const auto *const section = file.At<Elf32_Shdr>(header->e_shoff, i);
-        if (section && section->sh_type == SHT_DYNAMIC)
-            dynamic = section;
-    }
-    const auto *const names = dynamic ? file.At<Elf32_Shdr>(header->e_shoff, dynamic->sh_link) : nullptr;
-    for (std::size_t i = 0; names; ++i) {
-        const auto *const entry = file.At<Elf32_Dyn>(dynamic->sh_offset, i);
-        if (!entry || entry->d_tag == DT_NULL)
-            break;
-        if (const char *const name = file.At<char>(names->sh_offset + entry->d_un.d_val);
-            entry->d_tag == DT_NEEDED && name)
-            needs.emplace_back(name);
-    }
-    return needs;
-}
-
 // A folder with libraries, or the root folder of unpacked packages.
 class Folder {
   public:
@@ -111,7 +46,7 @@ class Folder {
         const fs::path path = Find(name);
         if (path.empty() || !mSeen.insert(name).second)
             return nullptr;
-        for (const std::string &need : NeedsOf(path)) {
+        for (const std::string &need : host::ReadElf(path, host::ElfSymbols::Skip).file.needed) {
             if (void *const loaded = dlopen(need.c_str(), RTLD_LAZY | RTLD_NOLOAD))
                 dlclose(loaded);
             else
@@ -164,9 +99,10 @@ Mesa Open() {
     const auto find = [library](const char *name) { return crossings::RealLookup()(library, name); };
     mesa.create = reinterpret_cast<decltype(mesa.create)>(find("OSMesaCreateContextExt"));
     mesa.destroy = reinterpret_cast<decltype(mesa.destroy)>(find("OSMesaDestroyContext"));
+    mesa.pixelStore = reinterpret_cast<decltype(mesa.pixelStore)>(find("OSMesaPixelStore"));
     mesa.makeCurrent = reinterpret_cast<decltype(mesa.makeCurrent)>(find("OSMesaMakeCurrent"));
     mesa.find = reinterpret_cast<decltype(mesa.find)>(find("OSMesaGetProcAddress"));
-    if (!mesa.create || !mesa.destroy || !mesa.makeCurrent || !mesa.find)
+    if (!mesa.create || !mesa.destroy || !mesa.pixelStore || !mesa.makeCurrent || !mesa.find)
         mesa.fault = "the installed OSMesa lacks functions";
     return mesa;
 }

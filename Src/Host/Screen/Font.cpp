@@ -1,13 +1,12 @@
 // Font files and glyphs, by stb_truetype; see Font.h.
 #include "Font.h"
 
+#include "Common/Files.h"
 #include "Common/Utf8.h"
 
 #include <stb/stb_truetype.h>
 
 #include <cmath>
-#include <fstream>
-#include <iterator>
 
 namespace host {
 namespace {
@@ -16,25 +15,21 @@ constexpr const char *kProportionalFile = AVSK_HOST_FONTS "/DejaVuSans.ttf";
 constexpr const char *kMonospaceFile = AVSK_HOST_FONTS "/DejaVuSansMono.ttf";
 constexpr int kWidthWithoutFont = 8;
 
-std::vector<unsigned char> ReadFile(const std::string &path) {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-}
-
 int Round(float value) { return static_cast<int>(std::lround(value)); }
 
 } // namespace
 
 struct Font::Face {
-    std::vector<unsigned char> file; // stb_truetype reads from it all the time
+    std::string file; // stb_truetype reads from it all the time
     stbtt_fontinfo info;
     float scale;
 };
 
 Font::Font(const std::string &file, float pixels) {
     auto face = std::make_unique<Face>();
-    face->file = ReadFile(file);
-    if (face->file.empty() || stbtt_InitFont(&face->info, face->file.data(), 0) == 0)
+    face->file = ReadFile(file).value_or("");
+    if (face->file.empty() ||
+        stbtt_InitFont(&face->info, reinterpret_cast<const unsigned char *>(face->file.data()), 0) == 0)
         return;
     face->scale = stbtt_ScaleForMappingEmToPixels(&face->info, pixels);
     int ascent = 0;

@@ -1,6 +1,8 @@
 // PNG files by stb; see PngFile.h.
 #include "PngFile.h"
 
+#include "Common/Files.h"
+
 #include <stb/stb_image.h>
 #include <stb/stb_image_write.h>
 
@@ -9,7 +11,7 @@
 #include <cstring>
 #include <fstream>
 #include <memory>
-#include <sstream>
+#include <optional>
 #include <stdexcept>
 
 namespace host {
@@ -39,17 +41,14 @@ void WritePng(const Image &image, const std::string &file) {
 }
 
 Image ReadPng(const std::string &file) {
-    std::ifstream stream(file, std::ios::binary);
-    std::ostringstream text;
-    text << stream.rdbuf();
-    if (!stream)
+    const std::optional<std::string> bytes = ReadFile(file);
+    if (!bytes)
         throw std::runtime_error("cannot read the picture '" + file + "' (" + std::strerror(errno) + ")");
-    const std::string bytes = text.str();
     constexpr int kChannels = 4;
     int width = 0;
     int height = 0;
     const std::unique_ptr<unsigned char, void (*)(void *)> pixels(
-        stbi_load_from_memory(reinterpret_cast<const unsigned char *>(bytes.data()), static_cast<int>(bytes.size()),
+        stbi_load_from_memory(reinterpret_cast<const unsigned char *>(bytes->data()), static_cast<int>(bytes->size()),
                               &width, &height, nullptr, kChannels),
         stbi_image_free);
     if (!pixels)

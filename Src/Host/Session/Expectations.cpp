@@ -7,6 +7,7 @@
 #include "Runner.h"
 #include "Values.h"
 
+#include "Common/Files.h"
 #include "Common/NearestName.h"
 #include "Common/Text.h"
 #include "Observing/DatarefValues.h"
@@ -19,7 +20,7 @@
 
 #include <algorithm>
 #include <filesystem>
-#include <fstream>
+#include <optional>
 #include <sstream>
 
 namespace host {
@@ -112,15 +113,14 @@ Outcome File(SessionRunner &run, const Step &step) {
                        : names.empty() ? "the folder is empty"
                                        : "no such file; the folder has " + Shortened(names)};
     }
-    std::ifstream file(path);
-    std::ostringstream text;
-    text << file.rdbuf();
-    if (fs::is_directory(path, error) || !file)
+    const std::optional<std::string> text = ReadFile(path);
+    if (!text)
         return Outcome::Unknown(fs::is_directory(path, error) ? "a folder" : "a file that cannot be read");
-    if (step.Count() > 1 && text.str().find(step[1]) == std::string::npos)
-        return {false, "a file of " + std::to_string(text.str().size()) + " bytes without this text; it begins '" +
-                           text.str().substr(0, std::min<std::size_t>(text.str().find('\n'), 80)) + "'"};
-    return {true, "a file of " + std::to_string(text.str().size()) + " bytes"};
+    const std::string size = "a file of " + std::to_string(text->size()) + " bytes";
+    if (step.Count() > 1 && text->find(step[1]) == std::string::npos)
+        return {false, size + " without this text; it begins '" +
+                           text->substr(0, std::min<std::size_t>(text->find('\n'), 80)) + "'"};
+    return {true, size};
 }
 
 Outcome ViewShown(SessionRunner &run, const Step &step) {

@@ -5,6 +5,7 @@
 
 #include "Watch.h"
 
+#include "Common/Files.h"
 #include "Common/UsageError.h"
 #include "Elf/StayingFiles.h"
 #include "Observing/Blame.h"
@@ -45,15 +46,6 @@ struct Pipe {
         to = ends[1];
     }
 };
-
-void WriteAll(int descriptor, std::string_view text) {
-    while (!text.empty()) {
-        const ssize_t written = write(descriptor, text.data(), text.size());
-        if (written <= 0)
-            return; // the other side has ended
-        text.remove_prefix(static_cast<std::size_t>(written));
-    }
-}
 
 // The next line; empty at the end of the input.
 std::string ReadLine(int descriptor) {

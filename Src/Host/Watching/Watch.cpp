@@ -9,6 +9,7 @@
 #include "RoundFolders.h"
 #include "RoundProcess.h"
 
+#include "Common/Files.h"
 #include "Common/Terminal.h"
 #include "Common/UsageError.h"
 
@@ -18,7 +19,6 @@
 #include <cstdio>
 #include <cstring>
 #include <ctime>
-#include <fstream>
 #include <optional>
 #include <sstream>
 #include <string_view>
@@ -138,11 +138,6 @@ std::vector<std::string> SplitLines(const std::string &text) {
     for (std::string line; std::getline(stream, line);)
         lines.push_back(Plain(line));
     return lines;
-}
-
-std::string ReadFile(const std::string &path) {
-    std::ifstream stream(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(stream), {}};
 }
 
 // ---- Waiting
@@ -269,7 +264,7 @@ RoundOutcome Watcher::OutcomeOf(const RoundResult &result) const {
         return std::find(failures.begin(), failures.end(), line) != failures.end();
     });
     for (const std::string &picture : mPlan.pictures) {
-        if (std::string bytes = ReadFile(picture); !bytes.empty())
+        if (std::string bytes = ReadFile(picture).value_or(""); !bytes.empty())
             outcome.pictures[picture] = std::move(bytes);
     }
     return outcome;
