@@ -2,9 +2,9 @@
 // option asks for it.
 #include "OpenGLUsage.h"
 
+#include "CallbackTable.h"
 #include "Observers.h"
 
-#include "Common/Utf8.h"
 #include "Crossings/Callback.h"
 #include "Crossings/Format.h"
 #include "Crossings/ValueText.h"
@@ -14,7 +14,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cstdio>
 #include <cstring>
 #include <string_view>
 
@@ -146,12 +145,6 @@ std::size_t SizeOf(GLenum type) {
     }
 }
 
-std::string Cells(const char *format, auto... values) {
-    char text[256];
-    std::snprintf(text, sizeof text, format, values...);
-    return text;
-}
-
 } // namespace
 
 OpenGLUsage::OpenGLUsage() { crossings::AddObserver(*this); }
@@ -275,30 +268,15 @@ void OpenGLUsage::AddObjects() {
 }
 
 void OpenGLUsage::Print() const {
-    struct Entry {
-        std::string plugin;
-        std::string callback;
-        Row row;
-    };
-    std::vector<Entry> entries;
-    std::size_t widest = std::strlen("plugin");
-    for (const auto &[name, rows] : mRows) {
-        const std::string plugin = OneLine(name, kWidestName);
-        widest = std::max(widest, plugin.size());
-        for (const auto &[callback, row] : rows)
-            entries.push_back({plugin, callback, row});
-    }
-    std::stable_sort(entries.begin(), entries.end(),
-                     [](const Entry &a, const Entry &b) { return a.row.vertices > b.row.vertices; });
-    const int width = static_cast<int>(widest);
+    const CallbackTable table(mRows, [](const Row &row) { return row.vertices; });
     std::vector<std::string> lines;
-    if (!entries.empty())
-        lines.push_back(Cells("%-*s  %9s  %11s  %13s  %9s  %s", width, "plugin", "calls", "vertices", "textures kept",
-                              "kB kept", "callback"));
-    for (const auto &[plugin, callback, row] : entries)
-        lines.push_back(Cells("%-*s  %9ld  %11lld  %13d  %9lld  %s", width, plugin.c_str(), row.calls,
-                              static_cast<long long>(row.vertices), row.textures,
-                              static_cast<long long>((row.bytes + 1023) / 1024), callback.c_str()));
+    if (!table.entries.empty())
+        lines.push_back(Formatted("%-*s  %9s  %11s  %13s  %9s  %s", table.width, "plugin", "calls", "vertices",
+                                  "textures kept", "kB kept", "callback"));
+    for (const auto &[plugin, callback, row] : table.entries)
+        lines.push_back(Formatted("%-*s  %9ld  %11lld  %13d  %9lld  %s", table.width, plugin.c_str(), row.calls,
+                                  static_cast<long long>(row.vertices), row.textures,
+                                  static_cast<long long>((row.bytes + 1023) / 1024), callback.c_str()));
     PrintList("\nOpenGL of plugins:", lines, "none");
 }
 

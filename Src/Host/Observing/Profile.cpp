@@ -1,16 +1,14 @@
 // Adds up the time in plugins; see Profile.h.
 #include "Profile.h"
 
+#include "CallbackTable.h"
 #include "ObservedHost.h"
 
 #include "Common/NearestName.h"
-#include "Common/Utf8.h"
 #include "Crossings/Callback.h"
 #include "Crossings/Format.h"
 
-#include <algorithm>
 #include <chrono>
-#include <cstdio>
 #include <cstring>
 
 namespace host {
@@ -22,12 +20,6 @@ using crossings::Side;
 double Milliseconds(Crossing::Clock::duration time) { return std::chrono::duration<double, std::milli>(time).count(); }
 
 bool IsPlugins(const Crossing &crossing) { return crossing.to == Side::Plugin; }
-
-std::string Formatted(const char *format, auto... values) {
-    char text[256];
-    std::snprintf(text, sizeof text, format, values...);
-    return text;
-}
 
 } // namespace
 
@@ -63,13 +55,11 @@ void Profile::EndOpenGL(const Crossing &call) {
     if (!call.outer || !IsPlugins(*call.outer) || mInner.empty())
         return;
     const Time time = call.Duration();
-    mInner.back() += time;
-    Known &known = KnownOf(*call.outer);
-    if (!known.openGL)
-        known.openGL = &mRows[crossings::LabelOf(call.plugin)]["OpenGL in " + crossings::TitleOf(*call.outer)];
-    ++known.openGL->calls;
-    known.openGL->total += time;
-    known.openGL->present += time;
+    mInner.back().time += time;
+    Row &row = call.outer->IsStart() ? mInner.back().openGL : OpenGLRowOf(*call.outer);
+    ++row.calls;
+    row.total += time;
+    row.present += time;
 }
 
 void Profile::Ends(const Crossing &crossing) {
@@ -78,13 +68,20 @@ void Profile::Ends(const Crossing &crossing) {
     if (!IsPlugins(crossing) || mInner.empty())
         return;
     const Time whole = crossing.Duration();
-    const Time own = whole - mInner.back();
+    const Inner inner = mInner.back();
+    const Time own = whole - inner.time;
     mInner.pop_back();
     if (!mInner.empty())
-        mInner.back() += whole;
+        mInner.back().time += whole;
     // A plugin gets its name at its start, and possibly the ID of an unloaded one.
     if (crossing.IsStart())
         mKnown.clear();
+    if (inner.openGL.calls > 0) {
+        Row &row = OpenGLRowOf(crossing);
+        row.calls += inner.openGL.calls;
+        row.total += inner.openGL.total;
+        row.present += inner.openGL.present;
+    }
     Row &row = RowOf(crossing);
     ++row.calls;
     row.total += own;
@@ -106,6 +103,13 @@ Profile::Row &Profile::RowOf(const Crossing &crossing) {
     if (!known.row)
         known.row = &mRows[crossings::LabelOf(crossing.plugin)][crossings::TitleOf(crossing)];
     return *known.row;
+}
+
+Profile::Row &Profile::OpenGLRowOf(const Crossing &callback) {
+    Known &known = KnownOf(callback);
+    if (!known.openGL)
+        known.openGL = &mRows[crossings::LabelOf(callback.plugin)]["OpenGL in " + crossings::TitleOf(callback)];
+    return *known.openGL;
 }
 
 void Profile::CloseFrame() {
@@ -150,26 +154,11 @@ double Profile::BudgetOf(const std::string &plugin) const {
 
 std::vector<std::string> Profile::Table() {
     CloseFrame();
-    struct Entry {
-        std::string plugin;
-        std::string callback;
-        Row row;
-    };
-    std::vector<Entry> entries;
-    std::size_t widest = std::strlen("plugin");
-    for (const auto &[name, rows] : mRows) {
-        const std::string plugin = OneLine(name, kWidestName);
-        widest = std::max(widest, plugin.size());
-        for (const auto &[callback, row] : rows)
-            entries.push_back({plugin, callback, row});
-    }
-    std::stable_sort(entries.begin(), entries.end(),
-                     [](const Entry &a, const Entry &b) { return a.row.total > b.row.total; });
-    const int width = static_cast<int>(widest);
-    std::vector<std::string> lines = {Formatted("%-*s  %9s  %10s  %9s  %11s  %6s  %s", width, "plugin", "calls",
+    const CallbackTable table(mRows, [](const Row &row) { return row.total; });
+    std::vector<std::string> lines = {Formatted("%-*s  %9s  %10s  %9s  %11s  %6s  %s", table.width, "plugin", "calls",
                                                 "total ms", "mean us", "worst frame", "ms", "callback")};
-    for (const auto &[plugin, callback, row] : entries)
-        lines.push_back(Formatted("%-*s  %9ld  %10.3f  %9.2f  %11d  %6.3f  %s", width, plugin.c_str(), row.calls,
+    for (const auto &[plugin, callback, row] : table.entries)
+        lines.push_back(Formatted("%-*s  %9ld  %10.3f  %9.2f  %11d  %6.3f  %s", table.width, plugin.c_str(), row.calls,
                                   Milliseconds(row.total), Milliseconds(row.total) * 1e3 / row.calls, row.worstFrame,
                                   Milliseconds(row.worst), callback.c_str()));
     return lines;

@@ -79,12 +79,18 @@ class Profile : public crossings::Observer {
 
     Known &KnownOf(const crossings::Crossing &crossing);
     Row &RowOf(const crossings::Crossing &crossing);
+    Row &OpenGLRowOf(const crossings::Crossing &callback);
     void EndOpenGL(const crossings::Crossing &call);
 
     std::vector<Known> mKnown; // by the callback's number
     std::map<std::string, Excess> mExcesses;
     std::vector<long> mCalls; // by the plugin's ID
-    std::vector<Time> mInner; // for each callback under way, the time of the callbacks that it caused
+    // A callback under way.
+    struct Inner {
+        Time time{};  // of what it caused
+        Row openGL{}; // of AVPluginStart: the plugin has no name yet
+    };
+    std::vector<Inner> mInner;
     int mFrame = 0;
     bool mHasBudgets = true; // false while plugins are unloaded at the end
 };
