@@ -48,16 +48,23 @@ void Checker::Finish() {
     mHostServices.Finish();
 }
 
+std::vector<std::string> Checker::Notes() const {
+    std::vector<std::string> notes;
+    for (const std::unique_ptr<MoreChecks> &checks : mMore) {
+        if (std::string note = checks->Note(); !note.empty())
+            notes.push_back(std::move(note));
+    }
+    return notes;
+}
+
 int Checker::PrintReport() {
     Finish();
     mIsReported = true;
     std::vector<std::string> lines = mFindings.Report();
     if (lines.empty())
         lines.emplace_back("none");
-    for (const std::unique_ptr<MoreChecks> &checks : mMore) {
-        if (std::string note = checks->Note(); !note.empty())
-            lines.push_back(std::move(note));
-    }
+    for (std::string &note : Notes())
+        lines.push_back(std::move(note));
     PrintList("\nFindings:", lines);
     return mFindings.Count(Level::Error);
 }

@@ -55,6 +55,8 @@ class Checker {
     const Findings &Found() const { return mFindings; }
     // To be called once, after the plugins are unloaded. Adds what is certain only then.
     void Finish();
+    // Sentences about what could not be judged.
+    std::vector<std::string> Notes() const;
     // Finishes and prints what was found. Returns the number of errors.
     int PrintReport();
 

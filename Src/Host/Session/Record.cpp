@@ -1,6 +1,7 @@
 // Writes and reads records as JSON, one object a line; see Record.h.
 #include "Record.h"
 
+#include "Common/Files.h"
 #include "Common/UsageError.h"
 #include "Rules/RuleTable.h"
 
@@ -10,7 +11,6 @@
 #include <cerrno>
 #include <cstring>
 #include <fstream>
-#include <string_view>
 
 #include <fcntl.h>
 #include <unistd.h>
@@ -21,13 +21,8 @@ namespace {
 using Json = nlohmann::json;
 
 void Write(int file, const Json &object) {
-    const std::string line = object.dump(-1, ' ', false, Json::error_handler_t::replace) + "\n";
-    for (std::string_view rest = line; !rest.empty();) {
-        const ssize_t written = write(file, rest.data(), rest.size());
-        if (written < 0 && errno != EINTR)
-            return; // the reader sees that the record has no end
-        rest.remove_prefix(static_cast<std::size_t>(std::max<ssize_t>(written, 0)));
-    }
+    // If it fails, the reader sees that the record has no end.
+    WriteAll(file, object.dump(-1, ' ', false, Json::error_handler_t::replace) + "\n");
 }
 
 Finding FindingOf(const Json &object) {
@@ -64,6 +59,8 @@ void Read(const Json &object, Recorded &record) {
         record.findings.push_back(FindingOf(object));
     } else if (kind == "inventory") {
         record.inventories.push_back(InventoryOf(object));
+    } else if (kind == "note") {
+        record.notes.push_back(object.at("text"));
     } else if (kind == "end") {
         record.isWhole = true;
         const auto counts = object.at("counts").get<std::vector<long>>();
@@ -122,6 +119,8 @@ void Record::AddFault(const std::string &path, const std::string &fault) {
 void Record::AddFailure(const std::string &step, const std::string &why) {
     Write(mFile, {{"kind", "failure"}, {"about", step}, {"text", why}});
 }
+
+void Record::AddNote(const std::string &note) { Write(mFile, {{"kind", "note"}, {"text", note}}); }
 
 void Record::End(const std::vector<Finding> &findings) {
     std::vector<long> counts;

@@ -32,6 +32,8 @@ class Record {
     void AddFault(const std::string &path, const std::string &fault);
     // A step that could not be executed.
     void AddFailure(const std::string &step, const std::string &why);
+    // What could not be judged.
+    void AddNote(const std::string &note);
     // The run has come to its end. The findings are those that were added, with their counts.
     void End(const std::vector<Finding> &findings);
 
@@ -49,6 +51,7 @@ struct Recorded {
     std::vector<Inventory> inventories;
     std::vector<Pair> faults;
     std::vector<Pair> failures;
+    std::vector<std::string> notes;
     bool isWhole = false; // the run came to its end
 };
 Recorded ReadRecord(const std::string &file);

@@ -115,6 +115,10 @@ int SessionRunner::Finish() {
     }
     if (mChecker && mChecker->PrintReport() != 0)
         ++mFailed;
+    if (mRecord && mChecker) {
+        for (const std::string &note : mChecker->Notes())
+            mRecord->AddNote(note);
+    }
     if (mRecord)
         mRecord->End(mChecker ? mChecker->Found().All() : std::vector<Finding>());
     if (const std::string note = mSetUp.FilesNote(); !note.empty())

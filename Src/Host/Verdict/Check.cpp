@@ -406,6 +406,7 @@ class Checking {
             if (found && found->report.empty() && run.ending != Ending::Whole && finding.subject == run.cause)
                 found->report = run.report;
         }
+        subject.verdict.notes.insert(run.record.notes.begin(), run.record.notes.end());
         if (!isCounted)
             return;
         const bool isLoadFault = !run.record.faults.empty();
@@ -440,6 +441,7 @@ class Checking {
                 (owner ? owner->verdict.found : others).push_back(std::move(found));
         }
         together.verdict.found = std::move(others);
+        together.verdict.notes.clear(); // known from the runs of each plugin
     }
 
     // The name that the plugin gave itself.

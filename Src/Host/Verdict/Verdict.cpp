@@ -128,6 +128,8 @@ std::vector<std::string> VerdictLines(const Verdict &verdict) {
             if (verdict.Counts(found.finding))
                 AddFound(found, advised, lines);
         }
+        for (const std::string &note : plugin.notes)
+            lines.push_back("  " + note);
     }
     std::array<char, 32> seconds{};
     std::snprintf(seconds.data(), seconds.size(), "%.1f s", verdict.seconds);

@@ -6,6 +6,7 @@
 
 #include "Rules/Findings.h"
 
+#include <set>
 #include <string>
 #include <vector>
 
@@ -37,6 +38,7 @@ struct PluginVerdict {
     Target target;
     std::vector<Found> found;      // in the order of their first scenarios
     std::vector<ScenarioRun> runs; // in the order of the scenarios
+    std::set<std::string> notes;   // what could not be judged
 };
 
 struct Verdict {

@@ -144,7 +144,8 @@ std::string VerdictJson(const Verdict &verdict) {
                            {"file", plugin.target.file},
                            {"passed", verdict.Passes(plugin)},
                            {"scenarios", runs},
-                           {"findings", findings}});
+                           {"findings", findings},
+                           {"notes", plugin.notes}});
     }
     const Json object = {{"result", verdict.Status() == 0 ? "PASS" : "FAIL"},
                          {"status", verdict.Status()},
@@ -174,6 +175,8 @@ std::string VerdictJunit(const Verdict &verdict) {
                Attribute("errors", std::to_string(errors)) + Attribute("skipped", std::to_string(skipped)) + ">\n";
         for (const ScenarioRun &run : cases)
             xml += CaseOf(verdict, plugin, run);
+        for (const std::string &note : plugin.notes)
+            xml += "    <system-out>" + Xml(note) + "</system-out>\n";
         xml += "  </testsuite>\n";
     }
     return xml + "</testsuites>\n";
