@@ -153,10 +153,9 @@ struct OpenGLContext : testing::Test {
     }
 
     static std::array<int, 3> PixelAt(int x, int y) { // y downward
-        std::vector<unsigned char> pixels(std::size_t{kWidth} * kHeight * 4);
-        opengl::ReadScreen(pixels.data());
-        const unsigned char *const pixel = pixels.data() + (y * kWidth + x) * 4;
-        return {pixel[0], pixel[1], pixel[2]};
+        const std::uint32_t pixel = opengl::ReadScreen()[y * kWidth + x];
+        const auto byte = [pixel](int shift) { return static_cast<int>(pixel >> shift & 0xFF); };
+        return {byte(0), byte(8), byte(16)};
     }
 };
 

@@ -11,9 +11,9 @@
 #define AVSK_OPENGL_API(X) \
     X(ActiveTexture) X(AlphaFunc) X(Begin) X(BindBuffer) X(BindFramebuffer) X(BindProgramPipeline) X(BindSampler) \
     X(BindTexture) X(BindVertexArray) X(BlendEquation) X(BlendFunc) X(Clear) X(ClearColor) X(ClearDepth) \
-    X(ClearStencil) X(ClientActiveTexture) X(Color3f) X(Color4f) X(ColorMask) X(CullFace) X(DeleteTextures) \
+    X(ClearStencil) X(ClientActiveTexture) X(Color3f) X(Color4f) X(ColorMask) X(CullFace) X(DeleteSync) X(DeleteTextures) \
     X(DepthFunc) X(DepthMask) X(DepthRange) X(Disable) X(DisableClientState) X(DisableVertexAttribArray) X(DrawBuffer) \
-    X(Enable) X(EnableClientState) X(EnableVertexAttribArray) X(End) X(EndList) X(Finish) X(Flush) X(Fogf) X(Fogfv) \
+    X(Enable) X(EnableClientState) X(EnableVertexAttribArray) X(End) X(EndList) X(FenceSync) X(Finish) X(Flush) X(Fogf) X(Fogfv) \
     X(Fogi) X(FrontFace) X(GenTextures) X(GetBooleanv) X(GetDoublev) X(GetError) X(GetFloatv) \
     X(GetFramebufferAttachmentParameteriv) X(GetIntegerv) X(GetNamedBufferParameteriv) \
     X(GetNamedRenderbufferParameteriv) X(GetString) X(GetTexLevelParameteriv) X(GetTextureLevelParameteriv) \

@@ -4,7 +4,7 @@
 #include "Calls.h"
 #include "Mesa.h"
 
-#include <cstring>
+#include <algorithm>
 #include <filesystem>
 #include <system_error>
 #include <vector>
@@ -15,7 +15,7 @@ namespace {
 struct Screen {
     int width = 0;
     int height = 0;
-    std::vector<unsigned char> pixels; // from the bottom row up; empty without a context
+    std::vector<std::uint32_t> pixels; // empty without a context
     bool isWhole = false;              // else Mesa draws into one pixel
 };
 
@@ -25,6 +25,7 @@ Api gApi{};
 std::string gMissing;
 void (*gMade)() = nullptr;
 void (*gTellMissing)() = nullptr;
+int gWholeFrames = 0; // to come, this one included
 bool gIsRead = false; // a plugin reads pixels, so every frame is drawn
 
 // Whether the screen is what Mesa draws into, or only a pixel of it.
@@ -92,6 +93,7 @@ void Finish() {
     }
     gContext = nullptr;
     gScreen = {};
+    gWholeFrames = 0;
     gIsRead = false;
 }
 
@@ -119,12 +121,14 @@ bool MakeContext() {
     gContext = mesa.create(GL_RGBA, kDepthBits, kStencilBits, kAccumulationBits, nullptr);
     if (!gContext)
         return false;
-    gScreen.pixels.resize(static_cast<std::size_t>(gScreen.width) * static_cast<std::size_t>(gScreen.height) * 4);
+    gScreen.pixels.resize(static_cast<std::size_t>(gScreen.width) * static_cast<std::size_t>(gScreen.height));
 #define AVSK_OPENGL_FIND(name) gApi.name = reinterpret_cast<decltype(gApi.name)>(Find("gl" #name));
     AVSK_OPENGL_API(AVSK_OPENGL_FIND)
 #undef AVSK_OPENGL_FIND
     // First the whole: this determines the viewport that plugins find.
     SetScreen(true);
+    constexpr int kBottomRowFirst = 0x11; // OSMESA_Y_UP
+    mesa.pixelStore(kBottomRowFirst, GL_FALSE);
     gHandlers.reading = DrawEveryFrame;
     SetFunctions(mesa.find);
     Clear();
@@ -140,11 +144,16 @@ const Api &Gl() { return gApi; }
 void BeginFrame(bool isPictured) {
     if (!gContext || IsBetweenBeginAndEnd())
         return;
-    SetScreen(isPictured || gIsRead);
+    // Until it gets its commands, Mesa keeps what the last frame used, deleted textures too. A fence hands them over
+    // without waiting for the pixels, as glFlush() does.
+    gApi.DeleteSync(gApi.FenceSync(GL_SYNC_GPU_COMMANDS_COMPLETE, 0));
+    // A change of the screen's size costs as much as some frames that nobody sees, and pictures often follow each
+    // other.
+    constexpr int kFramesBehindPicture = 4;
+    gWholeFrames = isPictured ? kFramesBehindPicture : std::max(gWholeFrames - 1, 0);
+    SetScreen(gWholeFrames > 0 || gIsRead);
     if (gScreen.isWhole)
         Clear();
-    else
-        gApi.Flush(); // Mesa keeps what the last frame used, deleted textures too, until then
 }
 
 void BeforeDrawing(void (*flush)()) {
@@ -163,7 +172,7 @@ bool IsCompilingList() {
     return list != 0;
 }
 
-void ReadScreen(unsigned char *rgba) {
+const std::uint32_t *ReadScreen() {
     if (!IsBetweenBeginAndEnd()) {
         // Copies Mesa's image into the pixels, if its framebuffer is bound. Independent of other state.
         GLint framebuffer = 0;
@@ -172,9 +181,7 @@ void ReadScreen(unsigned char *rgba) {
         gApi.Finish();
         gApi.BindFramebuffer(GL_DRAW_FRAMEBUFFER, static_cast<GLuint>(framebuffer));
     }
-    const std::size_t row = static_cast<std::size_t>(gScreen.width) * 4;
-    for (int y = gScreen.height - 1; y >= 0; --y, rgba += row)
-        std::memcpy(rgba, gScreen.pixels.data() + static_cast<std::size_t>(y) * row, row);
+    return gScreen.pixels.data();
 }
 
 } // namespace opengl

@@ -6,6 +6,7 @@
 
 #include "Api.h"
 
+#include <cstdint>
 #include <string>
 
 namespace opengl {
@@ -77,9 +78,9 @@ class OwnState {
     float mTexture[16];
 };
 
-// The screen: width * height pixels of red, green, blue and alpha, the top row first. Only with a context, in a frame
-// that is drawn.
-void ReadScreen(unsigned char *rgba);
+// The screen: width * height pixels, red in the lowest byte, the top row first. Only with a context, in a frame that is
+// drawn. Valid until the next frame.
+const std::uint32_t *ReadScreen();
 
 } // namespace opengl
 

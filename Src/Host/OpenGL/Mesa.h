@@ -12,6 +12,7 @@ struct Mesa {
 
     Context (*create)(unsigned format, int depthBits, int stencilBits, int accumulationBits, Context shared) = nullptr;
     void (*destroy)(Context context) = nullptr;
+    void (*pixelStore)(int name, int value) = nullptr;
     unsigned char (*makeCurrent)(Context context, void *buffer, unsigned type, int width, int height) = nullptr;
     Function (*find)(const char *name) = nullptr;
     std::string fault; // why it cannot be used; empty if it can

@@ -8,6 +8,7 @@
 #include "Image.h"
 
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace host {
@@ -36,6 +37,7 @@ class Canvas {
     void Text(const Font &font, int x, int baseline, std::string_view text, Colour colour);
 
     const Image &Pixels() const { return mImage; }
+    Image Take() && { return std::move(mImage); }
     // What was drawn on since the beginning or the last Clear. No two rectangles overlap.
     const std::vector<PixelRectangle> &Touched() const { return mTouched; }
     // Makes what was drawn on transparent.

@@ -122,14 +122,12 @@ void Display::End() {
         return;
     if (opengl::IsUsed() && !opengl::Missing().empty())
         DrawMessage(*mCanvas, opengl::Missing());
-    if (gIsScreenDrawn && opengl::HasContext()) {
-        opengl::ReadScreen(reinterpret_cast<unsigned char *>(mShown.pixels.data()));
+    const bool isComposed = gIsScreenDrawn && opengl::HasContext();
+    const std::uint32_t *const below = isComposed ? opengl::ReadScreen() : mCanvas->Pixels().pixels.data();
+    std::transform(below, below + mShown.pixels.size(), mShown.pixels.begin(),
+                   [](std::uint32_t pixel) { return pixel | kOpaque; });
+    if (isComposed)
         PutOver(*mCanvas, mShown);
-    } else {
-        mShown.pixels = mCanvas->Pixels().pixels;
-    }
-    for (std::uint32_t &pixel : mShown.pixels)
-        pixel |= kOpaque;
     mIsShown = true;
 }
 

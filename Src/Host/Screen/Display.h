@@ -66,7 +66,7 @@ class Display {
     // It is valid until the next frame.
     const Image *Shown() const { return mIsShown ? &mShown : nullptr; }
     // The same with the menu bar over it. It must be shown.
-    Image ShownWith(const std::vector<ShownItem> &menuBar) const;
+    const Image &ShownWith(const std::vector<ShownItem> &menuBar);
 
   private:
     // Draws what covers the screen faster than the layer can. False if there is no context.
@@ -77,6 +77,7 @@ class Display {
 
     std::unique_ptr<Canvas> mCanvas; // made when the first picture is wanted
     Image mShown;
+    Image mWithMenus;
     bool mIsWanted = false;
     bool mIsShown = false;
 };

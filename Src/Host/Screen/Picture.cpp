@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <array>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace host {
@@ -173,10 +174,12 @@ void Display::DrawMessage(Canvas &onto, const std::string &text) const {
     onto.Text(font, 2 * kMargin, top - kMargin - font.Ascent(), text, kAmber);
 }
 
-Image Display::ShownWith(const std::vector<ShownItem> &menuBar) const {
-    Canvas picture(mShown);
+const Image &Display::ShownWith(const std::vector<ShownItem> &menuBar) {
+    mWithMenus = mShown; // without new memory after the first time
+    Canvas picture(std::move(mWithMenus));
     MenuPainter(picture, fonts[kProportional], *this).Bar(menuBar);
-    return picture.Pixels();
+    mWithMenus = std::move(picture).Take();
+    return mWithMenus;
 }
 
 } // namespace host

@@ -79,14 +79,14 @@ void Simulator::Draw() {
     display.End();
     if (!isShot)
         return;
-    const Image picture = Picture();
+    const Image &picture = Picture();
     for (const Screenshot &shot : shots) {
         if (isDue(shot))
             WritePng(picture, shot.file);
     }
 }
 
-Image Simulator::Picture() const { return display.ShownWith(menus.Shown()); }
+const Image &Simulator::Picture() { return display.ShownWith(menus.Shown()); }
 
 std::string Simulator::Status() const {
     std::array<char, 160> text{};

@@ -57,8 +57,9 @@ struct Simulator {
     void RunFrame(double seconds);
     // Reports each scenery folder to the library.
     void ReportScenery();
-    // What the screen shows, with the menu bar. The picture of the last frame must have been wanted.
-    Image Picture() const;
+    // What the screen shows, with the menu bar. The picture of the last frame must have been wanted. Valid until the
+    // next frame.
+    const Image &Picture();
 
   private:
     void FinishRequests();

@@ -132,7 +132,7 @@ Outcome PictureShown(SessionRunner &run, const Step &step) {
     run.Sim().display.hasStatusLine = true;
     if (opengl::IsUsed() && !opengl::Missing().empty())
         return Outcome::Unknown(opengl::Missing());
-    const Image seen = run.Sim().Picture();
+    const Image &seen = run.Sim().Picture();
     try {
         if (!isAccepted)
             return CompareWith(file, seen, allowed, !step.negated);
