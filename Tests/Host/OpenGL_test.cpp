@@ -138,6 +138,16 @@ INSTANTIATE_TEST_SUITE_P(
                {"avsk: plugin 'DrawsOpenGL' died of SIGSEGV", kTexImage + ", called in AVSKDrawCallback_f Draw\n"}}),
     [](const auto &run) { return run.param.name; });
 
+TEST(OpenGLCheck, TheVerdictSaysWhatCouldNotBeJudged) {
+    const std::string file = testing::TempDir() + "opengl_verdict.json";
+    const auto [status, said] =
+        RunAvsk("check --scenario frames " AVSK_TEST_OPENGL_ROOT " --json " + file, "AVSK_OPENGL_FOLDER=/nonexistent");
+    EXPECT_EQ(status, 0) << said;
+    const std::string note = "The rules about OpenGL were not judged. OpenGL draws nothing: ";
+    EXPECT_NE(said.find("\n  " + note), std::string::npos) << said;
+    EXPECT_NE(Contents(file).find('"' + note), std::string::npos);
+}
+
 // ---- The context
 
 constexpr int kWidth = 64;

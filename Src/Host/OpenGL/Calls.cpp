@@ -14,7 +14,8 @@
 #include <span>
 #include <utility>
 
-// Where thunks lead: the function's number is in eax, the arguments begin behind the return address.
+// Where thunks lead: the function's number is in eax, the arguments begin behind the return address. Old plugins align
+// the stack to 4 bytes only.
 extern "C" __attribute__((visibility("hidden"))) void AvskEnterOpenGL();
 
 asm(R"(
@@ -24,13 +25,18 @@ asm(R"(
 AvskEnterOpenGL:
     .cfi_startproc
     leal 4(%esp), %edx
+    pushl %ebp
+    .cfi_def_cfa_offset 8
+    .cfi_offset %ebp, -8
+    movl %esp, %ebp
+    .cfi_def_cfa_register %ebp
+    andl $-16, %esp
+    subl $8, %esp
     pushl %edx
-    .cfi_adjust_cfa_offset 4
     pushl %eax
-    .cfi_adjust_cfa_offset 4
     call AvskCallOpenGL
-    addl $8, %esp
-    .cfi_adjust_cfa_offset -8
+    leave
+    .cfi_def_cfa %esp, 4
     ret
     .cfi_endproc
     .size AvskEnterOpenGL, . - AvskEnterOpenGL

@@ -256,10 +256,11 @@ def requests_are_checked(live):
 
 
 def pages_need_the_token(live):
-    token, other = live.token, ("0" if live.token[-1] != "0" else "1")
+    token = live.token
+    other_end, other_begin = token[:-1] + chr(ord(token[-1]) ^ 1), chr(ord(token[0]) ^ 1) + token[1:]
     rows = [dict(protocols=text) for text in (
-        "", "avsk", token, f"{token}, avsk", f"avsk, {token[:-1]}", f"avsk, {token}0", f"avsk, {token[:-1]}{other}",
-        f"avsk, {other}{token[1:]}", f"avsk, {token.upper()}x", f"avsk, {token}, avsk", "avsk, ", f"avsk,{'x' * 3000}")]
+        "", "avsk", token, f"{token}, avsk", f"avsk, {token[:-1]}", f"avsk, {token}0", f"avsk, {other_end}",
+        f"avsk, {other_begin}", f"avsk, {token.upper()}x", f"avsk, {token}, avsk", "avsk, ", f"avsk,{'x' * 3000}")]
     rows += [dict(origin=text) for text in ("http://evil.example", "null", f"https://{live.host}")]
     rows += [dict(host=text) for text in ("evil.example", f"evil.example:{live.port}")]
     rows += [dict(extra=f"Sec-WebSocket-Protocol: avsk, {token}\r\n"), dict(extra="Origin: http://evil.example\r\n")]
