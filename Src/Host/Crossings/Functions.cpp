@@ -48,5 +48,8 @@ void crossings::OnFirstCall(void (*prepare)()) { gOnFirstCall = prepare; }
 const Export crossings::kExports[] = {
 #define AVSK_FUNCTION(result, name, parameters, names, ...) {#name, reinterpret_cast<void *>(&name)},
 #include "Prototypes.inc"
+#undef AVSK_FUNCTION
+#undef AVSK_SERVICE
+#undef AVSK_CALLBACK
     {nullptr, nullptr},
 };

@@ -21,5 +21,8 @@ namespace crossings {
     }                                                                                                                  \
     const CallbackKind k_##name{gPrototypes[kIndex_##name], reinterpret_cast<Function>(Enter_##name)};
 #include "Prototypes.inc"
+#undef AVSK_CALLBACK
+#undef AVSK_SERVICE
+#undef AVSK_FUNCTION
 
 } // namespace crossings

@@ -28,6 +28,9 @@ constinit Prototype gPrototypes[] = {
 #define AVSK_CALLBACK(result, name, parameters, entry, names, ...)                                                     \
     {#name, names, FormOfCallback(#name), KindOf<result>()},
 #include "Prototypes.inc"
+#undef AVSK_CALLBACK
+#undef AVSK_SERVICE
+#undef AVSK_FUNCTION
 };
 
 std::vector<std::string> PrototypeNames() {

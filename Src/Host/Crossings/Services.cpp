@@ -65,6 +65,8 @@ const AVSKHostCallbacks *Structure<AVSKHostCallbacks>::Replaced() const {
     gReplacement.name = isKnown && offsetof(AVSKHostCallbacks, name) < size && !given.name ? nullptr : Serve_##name;
 #include "Prototypes.inc"
 #undef AVSK_SERVICE
+#undef AVSK_FUNCTION
+#undef AVSK_CALLBACK
     return &gReplacement;
 }
 

@@ -24,8 +24,8 @@ void (*gAddEnumerant)(Line &line, const Value &value) = nullptr;
 constexpr AVSKWord kFirstAddress = 4096;
 
 std::size_t BytesLeftOnPage(const char *address) {
-    constexpr std::uintptr_t kPage = 4096;
-    return kPage - reinterpret_cast<std::uintptr_t>(address) % kPage;
+    constexpr std::uintptr_t kPageSize = 4096;
+    return kPageSize - reinterpret_cast<std::uintptr_t>(address) % kPageSize;
 }
 
 void AddQuoted(Line &line, std::string_view text) {

@@ -9,7 +9,7 @@
 namespace opengl {
 namespace {
 
-constexpr const char kTexts[] =
+constexpr const char kFunctionTexts[] =
 #include "FunctionTexts.inc"
     ;
 
@@ -21,8 +21,8 @@ const Function kFunctions[kFunctionCount] = {
 #undef AVSK_OPENGL
 };
 
-const char *Function::Name() const { return kTexts + text; }
+const char *Function::Name() const { return kFunctionTexts + text; }
 const char *Function::Parameters() const { return Name() + std::strlen(Name()) + 1; }
-const char *Function::Types() const { return kTexts + types; }
+const char *Function::Types() const { return kFunctionTexts + types; }
 
 } // namespace opengl

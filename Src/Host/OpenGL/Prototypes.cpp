@@ -59,7 +59,7 @@ int Integer(char type, std::uint32_t word) {
     }
 }
 
-double Real(char type, std::uint64_t words) {
+double RealOf(char type, std::uint64_t words) {
     switch (type) {
     case 'f':
         return static_cast<double>(std::bit_cast<float>(static_cast<std::uint32_t>(words)));
@@ -88,7 +88,7 @@ Value ValueOf(char type, std::uint64_t words, int group) {
         value.integer = Integer(type, word);
         break;
     case Kind::Real:
-        value.real = Real(type, words);
+        value.real = RealOf(type, words);
         break;
     case Kind::Enumerant:
     case Kind::Bits:
