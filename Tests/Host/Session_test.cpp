@@ -81,6 +81,12 @@ TEST_F(SessionTest, AllWrongLinesAreReportedAndNothingRuns) {
     Expect(2, "plugin Mneu\nplugin Windw\nframes 1\n",
            {"s.avs:1:8: no plugin 'Mneu' in ", "; did you mean 'Menu'?\navsk: ", "s.avs:2:8: no plugin 'Windw'"});
     Expect(2, "plugin Menu\nframes 1\n", {"s.avs:1:8: no plugin 'Menu': no root was named"}, "");
+    std::string many;
+    for (int i = 0; i < 22; ++i)
+        many += "framse 1\n";
+    Expect(2, many, {"s.avs:20:1: unknown word 'framse'", "\navsk: 2 more lines are wrong\n"});
+    Expect(2, std::string("frames 1\n\0", 10), {"s.avs' is no session, because it is no text"});
+    Expect(2, "plugin " AVSK_TEST_HOST "\nframes 1\n", {": the library loads no file of this name: call it NAME.avp"});
     Expect(2, "root " + world.Path("") + "\nplugin Menu\nscenery gone\nframes 1\n", {"s.avs:3:9: no folder 'gone'"},
            "");
 }

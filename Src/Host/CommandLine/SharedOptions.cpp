@@ -51,6 +51,8 @@ bool IsPlugin(const fs::path &path) {
     std::error_code error;
     if (fs::is_directory(path, error))
         return fs::exists(path / "lin.avp", error) || fs::exists(path / "32/lin.avp", error);
+    if (!fs::is_regular_file(path, error)) // a pipe can be read only once
+        return path.extension() == ".avp";
     constexpr std::string_view kMagic = "\x7f"
                                         "ELF";
     std::string begin(kMagic.size(), '\0');

@@ -8,7 +8,6 @@
 #include "Recording.h"
 #include "ScreenChanges.h"
 
-#include "Common/Text.h"
 #include "Common/UsageError.h"
 #include "Session/Forms.h"
 #include "Session/RunSession.h"
@@ -328,8 +327,7 @@ int LiveSimulate(SessionOptions options, const LiveOptions &live, int channel) {
     std::vector<std::string> faults;
     const std::vector<Step> steps =
         file.empty() ? std::vector<Step>() : ReadSession(setUp, faults, /*needsSteps=*/false);
-    if (!faults.empty())
-        throw UsageError(Join(faults, "\n"));
+    RefuseFaults(std::move(faults));
     const SessionOptions asked = setUp.options;
     const std::string aircraft = setUp.aircraft;
     const std::string folder = (file.empty() ? fs::current_path() : fs::absolute(file).parent_path()).string();

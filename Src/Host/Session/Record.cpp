@@ -124,6 +124,7 @@ void Record::AddNote(const std::string &note) { Write(mFile, {{"kind", "note"}, 
 
 void Record::End(const std::vector<Finding> &findings) {
     std::vector<long> counts;
+    counts.reserve(findings.size());
     for (const Finding &finding : findings)
         counts.push_back(finding.count);
     Write(mFile, {{"kind", "end"}, {"counts", counts}});

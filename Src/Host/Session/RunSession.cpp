@@ -6,6 +6,7 @@
 #include "Parser.h"
 #include "Runner.h"
 
+#include "Common/Files.h"
 #include "Common/Text.h"
 #include "Common/UsageError.h"
 
@@ -13,7 +14,6 @@
 #include <cstdio>
 #include <cstring>
 #include <filesystem>
-#include <fstream>
 #include <iostream>
 #include <optional>
 #include <sstream>
@@ -42,17 +42,22 @@ void Collect(std::vector<std::string> &faults, Action action) {
 
 std::vector<Step> ReadSession(SetUp &setUp, std::vector<std::string> &faults, bool needsSteps) {
     const std::string &file = setUp.options.file;
-    std::ifstream stream(file);
     std::error_code error;
     if (fs::is_directory(fs::path(file) / "Resources/plugins", error))
         throw UsageError("'" + file + "' is a simulator's folder and no session: 'avsk run --root " + file +
                          "' runs its plugins");
-    if (!stream || fs::is_directory(file, error))
+    const std::optional<std::string> text = ReadFile(file);
+    const std::string fault = std::strerror(errno);
+    if (!text)
         throw UsageError("cannot read the session '" + file + "' (" +
-                         (stream ? "it is a folder" : std::strerror(errno)) +
+                         (fs::is_directory(file, error) ? "it is a folder" : fault) +
                          "): name a readable file of steps, such as those in Samples");
+    if (text->find('\0') != std::string::npos)
+        throw UsageError("'" + file +
+                         "' is no session, because it is no text: name a file of steps, such as those in Samples");
     SessionParser parser(file);
     std::vector<Step> steps;
+    std::istringstream stream(*text);
     for (std::string line; std::getline(stream, line);) {
         Collect(faults, [&] {
             if (auto step = parser.Read(line))
@@ -68,14 +73,25 @@ std::vector<Step> ReadSession(SetUp &setUp, std::vector<std::string> &faults, bo
     return steps;
 }
 
+void RefuseFaults(std::vector<std::string> faults) {
+    constexpr std::size_t kMost = 20;
+    if (faults.empty())
+        return;
+    if (faults.size() > kMost) {
+        const std::string more = std::to_string(faults.size() - kMost);
+        faults.resize(kMost);
+        faults.push_back(more + " more lines are wrong");
+    }
+    throw UsageError(Join(faults, "\n"));
+}
+
 namespace {
 
-// Nothing runs if a line is wrong. All wrong lines are reported at once.
+// Nothing runs if a line is wrong.
 int RunFile(SessionRunner &run) {
     std::vector<std::string> faults;
     const std::vector<Step> steps = ReadSession(run.ForSetUp(), faults);
-    if (!faults.empty())
-        throw UsageError(Join(faults, "\n"));
+    RefuseFaults(std::move(faults));
     run.Start();
     for (const Step &step : steps) {
         if (!step.form->IsSetUp())

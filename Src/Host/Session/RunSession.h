@@ -17,6 +17,9 @@ class SetUp;
 // session, or if it has only set-up lines and steps are needed.
 std::vector<Step> ReadSession(SetUp &setUp, std::vector<std::string> &faults, bool needsSteps = true);
 
+// Throws UsageError with the first faults, one a line, unless there are none.
+void RefuseFaults(std::vector<std::string> faults);
+
 // Runs the session of the options' file, or the lines of standard input if
 // there is no file. Returns the exit status. Throws UsageError.
 int RunSession(SessionOptions options);

@@ -111,6 +111,8 @@ std::string LocatePlugin(const std::string &root, const std::string &plugin) {
     found = fs::canonical(found, error);
     if (error)
         RefusePlugin(root, plugins, plugin);
+    if (fs::is_regular_file(found, error) && found.extension() != ".avp")
+        throw UsageError("plugin '" + plugin + "': the library loads no file of this name: call it NAME.avp");
     const bool packed = found.filename() == "lin.avp"; // the whole folder is the plugin
     return packed ? found.parent_path() : found;
 }

@@ -68,7 +68,7 @@ void AddFound(const Found &found, std::set<const Rule *> &advised, std::vector<s
     if (found.scenarios.front() != "file")
         lines.push_back("    again: " + found.repeat);
     if (!found.session.empty()) {
-        lines.push_back("    this session shows it, with 'avsk run FILE.avs --check':");
+        lines.emplace_back("    this session shows it, with 'avsk run FILE.avs --check':");
         lines.push_back(Indented(Join(found.session, "\n"), "      "));
     }
     if (!found.report.empty())
