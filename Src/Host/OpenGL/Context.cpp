@@ -144,13 +144,12 @@ const Api &Gl() { return gApi; }
 void BeginFrame(bool isPictured) {
     if (!gContext || IsBetweenBeginAndEnd())
         return;
-    // Until it gets its commands, Mesa keeps what the last frame used, deleted textures too. A fence hands them over
-    // without waiting for the pixels, as glFlush() does.
+    // Mesa keeps what the last frame used, deleted textures too, until it executes the commands. A fence starts that.
+    // glFlush() would also wait for the pixels.
     gApi.DeleteSync(gApi.FenceSync(GL_SYNC_GPU_COMMANDS_COMPLETE, 0));
-    // A change of the screen's size costs as much as some frames that nobody sees, and pictures often follow each
-    // other.
-    constexpr int kFramesBehindPicture = 4;
-    gWholeFrames = isPictured ? kFramesBehindPicture : std::max(gWholeFrames - 1, 0);
+    // A change of the screen's size costs as much as some whole frames, and pictures often follow each other.
+    constexpr int kWholeFrames = 4; // from a picture on
+    gWholeFrames = isPictured ? kWholeFrames : std::max(gWholeFrames - 1, 0);
     SetScreen(gWholeFrames > 0 || gIsRead);
     if (gScreen.isWhole)
         Clear();
