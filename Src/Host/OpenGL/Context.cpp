@@ -144,9 +144,12 @@ const Api &Gl() { return gApi; }
 void BeginFrame(bool isPictured) {
     if (!gContext || IsBetweenBeginAndEnd())
         return;
-    // Mesa keeps what the last frame used, deleted textures too, until it executes the commands. A fence starts that.
-    // glFlush() would also wait for the pixels.
-    gApi.DeleteSync(gApi.FenceSync(GL_SYNC_GPU_COMMANDS_COMPLETE, 0));
+    // Mesa keeps what the last frame used, deleted textures too, until its commands are executed. glFlush() waits for
+    // that and for the pixels, a fence only begins it.
+    if (gScreen.isWhole)
+        gApi.DeleteSync(gApi.FenceSync(GL_SYNC_GPU_COMMANDS_COMPLETE, 0));
+    else
+        gApi.Flush();
     // A change of the screen's size costs as much as some whole frames, and pictures often follow each other.
     constexpr int kWholeFrames = 4; // from a picture on
     gWholeFrames = isPictured ? kWholeFrames : std::max(gWholeFrames - 1, 0);
