@@ -278,8 +278,10 @@ void LiveSimulator::RunFrame() {
         return;
     SendPicture();
     mIsPictureDue = false;
-    // At most four fifths of the time are for pictures.
-    mNextPicture = std::max(begin + kBetweenPictures, Clock::now() + (TimeOfThread() - used) / 4);
+    // At most four fifths of the time are for pictures. A fast simulation needs more time for its frames.
+    const Clock::time_point now = Clock::now();
+    const Clock::duration pause = mPace.speed > 1 ? now - begin : (TimeOfThread() - used) / 4;
+    mNextPicture = std::max(begin + kBetweenPictures, now + pause);
 }
 
 void LiveSimulator::SendPicture() {

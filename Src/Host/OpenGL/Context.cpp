@@ -150,8 +150,8 @@ void BeginFrame(bool isPictured) {
         gApi.DeleteSync(gApi.FenceSync(GL_SYNC_GPU_COMMANDS_COMPLETE, 0));
     else
         gApi.Flush();
-    // A change of the screen's size costs as much as some whole frames, and pictures often follow each other.
-    constexpr int kWholeFrames = 4; // from a picture on
+    // A change of the screen's size costs as much as a whole frame, and every second frame is often pictured.
+    constexpr int kWholeFrames = 2; // from a picture on
     gWholeFrames = isPictured ? kWholeFrames : std::max(gWholeFrames - 1, 0);
     SetScreen(gWholeFrames > 0 || gIsRead);
     if (gScreen.isWhole)
