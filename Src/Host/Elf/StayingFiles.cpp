@@ -102,7 +102,7 @@ bool StackLeadsInto(std::uintptr_t stack, const Range &code, const std::vector<M
 std::string ThreadIn(const Range &code, const std::vector<Mapping> &mappings) {
     std::error_code error;
     for (fs::directory_iterator task("/proc/self/task", error), end; !error && task != end; task.increment(error)) {
-        const std::string number = task->path().filename().string();
+        std::string number = task->path().filename().string();
         if (number != std::to_string(getpid()) && StackLeadsInto(StackPointer(task->path()), code, mappings))
             return number;
     }
