@@ -62,13 +62,15 @@ std::vector<ShownItem> ItemsOf(Menu &menu) {
     return items;
 }
 
+// Menus of simulators that have ended. Owned here; see ~MenuTree().
+std::vector<std::unique_ptr<Menu>> &gKeptMenus = *new std::vector<std::unique_ptr<Menu>>;
+
 } // namespace
 
 MenuTree::~MenuTree() {
-    static auto &kept = *new std::vector<std::unique_ptr<Menu>>;
     for (std::unique_ptr<Menu> &menu : mMenus) {
         menu->items = {};
-        kept.push_back(std::move(menu));
+        gKeptMenus.push_back(std::move(menu));
     }
 }
 
