@@ -8,6 +8,7 @@
 #include "Recording.h"
 #include "ScreenChanges.h"
 
+#include "Common/Text.h"
 #include "Common/UsageError.h"
 #include "Session/Forms.h"
 #include "Session/RunSession.h"
@@ -88,6 +89,7 @@ class LiveSimulator {
     void LimitMemory();
     Clock::duration Period() const;
     void RunDueFrames();
+    void RunNextFrame();
     void RunFrame();
     void SendPicture();
     void SendStates();
@@ -204,17 +206,14 @@ void LiveSimulator::Do(const std::string &what, const Json &message) {
 void LiveSimulator::DoLine(const Json &message) {
     const auto line = message.at("line").get<std::string>();
     if (mMove && !mPace.isPaused && line == "release") {
-        RunFrame(); // windows are told of a drag once a frame
-        mNextFrame += Period();
+        RunNextFrame(); // windows are told of a drag once a frame
     }
     MoveMouse();
     Reply(message, mLines.Do(line));
     mIsPictureDue = true;
     // The next frame runs early, so that the page soon shows what the line did. The one after it keeps its time.
-    if (!mPace.isPaused && mNextFrame <= Clock::now() + Period()) {
-        RunFrame();
-        mNextFrame += Period();
-    }
+    if (!mPace.isPaused && mNextFrame <= Clock::now() + Period())
+        RunNextFrame();
 }
 
 void LiveSimulator::Reply(const Json &message, const Answer &answer) {
@@ -259,14 +258,17 @@ void LiveSimulator::RunDueFrames() {
     }
     const Clock::time_point begin = Clock::now();
     Clock::time_point now = begin;
-    for (; !mPace.isPaused && mNextFrame <= now && now - begin < kLongest; now = Clock::now()) {
-        RunFrame();
-        mNextFrame += Period();
-    }
+    for (; !mPace.isPaused && mNextFrame <= now && now - begin < kLongest; now = Clock::now())
+        RunNextFrame();
     if (mNextFrame + kLatest < now)
         mNextFrame = now;
     mFrames.Update(now);
     mPictures.Update(now);
+}
+
+void LiveSimulator::RunNextFrame() {
+    RunFrame();
+    mNextFrame += Period();
 }
 
 void LiveSimulator::RunFrame() {
@@ -334,7 +336,8 @@ int LiveSimulate(SessionOptions options, const LiveOptions &live, int channel) {
     std::vector<std::string> faults;
     const std::vector<Step> steps =
         file.empty() ? std::vector<Step>() : ReadSession(setUp, faults, /*needsSteps=*/false);
-    RefuseFaults(std::move(faults));
+    if (!faults.empty())
+        throw UsageError(Join(faults, "\n"));
     const SessionOptions asked = setUp.options;
     const std::string aircraft = setUp.aircraft;
     const std::string folder = (file.empty() ? fs::current_path() : fs::absolute(file).parent_path()).string();

@@ -38,6 +38,15 @@ void Collect(std::vector<std::string> &faults, Action action) {
     }
 }
 
+void Shorten(std::vector<std::string> &faults) {
+    constexpr std::size_t kMost = 20;
+    if (faults.size() <= kMost)
+        return;
+    const std::string more = std::to_string(faults.size() - kMost);
+    faults.resize(kMost);
+    faults.push_back(more + " more lines are wrong");
+}
+
 } // namespace
 
 std::vector<Step> ReadSession(SetUp &setUp, std::vector<std::string> &faults, bool needsSteps) {
@@ -70,19 +79,8 @@ std::vector<Step> ReadSession(SetUp &setUp, std::vector<std::string> &faults, bo
         if (step.form->IsSetUp())
             Collect(faults, [&] { setUp.Apply(step); });
     }
+    Shorten(faults);
     return steps;
-}
-
-void RefuseFaults(std::vector<std::string> faults) {
-    constexpr std::size_t kMost = 20;
-    if (faults.empty())
-        return;
-    if (faults.size() > kMost) {
-        const std::string more = std::to_string(faults.size() - kMost);
-        faults.resize(kMost);
-        faults.push_back(more + " more lines are wrong");
-    }
-    throw UsageError(Join(faults, "\n"));
 }
 
 namespace {
@@ -91,7 +89,8 @@ namespace {
 int RunFile(SessionRunner &run) {
     std::vector<std::string> faults;
     const std::vector<Step> steps = ReadSession(run.ForSetUp(), faults);
-    RefuseFaults(std::move(faults));
+    if (!faults.empty())
+        throw UsageError(Join(faults, "\n"));
     run.Start();
     for (const Step &step : steps) {
         if (!step.form->IsSetUp())

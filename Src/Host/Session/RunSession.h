@@ -13,12 +13,9 @@ namespace host {
 class SetUp;
 
 // Reads the options' file and applies its set-up. Returns the lines that are
-// right, and adds the faults of the others. Throws UsageError if there is no
+// right, and adds the first faults of the others, and how many more there are. Throws UsageError if there is no
 // session, or if it has only set-up lines and steps are needed.
 std::vector<Step> ReadSession(SetUp &setUp, std::vector<std::string> &faults, bool needsSteps = true);
-
-// Throws UsageError with the first faults, one a line, unless there are none.
-void RefuseFaults(std::vector<std::string> faults);
 
 // Runs the session of the options' file, or the lines of standard input if
 // there is no file. Returns the exit status. Throws UsageError.
