@@ -56,10 +56,7 @@ void Profile::EndOpenGL(const Crossing &call) {
         return;
     const Time time = call.Duration();
     mInner.back().time += time;
-    Row &row = call.outer->IsStart() ? mInner.back().openGL : OpenGLRowOf(*call.outer);
-    ++row.calls;
-    row.total += time;
-    row.present += time;
+    (call.outer->IsStart() ? mInner.back().openGL : OpenGLRowOf(*call.outer)).Add(1, time);
 }
 
 void Profile::Ends(const Crossing &crossing) {
@@ -76,16 +73,9 @@ void Profile::Ends(const Crossing &crossing) {
     // A plugin gets its name at its start, and possibly the ID of an unloaded one.
     if (crossing.IsStart())
         mKnown.clear();
-    if (inner.openGL.calls > 0) {
-        Row &row = OpenGLRowOf(crossing);
-        row.calls += inner.openGL.calls;
-        row.total += inner.openGL.total;
-        row.present += inner.openGL.present;
-    }
-    Row &row = RowOf(crossing);
-    ++row.calls;
-    row.total += own;
-    row.present += own;
+    if (inner.openGL.calls > 0)
+        OpenGLRowOf(crossing).Add(inner.openGL.calls, inner.openGL.total);
+    RowOf(crossing).Add(1, own);
 }
 
 Profile::Known &Profile::KnownOf(const Crossing &crossing) {

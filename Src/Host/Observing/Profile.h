@@ -54,6 +54,12 @@ class Profile : public crossings::Observer {
         Time present{}; // in the present frame
         Time worst{};   // the most in one frame
         int worstFrame = 0;
+
+        void Add(long count, Time time) {
+            calls += count;
+            total += time;
+            present += time;
+        }
     };
     // The worst frame of a plugin over its budget.
     struct Excess {
